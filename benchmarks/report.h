@@ -1,0 +1,27 @@
+// How every benchmark tells its figures: one line each, always beside the yardstick measured in the same run.
+#pragma once
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace quorvane {
+
+// Of an odd number of rounds the middle one; of an even number the upper of the two.
+inline double Median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+// Prints "name: measured unit, yardstick unit, ratio, target, met or missed". The target is the largest ratio
+// of measured to yardstick that is good enough. True when it is met.
+inline bool Report(const char* name, double measured, double yardstick, const char* unit, double target) {
+    const double ratio = measured / yardstick;
+    const bool met = ratio <= target;
+    std::printf("%s: measured %.3f %s, yardstick %.3f %s, ratio %.3f, target %.2f, %s\n", name, measured,
+                unit, yardstick, unit, ratio, target, met ? "met" : "missed");
+    return met;
+}
+
+}  // namespace quorvane

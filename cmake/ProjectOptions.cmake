@@ -1,0 +1,37 @@
+# Language level, warnings, and the one function that makes a room's library.
+
+option(QUORVANE_BUILD_TESTS "Build the tests" ON)
+option(QUORVANE_BUILD_BENCHMARKS "Build the benchmarks" OFF)
+option(QUORVANE_SANITIZE "Build under AddressSanitizer and UBSan" OFF)
+option(QUORVANE_WERROR "Treat warnings as errors" ON)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+add_library(quorvane_options INTERFACE)
+target_include_directories(quorvane_options INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_definitions(quorvane_options INTERFACE
+  QT_NO_CAST_FROM_BYTEARRAY QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS)
+target_compile_options(quorvane_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  $<$<BOOL:${QUORVANE_WERROR}>:-Werror>)
+if(QUORVANE_SANITIZE)
+  target_compile_options(quorvane_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(quorvane_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# quorvane_room(NAME SOURCES ... LINK ...): the static library of one folder.
+function(quorvane_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;LINK" ${ARGN})
+  qt_add_library(${name} STATIC ${ROOM_SOURCES})
+  target_link_libraries(${name} PUBLIC quorvane_options ${ROOM_LINK})
+endfunction()

@@ -1,0 +1,58 @@
+// The only door to a database: a connection that executes statements and hands out record sets.
+//
+// What stands behind it (an SQLite file, an Access file) is nobody's business above data/store. Errors are
+// thrown as ProviderError with the message of whatever stands behind; CLightingDatabase catches them all.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <variant>
+
+#include "data/records.h"
+
+namespace quorvane {
+
+class ProviderError : public std::runtime_error {
+public:
+    explicit ProviderError(const CString& message)
+        : std::runtime_error(message.toStdString()), m_message(message) {}
+    const CString& Message() const { return m_message; }
+
+private:
+    CString m_message;
+};
+
+// One field of one row: NULL (monostate), an integer, a real or a text. NULL is none of the other three.
+using FieldValue = std::variant<std::monostate, qint64, double, CString>;
+
+// The rows of a query, read forward only. A new record set stands on its first row.
+class Recordset {
+public:
+    virtual ~Recordset() = default;
+    virtual bool AtEnd() const = 0;
+    // Steps to the next row, or to the end. Calling it at the end is a ProviderError.
+    virtual void MoveNext() = 0;
+    // The value of a column of the present row, by its name in the result or by its index from 0. A name
+    // that stands twice in the result is qualified with its table ("光源.ID"). An unknown column, an index
+    // out of range and a read at the end are ProviderErrors.
+    virtual FieldValue Value(const CString& columnName) const = 0;
+    virtual FieldValue Value(int index) const = 0;
+};
+
+class Connection {
+public:
+    virtual ~Connection() = default;
+    // Opens the database that the connection string names; options is -1 for "unspecified".
+    virtual void Open(const CString& connectionString, const CString& user, const CString& password,
+                      int options) = 0;
+    // Runs exactly one statement. A statement without result rows gives a record set that is at its end.
+    virtual std::unique_ptr<Recordset> Execute(const CString& statement) = 0;
+    virtual void Close() = 0;
+};
+
+// Makes a connection, not yet open, for the database that the connection string names. Throws ProviderError
+// with the reason when this platform has nothing that could open it.
+using ConnectionFactory = std::function<std::shared_ptr<Connection>(const CString& connectionString)>;
+
+}  // namespace quorvane

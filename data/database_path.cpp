@@ -1,0 +1,40 @@
+#include "data/database_path.h"
+
+namespace quorvane {
+
+namespace {
+
+constexpr QChar kSeparator = u'\\';
+
+}  // namespace
+
+CString ApplicationParentFolder(const CString& executablePath) {
+    CString folder = executablePath;
+    folder.replace(u'/', kSeparator);
+    folder.truncate(std::max<qsizetype>(folder.lastIndexOf(kSeparator), 0));
+
+    const qsizetype parentEnd = folder.lastIndexOf(kSeparator);
+    if (parentEnd > 0) {
+        folder.truncate(parentEnd);
+    }
+    // Only at the end: the two in front of a network path belong to it.
+    while (folder.endsWith(kSeparator)) {
+        folder.chop(1);
+    }
+    return folder;
+}
+
+CString DatabasePath(const CString& executablePath) {
+    const CString folder = ApplicationParentFolder(executablePath);
+    return folder.isEmpty() ? CString() : folder + QStringLiteral("\\Vexal\\灯具数据库.mdb");
+}
+
+CString NativePath(const CString& storedPath) {
+#ifdef Q_OS_WIN
+    return storedPath;
+#else
+    return CString(storedPath).replace(kSeparator, u'/');
+#endif
+}
+
+}  // namespace quorvane

@@ -1,0 +1,108 @@
+// CLightingDatabase: the one object through which the program reads and writes its database.
+//
+// One operation per statement; each statement is committed by itself. An operation returns true when its
+// statement ran, and false when there is no connection, the statement failed, or a value read was NULL; it
+// never throws and never shows a message. Reals are written with six significant digits. A text is written
+// between single quotes as it stands, so an operation whose text holds a single quote fails and runs
+// nothing.
+//
+// Loads empty the target array first (but not without a connection) and keep the order that the statement
+// gives. A NULL ends a load with false and keeps the records before it. A look-up takes the first row;
+// without a row it returns true and leaves its cleared output (ID 0, an empty text).
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "data/connection.h"
+#include "data/records.h"
+
+namespace quorvane {
+
+class CLightingDatabase {
+public:
+    // factory makes the connection at Connect(); executablePath tells where the database lies.
+    CLightingDatabase(ConnectionFactory factory, CString executablePath);
+
+    // True when a connection exists afterwards; an open one is kept. The reason of a failure goes to the
+    // debug trace.
+    bool Connect();
+    // Closes the connection. False when there was none or it could not be closed.
+    bool Disconnect();
+
+    // The full path of the database file, in backslash form, or empty.
+    CString GetDatabasePath() const;
+    // The folder above the executable's folder, without a trailing backslash.
+    CString GetApplicationParentFolder() const;
+
+    // 光源类别 (categories are only read).
+    bool LoadLampTypes(std::vector<tagLAMPHOUSETYPE>& types);
+    bool GetLampTypeName(int id, CString& name);
+    bool FindLampTypeID(const CString& name, int& id);
+
+    // 光源. An insert stores the new row's ID into the record.
+    bool InsertLightSource(tagLAMPHOUSEINFO& record);
+    bool UpdateLightSource(const tagLAMPHOUSEINFO& record);
+    bool DeleteLightSource(int id);
+    bool LoadAllLightSources(std::vector<tagLAMPHOUSEINFO>& records);
+    bool LoadLightSourceFactories(std::vector<CString>& factories);
+    bool LoadLightSourcesByFactory(const CString& factory, std::vector<tagLAMPHOUSEINFO>& records);
+    // record.ID becomes id in any case.
+    bool LoadLightSourceByID(int id, tagLAMPHOUSEINFO& record);
+    bool LoadLightSourcesByType(int categoryId, std::vector<tagLAMPHOUSEINFO>& records);
+    bool LoadLightSourcesByTypeName(const CString& categoryName, std::vector<tagLAMPHOUSEINFO>& records);
+    bool LoadLightSourceNamesByType(int categoryId, std::vector<CString>& names);
+    // Searches by whichever of name and model is not empty; false with both empty, id then untouched.
+    bool FindLightSourceID(const CString& name, const CString& model, int& id);
+    // The category name of that light source; false with both name and model empty.
+    bool FindLightSourceTypeName(const CString& name, const CString& model, CString& typeName);
+
+    // 灯具.
+    bool InsertLuminaire(tagLUMINAIREINFO& record);
+    bool UpdateLuminaire(const tagLUMINAIREINFO& record);
+    // Deletes the luminaire and, when that succeeded, its utilization factors.
+    bool DeleteLuminaire(int id);
+    // Fails on every row: its statement does not read BallastPower. Kept as part of the interface.
+    bool LoadAllLuminaires(std::vector<tagLUMINAIREINFO>& records);
+    // The luminaires whose LamphouseTypeID holds categoryText anywhere.
+    bool LoadLuminairesByType(const CString& categoryText, std::vector<tagLUMINAIREINFO>& records);
+
+    // 利用系数.
+    bool InsertUtilizationFactor(tagLUMINAIREUTILIZATIONFACTOR& record);
+    bool UpdateUtilizationFactor(const tagLUMINAIREUTILIZATIONFACTOR& record);
+    bool DeleteUtilizationFactor(int id);
+    bool DeleteUtilizationFactorsOfLuminaire(int luminaireId);
+    bool LoadUtilizationFactors(int luminaireId, std::vector<tagLUMINAIREUTILIZATIONFACTOR>& records);
+
+    // 照度要求及功率密度.
+    bool InsertIlluminanceStandard(tagILLUMINANCESTANDARD& record);
+    bool UpdateIlluminanceStandard(const tagILLUMINANCESTANDARD& record);
+    bool DeleteIlluminanceStandard(int id);
+    bool LoadVocations(std::vector<CString>& vocations);
+    bool LoadBuildingTypes(const CString& vocation, std::vector<CString>& buildingTypes);
+    bool LoadIlluminanceStandards(const CString& vocation, const CString& buildingType,
+                                  std::vector<tagILLUMINANCESTANDARD>& records);
+
+private:
+    // A statement ready to run, or nothing when an argument has no place in one.
+    using Statement = std::optional<CString>;
+
+    // Runs the statement and gives its rows to read. The one place where the errors of a connection end.
+    template <typename Read>
+    bool Query(const Statement& statement, const Read& read);
+    bool Execute(const Statement& statement);
+    bool Insert(const Statement& insert, const CString& readBack, int& id);
+    // readRow makes one element of the target from the present row, or reads the first row where there is
+    // one.
+    template <typename Element, typename ReadRow>
+    bool Load(std::vector<Element>& target, const Statement& statement, const ReadRow& readRow);
+    template <typename ReadRow>
+    bool ReadFirst(const Statement& statement, const ReadRow& readRow);
+
+    std::shared_ptr<Connection> m_connection;  // null: not connected
+    ConnectionFactory m_factory;
+    CString m_executablePath;
+};
+
+}  // namespace quorvane

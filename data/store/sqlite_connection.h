@@ -1,0 +1,39 @@
+// The SQLite driver: a database held in one SQLite file.
+#pragma once
+
+#include <sqlite3.h>
+
+#include "data/connection.h"
+
+namespace quorvane {
+
+// How every connection of this driver writes; the reasons stand with the driver.
+extern const char* const kSqliteJournalSettings;
+
+// Whether a file that begins with these bytes is an SQLite database.
+bool IsSqliteFile(const QByteArray& head);
+
+std::shared_ptr<Connection> CreateSqliteConnection();
+
+// Closes a database when its last statement has gone, without a word.
+struct SqliteCloser {
+    void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
+};
+
+class SqliteConnection : public Connection {
+public:
+    // Opens the file named by "Data Source" for reading and writing, or for reading alone where its folder or
+    // its permissions allow no more. Never creates or changes a file. A file that is damaged is refused.
+    // There are no users in such a file and no options: these arguments are not looked at.
+    void Open(const CString& connectionString, const CString& user, const CString& password,
+              int options) override;
+    // A statement whose text goes on after its end is refused.
+    std::unique_ptr<Recordset> Execute(const CString& statement) override;
+    // Fails while a record set of this connection is still open.
+    void Close() override;
+
+private:
+    std::unique_ptr<sqlite3, SqliteCloser> m_database;  // null: not open
+};
+
+}  // namespace quorvane

@@ -1,0 +1,113 @@
+#include "data/store/sqlite_recordset.h"
+
+#include <QStringDecoder>
+#include <algorithm>
+
+namespace quorvane {
+
+namespace {
+
+CString ColumnName(sqlite3_stmt* statement, int index) {
+    return QString::fromUtf8(sqlite3_column_name(statement, index));
+}
+
+bool SameName(const CString& left, const CString& right) {
+    return left.compare(right, Qt::CaseInsensitive) == 0;
+}
+
+// The names of a result's columns; one that stands there twice comes with its table in front.
+std::vector<CString> ColumnNames(sqlite3_stmt* statement) {
+    std::vector<CString> names(static_cast<std::size_t>(sqlite3_column_count(statement)));
+    std::generate(names.begin(), names.end(),
+                  [&, index = 0]() mutable { return ColumnName(statement, index++); });
+    std::vector<CString> qualified = names;
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        const auto sameName = [&](const CString& other) { return SameName(other, names[index]); };
+        const char* table = sqlite3_column_table_name(statement, static_cast<int>(index));
+        if (table != nullptr && std::count_if(names.begin(), names.end(), sameName) > 1) {
+            qualified[index] = QString::fromUtf8(table) + u'.' + names[index];
+        }
+    }
+    return qualified;
+}
+
+// A file may hold bytes that are no text at all. Showing something else in their place would write that back
+// with the row's next update, so they are refused. A byte order mark is a character like any other.
+CString TextValue(sqlite3_stmt* statement, int index) {
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, index));
+    if (bytes == nullptr) {
+        ThrowSqliteError(sqlite3_db_handle(statement));  // out of memory
+    }
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    CString text = decoder(QByteArrayView(bytes, sqlite3_column_bytes(statement, index)));
+    if (decoder.hasError()) {
+        throw ProviderError(QStringLiteral("column %1 holds bytes that are no text").arg(index));
+    }
+    return text;
+}
+
+}  // namespace
+
+void ThrowSqliteError(sqlite3* database) {
+    throw ProviderError(QString::fromUtf8(sqlite3_errmsg(database)));
+}
+
+SqliteRecordset::SqliteRecordset(SqliteStatement statement) : m_statement(std::move(statement)) {
+    Step();
+    if (!AtEnd()) {
+        m_columnNames = ColumnNames(m_statement.get());
+    }
+}
+
+void SqliteRecordset::MoveNext() {
+    if (AtEnd()) {
+        throw ProviderError(QStringLiteral("the record set is at its end"));
+    }
+    Step();
+}
+
+void SqliteRecordset::Step() {
+    switch (sqlite3_step(m_statement.get())) {
+        case SQLITE_ROW:
+            return;
+        case SQLITE_DONE:
+            m_statement.reset();
+            return;
+        default:
+            ThrowSqliteError(sqlite3_db_handle(m_statement.get()));
+    }
+}
+
+FieldValue SqliteRecordset::Value(const CString& columnName) const {
+    const auto column = std::find_if(m_columnNames.begin(), m_columnNames.end(),
+                                     [&](const CString& name) { return SameName(name, columnName); });
+    if (column == m_columnNames.end()) {
+        throw ProviderError(QStringLiteral("the result has no column %1").arg(columnName));
+    }
+    return Value(static_cast<int>(column - m_columnNames.begin()));
+}
+
+FieldValue SqliteRecordset::Value(int index) const {
+    if (AtEnd()) {
+        throw ProviderError(QStringLiteral("the record set is at its end"));
+    }
+    sqlite3_stmt* row = m_statement.get();
+    if (index < 0 || index >= sqlite3_column_count(row)) {
+        throw ProviderError(QStringLiteral("the result has no column %1").arg(index));
+    }
+    switch (sqlite3_column_type(row, index)) {
+        case SQLITE_NULL:
+            return std::monostate();
+        case SQLITE_INTEGER:
+            return qint64{sqlite3_column_int64(row, index)};
+        case SQLITE_FLOAT:
+            return sqlite3_column_double(row, index);
+        case SQLITE_TEXT:
+            return TextValue(row, index);
+        default:
+            throw ProviderError(QStringLiteral("column %1 holds neither number nor text").arg(index));
+    }
+}
+
+}  // namespace quorvane

@@ -1,0 +1,37 @@
+// The rows of an SQLite statement.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <vector>
+
+#include "data/connection.h"
+
+namespace quorvane {
+
+struct SqliteFinalizer {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+using SqliteStatement = std::unique_ptr<sqlite3_stmt, SqliteFinalizer>;
+
+// Throws what SQLite has to say about its last failure.
+[[noreturn]] void ThrowSqliteError(sqlite3* database);
+
+class SqliteRecordset : public Recordset {
+public:
+    // Runs the statement up to its first row, or to its end.
+    explicit SqliteRecordset(SqliteStatement statement);
+
+    bool AtEnd() const override { return m_statement == nullptr; }
+    void MoveNext() override;
+    FieldValue Value(const CString& columnName) const override;
+    FieldValue Value(int index) const override;
+
+private:
+    void Step();
+
+    SqliteStatement m_statement;         // null: at the end, and every lock released
+    std::vector<CString> m_columnNames;  // as Value knows them
+};
+
+}  // namespace quorvane

@@ -1,0 +1,69 @@
+#include "data/store/store_factory.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <array>
+
+#include "data/database_path.h"
+#include "data/store/connection_string.h"
+#include "data/store/sqlite_connection.h"
+
+namespace quorvane {
+
+namespace {
+
+constexpr qint64 kHeadSize = 32;  // every kind of database tells itself within its first bytes
+
+struct Driver {
+    bool (*recognises)(const QByteArray& head);
+    std::shared_ptr<Connection> (*create)();
+};
+
+// One line a driver.
+constexpr std::array kDrivers{
+    Driver{IsSqliteFile, CreateSqliteConnection},
+};
+
+bool IsAccessFile(const QByteArray& head) {
+    const QByteArray format = head.sliced(std::min<qsizetype>(4, head.size()));
+    return format.startsWith("Standard Jet DB") || format.startsWith("Standard ACE DB");
+}
+
+QByteArray ReadHead(const CString& path) {
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        throw ProviderError(QStringLiteral("there is no file %1").arg(path));
+    }
+    if (!info.isFile()) {
+        throw ProviderError(QStringLiteral("%1 is not a file").arg(path));
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw ProviderError(QStringLiteral("%1 cannot be read: %2").arg(path, file.errorString()));
+    }
+    return file.read(kHeadSize);
+}
+
+}  // namespace
+
+std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionString) {
+    const CString path = NativePath(DataSource(connectionString));
+    if (path.isEmpty()) {
+        throw ProviderError(QStringLiteral("the connection string names no data source"));
+    }
+    const QByteArray head = ReadHead(path);
+    const auto* driver = std::find_if(kDrivers.begin(), kDrivers.end(),
+                                      [&](const Driver& candidate) { return candidate.recognises(head); });
+    if (driver != kDrivers.end()) {
+        return driver->create();
+    }
+    if (IsAccessFile(head)) {
+        throw ProviderError(
+            QStringLiteral("%1 is an Access file, which this platform cannot open yet").arg(path));
+    }
+    throw ProviderError(head.isEmpty() ? QStringLiteral("%1 is empty").arg(path)
+                                       : QStringLiteral("%1 is not a database").arg(path));
+}
+
+}  // namespace quorvane

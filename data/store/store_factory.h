@@ -1,0 +1,13 @@
+// What stands behind the seam: chooses the driver for a database by the content of its file.
+#pragma once
+
+#include "data/connection.h"
+
+namespace quorvane {
+
+// A connection for the file named by "Data Source" in the connection string. The first bytes of the file tell
+// an SQLite database from an Access one; a file that this platform cannot open, or that is no database, is a
+// ProviderError that says so. Opening never creates or changes a file.
+std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionString);
+
+}  // namespace quorvane

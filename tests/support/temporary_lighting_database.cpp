@@ -1,0 +1,32 @@
+#include "tests/support/temporary_lighting_database.h"
+
+#include <QDir>
+#include <QFile>
+
+#include "tools/database_schema.h"
+
+namespace quorvane {
+
+TemporaryLightingDatabase::TemporaryLightingDatabase() {
+    const QDir folder(m_folder.path());
+    folder.mkdir(QStringLiteral("bin"));
+    folder.mkdir(QStringLiteral("Vexal"));
+    Raw().Execute(QString::fromUtf8(kDatabaseSchema));
+}
+
+QStringList TemporaryLightingDatabase::Snapshot() const {
+    const RawDatabase database = Raw();
+    QStringList rows = database.Rows(QStringLiteral("select * from sqlite_schema order by name"));
+    for (const char* table : {"光源类别", "光源", "灯具", "利用系数", "照度要求及功率密度"}) {
+        rows << QString::fromUtf8(table)
+             << database.Rows(QStringLiteral("select * from %1 order by ID").arg(QString::fromUtf8(table)));
+    }
+    return rows;
+}
+
+QByteArray TemporaryLightingDatabase::Bytes() const {
+    QFile file(FilePath());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+}  // namespace quorvane

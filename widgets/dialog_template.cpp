@@ -1,0 +1,84 @@
+#include "widgets/dialog_template.h"
+
+#include <QFontMetricsF>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QTabWidget>
+#include <QTreeWidget>
+#include <QWidget>
+#include <cmath>
+
+#include "widgets/ease_combo_box.h"
+#include "widgets/image_button.h"
+
+namespace quorvane {
+namespace {
+
+QString ControlName(int id) {
+    return QStringLiteral("control%1").arg(id);
+}
+
+QWidget* CreateControl(ControlKind kind, const QString& text, QWidget* dialog) {
+    switch (kind) {
+        case ControlKind::PushButton:
+            return new CImageButton(text, dialog);
+        case ControlKind::RadioButton:
+            return new QRadioButton(text, dialog);
+        case ControlKind::DropDownList:
+            return new CEaseComboBox(false, dialog);
+        case ControlKind::SortedDropDownList:
+            return new CEaseComboBox(true, dialog);
+        case ControlKind::Label:
+            return new QLabel(text, dialog);
+        case ControlKind::Edit:
+            return new QLineEdit(text, dialog);
+        case ControlKind::TabControl:
+            return new QTabWidget(dialog);
+        case ControlKind::TreeView:
+            return new QTreeWidget(dialog);
+        case ControlKind::Frame:
+        case ControlKind::Custom:
+            break;
+    }
+    auto* frame = new QWidget(dialog);
+    frame->hide();
+    return frame;
+}
+
+}  // namespace
+
+DialogUnits::DialogUnits(const QFont& font) {
+    const QString letters = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
+    const QFontMetricsF metrics(font);
+    m_baseWidth = metrics.horizontalAdvance(letters) / static_cast<double>(letters.size());
+    m_baseHeight = metrics.height();
+}
+
+QSize DialogUnits::ToPixels(const QSize& units) const {
+    return {static_cast<int>(std::lround(units.width() * m_baseWidth / 4)),
+            static_cast<int>(std::lround(units.height() * m_baseHeight / 8))};
+}
+
+QRect DialogUnits::ToPixels(const QRect& units) const {
+    const QSize corner = ToPixels(QSize(units.x(), units.y()));
+    return {QPoint(corner.width(), corner.height()), ToPixels(units.size())};
+}
+
+void CreateControls(QWidget* dialog, std::span<const DialogControl> controls,
+                    const ControlMaker& makeCustom) {
+    const DialogUnits dialogUnits(dialog->font());
+    for (const DialogControl& control : controls) {
+        QWidget* widget = control.kind == ControlKind::Custom
+                              ? makeCustom(control.id, dialog)
+                              : CreateControl(control.kind, QString::fromUtf16(control.text), dialog);
+        widget->setObjectName(ControlName(control.id));
+        widget->setGeometry(dialogUnits.ToPixels(control.units));
+    }
+}
+
+QWidget* DialogItem(const QWidget* dialog, int id) {
+    return dialog->findChild<QWidget*>(ControlName(id), Qt::FindDirectChildrenOnly);
+}
+
+}  // namespace quorvane

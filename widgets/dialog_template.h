@@ -1,0 +1,62 @@
+// Dialogs as tables of controls placed in dialog units, so that they scale with the font and the screen.
+//
+// A dialog unit is a quarter of the font's average character width across and an eighth of its height down.
+#pragma once
+
+#include <QFont>
+#include <QRect>
+#include <QString>
+#include <functional>
+#include <span>
+
+class QWidget;
+
+namespace quorvane {
+
+enum class ControlKind {
+    PushButton,
+    RadioButton,
+    DropDownList,        // CEaseComboBox in the order of adding
+    SortedDropDownList,  // CEaseComboBox that sorts itself
+    Label,
+    Edit,    // one line of text
+    Frame,   // keeps a place, for instance for a grid; never shown
+    Custom,  // of a class of the dialog's own
+    TabControl,
+    TreeView,  // QTreeWidget
+};
+
+struct DialogControl {
+    int id;
+    ControlKind kind;
+    const char16_t* text;
+    QRect units;  // dialog units
+};
+
+class DialogUnits {
+public:
+    explicit DialogUnits(const QFont& font);
+    QRect ToPixels(const QRect& units) const;
+    QSize ToPixels(const QSize& units) const;
+
+private:
+    double m_baseWidth;   // pixels, average character width
+    double m_baseHeight;  // pixels, character height
+};
+
+// Makes the custom control with that id as a child of dialog.
+using ControlMaker = std::function<QWidget*(int id, QWidget* dialog)>;
+
+// Makes every control of the table as a child of dialog and places it by the dialog's font. Its tab order is
+// the order of the table. makeCustom is asked for the custom controls alone.
+void CreateControls(QWidget* dialog, std::span<const DialogControl> controls,
+                    const ControlMaker& makeCustom = {});
+
+// The control with that id, which must exist and be of that class.
+QWidget* DialogItem(const QWidget* dialog, int id);
+template <typename Widget>
+Widget* DialogItem(const QWidget* dialog, int id) {
+    return qobject_cast<Widget*>(DialogItem(dialog, id));
+}
+
+}  // namespace quorvane

@@ -1,0 +1,42 @@
+// CEaseComboBox: a drop-down list of texts, on request one that sorts itself by pinyin.
+#pragma once
+
+#include <QComboBox>
+#include <vector>
+
+namespace quorvane {
+
+class CEaseComboBox : public QComboBox {
+    Q_OBJECT
+
+public:
+    explicit CEaseComboBox(bool sorted, QWidget* parent);
+
+    // Adds a text at its place (sorted) or at the end. The selection stays on the entry that it was on.
+    void AddString(const QString& text);
+    // Whether the list holds exactly this text.
+    bool Holds(const QString& text) const;
+    // The entries in list order.
+    std::vector<QString> Strings() const;
+    // Selects the entry with exactly this text, or none. Emits no SelectionChanged.
+    void SelectString(const QString& text);
+    void ClearSelection();
+
+    void showPopup() override;
+
+Q_SIGNALS:
+    // The list is about to open.
+    void DropDown();
+    // The user chose another entry.
+    void SelectionChanged();
+
+protected:
+    // A wheel turned over a closed list scrolls nothing: it would change the filter unasked.
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    bool m_sorted;
+    int m_selected = -1;  // the entry last chosen, to tell a new choice from the same one
+};
+
+}  // namespace quorvane

@@ -1,0 +1,118 @@
+#include "widgets/message_box.h"
+
+#include <QAbstractButton>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QPushButton>
+#include <optional>
+#include <vector>
+
+namespace quorvane {
+namespace {
+
+constexpr qsizetype kLongestText = 400;
+
+QString FitForScreen(const QString& text) {
+    if (text.size() <= kLongestText) {
+        return text;
+    }
+    return text.first(kLongestText / 2) + QStringLiteral(" … ") + text.last(kLongestText / 2);
+}
+
+class QuestionBox : public QMessageBox {
+public:
+    QuestionBox(QWidget* parent, const QString& text, const QString& caption, MessageButtons buttons)
+        : QMessageBox(parent) {
+        setObjectName(QStringLiteral("messageBox"));
+        setTextFormat(Qt::PlainText);
+        setText(FitForScreen(text));
+        setWindowTitle(caption.isEmpty() ? QCoreApplication::applicationName() : caption);
+        if (buttons == MessageButtons::Ok) {
+            AddAnswer(QStringLiteral("确定"), MessageAnswer::Ok);
+            m_escape = MessageAnswer::Ok;
+            return;
+        }
+        AddAnswer(QStringLiteral("是"), MessageAnswer::Yes);
+        AddAnswer(QStringLiteral("否"), MessageAnswer::No);
+        if (buttons == MessageButtons::YesNoCancel) {
+            AddAnswer(QStringLiteral("取消"), MessageAnswer::Cancel);
+            m_escape = MessageAnswer::Cancel;
+        }
+    }
+
+    MessageAnswer Ask() {
+        exec();
+        return m_answer;
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Escape) {
+            Leave();
+        } else if (event->key() == Qt::Key_Y) {
+            Click(MessageAnswer::Yes);
+        } else if (event->key() == Qt::Key_N) {
+            Click(MessageAnswer::No);
+        } else {
+            QMessageBox::keyPressEvent(event);
+        }
+    }
+
+    void closeEvent(QCloseEvent* event) override {
+        event->ignore();
+        Leave();
+    }
+
+private:
+    struct Answer {
+        MessageAnswer answer;
+        QPushButton* button;
+    };
+
+    // All buttons bear the same role: their order is then the order of adding on every platform, and the box
+    // finds no button of its own to answer for Esc.
+    void AddAnswer(const QString& text, MessageAnswer answer) {
+        QPushButton* button = addButton(text, QMessageBox::ActionRole);
+        connect(button, &QPushButton::clicked, this, [this, answer] {
+            m_answer = answer;
+            done(0);
+        });
+        if (m_answers.empty()) {
+            setDefaultButton(button);
+            m_answer = answer;
+        }
+        m_answers.push_back({answer, button});
+    }
+
+    void Click(MessageAnswer answer) {
+        for (const Answer& candidate : m_answers) {
+            if (candidate.answer == answer) {
+                candidate.button->click();
+                return;
+            }
+        }
+    }
+
+    void Leave() {
+        if (m_escape) {
+            Click(*m_escape);
+        }
+    }
+
+    std::vector<Answer> m_answers;
+    std::optional<MessageAnswer> m_escape;
+    MessageAnswer m_answer = MessageAnswer::Ok;
+};
+
+}  // namespace
+
+MessageAnswer ShowMessage(QWidget* parent, const QString& text, const QString& caption,
+                          MessageButtons buttons, MessageIcon icon) {
+    QuestionBox box(parent, text, caption, buttons);
+    box.setIcon(icon == MessageIcon::Question ? QMessageBox::Question : QMessageBox::Warning);
+    return box.Ask();
+}
+
+}  // namespace quorvane

@@ -1,0 +1,42 @@
+// The merged blocks of the grid, kept apart from the cells so that an unmerged cell pays nothing for them.
+#pragma once
+
+#include <map>
+#include <utility>
+
+#include "grid/grid_types.h"
+
+namespace quorvane {
+
+// Blocks never overlap; a block has at least two cells.
+class GridMerges {
+public:
+    // Makes a block of range. Blocks that it touches are dissolved; a range of one cell only dissolves.
+    void Merge(const CCellRange& range);
+    // The block that a cell belongs to; the cell alone when it is not merged.
+    CCellRange Extent(CCellID cell) const;
+    // Range grown until it cuts no block.
+    CCellRange GrownToBlocks(CCellRange range) const;
+    void Clear();
+
+    // A block into which rows or columns are inserted grows; one that loses some shrinks; one of which a
+    // single cell is left is dissolved.
+    void InsertRows(int at, int count);
+    void RemoveRows(int at, int count);
+    void InsertColumns(int at, int count);
+    void RemoveColumns(int at, int count);
+
+private:
+    using Corner = std::pair<int, int>;  // row, column
+
+    // Adds a block that overlaps no other; nothing for a range of fewer than two cells.
+    void Put(const CCellRange& range);
+    template <typename Change>
+    void ChangeAll(Change change);
+
+    std::map<Corner, CCellRange> m_blocks;  // by their top-left cell
+    int m_lastRow = -1;                     // no block reaches below
+    int m_mostExtraRows = 0;                // no block spans more
+};
+
+}  // namespace quorvane

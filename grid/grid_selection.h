@@ -1,0 +1,44 @@
+// Which cells are selected and which one has the focus; coordinates only, no painting and no events.
+#pragma once
+
+#include <vector>
+
+#include "grid/grid_types.h"
+
+namespace quorvane {
+
+// The selection is a list of ranges, which may overlap. The anchor is the corner that stays in place while
+// the last range is extended.
+class GridSelection {
+public:
+    CCellID Focus() const { return m_focus; }
+    CCellID Anchor() const { return m_anchor; }
+    const std::vector<CCellRange>& Ranges() const { return m_ranges; }
+    bool IsSelected(CCellID cell) const;
+    // The smallest range that holds all selected cells; (rows, columns, -1, -1) when none is.
+    CCellRange Bounds(int rows, int columns) const;
+
+    // Moves the focus and leaves the selected cells alone.
+    void SetFocus(CCellID focus) { m_focus = focus; }
+    void Clear();
+    // Selects range alone, adds it, or puts it in the place of the range selected last.
+    void SelectOnly(const CCellRange& range, CCellID anchor);
+    void Add(const CCellRange& range, CCellID anchor);
+    void ReplaceLast(const CCellRange& range);
+
+    // Cells outside allowed, the cells that are not fixed, lose focus and selection.
+    void LeaveFixed(const CCellRange& allowed);
+
+    // Cells that move take focus and selection with them, cells that go away leave them.
+    void InsertRows(int at, int count);
+    void RemoveRows(int at, int count);
+    void InsertColumns(int at, int count);
+    void RemoveColumns(int at, int count);
+
+private:
+    CCellID m_focus;
+    CCellID m_anchor;
+    std::vector<CCellRange> m_ranges;
+};
+
+}  // namespace quorvane

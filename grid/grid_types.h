@@ -1,0 +1,85 @@
+// The small values that the grid and its users exchange: cell coordinates, ranges, format and state bits.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QString>
+#include <optional>
+
+namespace quorvane {
+
+using CString = QString;
+
+// A cell's coordinates, numbered from 0, fixed rows and columns included; (-1, -1) means none.
+struct CCellID {
+    int row = -1;
+    int col = -1;
+
+    bool IsValid() const { return row >= 0 && col >= 0; }
+    bool operator==(const CCellID&) const = default;
+};
+
+// A rectangle of cells, all four edges inside it. Whether it is valid depends on the grid's size
+// (CGridCtrl::IsValid).
+struct CCellRange {
+    int minRow = -1;
+    int minCol = -1;
+    int maxRow = -1;
+    int maxCol = -1;
+
+    int RowCount() const { return maxRow - minRow + 1; }
+    int ColumnCount() const { return maxCol - minCol + 1; }
+    bool Contains(CCellID cell) const {
+        return cell.row >= minRow && cell.row <= maxRow && cell.col >= minCol && cell.col <= maxCol;
+    }
+    bool operator==(const CCellRange&) const = default;
+};
+
+// Text-drawing flags of a cell; combined with |.
+namespace CellFormat {
+inline constexpr unsigned Left = 0;
+inline constexpr unsigned Centre = 1;
+inline constexpr unsigned Right = 2;
+inline constexpr unsigned VCentre = 4;
+inline constexpr unsigned WordBreak = 16;
+inline constexpr unsigned SingleLine = 32;
+inline constexpr unsigned NoPrefix = 256;  // "&" is an ordinary character; the grid never treats it otherwise
+inline constexpr unsigned EndEllipsis = 32768;
+}  // namespace CellFormat
+
+// State bits of a cell; combined with |.
+namespace CellState {
+inline constexpr unsigned ReadOnly = 1;   // not edited in place
+inline constexpr unsigned DropDown = 32;  // carries a drop-down list
+}  // namespace CellState
+
+// Which fields of a GridItem are meant.
+namespace ItemMask {
+inline constexpr unsigned Text = 1;
+inline constexpr unsigned Image = 2;
+inline constexpr unsigned Data = 4;
+inline constexpr unsigned State = 8;
+inline constexpr unsigned BackColour = 16;
+inline constexpr unsigned TextColour = 32;
+inline constexpr unsigned Format = 64;
+inline constexpr unsigned Font = 128;
+inline constexpr unsigned Margin = 256;
+}  // namespace ItemMask
+
+// The attributes of one cell that CGridCtrl::SetItem is to set. An invalid colour means the grid's default.
+struct GridItem {
+    int row = 0;
+    int col = 0;
+    unsigned mask = 0;
+    CString text = {};
+    int image = -1;
+    qint32 data = 0;
+    unsigned state = 0;
+    QColor backColour = {};
+    QColor textColour = {};
+    unsigned format = 0;
+    std::optional<QFont> font = {};
+    int margin = 0;  // pixels
+};
+
+}  // namespace quorvane

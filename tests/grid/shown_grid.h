@@ -1,0 +1,55 @@
+// A grid in an active window, for tests that send it real events.
+#pragma once
+
+#include <QLineEdit>
+#include <QTest>
+#include <QVBoxLayout>
+#include <QWidget>
+
+#include "grid/grid_ctrl.h"
+
+namespace quorvane {
+
+// A window with a grid of `rows` x `columns`, one fixed row, and a line edit below it to move the focus to.
+// Every scrolling cell reads "row,column".
+struct ShownGrid {
+    QWidget window;
+    CGridCtrl* grid = nullptr;
+    QLineEdit* other = nullptr;
+
+    ShownGrid(int rows, int columns, int fixedRows = 1, int fixedColumns = 0) {
+        auto* layout = new QVBoxLayout(&window);
+        auto owned = std::make_unique<CGridCtrl>(rows, columns, fixedRows, fixedColumns);
+        grid = owned.get();
+        layout->addWidget(owned.release());
+        other = new QLineEdit(&window);
+        layout->addWidget(other);
+        for (int row = fixedRows; row < rows; ++row) {
+            for (int column = fixedColumns; column < columns; ++column) {
+                grid->SetItemText(row, column, QStringLiteral("%1,%2").arg(row).arg(column));
+            }
+        }
+        window.resize(500, 300);
+        window.show();
+        window.activateWindow();
+        if (!QTest::qWaitForWindowActive(&window)) {
+            qFatal("the window was not activated");
+        }
+        grid->setFocus();
+    }
+
+    QLineEdit* Editor() const { return grid->findChild<QLineEdit*>(QStringLiteral("gridInPlaceEdit")); }
+    QPoint Middle(int row, int column) const { return grid->CellRect(row, column).center(); }
+    void Click(int row, int column, Qt::KeyboardModifiers modifiers = {}) const {
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, modifiers, Middle(row, column));
+    }
+    void DoubleClick(int row, int column) const {
+        Click(row, column);
+        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, Middle(row, column));
+    }
+    void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const {
+        QTest::keyClick(grid, key, modifiers);
+    }
+};
+
+}  // namespace quorvane

@@ -1,0 +1,158 @@
+// RecordPage: a page over the working records of one table: filling the grid, taking edits in, submitting and
+// deleting. A page derived from it says what its columns hold and which statements its records need.
+//
+// Rows and records are matched through the record ID that is the item data of column 0; the append row,
+// always the last, has 0 there.
+#pragma once
+
+#include <QScrollBar>
+#include <algorithm>
+#include <initializer_list>
+#include <utility>
+
+#include "data/number_text.h"
+#include "editors/grid_page.h"
+
+namespace quorvane {
+
+template <typename Record>
+class RecordPage : public GridPage {
+public:
+    using GridPage::GridPage;
+
+    bool IsModified() const override { return m_records.IsModified(); }
+
+    bool Submit() override {
+        const SubmitFailures failures = m_records.Submit(
+            [this](const Record& record) { return IsBlank(record); },
+            [this](Record& record) { return Insert(record); },
+            [this](Record& record) { return Update(record); }, [this](int id) { return Delete(id); });
+        if (!failures.None()) {
+            TellFailures(failures);
+        }
+        return true;
+    }
+
+    // Keeps the focus and the scroll position where they were.
+    void Refresh() override {
+        const CCellID focus = Grid().GetFocusCell();
+        const int left = Grid().horizontalScrollBar()->value();
+        const int top = Grid().verticalScrollBar()->value();
+        FillGrid();
+        if (focus.IsValid() && focus.row < Grid().GetRowCount()) {
+            Grid().SetFocusCell(focus);
+        }
+        Grid().horizontalScrollBar()->setValue(left);
+        Grid().verticalScrollBar()->setValue(top);
+    }
+
+    bool DeleteSelected() override {
+        const CCellRange selected = Grid().GetSelectedCellRange();
+        if (!Grid().IsValid(selected)) {
+            return false;
+        }
+        const int row = selected.minRow;
+        for (int round = 0; round < selected.RowCount(); ++round) {
+            const int id = Grid().GetItemData(row, 0);
+            const Record* record = id == 0 ? nullptr : m_records.Find(id);
+            if (record == nullptr) {
+                continue;
+            }
+            if (!AskToDelete(row, Title(*record))) {
+                return false;
+            }
+            m_records.Remove(id);
+            Grid().DeleteRow(row);
+        }
+        m_records.SetModified();
+        Grid().Refresh();
+        return true;
+    }
+
+protected:
+    // The record's own cells, column 0 excepted.
+    virtual void WriteRow(int row, const Record& record) = 0;
+    // The append row's preset cells, column 0 excepted.
+    virtual void WriteAppendRow(int row) = 0;
+    virtual bool HasAppendRow() const { return true; }
+    // Takes the text of one cell into the record; a text that is not acceptable is rewritten in the cell.
+    virtual void ReadCell(int row, int column, Record& record) = 0;
+    // Whether this is an append row in which nothing has been filled yet.
+    virtual bool IsBlank(const Record& record) const = 0;
+    // What a question calls the record.
+    virtual CString Title(const Record& record) const = 0;
+    // The three statements; each says whether it ran.
+    virtual bool Insert(Record& record) = 0;
+    virtual bool Update(Record& record) = 0;
+    virtual bool Delete(int id) = 0;
+
+    WorkingRecords<Record>& Working() { return m_records; }
+
+    // Before the shown records are replaced: submits or drops pending changes as the user wishes. False when
+    // they could not be submitted.
+    bool SettleChanges() {
+        EndEditing();
+        if (!IsModified()) {
+            return true;
+        }
+        if (AskToSubmit()) {
+            return Submit();
+        }
+        m_records.DiscardChanges();
+        return true;
+    }
+
+    void FillGrid() {
+        Grid().DeleteNonFixedRows();
+        Grid().SetRowCount(1 + static_cast<int>(m_records.Records().size()));
+        int row = 1;
+        for (const Record& record : m_records.Records()) {
+            WriteRowHead(row, FormatInteger(row), record.ID, m_records.IsUnwritten(record.ID));
+            WriteRow(row, record);
+            ++row;
+        }
+        if (HasAppendRow()) {
+            AddAppendRow();
+        }
+        Grid().Refresh();
+    }
+
+    void CellEdited(int row, int column) override { TakeRow(row, {column}); }
+
+    // Takes the cells of those columns into the row's record. Of a known record no other cell is read: its
+    // other values stay as they are, to the last digit and to choices that their cells do not offer. The
+    // append row is read whole and becomes a record once it is not blank.
+    void TakeRow(int row, std::initializer_list<int> columns) {
+        const int id = Grid().GetItemData(row, 0);
+        const Record* known = id == 0 ? nullptr : m_records.Find(id);
+        Record record = known != nullptr ? *known : Record{};
+        record.ID = id;
+        for (int c = 1; c < Grid().GetColumnCount(); ++c) {
+            if (known == nullptr || std::find(columns.begin(), columns.end(), c) != columns.end()) {
+                ReadCell(row, c, record);
+            }
+        }
+        if (id != 0) {
+            m_records.Replace(record);
+        } else if (!IsBlank(record)) {
+            AppendRecord(row, std::move(record));
+        }
+    }
+
+    // Makes the append row the row of a new record and adds a fresh append row below.
+    void AppendRecord(int row, Record record) {
+        Grid().SetItemData(row, 0, m_records.Append(std::move(record)));
+        AddAppendRow();
+    }
+
+private:
+    void AddAppendRow() {
+        const int row = Grid().InsertRow(QStringLiteral("追加"));
+        WriteRowHead(row, QStringLiteral("追加"), 0);
+        WriteAppendRow(row);
+    }
+
+    WorkingRecords<Record> m_records;
+};
+
+}  // namespace quorvane

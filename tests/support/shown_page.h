@@ -1,0 +1,107 @@
+// A page in an active window on a database of its own, worked by real key and mouse events.
+#pragma once
+
+#include <QComboBox>
+#include <QInputMethodEvent>
+#include <QTest>
+#include <memory>
+
+#include "data/lighting_database.h"
+#include "data/store/store_factory.h"
+#include "editors/page.h"
+#include "grid/grid_ctrl.h"
+#include "tests/support/message_answers.h"
+#include "tests/support/temporary_lighting_database.h"
+#include "widgets/dialog_template.h"
+
+namespace quorvane {
+
+struct ShownPage {
+    // Fills the file by rows (any statements), then shows the page that make returns for its parent.
+    template <typename Make>
+    ShownPage(const QString& rows, Make make)
+        : database(CreateStoreConnection, file.ExecutablePath()) {
+        file.Raw().Execute(rows);
+        if (!database.Connect()) {
+            qFatal("the database did not open");
+        }
+        window.resize(820, 520);
+        page = make(database, &window);
+        page->setGeometry(window.rect());
+        window.show();
+        Activate();
+        grid = page->findChild<CGridCtrl*>();
+    }
+
+    // Again the window that keys go to, also after a message box.
+    void Activate() {
+        window.activateWindow();
+        if (!QTest::qWaitForWindowActive(&window)) {
+            qFatal("the window was not activated");
+        }
+    }
+
+    void Click(int row, int column, Qt::KeyboardModifiers modifiers = {}) {
+        Activate();
+        grid->EnsureVisible(row, column);
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, modifiers, grid->CellRect(row, column).center());
+    }
+    // Keys for ASCII; anything else comes from an input method.
+    static void Enter(QWidget* editor, const QString& text) {
+        if (QtPrivate::isAscii(text)) {
+            QTest::keyClicks(editor, text);
+        } else {
+            QInputMethodEvent typed;
+            typed.setCommitString(text);
+            QCoreApplication::sendEvent(editor, &typed);
+        }
+    }
+    // Types over the cell and leaves it by Enter.
+    void Type(int row, int column, const QString& text) {
+        Click(row, column);
+        QTest::keyClick(grid, Qt::Key_F2);
+        QWidget* editor = QApplication::focusWidget();
+        QTest::keySequence(editor, QKeySequence::SelectAll);
+        QTest::keyClick(editor, Qt::Key_Delete);
+        Enter(editor, text);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    }
+    // Chooses an entry of a drop-down list by keys.
+    void Choose(int controlId, int entry) {
+        Activate();
+        auto* list = DialogItem<QComboBox>(page, controlId);
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_F4);
+        QWidget* view = QApplication::focusWidget();
+        QTest::keyClick(view, Qt::Key_Home);
+        for (int step = 0; step < entry; ++step) {
+            QTest::keyClick(view, Qt::Key_Down);
+        }
+        QTest::keyClick(view, Qt::Key_Return);
+    }
+    // The texts of a row, joined by "|".
+    QString Row(int row) const {
+        QStringList texts;
+        for (int column = 0; column < grid->GetColumnCount(); ++column) {
+            texts += grid->GetItemText(row, column);
+        }
+        return texts.join(u'|');
+    }
+    QStringList Rows() const {
+        QStringList rows;
+        for (int row = 1; row < grid->GetRowCount(); ++row) {
+            rows += Row(row);
+        }
+        return rows;
+    }
+
+    TemporaryLightingDatabase file;
+    CLightingDatabase database;
+    MessageAnswers answers;
+    QWidget window;
+    CPage* page = nullptr;
+    CGridCtrl* grid = nullptr;
+};
+
+}  // namespace quorvane

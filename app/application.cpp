@@ -1,0 +1,70 @@
+#include "app/application.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QLocale>
+#include <QTranslator>
+
+#include "app/empty_page.h"
+#include "app/main_dialog.h"
+#include "data/store/store_factory.h"
+#include "editors/light_source_page.h"
+#include "editors/requirement_page.h"
+#include "widgets/icons.h"
+#include "widgets/message_box.h"
+
+namespace quorvane {
+namespace {
+
+// 9 points of the first of these families that is there; Chinese first, for its digits stand in the same
+// tables.
+QFont InterfaceFont() {
+    QFont font;
+    font.setFamilies({QStringLiteral("宋体"), QStringLiteral("SimSun"), QStringLiteral("WenQuanYi Micro Hei"),
+                      QStringLiteral("Noto Sans CJK SC"), QStringLiteral("WenQuanYi Zen Hei")});
+    font.setPointSize(9);
+    return font;
+}
+
+// The texts of the toolkit's own menus and dialogs.
+void InstallChineseTexts(QApplication& application) {
+    auto* translator = new QTranslator(&application);
+    if (translator->load(QStringLiteral(":/translations/qtbase_zh_CN.qm"))) {
+        application.installTranslator(translator);
+    }
+}
+
+}  // namespace
+
+CQuorvaneApp::CQuorvaneApp(QApplication& application)
+    : m_application(application), m_database(CreateStoreConnection, QCoreApplication::applicationFilePath()) {
+    QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
+    QCoreApplication::setApplicationName(QStringLiteral("照度计算数据库维护"));
+    application.setWindowIcon(LoadIcon(IconId::Application));
+    application.setFont(InterfaceFont());
+    InstallChineseTexts(application);
+}
+
+CQuorvaneApp::~CQuorvaneApp() = default;
+
+void CQuorvaneApp::Run() {
+    if (!m_database.Connect()) {
+        ShowMessage(nullptr, QStringLiteral("数据库连接失败!"));
+        return;
+    }
+    const auto emptyPage = [](QWidget* parent) -> CPage* { return new EmptyPage(parent); };
+    CQuorvaneDlg dialog({
+                            .lightSources = [this](QWidget* parent) -> CPage* {
+                                return new CQuorvaneLamphouseDlg(m_database, parent);
+                            },
+                            .luminaires = emptyPage,
+                            .requirements = [this](QWidget* parent) -> CPage* {
+                                return new CQuorvaneDemandDlg(m_database, parent);
+                            },
+                        },
+                        m_application.arguments().constLast());
+    dialog.exec();
+    m_database.Disconnect();
+}
+
+}  // namespace quorvane

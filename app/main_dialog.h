@@ -1,0 +1,50 @@
+// CQuorvaneDlg: the main window, a frame of three tab pages with the buttons Submit, Delete and Exit.
+#pragma once
+
+#include <QDialog>
+#include <array>
+#include <functional>
+
+#include "editors/page.h"
+
+class QTabWidget;
+
+namespace quorvane {
+
+// The pages in the order of their tabs. Each maker returns a page that belongs to the parent it is given.
+struct MainDialogPages {
+    using Maker = std::function<CPage*(QWidget* parent)>;
+    Maker lightSources;
+    Maker luminaires;
+    Maker requirements;
+};
+
+class CQuorvaneDlg : public QDialog {
+    Q_OBJECT
+
+public:
+    // selector is the last command-line argument: "灯具管理器" shows the luminaires first, "照度管理器" the
+    // requirements, anything else the light sources.
+    CQuorvaneDlg(const MainDialogPages& pages, const QString& selector);
+    ~CQuorvaneDlg() override;
+
+    // Closes the window as its close box does, asking first when a page holds unsubmitted edits.
+    void reject() override;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void DecorateButtons();
+    void SubmitPage();
+    void DeleteRows();
+    bool MayLeave();
+    CPage& CurrentPage() const;
+
+    QTabWidget* m_tabs = nullptr;
+    std::array<CPage*, 3> m_pages{};  // children of m_tabs, by tab index
+};
+
+}  // namespace quorvane

@@ -1,0 +1,90 @@
+// From the start of a process to its first painted window: the program with the sample database against a
+// program that shows an empty dialog. The children are copies of this program, so that both load the same
+// libraries.
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTimer>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+#include "app/application.h"
+#include "benchmarks/report.h"
+#include "tools/sample_database.h"
+
+namespace {
+
+using namespace quorvane;
+
+constexpr int kRounds = 11;
+
+qint64 Now() {
+    // The same clock in every process.
+    return std::chrono::duration_cast<std::chrono::microseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+// Prints the time and ends the process once a window has been painted.
+class FirstPaint : public QObject {
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint && qobject_cast<QDialog*>(watched) != nullptr) {
+            QTimer::singleShot(0, [] {
+                std::printf("%lld\n", static_cast<long long>(Now()));
+                std::fflush(stdout);
+                std::_Exit(EXIT_SUCCESS);
+            });
+        }
+        return false;
+    }
+};
+
+int RunChild(QApplication& application, const QString& kind) {
+    FirstPaint firstPaint;
+    application.installEventFilter(&firstPaint);
+    if (kind == QStringLiteral("program")) {
+        CQuorvaneApp(application).Run();
+    } else {
+        QDialog().exec();
+    }
+    return EXIT_FAILURE;  // no window was painted
+}
+
+// Milliseconds.
+double StartUp(const QString& kind) {
+    QProcess child;
+    const qint64 start = Now();
+    child.start(QCoreApplication::applicationFilePath(), {kind});
+    if (!child.waitForFinished() || child.exitCode() != EXIT_SUCCESS) {
+        std::fprintf(stderr, "the child %s failed\n", qPrintable(kind));
+        std::exit(EXIT_FAILURE);
+    }
+    return static_cast<double>(child.readAllStandardOutput().trimmed().toLongLong() - start) / 1000.0;
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    if (argc > 1) {
+        QApplication application(argc, argv);
+        return RunChild(application, QString::fromLocal8Bit(argv[1]));
+    }
+    QCoreApplication application(argc, argv);
+    const QString file =
+        QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../Vexal/灯具数据库.mdb"));
+    if (!QFile::exists(file)) {
+        WriteSampleDatabase(ReadSampleData({}), file);
+    }
+    std::vector<double> program;
+    std::vector<double> empty;
+    for (int round = 0; round < kRounds; ++round) {
+        program.push_back(StartUp(QStringLiteral("program")));
+        empty.push_back(StartUp(QStringLiteral("empty")));
+    }
+    Report("start to first painted window (empty dialog)", Median(program), Median(empty), "ms", 2.0);
+    return 0;
+}

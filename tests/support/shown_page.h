@@ -19,8 +19,7 @@ namespace quorvane {
 struct ShownPage {
     // Fills the file by rows (any statements), then shows the page that make returns for its parent.
     template <typename Make>
-    ShownPage(const QString& rows, Make make)
-        : database(CreateStoreConnection, file.ExecutablePath()) {
+    ShownPage(const QString& rows, Make make) : database(CreateStoreConnection, file.ExecutablePath()) {
         file.Raw().Execute(rows);
         if (!database.Connect()) {
             qFatal("the database did not open");

@@ -1,0 +1,241 @@
+"""Drives the program from outside: finds things as a screen reader does, acts by keys and mouse alone.
+
+    with VirtualScreen() as screen:
+        folder = ProgramFolder(Path("somewhere"), Path("build/release/bin"))
+        window = Program(screen, folder).main_window()
+        window.choose("按光源类型显示", "直管荧光灯")
+        window.enter(0, "光通量", "2650")
+        window.press_button("提交")
+        print(folder.rows("光源"))
+"""
+
+import shutil
+import sqlite3
+import subprocess
+import tempfile
+from pathlib import Path
+
+from accessible import Desktop, Gone, Table
+from virtual_screen import TimeLimit, VirtualScreen, wait_until
+
+__all__ = ["MAIN_TITLE", "MainWindow", "Program", "ProgramFolder", "TimeLimit", "VirtualScreen", "wait_until"]
+
+MAIN_TITLE = "照度计算数据库维护"
+
+
+def _unless_gone(question):
+    """The answer, or None while the program is not there yet or is just changing what it shows."""
+    try:
+        return question()
+    except Gone:
+        return None
+
+
+class ProgramFolder:
+    """A program laid out as it is installed, FOLDER/bin beside FOLDER/Vexal, with a database of its own."""
+
+    def __init__(self, folder, binaries, with_database=True):
+        self.folder = Path(folder)
+        self.program = self.folder / "bin" / "quorvane"
+        self.database = self.folder / "Vexal" / "灯具数据库.mdb"
+        self.log = self.folder / "program.log"  # what the program says on its standard output and error
+        self.program.parent.mkdir(parents=True)
+        self.database.parent.mkdir()
+        # A copy, because the program looks for its data beside the folder that it was really started from.
+        shutil.copy2(Path(binaries) / "quorvane", self.program)
+        if with_database:
+            subprocess.run([Path(binaries) / "quorvane-sample-database", self.database], check=True, timeout=120,
+                           stdout=subprocess.DEVNULL)
+
+    def query(self, statement, *values):
+        """The rows of a statement as dictionaries, read past the program from its file. Ask while it is idle."""
+        # From a copy: a reader of the file itself could stand in the way of the program's writing, and could
+        # not roll back what a killed program left half done.
+        with tempfile.TemporaryDirectory() as place:
+            copy = shutil.copytree(self.database.parent, Path(place) / "copy",
+                                   ignore=shutil.ignore_patterns("LuminairePhotoLib", "*-shm"))
+            connection = sqlite3.connect(copy / self.database.name)
+            connection.row_factory = sqlite3.Row
+            try:
+                return [dict(row) for row in connection.execute(statement, values)]
+            finally:
+                connection.close()
+
+    def sign_of_writing(self):
+        """Something that is another one once the program has written, found out without touching the file."""
+        files = (self.database, self.database.with_name(self.database.name + "-wal"))
+        return [(file.stat().st_mtime_ns, file.stat().st_size) for file in files if file.exists()]
+
+    def first_category(self):
+        """Id and name of the first category that the page offers and that has light sources."""
+        return self.query("select ID, LamphouseType as name from 光源类别 where LamphouseType not in "
+                          "('混光灯', '常用灯具') and ID in (select LamphouseType from 光源) order by ID")[0]
+
+    def rows(self, table):
+        return self.query(f"select * from [{table}] order by ID")
+
+    def everything(self):
+        """Table name -> its rows."""
+        tables = self.query("select name from sqlite_master where type = 'table' and name not like 'sqlite%'")
+        return {table["name"]: self.rows(table["name"]) for table in tables}
+
+
+class Program:
+    """One running copy of the program."""
+
+    def __init__(self, screen, folder, *arguments):
+        self.screen = screen
+        with open(folder.log, "ab") as log:
+            self.process = screen.start(folder.program, *arguments, stdout=log, stderr=log)
+        self._desktop = Desktop(screen.environment["DBUS_SESSION_BUS_ADDRESS"])
+
+    def windows(self):
+        application = _unless_gone(lambda: self._desktop.application(self.process.pid))
+        return (_unless_gone(application.children) or []) if application else []
+
+    def _has_keys(self, window):
+        """Whether both the program and the window manager hold the window for the active one."""
+        return window.is_("active") and self.screen.active_process() == self.process.pid
+
+    def window(self, title):
+        """The window with that title, once it takes the keys."""
+        def found():
+            for window in self.windows():
+                if window.name == title and self._has_keys(window):
+                    return window
+            return None
+        return self.wait_until(lambda: _unless_gone(found), f"a window “{title}”")
+
+    def main_window(self):
+        return MainWindow(self, self.window(MAIN_TITLE))
+
+    def message(self, text):
+        """The message box that says the text, once it takes the keys."""
+        def found():
+            for window in self.windows():
+                if self._has_keys(window) and any(text in label.name for label in window.find_all("label")):
+                    return Window(self, window)
+            return None
+        return self.wait_until(lambda: _unless_gone(found), f"a message “{text}”")
+
+    def wait_until(self, condition, what, limit=30.0):
+        """As wait_until, but gives up at once when the program has ended."""
+        def asked():
+            if (answer := condition()):
+                return answer
+            if (status := self.process.poll()) is not None:
+                raise TimeLimit(f"the program ended with status {status} before this: {what}")
+            return None
+        return wait_until(asked, what, limit)
+
+    def wait_for_end(self, limit=30.0):
+        """The status with which the program ends."""
+        wait_until(lambda: self.process.poll() is not None, "the end of the program", limit)
+        return self.process.returncode
+
+    def kill(self):
+        self.process.kill()
+        self.process.wait()
+
+
+class Window:
+    """A window with buttons."""
+
+    def __init__(self, program, element):
+        self.program, self.screen, self.element = program, program.screen, element
+
+    def find(self, role, caption=None):
+        """The thing of that role and caption, once it shows."""
+        return self.program.wait_until(lambda: _unless_gone(lambda: self.element.find(role, caption)),
+                                       f"a {role} “{caption or ''}” in {MAIN_TITLE}")
+
+    def click(self, element, times=1):
+        self.screen.click(*element.centre, times=times)
+
+    def press_button(self, caption):
+        self.click(self.find("push button", caption))
+
+    def is_open(self):
+        return self.element in self.program.windows()
+
+    def wait_until_closed(self):
+        wait_until(lambda: not self.is_open(), "the closing of a window")
+
+    def picture(self, path):
+        """Writes a PNG of the window with its frame."""
+        left, top, width, height = self.element.rectangle
+        self.screen.picture(path, (max(left - 2, 0), max(top - 24, 0), width + 4, height + 28))
+
+
+class MainWindow(Window):
+    """The main window, its tabs, and the grid and lists of the tab that shows."""
+
+    def show_tab(self, caption):
+        self.click(self.find("page tab", caption))
+        self.program.wait_until(lambda: self.shown_tab() == caption, f"the tab “{caption}” in front")
+
+    def shown_tab(self):
+        return self.find("page tab list").name  # a bar of tabs is told under the name of the one in front
+
+    def list_beside(self, caption):
+        """The drop-down list to the right of the radio button or label with that caption, on the same line."""
+        label = next(element for role in ("radio button", "label") if (element := self.element.find(role, caption)))
+        height = label.centre[1]
+        lists = [(box.rectangle[0], box) for box in self.element.find_all("combo box")
+                 if box.rectangle[0] > label.rectangle[0]
+                 and box.rectangle[1] <= height <= box.rectangle[1] + box.rectangle[3]]
+        return min(lists, key=lambda pair: pair[0])[1]
+
+    def open_list(self, caption):
+        """Opens the list beside the caption with the mouse; returns its entries."""
+        box = self.list_beside(caption)
+        self.click(box)
+        entries = self.program.wait_until(lambda: _unless_gone(lambda: box.children()[0]), "the entries")
+        self.program.wait_until(lambda: entries.is_("showing") and entries.children(), "the opened list")
+        return entries
+
+    def choose(self, caption, entry):
+        """Chooses an entry of the list beside the caption, with the mouse."""
+        entries = self.open_list(caption)
+        names = [child.name for child in entries.children()]
+        if entry not in names:
+            raise LookupError(f"no entry “{entry}” among {names}")
+        self._click_inside(entries, lambda: entries.children()[names.index(entry)])
+        self.program.wait_until(lambda: self.list_beside(caption).name == entry, f"“{entry}” chosen")
+
+    def grid(self):
+        return Table(self.find("table"))
+
+    def append_row(self):
+        """The number of the row “追加”, in which a new record is begun."""
+        return self.grid().row_count - 1
+
+    def click_cell(self, row, heading, times=1):
+        grid = self.grid()
+        self._click_inside(grid.element, lambda: grid.cell(row, heading), times)
+
+    def enter(self, row, heading, text, becomes=None):
+        """Types a text over a cell's old one and ends it with Enter; waits until the cell shows it."""
+        self.click_cell(row, heading, times=2)
+        self.screen.press("ctrl+a")
+        self.screen.type_text(text)
+        self.screen.press("Return")
+        self.wait_for_cell(row, heading, text if becomes is None else becomes)
+
+    def wait_for_cell(self, row, heading, text):
+        self.program.wait_until(lambda: _unless_gone(lambda: self.grid().cell(row, heading).name) == text,
+                                f"“{text}” in row {row} under “{heading}”")
+
+    def _click_inside(self, frame, item, times=1):
+        """Turns the mouse wheel over frame until item() lies wholly inside it, and clicks it there."""
+        for _ in range(300):
+            left, top, width, height = frame.rectangle
+            item_left, item_top, item_width, item_height = item().rectangle
+            if item_height and top <= item_top and item_top + item_height <= top + height:
+                self.screen.click(min(item_left + item_width // 2, left + width - 4), item_top + item_height // 2,
+                                  times=times)
+                return
+            distance = abs(item_top + item_height // 2 - (top + height // 2))
+            self.screen.click(left + width // 2, top + height // 2, button=4 if item_top < top else 5,
+                              times=max(1, min(20, distance // height * 2)))
+        raise TimeLimit("could not bring an item into sight")

@@ -46,6 +46,7 @@ readonly runPackages=(
     qt6-qpa-plugins                # the toolkit's door to the screen
     qt6-translations-l10n          # the toolkit's own texts in Chinese
     fonts-wqy-microhei             # a Chinese font
+    fonts-noto-color-emoji         # what a maker may put into a name
 )
 readonly screenPackages=(
     xvfb openbox                   # a screen that needs no hardware, and a window manager on it

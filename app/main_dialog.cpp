@@ -1,5 +1,6 @@
 #include "app/main_dialog.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -29,6 +30,15 @@ constexpr QSize kTemplateSize(470, 280);
 
 enum Tab { LightSources, Luminaires, Requirements };
 
+// While the database is being written, which nobody can interrupt.
+class WaitCursor {
+public:
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
 Tab FirstTab(const QString& selector) {
     if (selector == QStringLiteral("灯具管理器")) {
         return Luminaires;
@@ -56,6 +66,13 @@ CQuorvaneDlg::CQuorvaneDlg(const MainDialogPages& pages, const QString& selector
     m_tabs->addTab(m_pages[Luminaires], QStringLiteral("灯具库"));
     m_tabs->addTab(m_pages[Requirements], QStringLiteral("照度要求及功率密度"));
     m_tabs->setCurrentIndex(FirstTab(selector));
+
+    // By the Tab key the buttons come after the page that they act on.
+    QWidget* before = previousInFocusChain();
+    for (const int id : {kSubmit, kDelete, kExit}) {
+        setTabOrder(before, DialogItem(this, id));
+        before = DialogItem(this, id);
+    }
 }
 
 CQuorvaneDlg::~CQuorvaneDlg() = default;
@@ -79,6 +96,7 @@ CPage& CQuorvaneDlg::CurrentPage() const {
 void CQuorvaneDlg::SubmitPage() {
     CPage& page = CurrentPage();
     page.EndEditing();
+    const WaitCursor waiting;
     page.Submit();
     page.Refresh();
 }
@@ -99,6 +117,7 @@ bool CQuorvaneDlg::MayLeave() {
         ShowMessage(this, QStringLiteral("数据未提交,是否提交?"), QStringLiteral("照度计算数据库维护"),
                     MessageButtons::YesNoCancel, MessageIcon::Exclamation);
     if (answer == MessageAnswer::Yes) {
+        const WaitCursor waiting;
         for (const Tab tab : {Luminaires, LightSources, Requirements}) {
             m_pages[tab]->Submit();
         }

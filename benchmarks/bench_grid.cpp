@@ -4,12 +4,15 @@
 #include <QElapsedTimer>
 #include <QScrollBar>
 #include <QTableWidget>
+#include <QWindow>
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <vector>
 
+#include "benchmarks/report.h"
 #include "grid/grid_ctrl.h"
 
 #ifdef __GLIBC__
@@ -33,12 +36,6 @@ double MebibytesInUse() {
 #else
     return 0;
 #endif
-}
-
-double Median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 double Milliseconds(const std::function<void()>& work) {
@@ -120,14 +117,6 @@ void MeasureFill(Cost& cost, const std::vector<QString>& texts,
     cost.mebibytes.push_back(MebibytesInUse() - before);
 }
 
-bool Report(const char* what, double measured, double yardstick, const char* unit, double target) {
-    const double ratio = measured / yardstick;
-    const bool met = ratio <= target;
-    std::printf("%-44s %9.2f %s against %9.2f %s: ratio %.2f, target %.2f, %s\n", what, measured, unit,
-                yardstick, unit, ratio, target, met ? "met" : "missed");
-    return met;
-}
-
 bool BenchFill(const std::vector<QString>& texts) {
     Cost grid;
     Cost table;
@@ -147,11 +136,25 @@ bool BenchFill(const std::vector<QString>& texts) {
     return met;
 }
 
+// A window that is not on the screen yet paints nothing.
+void WaitForScreen(const QWidget& window) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!window.windowHandle()->isExposed()) {
+        QApplication::processEvents();
+        if (timer.elapsed() > 10'000) {
+            std::fprintf(stderr, "the window did not come up\n");
+            std::exit(EXIT_FAILURE);
+        }
+    }
+}
+
 std::unique_ptr<CGridCtrl> ShownGrid(int rows, const std::vector<QString>& texts) {
     auto grid = std::make_unique<CGridCtrl>();
     grid->resize(800, 600);
     FillGrid(*grid, rows, texts);
     grid->show();
+    WaitForScreen(*grid);
     QApplication::processEvents();
     grid->verticalScrollBar()->setValue(grid->verticalScrollBar()->maximum() / 2);
     QApplication::processEvents();

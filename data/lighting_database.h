@@ -41,7 +41,7 @@ public:
     bool GetLampTypeName(int id, CString& name);
     bool FindLampTypeID(const CString& name, int& id);
 
-    // 光源. An insert stores the new row's ID into the record.
+    // 光源. An insert stores the new row's ID into the record; one that fails leaves the ID as it came.
     bool InsertLightSource(tagLAMPHOUSEINFO& record);
     bool UpdateLightSource(const tagLAMPHOUSEINFO& record);
     bool DeleteLightSource(int id);

@@ -12,9 +12,8 @@ namespace quorvane {
 using TextArgument = std::variant<int, double, QStringView>;
 
 // The text with its placeholders filled in order: "%d" by an integer, "%G" by a real (six significant
-// digits),
-// "%s" by a text as it stands, which is never looked into for placeholders; "%%" is one percent sign.
-// Placeholders and arguments must agree in number and kind.
+// digits), "%s" by a text as it stands, which is never looked into for placeholders; "%%" is one percent
+// sign. Placeholders and arguments must agree in number and kind.
 CString FormatText(QStringView text, const std::vector<TextArgument>& arguments);
 
 }  // namespace quorvane

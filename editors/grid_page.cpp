@@ -1,5 +1,7 @@
 #include "editors/grid_page.h"
 
+#include <QTimer>
+
 #include "data/text_format.h"
 #include "widgets/message_box.h"
 
@@ -30,17 +32,19 @@ bool GridPage::AskToSubmit() {
                        MessageIcon::Question) == MessageAnswer::Yes;
 }
 
+void GridPage::TellIncompleteLoadSoon() {
+    QTimer::singleShot(0, this, [this] { TellIncompleteLoad(); });
+}
+
 void GridPage::TellFailures(const SubmitFailures& failures) {
     CString text;
     if (failures.writes > 0) {
-        text += FormatText(QStringLiteral("有%d条数据未能写入数据库。\n"), {failures.writes});
+        text += UnwrittenText(failures.writes);
     }
     if (failures.deletes > 0) {
         text += FormatText(QStringLiteral("有%d条数据未能从数据库删除。\n"), {failures.deletes});
     }
-    text += QStringLiteral(
-        "这些数据的序号以红色标出,可以重新提交。\n"
-        "可能的原因:数据库文件只读或被其他程序占用,或文字中含有单引号。");
+    text += QStringLiteral("可能的原因:数据库文件只读或被其他程序占用,或文字中含有单引号。");
     ShowMessage(this, text, m_caption);
 }
 

@@ -31,7 +31,9 @@ protected:
     void WriteRowHead(int row, const CString& text, int recordId, bool unwritten = false) {
         quorvane::WriteRowHead(*m_grid, row, text, recordId, unwritten);
     }
-    double ReadReal(int row, int column) { return quorvane::ReadReal(*m_grid, row, column); }
+    double ReadReal(int row, int column, double present) {
+        return quorvane::ReadReal(*m_grid, row, column, present);
+    }
     int ReadInteger(int row, int column) { return quorvane::ReadInteger(*m_grid, row, column); }
 
     // The answer to "数据已经修改是否提交?".
@@ -41,6 +43,8 @@ protected:
     }
     // Tells the user what a submit could not write.
     void TellFailures(const SubmitFailures& failures);
+    // Once the window stands: a list that the page has been made with is not complete.
+    void TellIncompleteLoadSoon();
     void TellIncompleteLoad() { quorvane::TellIncompleteLoad(this, m_caption); }
 
     // An in-place edit of that cell has ended.

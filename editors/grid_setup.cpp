@@ -46,8 +46,12 @@ void WriteRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, b
          .format = kCentred});
 }
 
-double ReadReal(CGridCtrl& grid, int row, int column) {
-    const std::optional<double> value = CheckReal(grid.GetItemText(row, column));
+double ReadReal(CGridCtrl& grid, int row, int column, double present) {
+    const CString text = grid.GetItemText(row, column);
+    if (text == FormatReal(present)) {
+        return present;
+    }
+    const std::optional<double> value = CheckReal(text);
     if (!value) {
         grid.SetItemText(row, column, FormatReal(0));
     }
@@ -71,6 +75,10 @@ bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString
 
 void TellIncompleteLoad(QWidget* parent, const CString& caption) {
     ShowMessage(parent, QStringLiteral("数据未能全部读出,显示的内容不完整。"), caption);
+}
+
+CString UnwrittenText(int count) {
+    return FormatText(QStringLiteral("有%d条数据未能写入数据库。\n"), {count});
 }
 
 }  // namespace quorvane

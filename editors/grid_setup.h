@@ -31,12 +31,17 @@ void WriteCell(CGridCtrl& grid, int row, int column, const CString& text, unsign
 // Column 0: a row number or the append row's marker, and the record's ID as the row's item data.
 void WriteRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool unwritten = false);
 
-// The number typed into a cell; a text that is none, or is empty, counts as 0 and is rewritten to "0".
-double ReadReal(CGridCtrl& grid, int row, int column);
+// The number typed into a cell; a text that is none, or is empty, counts as 0 and is rewritten to "0". A text
+// that shows `present`, the value so far, is that value to the last digit, also in a form that may not be
+// typed.
+double ReadReal(CGridCtrl& grid, int row, int column, double present);
 int ReadInteger(CGridCtrl& grid, int row, int column);
 
 // Whether the row's record, which title names, is to go. The caption is that of the page or dialog that asks.
 bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title);
 void TellIncompleteLoad(QWidget* parent, const CString& caption);
+
+// A line that tells how many records or values a submit could not write.
+CString UnwrittenText(int count);
 
 }  // namespace quorvane

@@ -48,8 +48,11 @@ CQuorvaneLamphouseDlg::CQuorvaneLamphouseDlg(CLightingDatabase& database, QWidge
     m_makers = DialogItem<CEaseComboBox>(this, kMakerList);
     m_categories->setAccessibleName(m_byCategory->text());
     m_makers->setAccessibleName(m_byMaker->text());
-    FillCategoryList();
-    CompleteMakerList();
+    const bool categoriesWhole = FillCategoryList();
+    const bool makersWhole = CompleteMakerList();
+    if (!categoriesWhole || !makersWhole) {
+        TellIncompleteLoadSoon();
+    }
     CreateGrid(kGrid, DialogItem(this, kGridFrame)->geometry(), kColumns);
     FillGrid();
     ShowMode(Mode::ByCategory);
@@ -70,9 +73,9 @@ CQuorvaneLamphouseDlg::CQuorvaneLamphouseDlg(CLightingDatabase& database, QWidge
 
 CQuorvaneLamphouseDlg::~CQuorvaneLamphouseDlg() = default;
 
-void CQuorvaneLamphouseDlg::FillCategoryList() {
+bool CQuorvaneLamphouseDlg::FillCategoryList() {
     std::vector<tagLAMPHOUSETYPE> types;
-    m_database.LoadLampTypes(types);
+    const bool whole = m_database.LoadLampTypes(types);
     for (const tagLAMPHOUSETYPE& type : types) {
         m_categoryNames.emplace(type.ID, type.LamphouseType);
         if (type.LamphouseType != kMixedLight && type.LamphouseType != kCommonLuminaires) {
@@ -80,17 +83,19 @@ void CQuorvaneLamphouseDlg::FillCategoryList() {
         }
     }
     m_categoryChoices = std::make_shared<const std::vector<CString>>(m_categories->Strings());
+    return whole;
 }
 
 // Makers stored since the list was filled join it; none ever leaves.
-void CQuorvaneLamphouseDlg::CompleteMakerList() {
+bool CQuorvaneLamphouseDlg::CompleteMakerList() {
     std::vector<CString> makers;
-    m_database.LoadLightSourceFactories(makers);
+    const bool whole = m_database.LoadLightSourceFactories(makers);
     for (const CString& maker : makers) {
         if (!m_makers->Holds(maker)) {
             m_makers->AddString(maker);
         }
     }
+    return whole;
 }
 
 void CQuorvaneLamphouseDlg::ShowMode(Mode mode) {
@@ -134,6 +139,7 @@ void CQuorvaneLamphouseDlg::Load() {
                            : m_database.LoadLightSourcesByFactory(m_makers->currentText(), records);
     FillGrid();
     if (!whole) {
+        (m_mode == Mode::ByCategory ? m_categories : m_makers)->ForgetChoice();
         TellIncompleteLoad();
     }
 }
@@ -171,10 +177,10 @@ void CQuorvaneLamphouseDlg::ReadCell(int row, int column, tagLAMPHOUSEINFO& reco
             record.LamphouseModel = text;
             break;
         case Flux:
-            record.LuminousFlux = ReadReal(row, column);
+            record.LuminousFlux = ReadReal(row, column, record.LuminousFlux);
             break;
         case Power:
-            record.LamphousePower = ReadReal(row, column);
+            record.LamphousePower = ReadReal(row, column, record.LamphousePower);
             break;
         case Maker:
             record.Factory = text;
@@ -202,13 +208,13 @@ CString CQuorvaneLamphouseDlg::CategoryName(int categoryId) {
 }
 
 // A name that is the present category's own leaves the category as it is: two may bear the same name. When
-// the database does not answer, the categories read earlier do.
+// the database does not know it or does not answer, the categories read earlier do.
 int CQuorvaneLamphouseDlg::CategoryId(const CString& name, int present) {
     if (CategoryName(present) == name) {
         return present;
     }
     int id = 0;
-    if (m_database.FindLampTypeID(name, id)) {
+    if (m_database.FindLampTypeID(name, id) && id != 0) {
         return id;
     }
     const auto known = std::find_if(m_categoryNames.begin(), m_categoryNames.end(),

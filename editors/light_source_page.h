@@ -31,8 +31,9 @@ protected:
 private:
     enum class Mode { ByCategory, ByMaker };
 
-    void FillCategoryList();
-    void CompleteMakerList();
+    // Both say whether the whole list could be read.
+    bool FillCategoryList();
+    bool CompleteMakerList();
     void ChooseMode(Mode mode);
     void ShowMode(Mode mode);
     void ChangeFilter(CEaseComboBox* list, CString& lastText);

@@ -89,18 +89,27 @@ protected:
     WorkingRecords<Record>& Working() { return m_records; }
 
     // Before the shown records are replaced: submits or drops pending changes as the user wishes. False when
-    // they could not be submitted.
+    // some could not be submitted: they are shown, marked, so that nothing typed is lost unseen.
     bool SettleChanges() {
         EndEditing();
         if (!IsModified()) {
             return true;
         }
-        if (AskToSubmit()) {
-            return Submit();
+        if (!AskToSubmit()) {
+            m_records.DiscardChanges();
+            return true;
         }
-        m_records.DiscardChanges();
+        Submit();
+        if (m_records.HasUnwritten()) {
+            m_records.SetModified();  // they are still to be written, and nobody is to leave them unasked
+            FillGrid();
+            return false;
+        }
         return true;
     }
+
+    // The number that the next record to be stored on its own shows in column 0.
+    int NextRowNumber() { return ++m_rowCounter; }
 
     void FillGrid() {
         Grid().DeleteNonFixedRows();
@@ -111,6 +120,7 @@ protected:
             WriteRow(row, record);
             ++row;
         }
+        m_rowCounter = row - 1;
         if (HasAppendRow()) {
             AddAppendRow();
         }
@@ -153,6 +163,7 @@ private:
     }
 
     WorkingRecords<Record> m_records;
+    int m_rowCounter = 0;  // rows numbered so far
 };
 
 }  // namespace quorvane

@@ -1,6 +1,7 @@
 #include "editors/requirement_page.h"
 
 #include <QHeaderView>
+#include <QSignalBlocker>
 #include <QTreeWidget>
 
 #include "data/number_text.h"
@@ -43,20 +44,28 @@ CQuorvaneDemandDlg::CQuorvaneDemandDlg(CLightingDatabase& database, QWidget* par
 
 void CQuorvaneDemandDlg::FillTree() {
     std::vector<CString> vocations;
-    m_database.LoadVocations(vocations);
+    bool whole = m_database.LoadVocations(vocations);
     for (const CString& vocation : vocations) {
         auto* trade = new QTreeWidgetItem(m_tree, {vocation});
         std::vector<CString> buildingTypes;
-        m_database.LoadBuildingTypes(vocation, buildingTypes);
+        whole = m_database.LoadBuildingTypes(vocation, buildingTypes) && whole;
         for (const CString& buildingType : buildingTypes) {
             new QTreeWidgetItem(trade, {buildingType});
         }
     }
+    if (!whole) {
+        TellIncompleteLoadSoon();
+    }
 }
 
 // A trade itself has no parent: its rows are asked for with an empty trade and match none.
-void CQuorvaneDemandDlg::ChangeBuildingType(const QTreeWidgetItem* item) {
-    SettleChanges();
+void CQuorvaneDemandDlg::ChangeBuildingType(QTreeWidgetItem* item) {
+    if (!SettleChanges()) {
+        const QSignalBlocker blocker(m_tree);
+        m_tree->setCurrentItem(m_shownItem);
+        return;
+    }
+    m_shownItem = item;
     const QTreeWidgetItem* trade = item == nullptr ? nullptr : item->parent();
     m_vocation = trade == nullptr ? CString() : trade->text(0);
     m_buildingType = item == nullptr ? CString() : item->text(0);
@@ -72,7 +81,7 @@ void CQuorvaneDemandDlg::ChangeBuildingType(const QTreeWidgetItem* item) {
 }
 
 void CQuorvaneDemandDlg::WriteRow(int row, const tagILLUMINANCESTANDARD& record) {
-    WriteCell(row, Location, record.Location, kLeft);
+    WriteCell(row, Location, record.Location, kLeft | CellFormat::EndEllipsis);
     WriteCell(row, Plane, record.ReferencePlane, kCentred);
     WriteCell(row, ActualLPD, FormatReal(record.ActualLPD), kCentred);
     WriteCell(row, ObjectiveLPD, FormatReal(record.ObjectiveLPD), kCentred);
@@ -97,10 +106,10 @@ void CQuorvaneDemandDlg::ReadCell(int row, int column, tagILLUMINANCESTANDARD& r
             record.ReferencePlane = Grid().GetItemText(row, column);
             break;
         case ActualLPD:
-            record.ActualLPD = ReadReal(row, column);
+            record.ActualLPD = ReadReal(row, column, record.ActualLPD);
             break;
         case ObjectiveLPD:
-            record.ObjectiveLPD = ReadReal(row, column);
+            record.ObjectiveLPD = ReadReal(row, column, record.ObjectiveLPD);
             break;
         case Illuminance:
             record.IlluminanceStandard = ReadInteger(row, column);

@@ -27,10 +27,11 @@ protected:
 
 private:
     void FillTree();
-    void ChangeBuildingType(const QTreeWidgetItem* item);
+    void ChangeBuildingType(QTreeWidgetItem* item);
 
     CLightingDatabase& m_database;
     QTreeWidget* m_tree;
+    QTreeWidgetItem* m_shownItem = nullptr;  // what is loaded, where the tree goes back to
     // What is loaded: new records belong there, whatever the tree has gone on to.
     CString m_vocation;
     CString m_buildingType;

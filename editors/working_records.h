@@ -79,6 +79,9 @@ public:
     // Whether the last submit could not write this record.
     bool IsUnwritten(int id) const { return m_unwritten.contains(id); }
 
+    // Whether the last submit left anything undone.
+    bool HasUnwritten() const { return !m_unwritten.empty(); }
+
     // Writes the record with that ID, which must be there, at once and leaves what is pending as it is.
     // Returns its ID from now on, which a new record has been given even when its writing then failed.
     struct OneWritten {

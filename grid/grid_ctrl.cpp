@@ -58,6 +58,7 @@ bool CGridCtrl::Create(const QRect& rect, QWidget* parent, int id, unsigned styl
     setParent(parent);
     setGeometry(rect);
     m_controlId = id;
+    setObjectName(QStringLiteral("MFCGridCtrl"));
     setFrameShape((style & Border) != 0 ? QFrame::StyledPanel : QFrame::NoFrame);
     setFocusPolicy((style & TabStop) != 0 ? Qt::StrongFocus : Qt::ClickFocus);
     m_layout.rows.SetDefaultSize(DefaultRowHeight(font()));
@@ -424,6 +425,9 @@ bool CGridCtrl::MergeCells(int row, int column, int extraRows, int extraColumns)
                         extraRows < GetRowCount() - row && extraColumns < GetColumnCount() - column;
     if (!inside) {
         return false;
+    }
+    if (extraRows == 0 && extraColumns == 0) {
+        return true;
     }
     m_merges.Merge({row, column, row + extraRows, column + extraColumns});
     m_announcer->BlocksChanged();

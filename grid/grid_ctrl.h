@@ -96,7 +96,7 @@ public:
     const CGridCellBase* Cell(int row, int column) const;
 
     // Merging: (row, column) spans that many further rows and columns; the cells below are covered. Blocks
-    // that the new one touches are dissolved; spanning none dissolves the block at (row, column).
+    // that the new one touches are dissolved; spanning none changes nothing.
     bool MergeCells(int row, int column, int extraRows, int extraColumns);
     // The cell that shows at (row, column): the merged block's top-left cell, or (row, column) itself.
     CCellID MergeOrigin(int row, int column) const;

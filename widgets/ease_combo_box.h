@@ -21,6 +21,9 @@ public:
     // Selects the entry with exactly this text, or none. Emits no SelectionChanged.
     void SelectString(const QString& text);
     void ClearSelection();
+    // Lets the present entry count as a new choice when it is chosen again: what it stands for could not be
+    // shown.
+    void ForgetChoice() { m_selected = -1; }
 
     void showPopup() override;
 

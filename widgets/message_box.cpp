@@ -1,8 +1,10 @@
 #include "widgets/message_box.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QGridLayout>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPushButton>
@@ -43,7 +45,10 @@ public:
     }
 
     MessageAnswer Ask() {
+        WidenForCaption();
+        QApplication::setOverrideCursor(Qt::ArrowCursor);
         exec();
+        QApplication::restoreOverrideCursor();
         return m_answer;
     }
 
@@ -66,6 +71,15 @@ protected:
     }
 
 private:
+    // The box sizes itself by its text alone and would cut a longer caption.
+    void WidenForCaption() {
+        if (auto* grid = qobject_cast<QGridLayout*>(layout())) {
+            constexpr int frameButtons = 140;
+            const int width = fontMetrics().horizontalAdvance(windowTitle()) + frameButtons;
+            grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+        }
+    }
+
     struct Answer {
         MessageAnswer answer;
         QPushButton* button;

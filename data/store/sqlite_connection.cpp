@@ -17,12 +17,7 @@ using Database = std::unique_ptr<sqlite3, SqliteCloser>;
 // Another program that holds the file for a moment, for one statement say, is waited for, but not so long
 // that the window, which waits with us, would seem dead.
 constexpr int kBusyTimeoutMs = 100;
-
-// While the file stays locked only the first statement waits. A submit of hundreds of rows would otherwise
-// add up to a frozen window.
-void LimitWaiting(sqlite3* database) {
-    sqlite3_busy_timeout(database, sqlite3_errcode(database) == SQLITE_BUSY ? 0 : kBusyTimeoutMs);
-}
+constexpr int kWaitAgainMs = 1000;
 
 Database OpenFile(const CString& path) {
     // An absolute path cannot be taken for a URI.
@@ -105,7 +100,7 @@ std::shared_ptr<Connection> CreateSqliteConnection() {
 void SqliteConnection::Open(const CString& connectionString, const CString& /*user*/,
                             const CString& /*password*/, int /*options*/) {
     Database database = OpenFile(NativePath(DataSource(connectionString)));
-    LimitWaiting(database.get());
+    sqlite3_busy_timeout(database.get(), kBusyTimeoutMs);
     RefuseDamage(database.get());
     if (sqlite3_exec(database.get(), kSqliteJournalSettings, nullptr, nullptr, nullptr) != SQLITE_OK) {
         ThrowSqliteError(database.get());
@@ -117,8 +112,21 @@ std::unique_ptr<Recordset> SqliteConnection::Execute(const CString& statement) {
     if (m_database == nullptr) {
         throw ProviderError(QStringLiteral("the connection is not open"));
     }
-    LimitWaiting(m_database.get());
+    LimitWaiting();
     return std::make_unique<SqliteRecordset>(Prepare(m_database.get(), ToSqliteDialect(statement)));
+}
+
+// While the file stays locked one statement a second waits. A submit of hundreds of rows would otherwise add
+// up to a frozen window.
+void SqliteConnection::LimitWaiting() {
+    const bool wasBusy = sqlite3_errcode(m_database.get()) == SQLITE_BUSY;
+    const bool waitedLately = m_sinceWait.isValid() && m_sinceWait.elapsed() < kWaitAgainMs;
+    if (wasBusy && waitedLately) {
+        sqlite3_busy_timeout(m_database.get(), 0);
+    } else {
+        sqlite3_busy_timeout(m_database.get(), kBusyTimeoutMs);
+        m_sinceWait.start();
+    }
 }
 
 void SqliteConnection::Close() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <sqlite3.h>
+#include <QElapsedTimer>
 
 #include "data/connection.h"
 
@@ -33,6 +34,9 @@ public:
     void Close() override;
 
 private:
+    void LimitWaiting();
+
+    QElapsedTimer m_sinceWait;                          // for a lock
     std::unique_ptr<sqlite3, SqliteCloser> m_database;  // null: not open
 };
 

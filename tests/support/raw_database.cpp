@@ -28,14 +28,9 @@ QByteArray TextOf(sqlite3_stmt* row, int column) {
 }
 
 QString LiteralOf(sqlite3_stmt* row, int column) {
-    switch (sqlite3_column_type(row, column)) {
-        case SQLITE_NULL:
-            return QStringLiteral("NULL");
-        case SQLITE_TEXT:
-            return u'\'' + QString::fromUtf8(TextOf(row, column)) + u'\'';
-        default:
-            return QString::fromUtf8(TextOf(row, column));
-    }
+    const QString text = QString::fromUtf8(TextOf(row, column));
+    const int type = sqlite3_column_type(row, column);
+    return type == SQLITE_NULL ? QStringLiteral("NULL") : type == SQLITE_TEXT ? u'\'' + text + u'\'' : text;
 }
 
 }  // namespace

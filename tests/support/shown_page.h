@@ -1,4 +1,5 @@
-// A page in an active window on a database of its own, worked by real key and mouse events.
+// A page or dialog with a grid in an active window on a database of its own, worked by real key and mouse
+// events.
 #pragma once
 
 #include <QComboBox>
@@ -16,29 +17,35 @@
 
 namespace quorvane {
 
-struct ShownPage {
-    // Fills the file by rows (any statements), then shows the page that make returns for its parent.
-    template <typename Make>
-    ShownPage(const QString& rows, Make make) : database(CreateStoreConnection, file.ExecutablePath()) {
+struct ShownGrid {
+    // Fills the file by rows (any statements) and opens it.
+    explicit ShownGrid(const QString& rows) : file(), database(CreateStoreConnection, file.ExecutablePath()) {
         file.Raw().Execute(rows);
         if (!database.Connect()) {
             qFatal("the database did not open");
         }
-        window.resize(820, 520);
-        page = make(database, &window);
-        page->setGeometry(window.rect());
-        window.show();
-        Activate();
-        grid = page->findChild<CGridCtrl*>();
     }
 
+    void Show(QWidget* window) {
+        m_window = window;
+        grid = window->findChild<CGridCtrl*>();
+        window->show();
+        Activate();
+    }
     // Again the window that keys go to, also after a message box.
     void Activate() {
-        window.activateWindow();
-        if (!QTest::qWaitForWindowActive(&window)) {
+        // A message box that came up meanwhile has taken the keys; once it is answered the window is asked
+        // again.
+        bool active = false;
+        for (int attempt = 0; attempt < 3 && !active; ++attempt) {
+            m_window->activateWindow();
+            active = QTest::qWaitForWindowActive(m_window, 1000);
+        }
+        if (!active) {
             qFatal("the window was not activated");
         }
     }
+    void Press(int id) { QTest::mouseClick(DialogItem(m_window, id), Qt::LeftButton); }
 
     void Click(int row, int column, Qt::KeyboardModifiers modifiers = {}) {
         Activate();
@@ -55,29 +62,20 @@ struct ShownPage {
             QCoreApplication::sendEvent(editor, &typed);
         }
     }
-    // Types over the cell and leaves it by Enter.
-    void Type(int row, int column, const QString& text) {
+    // Types over the cell, which stays open; returns its editor.
+    QWidget* TypeOpen(int row, int column, const QString& text) {
         Click(row, column);
         QTest::keyClick(grid, Qt::Key_F2);
         QWidget* editor = QApplication::focusWidget();
         QTest::keySequence(editor, QKeySequence::SelectAll);
         QTest::keyClick(editor, Qt::Key_Delete);
         Enter(editor, text);
-        QTest::keyClick(editor, Qt::Key_Return);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        return editor;
     }
-    // Chooses an entry of a drop-down list by keys.
-    void Choose(int controlId, int entry) {
-        Activate();
-        auto* list = DialogItem<QComboBox>(page, controlId);
-        list->setFocus();
-        QTest::keyClick(list, Qt::Key_F4);
-        QWidget* view = QApplication::focusWidget();
-        QTest::keyClick(view, Qt::Key_Home);
-        for (int step = 0; step < entry; ++step) {
-            QTest::keyClick(view, Qt::Key_Down);
-        }
-        QTest::keyClick(view, Qt::Key_Return);
+    // Types over the cell and leaves it by Enter.
+    void Type(int row, int column, const QString& text) {
+        QTest::keyClick(TypeOpen(row, column, text), Qt::Key_Return);
+        grid->CancelEdit();
     }
     // The texts of a row, joined by "|".
     QString Row(int row) const {
@@ -98,9 +96,38 @@ struct ShownPage {
     TemporaryLightingDatabase file;
     CLightingDatabase database;
     MessageAnswers answers;
+    CGridCtrl* grid = nullptr;
+
+private:
+    QWidget* m_window = nullptr;
+};
+
+struct ShownPage : ShownGrid {
+    // Shows the page that make returns for its parent.
+    template <typename Make>
+    ShownPage(const QString& rows, Make make) : ShownGrid(rows) {
+        window.resize(820, 520);
+        page = make(database, &window);
+        page->setGeometry(window.rect());
+        Show(&window);
+    }
+
+    // Chooses an entry of a drop-down list by keys.
+    void Choose(int controlId, int entry) {
+        Activate();
+        auto* list = DialogItem<QComboBox>(page, controlId);
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_F4);
+        QWidget* view = QApplication::focusWidget();
+        QTest::keyClick(view, Qt::Key_Home);
+        for (int step = 0; step < entry; ++step) {
+            QTest::keyClick(view, Qt::Key_Down);
+        }
+        QTest::keyClick(view, Qt::Key_Return);
+    }
+
     QWidget window;
     CPage* page = nullptr;
-    CGridCtrl* grid = nullptr;
 };
 
 }  // namespace quorvane

@@ -1,0 +1,118 @@
+#include <QTest>
+#include <QTreeWidget>
+
+#include "editors/requirement_page.h"
+#include "tests/support/shown_page.h"
+
+using namespace quorvane;
+
+namespace {
+
+enum Column { Number, Location, Plane, ActualLPD, ObjectiveLPD, Illuminance, Glare, Ra };
+
+const QString kFile =
+    u"insert into 照度要求及功率密度 values "
+    "(1,'公共','办公','办公室','桌面',11,9,300,19,80),(2,'公共','办公','会议室','桌面',11,9,300,19,80),"
+    "(3,'公共','办公','档案室','桌面',8,7,200,0,80),(4,'公共','学校','教室','课桌',11,9,300,19,80),"
+    "(5,'居住','住宅','卧室','地面',7,6,75,0,80);"_qs;
+
+struct Fixture : ShownPage {
+    explicit Fixture(const QString& rows = kFile)
+        : ShownPage(rows, [](CLightingDatabase& opened, QWidget* parent) {
+              return new CQuorvaneDemandDlg(opened, parent);
+          }) {
+        tree = page->findChild<QTreeWidget*>();
+        tree->expandAll();
+    }
+
+    // By the mouse, as a user would leave a cell that is still being typed into.
+    void Select(int trade, int buildingType = -1) {
+        Activate();
+        QTreeWidgetItem* item = tree->topLevelItem(trade);
+        item = buildingType < 0 ? item : item->child(buildingType);
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(item).center());
+    }
+    QStringList File() const { return file.Raw().Rows(u"select * from 照度要求及功率密度 order by ID"_qs); }
+
+    QTreeWidget* tree = nullptr;
+};
+
+}  // namespace
+
+class TestRequirementPage : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void ShowsOneBuildingType() {
+        Fixture fixture;
+        QCOMPARE(fixture.grid->GetRowCount(), 1);
+        fixture.Select(0, 1);
+        QCOMPARE(fixture.Rows(), QStringList({u"1|教室|课桌|11|9|300|19|80"_qs, u"追加|||0|0|0|0|0"_qs}));
+        fixture.Click(1, Location);
+        fixture.answers.Plan(u"是"_qs);
+        QVERIFY(fixture.page->DeleteSelected());
+        QCOMPARE(fixture.answers.TakeSeen(),
+                 QStringList(u"照度要求|确定是否删除选中数据:第1行,教室的全部信息?|是/否"_qs));
+        fixture.page->Submit();
+        QCOMPARE(fixture.File().size(), 4);
+        fixture.Select(0);
+        QCOMPARE(fixture.grid->GetRowCount(), 1);
+    }
+
+    void AppendsUnderABuildingTypeOnly() {
+        Fixture fixture;
+        fixture.Select(1, 0);
+        fixture.Type(2, Ra, u"0"_qs);
+        QVERIFY(!fixture.page->IsModified());
+        fixture.Type(2, Illuminance, u"300"_qs);
+        fixture.page->Submit();
+        fixture.page->Refresh();
+        QCOMPARE(fixture.File().last(), u"6|'居住'|'住宅'|''|''|0.0|0.0|300|0|0"_qs);
+        QCOMPARE(fixture.Row(2), u"2|||0|0|300|0|0"_qs);
+    }
+
+    void NumbersAreChecked() {
+        Fixture fixture;
+        fixture.Select(0, 0);
+        fixture.Type(1, Illuminance, u"abc"_qs);
+        fixture.Type(1, Glare, u"-1"_qs);
+        fixture.Type(1, ActualLPD, u"-1"_qs);
+        fixture.Type(1, ObjectiveLPD, u" 6.5 "_qs);
+        fixture.Type(1, Ra, u" 8"_qs);
+        QCOMPARE(fixture.Row(1), u"1|办公室|桌面|0| 6.5 |0|-1|0"_qs);
+        fixture.page->Submit();
+        QCOMPARE(fixture.File().at(0), u"1|'公共'|'办公'|'办公室'|'桌面'|0.0|6.5|0|-1|0"_qs);
+        QVERIFY(fixture.answers.TakeSeen().isEmpty());
+    }
+
+    // The cell is still being typed into when another building type is clicked: its text belongs to the old
+    // one.
+    void ChangeOfBuildingTypeAsks() {
+        for (const bool submit : {true, false}) {
+            Fixture fixture;
+            fixture.Select(0, 0);
+            fixture.TypeOpen(4, Location, u"走廊"_qs);
+            fixture.answers.Plan(submit ? u"是"_qs : u"否"_qs);
+            fixture.Select(1, 0);
+            QCOMPARE(fixture.answers.TakeSeen(), QStringList(u"照度要求|数据已经修改是否提交?|是/否"_qs));
+            QCOMPARE(fixture.Rows(), QStringList({u"1|卧室|地面|7|6|75|0|80"_qs, u"追加|||0|0|0|0|0"_qs}));
+            QVERIFY(!fixture.page->IsModified());
+            QCOMPARE(fixture.File().value(5),
+                     submit ? u"6|'公共'|'办公'|'走廊'|''|0.0|0.0|0|0|0"_qs : QString());
+        }
+    }
+
+    void AFailedLoadLeavesNothingToTypeInto() {
+        Fixture fixture(kFile + u"update 照度要求及功率密度 set UGR=null where ID=2;"_qs);
+        fixture.Select(1, 0);
+        fixture.Select(0, 0);
+        QCOMPARE(fixture.answers.TakeSeen().size(), 1);
+        QVERIFY(!fixture.grid->isEnabled());
+        fixture.Select(0, 1);
+        QVERIFY(fixture.grid->isEnabled());
+        QCOMPARE(fixture.Row(1), u"1|教室|课桌|11|9|300|19|80"_qs);
+    }
+};
+
+QTEST_MAIN(TestRequirementPage)
+#include "test_requirement_page.moc"

@@ -1,0 +1,132 @@
+#include "widgets/label_edit_tree.h"
+
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMetaObject>
+#include <QStyledItemDelegate>
+#include <utility>
+
+namespace quorvane {
+
+class LabelEditTree::Delegate : public QStyledItemDelegate {
+public:
+    explicit Delegate(LabelEditTree* tree) : QStyledItemDelegate(tree), m_tree(*tree) {}
+
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const override {
+        QWidget* editor = QStyledItemDelegate::createEditor(parent, option, index);
+        editor->setObjectName(QStringLiteral("labelEdit"));
+        m_tree.m_editor = editor;
+        m_tree.m_edited = index;
+        m_tree.m_typed.reset();
+        return editor;
+    }
+
+    void setModelData(QWidget* editor, QAbstractItemModel* /*model*/,
+                      const QModelIndex& /*index*/) const override {
+        m_tree.m_typed = qobject_cast<const QLineEdit*>(editor)->text();
+    }
+
+protected:
+    // A look into another program's window ends no edit.
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const bool leavesWindow =
+            event->type() == QEvent::FocusOut &&
+            static_cast<const QFocusEvent&>(*event).reason() == Qt::ActiveWindowFocusReason;
+        return !leavesWindow && QStyledItemDelegate::eventFilter(watched, event);
+    }
+
+private:
+    LabelEditTree& m_tree;
+};
+
+LabelEditTree::LabelEditTree(QWidget* parent) : QTreeWidget(parent) {
+    setItemDelegate(new Delegate(this));
+    setHeaderHidden(true);
+    setEditTriggers(EditKeyPressed | DoubleClicked | SelectedClicked);
+}
+
+void LabelEditTree::EditLabel(QTreeWidgetItem* item) {
+    setCurrentItem(item);
+    editItem(item);
+}
+
+// The view calls this for every way of ending, and once more when the editor that goes loses the focus.
+void LabelEditTree::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint /*hint*/) {
+    const bool ends = editor == m_editor;
+    if (ends) {
+        m_editor.clear();
+        editor->setObjectName(QString());
+    }
+    // Whatever the key was, the edit does not go on in another item.
+    QTreeWidget::closeEditor(editor, QAbstractItemDelegate::NoHint);
+    if (ends) {
+        // Whoever is told may ask the user or fill the tree anew, for which the view is not ready here.
+        m_isEndUntold = true;
+        QMetaObject::invokeMethod(this, &LabelEditTree::TellEnd, Qt::QueuedConnection);
+    }
+}
+
+void LabelEditTree::EndEdit() {
+    if (IsEditing()) {
+        QWidget* editor = m_editor;
+        commitData(editor);
+        closeEditor(editor, QAbstractItemDelegate::NoHint);
+    }
+    TellEnd();
+}
+
+void LabelEditTree::TellEnd() {
+    if (!std::exchange(m_isEndUntold, false)) {
+        return;
+    }
+    QTreeWidgetItem* item = itemFromIndex(m_edited);
+    if (item != nullptr) {
+        const QString text = m_typed.value_or(QString()).trimmed();
+        Q_EMIT LabelEdited(item, text.isEmpty() ? item->text(0) : text);
+    }
+}
+
+void LabelEditTree::contextMenuEvent(QContextMenuEvent* event) {
+    event->accept();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        RequestMenuByKey();
+        return;
+    }
+    EndEdit();
+    if (IsEditing()) {
+        return;
+    }
+    QTreeWidgetItem* item = itemAt(event->pos());
+    if (item != nullptr) {
+        setCurrentItem(item);
+    }
+    Q_EMIT MenuRequested(item, event->globalPos());
+}
+
+void LabelEditTree::keyPressEvent(QKeyEvent* event) {
+    // Not every platform takes these keys for a call of the menu.
+    const bool callsMenu = event->key() == Qt::Key_Menu ||
+                           (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier);
+    if (callsMenu) {
+        RequestMenuByKey();
+    } else {
+        QTreeWidget::keyPressEvent(event);
+    }
+}
+
+void LabelEditTree::RequestMenuByKey() {
+    EndEdit();
+    if (IsEditing()) {
+        return;
+    }
+    QTreeWidgetItem* item = currentItem();
+    if (item != nullptr) {
+        scrollToItem(item);
+    }
+    const QRect rect = item == nullptr ? QRect() : visualItemRect(item);
+    Q_EMIT MenuRequested(item, viewport()->mapToGlobal(rect.bottomLeft()));
+}
+
+}  // namespace quorvane

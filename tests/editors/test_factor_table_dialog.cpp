@@ -1,0 +1,501 @@
+#include <QContextMenuEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QRandomGenerator>
+#include <array>
+#include <map>
+
+#include "editors/factor_table_dialog.h"
+#include "tests/support/shown_page.h"
+
+using namespace quorvane;
+
+namespace {
+
+const QString kFile =
+    u"insert into 利用系数 values (1,7,80,50,20,0.6,0.61),(2,7,80,50,20,1.25,0.52),(3,7,70,50,20,0.6,0.63),"
+    "(4,7,70,50,20,1.25,0.54),(5,7,80,30,20,0.6,0.654),(6,7,80,30,20,1.25,0.56),(9,8,80,50,20,1,0.9);"_qs;
+const QString kExists = u"QuorvaneTest|数据已存在|确定|unplanned"_qs;
+const QString kBadHeading = u"错误|输入列表头内容不正确.|确定|unplanned"_qs;
+const QString kBadRow = u"错误|输入室空间比RCR内容不正确.|确定|unplanned"_qs;
+const QString kBadFactor = u"错误|输入数据不正确.|确定|unplanned"_qs;
+const QString kAsTexts = u"printf('%d,%d,%d,%.2f,%.2f',Pcc,Pw,Pf,RCR_RI,UtilizationFactor)"_qs;
+const QString kLeave = u"甲灯 利用系数表|数据已经修改是否提交?|是/否"_qs;
+
+enum Control { Ok = 1, Submit = 3, Tree = 1018, Clear = 1023 };
+enum Root { HeadingRoot, RowRoot };
+
+// An edit, a menu and a click each end a few turns of the event loop later.
+void Settle() {
+    for (int turn = 0; turn < 4; ++turn) {
+        QCoreApplication::processEvents();
+    }
+}
+
+// The dialog of luminaire 7.
+struct Fixture : ShownGrid {
+    explicit Fixture(const QString& rows = kFile, const QString& kind = u"RCR"_qs) : ShownGrid(rows) {
+        QCoreApplication::setApplicationName(u"QuorvaneTest"_qs);
+        dialog = std::make_unique<CCoefficientTableDlg>(database, 7, u"甲灯"_qs, kind, nullptr);
+        tree = DialogItem<QTreeWidget>(dialog.get(), Tree);
+        Show(dialog.get());
+    }
+
+    QTreeWidgetItem* Item(Root root, int child) const { return tree->topLevelItem(root)->child(child); }
+    // Works the menu of an item and gives its enabled entries.
+    QString Menu(QTreeWidgetItem* item, const QString& choice = {}) {
+        Activate();
+        tree->expandAll();
+        tree->scrollToItem(item);
+        const QPoint at = tree->visualItemRect(item).center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, tree->viewport()->mapToGlobal(at));
+        QCoreApplication::sendEvent(tree->viewport(), &event);
+        const QPointer<QMenu> menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (menu == nullptr) {
+            qFatal("there is no menu");
+        }
+        QStringList enabled;
+        QPoint chosen;
+        for (QAction* action : menu->actions()) {
+            enabled += action->isEnabled() ? QStringList(action->text()) : QStringList();
+            chosen = action->text() == choice ? menu->actionGeometry(action).center() : chosen;
+        }
+        if (choice.isEmpty()) {
+            QTest::keyClick(menu, Qt::Key_Escape);
+        } else {
+            QTest::mouseClick(menu, Qt::LeftButton, {}, chosen);
+        }
+        Settle();
+        return enabled.join(u' ');
+    }
+    QLineEdit* Editor() const { return tree->findChild<QLineEdit*>(u"labelEdit"_qs); }
+    // Types a label over the one being edited.
+    void Label(const QString& text, Qt::Key end = Qt::Key_Return) {
+        if (Editor() == nullptr) {
+            qFatal("no label is being edited");
+        }
+        QTest::keyClicks(Editor(), text.isEmpty() ? u"\b"_qs : text);
+        if (end != Qt::Key_unknown) {  // else it stays open
+            QTest::keyClick(Editor(), end);
+        }
+        Settle();
+    }
+    void Rename(QTreeWidgetItem* item, const QString& text, Qt::Key end = Qt::Key_Return) {
+        Activate();
+        tree->setCurrentItem(item);
+        QTest::keyClick(tree, Qt::Key_F2);
+        Label(text, end);
+    }
+    void Add(Root root, const QString& text, Qt::Key end = Qt::Key_Return) {
+        Menu(tree->topLevelItem(root), root == HeadingRoot ? u"新建列表头"_qs : u"新建室空间比RCR"_qs);
+        Label(text, end);
+    }
+    void Delete(Root root, int child, const QString& answer = u"是"_qs) {
+        answers.Plan(answer);
+        Menu(Item(root, child), root == HeadingRoot ? u"删除列表头"_qs : u"删除空间比RCR"_qs);
+    }
+
+    void PassThrough(int row, int column) {
+        Activate();
+        grid->BeginEdit(row, column);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        grid->CancelEdit();
+    }
+
+    QStringList Grid() const { return QStringList(Row(0)) + Rows(); }
+    QString Children(Root root) const {
+        QStringList texts;
+        for (int child = 0; child < tree->topLevelItem(root)->childCount(); ++child) {
+            texts += Item(root, child)->text(0);
+        }
+        return texts.join(u' ');
+    }
+    QStringList File(const QString& columns = u"Pcc,Pw,Pf,RCR_RI,UtilizationFactor"_qs) const {
+        return file.Raw().Rows(
+            u"select %1 from 利用系数 where LuminaireID=7 order by Pcc desc,Pw desc,Pf desc,RCR_RI"_qs.arg(
+                columns));
+    }
+    QString Value(int id) const {
+        return file.Raw().Text(u"select UtilizationFactor from 利用系数 where ID=%1"_qs.arg(id));
+    }
+
+    std::unique_ptr<CCoefficientTableDlg> dialog;
+    QTreeWidget* tree = nullptr;
+};
+
+QString Fixed2(double value) {
+    return QString::number(value, 'f', 2);
+}
+
+// What the table must hold. Its headings of 0, 10 and 20 and its rows below 10 sort as texts like as numbers.
+struct Oracle {
+    bool Add(Root root, const QString& text) {
+        if (axes[root].contains(text)) {
+            return false;
+        }
+        axes[root] += text;
+        std::sort(axes[root].begin(), axes[root].end(), [root](const QString& left, const QString& right) {
+            return root == HeadingRoot ? right < left : left < right;
+        });
+        return true;
+    }
+    void Rename(Root root, const QString& from, const QString& to) {
+        if (Add(root, to)) {
+            for (const QString& other : axes[1 - root]) {
+                Factor(root, to, other) = Factor(root, from, other);
+            }
+            Delete(root, from);
+        }
+    }
+    void Delete(Root root, const QString& text) {
+        std::erase_if(factors, [&](const auto& factor) { return factor.first[root] == text; });
+        axes[root].removeOne(text);
+    }
+    double& Factor(Root root, const QString& text, const QString& other) {
+        return factors[root == HeadingRoot ? std::array{text, other} : std::array{other, text}];
+    }
+
+    QStringList Grid() {
+        QStringList lines{u"有效顶棚反射比"_qs, u"墙反射比"_qs, u"地面反射比"_qs, u"室空间比RCR"_qs};
+        for (int line = 0; line < 4; ++line) {
+            for (const QString& heading : axes[HeadingRoot]) {
+                lines[line] += u'|' + heading.section(u',', line, line);
+            }
+        }
+        for (const QString& row : axes[RowRoot]) {
+            lines += row;
+            for (const QString& heading : axes[HeadingRoot]) {
+                lines.last() += u'|' + Fixed2(Factor(HeadingRoot, heading, row));
+            }
+        }
+        return lines;
+    }
+    QStringList File() {
+        QStringList lines;
+        for (const QString& heading : axes[HeadingRoot]) {
+            for (const QString& row : axes[RowRoot]) {
+                lines += u"'%1,%2,%3'"_qs.arg(heading, row, Fixed2(Factor(HeadingRoot, heading, row)));
+            }
+        }
+        return lines;
+    }
+
+    QStringList axes[2];                               // by Root
+    std::map<std::array<QString, 2>, double> factors;  // by heading and row; none is 0
+};
+
+}  // namespace
+
+class TestFactorTableDialog : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void ShowsTheTable() {
+        Fixture fixture;
+        QCOMPARE(fixture.dialog->windowTitle(), u"甲灯 利用系数表"_qs);
+        QCOMPARE(fixture.Grid(), QStringList({u"有效顶棚反射比|80|80|70"_qs, u"墙反射比|50|30|50"_qs,
+                                              u"地面反射比|20|20|20"_qs, u"室空间比RCR|||"_qs,
+                                              u"0.60|0.61|0.65|0.63"_qs, u"1.25|0.52|0.56|0.54"_qs}));
+        QCOMPARE(fixture.Children(HeadingRoot), u"80,50,20 80,30,20 70,50,20"_qs);
+        QCOMPARE(fixture.Children(RowRoot), u"0.60 1.25"_qs);
+        QCOMPARE(fixture.grid->MergeExtent(0, 2), (CCellRange{0, 1, 0, 2}));
+        fixture.Rename(fixture.Item(HeadingRoot, 0), u"70,60,20"_qs);  // ceilings are merged anew
+        QCOMPARE(fixture.grid->MergeExtent(0, 3), (CCellRange{0, 2, 0, 3}));
+        QCOMPARE(Fixture(QString{}, u"RI"_qs).Grid().last(), u"室形系数RI"_qs);
+        QCOMPARE(Fixture(QString{}, u"ri"_qs).Grid().last(), u"室空间比RCR"_qs);
+    }
+
+    void ShowsGapsAndOddValues() {
+        Fixture fixture(u"insert into 利用系数 values (1,7,80,50,20,0.6,0.61),(2,7,70,50,20,1.25,1e300);"_qs);
+        QCOMPARE(fixture.answers.TakeSeen(),
+                 QStringList({u"QuorvaneTest|(80,50,20,1.25)数据不存在|确定|unplanned"_qs,
+                              u"QuorvaneTest|(70,50,20,0.6)数据不存在|确定|unplanned"_qs}));
+        fixture.Press(Submit);
+        QCOMPARE(fixture.File(), QStringList({u"80|50|20|0.6|0.61"_qs, u"80|50|20|1.25|0.0"_qs,
+                                              u"70|50|20|0.6|0.0"_qs, u"70|50|20|1.25|1.0e+300"_qs}));
+    }
+
+    void MenuFollowsTheItem() {
+        Fixture fixture(kFile, u"RI"_qs);
+        QCOMPARE(fixture.Menu(fixture.tree->topLevelItem(HeadingRoot)), u"新建列表头"_qs);
+        QCOMPARE(fixture.Menu(fixture.tree->topLevelItem(RowRoot)), u"新建室形系数RI"_qs);
+        QCOMPARE(fixture.Menu(fixture.Item(HeadingRoot, 1)), u"删除列表头"_qs);
+        QCOMPARE(fixture.Menu(fixture.Item(RowRoot, 0)), u"删除室形系数RI"_qs);
+    }
+
+    void LabelTexts() {
+        const QStringList texts[] = {
+            // typed=taken; without "=": refused
+            u" 10,20,30 "
+            u"=10,20,30;80,50,20,=80,50,20;-0,50,20=0,50,20;80,,20=80,0,20;,,,=0,0,0;+5+5,1,1=5,1,1;"
+            "100,0,100=100,0,100;,,;80,50;80,50,20,10;80,50,20,,;101,50,20;-1,50,20;80, 50,20;80.0,50,20;a,b,c"_qs
+                .split(u';'),
+            u" 2 =2.00;.5=0.50;5.=5.00;1.254=1.25;-1;+1;1e2;1.2.3;.;1,5"_qs.split(u';')};
+        const QString fresh[] = {u"0,0,0"_qs, u"0"_qs};
+        const QString good[] = {u"1,2,3"_qs, u"3.00"_qs};
+        Fixture fixture(QString{});
+        for (const Root root : {HeadingRoot, RowRoot}) {
+            for (const QString& text : texts[root]) {
+                const bool refused = !text.contains(u'=');
+                fixture.Add(root, text.section(u'=', 0, 0));
+                if (refused) {
+                    // The edit goes on, on an item that has not taken the text.
+                    QCOMPARE(fixture.answers.TakeSeen(),
+                             QStringList(root == HeadingRoot ? kBadHeading : kBadRow));
+                    QCOMPARE(fixture.Editor()->text(), fresh[root]);
+                    fixture.Label(good[root]);
+                }
+                QCOMPARE(fixture.answers.TakeSeen(), QStringList());
+                QCOMPARE(fixture.Children(root), refused ? good[root] : text.section(u'=', 1));
+                fixture.Delete(root, 0);
+                fixture.answers.TakeSeen();
+            }
+        }
+    }
+
+    void EndsOfALabelEdit() {
+        Fixture fixture;
+        // Leaving a label as it is, or cancelling, changes nothing.
+        fixture.Rename(fixture.Item(HeadingRoot, 1), u"1,1,1"_qs, Qt::Key_Escape);
+        fixture.Rename(fixture.Item(HeadingRoot, 1), {});
+        fixture.Rename(fixture.Item(RowRoot, 0), u"0.60"_qs);
+        QVERIFY(!fixture.dialog->IsModified());
+
+        // A click elsewhere ends the edit like Enter; so does Tab, which edits no other label.
+        fixture.Rename(fixture.Item(HeadingRoot, 2), u"90,50,20"_qs, Qt::Key_Tab);
+        QVERIFY(fixture.Editor() == nullptr);
+        QCOMPARE(fixture.tree->currentItem(), fixture.Item(HeadingRoot, 0));
+        fixture.tree->expandAll();
+        fixture.Rename(fixture.Item(RowRoot, 1), u"0.5"_qs, Qt::Key_unknown);
+        QTest::mouseClick(fixture.tree->viewport(), Qt::LeftButton, {},
+                          fixture.tree->visualItemRect(fixture.Item(HeadingRoot, 1)).center());
+        Settle();
+        QCOMPARE(fixture.tree->currentItem(), fixture.Item(HeadingRoot, 1));
+        QCOMPARE(fixture.Grid()[4], u"0.50|0.54|0.52|0.56"_qs);
+
+        // A cancelled new entry is added as it stands.
+        fixture.Add(HeadingRoot, u"5,5,5"_qs, Qt::Key_Escape);
+        fixture.Add(RowRoot, {}, Qt::Key_Escape);
+        QCOMPARE(fixture.Children(HeadingRoot), u"90,50,20 80,50,20 80,30,20 0,0,0"_qs);
+        QCOMPARE(fixture.Children(RowRoot), u"0.00 0.50 0.60"_qs);
+
+        QVERIFY(fixture.answers.TakeSeen().isEmpty());
+    }
+
+    void DuplicatesAreRefused() {
+        Fixture fixture;
+        fixture.Add(HeadingRoot, u"80,30,20"_qs);
+        fixture.Rename(fixture.Item(RowRoot, 0), u"1.25"_qs);
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList({kExists, kExists}));
+        QVERIFY(!fixture.dialog->IsModified());
+        fixture.Add(RowRoot, u"1.2504"_qs);  // shown like another one, and yet not the same
+        QCOMPARE(fixture.Children(RowRoot), u"0.60 1.25 1.25"_qs);
+        QCOMPARE(fixture.Children(HeadingRoot), u"80,50,20 80,30,20 70,50,20"_qs);
+    }
+
+    void DeletesOnYesAlone() {
+        Fixture fixture;
+        fixture.Delete(HeadingRoot, 1, u"否"_qs);
+        fixture.Delete(RowRoot, 1, u"否"_qs);
+        QCOMPARE(fixture.answers.TakeSeen(),
+                 QStringList({u"甲灯 利用系数表|确定是否删除该列数据?|是/否"_qs,
+                              u"甲灯 利用系数表|确定是否删除该行数据?|是/否"_qs}));
+        QVERIFY(!fixture.dialog->IsModified());
+        fixture.Delete(HeadingRoot, 1);
+        fixture.Add(RowRoot, u"3"_qs);
+        fixture.Delete(RowRoot, 2);  // never stored
+        fixture.Delete(RowRoot, 0);
+        QCOMPARE(fixture.Grid()[4], u"1.25|0.52|0.54"_qs);
+        QCOMPARE(fixture.File().size(), 6);
+        fixture.Press(Submit);
+        QCOMPARE(fixture.File(), QStringList({u"80|50|20|1.25|0.52"_qs, u"70|50|20|1.25|0.54"_qs}));
+        QCOMPARE(fixture.Value(9), u"0.9"_qs);  // another luminaire's
+    }
+
+    void FactorsAreCheckedAndKeepTheirDecimals() {
+        Fixture fixture;
+        for (const char* text : {"-1", "1e2", ".", "1.2.3", "x"}) {
+            fixture.Type(4, 1, QString::fromLatin1(text));
+            QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadFactor));
+            QCOMPARE(fixture.grid->GetItemText(4, 1), u"0"_qs);
+        }
+        QVERIFY(!fixture.dialog->IsModified());
+        fixture.Press(Submit);
+        QCOMPARE(fixture.grid->GetItemText(4, 1), u"0.61"_qs);
+        fixture.PassThrough(4, 2);  // shown as 0.65
+        fixture.Type(4, 1, u"0.123"_qs);
+        QCOMPARE(fixture.grid->GetItemText(4, 1), u"0.123"_qs);
+        fixture.Type(5, 1, u"0.12345678"_qs);
+        QCOMPARE(fixture.grid->GetItemText(5, 1), u"0.123457"_qs);  // what the file can hold
+        fixture.Type(5, 2, u"123456789"_qs);
+        fixture.PassThrough(5, 2);
+        fixture.Type(5, 3, u"0.544"_qs);
+        fixture.Type(5, 3, u"0.54"_qs);  // not the rounding of the former text but a new number
+        fixture.Press(Submit);
+        QVERIFY(fixture.answers.TakeSeen().isEmpty());
+        QCOMPARE(fixture.grid->GetItemText(4, 1), u"0.12"_qs);
+        fixture.PassThrough(4, 1);
+        fixture.Press(Submit);
+        QCOMPARE(fixture.File(), QStringList({u"80|50|20|0.6|0.123"_qs, u"80|50|20|1.25|0.123457"_qs,
+                                              u"80|30|20|0.6|0.654"_qs, u"80|30|20|1.25|123457000.0"_qs,
+                                              u"70|50|20|0.6|0.63"_qs, u"70|50|20|1.25|0.54"_qs}));
+    }
+
+    void Leaving_data() {
+        QTest::addColumn<QString>("way");
+        QTest::addColumn<QString>("answer");
+        const QString ways =
+            u"ok, ok,是 ok,否 close, close,是 close,否 close,取消 esc, esc,是 esc,否 esc,取消"_qs;
+        for (const QString& row : ways.split(u' ')) {
+            QTest::newRow(qPrintable(row)) << row.section(u',', 0, 0) << row.section(u',', 1);
+        }
+    }
+    // Without an answer nothing has been modified.
+    void Leaving() {
+        QFETCH(QString, way);
+        QFETCH(QString, answer);
+        const bool ok = way == u"ok"_qs;
+        Fixture fixture;
+        if (!answer.isEmpty()) {
+            QWidget* editor = fixture.TypeOpen(4, 1, u"0.99"_qs);  // still being typed when the user leaves
+            if (way == u"esc"_qs) {
+                QTest::keyClick(editor, Qt::Key_Up);  // there Esc would cancel the edit
+            }
+            fixture.answers.Plan(answer);
+        }
+        if (ok) {
+            fixture.Press(Ok);
+        } else if (way == u"close"_qs) {
+            fixture.dialog->close();
+        } else {
+            QTest::keyClick(fixture.dialog.get(), Qt::Key_Return);
+            QVERIFY(fixture.dialog->isVisible());
+            QTest::keyClick(fixture.grid, Qt::Key_Escape);
+        }
+        QCOMPARE(fixture.answers.TakeSeen().join(u' '), answer.isEmpty() ? QString()
+                                                        : ok             ? kLeave
+                                                                         : kLeave + u"/取消"_qs);
+        QCOMPARE(fixture.dialog->isVisible(), answer == u"取消"_qs);
+        QCOMPARE(fixture.dialog->result(), int(ok ? QDialog::Accepted : QDialog::Rejected));
+        QCOMPARE(fixture.Value(1), answer == u"是"_qs ? u"0.99"_qs : u"0.61"_qs);
+    }
+
+    void AWrongTextKeepsTheDialog() {
+        Fixture fixture;
+        for (const int way : {int(Submit), int(Ok), int(Clear), 0}) {
+            fixture.Rename(fixture.Item(HeadingRoot, 0), u"80"_qs, Qt::Key_unknown);
+            way == 0 ? void(fixture.dialog->close()) : fixture.Press(way);
+            Settle();
+            QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadHeading));
+            QVERIFY(fixture.dialog->isVisible() && fixture.Editor() != nullptr);
+            QTest::keyClick(fixture.Editor(), Qt::Key_Escape);
+            Settle();
+        }
+        fixture.TypeOpen(4, 1, u"x"_qs);
+        fixture.dialog->close();
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadFactor));
+        QVERIFY(fixture.dialog->isVisible());
+
+        // A good text is taken in before the table is written.
+        fixture.Rename(fixture.Item(HeadingRoot, 0), u"1,2,3"_qs, Qt::Key_unknown);
+        fixture.Press(Submit);
+        QCOMPARE(fixture.File().last(), u"1|2|3|1.25|0.52"_qs);
+    }
+
+    void ClearsOnYesAlone() {
+        Fixture fixture;
+        for (const QString& answer : {u"否"_qs, u"是"_qs}) {
+            QVERIFY(!fixture.dialog->IsModified());
+            fixture.answers.Plan(answer);
+            fixture.Press(Clear);
+            QCOMPARE(fixture.answers.TakeSeen(),
+                     QStringList(u"甲灯 利用系数表|确定是否清空全部数据?|是/否"_qs));
+        }
+        QCOMPARE(fixture.Grid()[5], u"1.25|0.00|0.00|0.00"_qs);
+        QCOMPARE(fixture.Value(1), u"0.61"_qs);
+        fixture.Press(Submit);
+        QCOMPARE(fixture.File().filter(u"|0.0"_qs).size(), 6);
+    }
+
+    void TellsWhatWasNotWritten() {
+        Fixture fixture(kFile +
+                        u"create trigger refuse before update on 利用系数 when new.ID in (2,3) "
+                        "begin select raise(abort,'refused'); end;"_qs);
+        const QString told =
+            u"甲灯 利用系数表|有2条数据未能写入数据库。\n可能的原因:数据库文件只读或被其他程序占用。|确定|unplanned"_qs;
+        fixture.Type(5, 1, u"0.7"_qs);
+        fixture.Press(Submit);
+        QVERIFY(fixture.dialog->IsModified());  // what is not in the file is not forgotten
+        fixture.answers.Plan(u"是"_qs);
+        fixture.Press(Ok);
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList({told, kLeave, told}));
+        QVERIFY(!fixture.dialog->isVisible());
+    }
+
+    void AnIncompleteTableIsNotEdited() {
+        Fixture fixture(kFile + u"update 利用系数 set UtilizationFactor=null where ID=4;"_qs);
+        QCOMPARE(fixture.answers.TakeSeen(),
+                 QStringList(u"甲灯 利用系数表|利用系数未能全部读出,不能编辑。|确定|unplanned"_qs));
+        QVERIFY(!fixture.tree->isEnabled() && !fixture.grid->isEnabled());
+        const QStringList before = fixture.file.Snapshot();
+        fixture.Press(Clear);
+        fixture.Press(Ok);
+        QVERIFY(!fixture.dialog->isVisible());
+        QCOMPARE(fixture.file.Snapshot(), before);
+    }
+
+    // Every edit is made through the dialog and in the oracle.
+    void RandomEditsAgainstAMap() {
+        Fixture fixture(QString{});
+        Oracle oracle;
+        for (int step = 1; step <= 240; ++step) {
+            Edit(fixture, oracle, Below(12));
+            QCOMPARE(fixture.Grid(), oracle.Grid());
+            if (step % 60 == 0) {
+                fixture.Press(Submit);
+                QCOMPARE(fixture.File(kAsTexts), oracle.File());
+            }
+        }
+        QVERIFY(oracle.axes[HeadingRoot].size() > 2 && oracle.axes[RowRoot].size() > 2);
+        oracle.Delete(RowRoot, oracle.axes[RowRoot][0]);
+        fixture.Delete(RowRoot, 0);
+        fixture.answers.Plan(u"是"_qs);
+        fixture.dialog->close();
+        QCOMPARE(fixture.File(kAsTexts), oracle.File());
+    }
+
+private:
+    int Below(qsizetype limit) { return static_cast<int>(m_random.bounded(limit)); }
+
+    void Edit(Fixture& fixture, Oracle& oracle, int choice) {
+        const Root root = choice % 2 == 0 ? HeadingRoot : RowRoot;
+        const QString text = root == RowRoot
+                                 ? Fixed2(Below(12) * 0.25)
+                                 : u"%1,%2,%3"_qs.arg(Below(3) * 10).arg(Below(3) * 10).arg(Below(2) * 10);
+        QStringList& axis = oracle.axes[root];
+        if (choice < 4 || axis.isEmpty()) {
+            fixture.Add(root, text);
+            oracle.Add(root, text);
+            return;
+        }
+        const int at = Below(axis.size());
+        if (choice < 6) {
+            fixture.Rename(fixture.Item(root, at), text);
+            oracle.Rename(root, QString(axis[at]), text);
+        } else if (choice == 6 + Below(2)) {
+            fixture.Delete(root, at);
+            oracle.Delete(root, axis[at]);
+        } else if (const QStringList& others = oracle.axes[1 - root]; !others.isEmpty()) {
+            const int other = Below(others.size());
+            const double factor = Below(100) / 100.0;
+            const bool isHeading = root == HeadingRoot;
+            fixture.Type((isHeading ? other : at) + 4, (isHeading ? at : other) + 1, Fixed2(factor));
+            oracle.Factor(root, axis[at], others[other]) = factor;
+        }
+    }
+
+    QRandomGenerator m_random{20240607};
+};
+
+QTEST_MAIN(TestFactorTableDialog)
+#include "test_factor_table_dialog.moc"

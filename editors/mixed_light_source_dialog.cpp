@@ -1,0 +1,234 @@
+#include "editors/mixed_light_source_dialog.h"
+
+#include <QPushButton>
+#include <algorithm>
+
+#include "data/number_text.h"
+#include "editors/grid_setup.h"
+#include "editors/light_source_text.h"
+#include "editors/text_checks.h"
+#include "grid/btn_data_base.h"
+#include "widgets/dialog_template.h"
+
+namespace quorvane {
+namespace {
+
+constexpr int kGridFrame = 1013;
+constexpr int kOk = 1;
+constexpr int kDelete = 1015;
+constexpr int kCancel = 2;
+constexpr int kGrid = 100;
+
+const DialogControl kTemplate[] = {
+    {kGridFrame, ControlKind::Frame, u"", {7, 7, 306, 150}},
+    {kOk, ControlKind::PushButton, u"确定", {56, 165, 44, 16}},
+    {kDelete, ControlKind::PushButton, u"删除", {138, 165, 44, 16}},
+    {kCancel, ControlKind::PushButton, u"取消", {220, 165, 44, 16}},
+};
+constexpr QSize kTemplateSize(320, 188);
+
+enum Column { Number, Category, LightSource, Count };
+
+const GridColumn kColumns[] = {{u"序号", 0.1}, {u"光源类别", 0.3}, {u"光源", 0.4}, {u"数量", 0.2}};
+
+const CString kCaption = QStringLiteral("混合光源设置");
+const CString kMixedLight = QStringLiteral("混光灯");
+const CString kCommonLuminaires = QStringLiteral("常用灯具");
+
+}  // namespace
+
+CMixLuminaireSettingDlg::CMixLuminaireSettingDlg(CLightingDatabase& database, const CString& defaultLamphouse,
+                                                 const CString& lamphouseCount, QWidget* parent)
+    : QDialog(parent), m_database(database), m_buttons(std::make_unique<CBtnDataBase>()) {
+    setObjectName(QStringLiteral("mixedLightSourceDialog"));
+    setWindowTitle(kCaption);
+    CreateControls(this, kTemplate);
+    setFixedSize(DialogUnits(font()).ToPixels(kTemplateSize));
+    m_grid = CreateGrid(this, kGrid, DialogItem(this, kGridFrame)->geometry(), kColumns);
+    setTabOrder(m_grid, DialogItem(this, kOk));
+    m_grid->setFocus();
+
+    LoadCategories();
+    const bool whole = LoadEntries(defaultLamphouse, lamphouseCount);
+    FillGrid();
+    connect(m_grid, &CGridCtrl::EndLabelEdit, this, &CMixLuminaireSettingDlg::CellEdited);
+    connect(DialogItem<QPushButton>(this, kOk), &QPushButton::clicked, this, &QDialog::accept);
+    connect(DialogItem<QPushButton>(this, kDelete), &QPushButton::clicked, this,
+            &CMixLuminaireSettingDlg::DeleteSelected);
+    connect(DialogItem<QPushButton>(this, kCancel), &QPushButton::clicked, this, &QDialog::reject);
+    if (!whole) {
+        TellIncompleteLoad(parent, kCaption);
+    }
+}
+
+CMixLuminaireSettingDlg::~CMixLuminaireSettingDlg() = default;
+
+CString CMixLuminaireSettingDlg::GetLightSources() const {
+    std::vector<CString> texts;
+    for (const tagMIXLUMINAIREINFO& entry : m_entries) {
+        texts.push_back(entry.LightSource);
+    }
+    return Join(texts);
+}
+
+CString CMixLuminaireSettingDlg::GetCounts() const {
+    std::vector<CString> counts;
+    for (const tagMIXLUMINAIREINFO& entry : m_entries) {
+        counts.push_back(FormatInteger(entry.Count));
+    }
+    return Join(counts);
+}
+
+void CMixLuminaireSettingDlg::accept() {
+    m_grid->EndEdit();
+    QDialog::accept();
+}
+
+void CMixLuminaireSettingDlg::LoadCategories() {
+    std::vector<tagLAMPHOUSETYPE> types;
+    m_database.LoadLampTypes(types);
+    std::vector<CString> names;
+    for (const tagLAMPHOUSETYPE& type : types) {
+        if (type.LamphouseType != kMixedLight && type.LamphouseType != kCommonLuminaires) {
+            names.push_back(type.LamphouseType);
+        }
+    }
+    m_categories = std::make_shared<const std::vector<CString>>(std::move(names));
+}
+
+// False when the database did not answer for a light source: unlike one that is gone, it would be missed. The
+// look-up refuses a text without name and model, which stands for no light source at all.
+bool CMixLuminaireSettingDlg::LoadEntries(const CString& lightSources, const CString& counts) {
+    bool whole = true;
+    for (const CString& text : Split(lightSources, u',')) {
+        const LightSourceParts parts = SplitLightSourceText(text);
+        if (parts == LightSourceParts{}) {
+            continue;
+        }
+        int lightSourceId = 0;
+        whole = m_database.FindLightSourceID(parts.name, parts.model, lightSourceId) && whole;
+        if (lightSourceId == 0) {
+            continue;
+        }
+        tagMIXLUMINAIREINFO entry{.ID = NextId(), .Category = {}, .LightSource = text};
+        m_database.FindLightSourceTypeName(parts.name, parts.model, entry.Category);
+        m_entries.push_back(std::move(entry));
+    }
+    auto entry = m_entries.begin();
+    for (const CString& count : Split(counts, u',')) {
+        if (entry == m_entries.end()) {
+            break;
+        }
+        (entry++)->Count = ToInteger(count);
+    }
+    return whole;
+}
+
+CellChoices CMixLuminaireSettingDlg::LightSourcesOf(const CString& category) {
+    CellChoices& choices = m_lightSources[category];
+    if (choices == nullptr) {
+        std::vector<tagLAMPHOUSEINFO> records;
+        m_database.LoadLightSourcesByTypeName(category, records);
+        std::vector<CString> texts;
+        texts.reserve(records.size());
+        for (const tagLAMPHOUSEINFO& record : records) {
+            texts.push_back(LightSourceText(record));
+        }
+        choices = std::make_shared<const std::vector<CString>>(std::move(texts));
+    }
+    return choices;
+}
+
+void CMixLuminaireSettingDlg::FillGrid() {
+    for (const tagMIXLUMINAIREINFO& entry : m_entries) {
+        const int row = m_grid->InsertRow({});
+        WriteRowHead(*m_grid, row, FormatInteger(row), entry.ID);
+        WriteRow(row, entry);
+    }
+    AddAppendRow();
+}
+
+void CMixLuminaireSettingDlg::WriteRow(int row, const tagMIXLUMINAIREINFO& entry) {
+    WriteCombo(row, Category, m_categories, entry.Category);
+    WriteCombo(row, LightSource, LightSourcesOf(entry.Category), entry.LightSource);
+    WriteCell(*m_grid, row, Count, FormatInteger(entry.Count), kCentred);
+}
+
+// The text is shown also when it is not among the choices.
+void CMixLuminaireSettingDlg::WriteCombo(int row, int column, const CellChoices& choices,
+                                         const CString& text) {
+    SetUpComboCell(*m_grid, *m_buttons, row, column, choices, text);
+    m_grid->SetItemText(row, column, text);
+}
+
+void CMixLuminaireSettingDlg::AddAppendRow() {
+    const int row = m_grid->InsertRow({});
+    WriteRowHead(*m_grid, row, QStringLiteral("追加"), 0);
+    WriteRow(row, {});
+}
+
+void CMixLuminaireSettingDlg::NumberRows() {
+    for (int row = 1; row <= static_cast<int>(m_entries.size()); ++row) {
+        m_grid->SetItemText(row, Number, FormatInteger(row));
+    }
+}
+
+void CMixLuminaireSettingDlg::CellEdited(int row, int column) {
+    const tagMIXLUMINAIREINFO* known = Find(m_grid->GetItemData(row, 0));
+    const CString category = m_grid->GetItemText(row, Category);
+    // Picking the present category again keeps the light source.
+    if (column == Category && category != (known != nullptr ? known->Category : CString())) {
+        WriteCombo(row, LightSource, LightSourcesOf(category), {});
+    }
+    tagMIXLUMINAIREINFO entry = ReadRow(row);
+    if (entry.ID != 0) {
+        *Find(entry.ID) = entry;
+    } else if (entry != tagMIXLUMINAIREINFO{}) {
+        entry.ID = NextId();
+        m_grid->SetItemData(row, Number, entry.ID);
+        m_entries.push_back(std::move(entry));
+        NumberRows();
+        AddAppendRow();
+    }
+}
+
+tagMIXLUMINAIREINFO CMixLuminaireSettingDlg::ReadRow(int row) {
+    const int count = ReadInteger(*m_grid, row, Count);
+    m_grid->SetItemText(row, Count, FormatInteger(count));  // "+3" or "-" as they are understood
+    return {.ID = m_grid->GetItemData(row, Number),
+            .Category = m_grid->GetItemText(row, Category),
+            .LightSource = m_grid->GetItemText(row, LightSource),
+            .Count = count};
+}
+
+void CMixLuminaireSettingDlg::DeleteSelected() {
+    m_grid->EndEdit();
+    const CCellRange selected = m_grid->GetSelectedCellRange();
+    if (!m_grid->IsValid(selected)) {
+        return;
+    }
+    const int row = selected.minRow;
+    const tagMIXLUMINAIREINFO* entry = Find(m_grid->GetItemData(row, Number));
+    if (entry != nullptr && AskToDelete(this, kCaption, row, entry->LightSource)) {
+        m_entries.erase(m_entries.begin() + (entry - m_entries.data()));
+        m_grid->DeleteRow(row);
+        NumberRows();
+    }
+}
+
+tagMIXLUMINAIREINFO* CMixLuminaireSettingDlg::Find(int id) {
+    const auto found = std::find_if(m_entries.begin(), m_entries.end(),
+                                    [id](const tagMIXLUMINAIREINFO& entry) { return entry.ID == id; });
+    return found == m_entries.end() ? nullptr : &*found;
+}
+
+// The number of entries and one, and beyond every ID that stayed when others were deleted.
+int CMixLuminaireSettingDlg::NextId() const {
+    int highest = 0;
+    for (const tagMIXLUMINAIREINFO& entry : m_entries) {
+        highest = std::max(highest, entry.ID);
+    }
+    return highest + 1;
+}
+
+}  // namespace quorvane

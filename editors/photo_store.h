@@ -1,0 +1,65 @@
+// The photo library: one picture file a luminaire, named by the luminaire's ID.
+//
+// It is the folder "\Vexal\LuminairePhotoLib\" under a base folder. Records keep their photo as
+// "\Vexal\LuminairePhotoLib\<ID><extension>", in the form that other programs reading the database expect.
+#pragma once
+
+#include <optional>
+#include <set>
+
+#include "data/records.h"
+
+namespace quorvane {
+
+class PhotoStore {
+public:
+    // baseFolder, in either form, has no trailing separator. With an empty one no file is ever touched.
+    explicit PhotoStore(CString baseFolder);
+
+    // The file that a photo text names, as this platform writes it: a text beginning with "\" lies under the
+    // base folder, any other is a path of its own.
+    CString FilePath(const CString& photo) const;
+
+    struct StoredPhoto {
+        CString photo;          // what the luminaire's record is to keep
+        bool replaces = false;  // whether its other files have had their day
+    };
+    // Makes a copy of the file source the luminaire's picture; an empty source gives an empty text. A source
+    // that already is the luminaire's picture is left alone. When the copy fails the result is the path of
+    // the old picture; without an old picture it is the path that the new one would have had.
+    //
+    // Whatever another picture is called stays, so that a record which then cannot be written still names a
+    // file. Once the record is written, DeleteOthers takes away what was replaced.
+    StoredPhoto Store(int luminaireID, const CString& source);
+    // Deletes every file "<ID>.*" of the library but that of photo.
+    void DeleteOthers(int luminaireID, const CString& photo);
+    // Deletes every file "<ID>.*" of the library.
+    void Delete(int luminaireID) { DeleteOthers(luminaireID, {}); }
+
+    // While it lives, the library's folder is read once and not again for every luminaire.
+    class OneListing {
+    public:
+        explicit OneListing(PhotoStore& store) : m_store(store) { m_store.m_listing = m_store.AllNames(); }
+        ~OneListing() { m_store.m_listing.reset(); }
+        OneListing(const OneListing&) = delete;
+        OneListing& operator=(const OneListing&) = delete;
+
+    private:
+        PhotoStore& m_store;
+    };
+
+private:
+    using Names = std::set<CString>;
+
+    CString Folder() const;
+    // Names of all files in the library.
+    Names AllNames() const;
+    // Names of the luminaire's files in the library.
+    std::vector<CString> FileNames(int luminaireID) const;
+    CString OldPicture(int luminaireID) const;
+
+    CString m_baseFolder;
+    std::optional<Names> m_listing;  // while a OneListing lives
+};
+
+}  // namespace quorvane

@@ -1,0 +1,165 @@
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+
+#include "editors/directory_tree.h"
+#include "editors/drives.h"
+#include "tests/support/message_answers.h"
+
+using namespace quorvane;
+
+namespace {
+
+// A tree on a machine whose drives and pictures the test chooses.
+class Tree : public CDirTreeCtrl {
+public:
+    Tree() : CDirTreeCtrl(nullptr) {
+        resize(300, 400);
+        show();
+    }
+    QStringList drives = LogicalDrives();
+    bool hasIcons = true;
+
+protected:
+    QStringList Drives() const override { return drives; }
+    QIcon SystemIcon(QFileIconProvider::IconType type) const override {
+        return hasIcons ? CDirTreeCtrl::SystemIcon(type) : QIcon();
+    }
+};
+
+}  // namespace
+
+class TestDirectoryTree : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_tree = std::make_unique<Tree>();
+        m_chosen.clear();
+        connect(m_tree.get(), &CDirTreeCtrl::FileChosen, this,
+                [this](const CString& path) { m_chosen += path; });
+    }
+
+    void FoldersStandFirstInAPersonsOrder() {
+        Add({u"10.jpg"_qs, u"2.JPG"_qs, u"荧光灯.jpg"_qs, u"白炽灯.Jpeg"_qs, u"b 1.gif"_qs, u"A.bmp"_qs,
+             u".x.jpg"_qs, u"note.txt"_qs, u"jpg"_qs, u"z/1"_qs, u"卤钨/1"_qs, u"高压/1"_qs, u"Recycled/1"_qs,
+             u"a.jpg/1"_qs});
+        const QModelIndex root = ShowFolder({u".bmp"_qs, u".jpg"_qs, u".GIF"_qs, u".jpeg"_qs});
+        QCOMPARE(root.data().toString(), m_folder->path() + u'/');
+        const QStringList names = Names(root);
+        // Which of the two scripts stands first is the system's habit.
+        QCOMPARE(names.filter(QRegularExpression(u"[一-龥]"_qs)).join(u' '),
+                 u"高压 卤钨 白炽灯.Jpeg 荧光灯.jpg"_qs);
+        QCOMPARE(names.filter(QRegularExpression(u"^[ -~]*$"_qs)).join(u'|'),
+                 u"a.jpg|z|.x.jpg|2.JPG|10.jpg|A.bmp|b 1.gif"_qs);
+        QVERIFY(names.indexOf(u"高压"_qs) < 4 && names.indexOf(u"z"_qs) < 4);
+    }
+
+    void AFolderIsReadWhenItIsOpened() {
+        Add({u"outer/inner/a.jpg"_qs, u"outer2/vanished"_qs});
+        const QModelIndex root = ShowFolder();
+        const QAbstractItemModel& model = *m_tree->model();
+        const QPersistentModelIndex outer = model.index(0, 0, root);
+        QVERIFY(model.hasChildren(outer));
+        QTest::qWait(50);
+        QCOMPARE(model.rowCount(outer), 0);
+        Add({u"outer/b.jpg"_qs});
+        m_tree->setCurrentIndex(outer);
+        QTest::keyClick(m_tree.get(), Qt::Key_Right);
+        QTRY_COMPARE(Names(outer), (QStringList{u"inner"_qs, u"b.jpg"_qs}));
+        QCOMPARE(model.rowCount(model.index(0, 0, outer)), 0);
+
+        QVERIFY(QDir(Path(u"outer2"_qs)).removeRecursively());
+        m_tree->expand(model.index(1, 0, root));
+        QTRY_VERIFY(!model.hasChildren(model.index(1, 0, root)));
+    }
+
+    void SelectsDownToThePath() {
+        // A link back up is followed as far as the path goes.
+        QVERIFY(QFile::link(m_folder->path(), Path(u"loop"_qs)));
+        Add({u"outer/图 片/a.b.jpg"_qs, u"outer/图 片/.x.jpg"_qs, u"outer/note.txt"_qs});
+        m_tree->SetExtensions({u".jpg"_qs});
+        for (const bool allDrives : {false, true}) {
+            for (const auto& [path, selected] :
+                 {std::pair{u"outer/图 片/a.b.jpg"_qs, u"outer/图 片/a.b.jpg"_qs},
+                  {u"outer//图 片/../图 片/.x.jpg"_qs, u"outer/图 片/.x.jpg"_qs},
+                  {u"loop/loop/outer/note.txt"_qs, u"loop/loop/outer"_qs}}) {
+                m_tree->Show(allDrives ? QString() : m_folder->path(), true);
+                m_tree->SelectPath(Path(path));
+                QTRY_COMPARE(m_tree->SelectedPath(), Path(selected));
+                QVERIFY(m_tree->viewport()->rect().intersects(m_tree->visualRect(m_tree->currentIndex())));
+            }
+            m_tree->Show(allDrives ? QString() : m_folder->path(), true);
+            m_tree->SelectPath(Path(u"outer/none.jpg"_qs));
+            QTest::qWait(100);
+            QCOMPARE(m_tree->SelectedPath(), QString());
+        }
+        QCOMPARE(m_chosen, QStringList());
+    }
+
+    void ReportsFilesThatTheUserPicks() {
+        Add({u"folder.jpg/x"_qs, u"b.jpg"_qs});
+        const QModelIndex root = ShowFolder();
+        for (const int row : {0, 1, 1}) {  // the folder, then the file twice
+            const QRect item = m_tree->visualRect(m_tree->model()->index(row, 0, root));
+            QTest::mouseClick(m_tree->viewport(), Qt::LeftButton, {}, item.topLeft() + QPoint(8, 8));
+        }
+        QCOMPARE(m_chosen, QStringList({Path(u"b.jpg"_qs), Path(u"b.jpg"_qs)}));
+        // What the user does meanwhile goes before a selection that is still on its way.
+        m_tree->SelectPath(Path(u"folder.jpg/x"_qs));
+        QTest::keyClick(m_tree.get(), Qt::Key_Up);
+        QTest::keyClick(m_tree.get(), Qt::Key_Down);
+        QCOMPARE(m_chosen.size(), 3);
+        QTest::qWait(50);
+        QCOMPARE(m_tree->SelectedPath(), Path(u"b.jpg"_qs));
+    }
+
+    void TellsWhatIsMissing() {
+        MessageAnswers answers;
+        const auto told = [&](const QString& folder) {
+            answers.Plan(u"确定"_qs);
+            m_tree->Show(folder, true);
+            const QString rows = QString::number(m_tree->model()->rowCount());
+            return answers.TakeSeen().join(u'\n').section(u'|', 1, 1) + u' ' + rows;
+        };
+        QCOMPARE(told(Path(u"unplugged"_qs)), u"Error Gettting SystemFileInfo! 0"_qs);
+        m_tree->drives.clear();
+        QCOMPARE(told({}), u"Error Getting Logical DriveStrings! 0"_qs);
+        m_tree->hasIcons = false;
+        QCOMPARE(told(m_folder->path()), u"Cannot retrieve the Handle of SystemImageList! 0"_qs);
+    }
+
+private:
+    void Add(const QStringList& files) const {
+        for (const QString& file : files) {
+            QVERIFY(QDir().mkpath(QFileInfo(Path(file)).path()));
+            QVERIFY(QFile(Path(file)).open(QIODevice::WriteOnly));
+        }
+    }
+    QString Path(const QString& name) const { return m_folder->filePath(name); }
+    // Shows the test's folder alone and waits until it is read.
+    QModelIndex ShowFolder(const QStringList& extensions = {}) {
+        m_tree->SetExtensions(extensions);
+        m_tree->Show(m_folder->path(), true);
+        const QModelIndex root = m_tree->model()->index(0, 0);
+        return QTest::qWaitFor([&] { return m_tree->model()->rowCount(root) > 0; }) ? root : QModelIndex();
+    }
+    QStringList Names(const QModelIndex& folder) const {
+        QStringList names;
+        for (int row = 0; row < m_tree->model()->rowCount(folder); ++row) {
+            names += m_tree->model()->index(row, 0, folder).data().toString();
+        }
+        return names;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<Tree> m_tree;
+    QStringList m_chosen;
+};
+
+QTEST_MAIN(TestDirectoryTree)
+#include "test_directory_tree.moc"

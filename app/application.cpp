@@ -5,10 +5,10 @@
 #include <QLocale>
 #include <QTranslator>
 
-#include "app/empty_page.h"
 #include "app/main_dialog.h"
 #include "data/store/store_factory.h"
 #include "editors/light_source_page.h"
+#include "editors/luminaire_page.h"
 #include "editors/requirement_page.h"
 #include "widgets/icons.h"
 #include "widgets/message_box.h"
@@ -52,12 +52,13 @@ void CQuorvaneApp::Run() {
         ShowMessage(nullptr, QStringLiteral("数据库连接失败!"));
         return;
     }
-    const auto emptyPage = [](QWidget* parent) -> CPage* { return new EmptyPage(parent); };
     CQuorvaneDlg dialog({
                             .lightSources = [this](QWidget* parent) -> CPage* {
                                 return new CQuorvaneLamphouseDlg(m_database, parent);
                             },
-                            .luminaires = emptyPage,
+                            .luminaires = [this](QWidget* parent) -> CPage* {
+                                return new CQuorvaneLuminaireDlg(m_database, parent);
+                            },
                             .requirements = [this](QWidget* parent) -> CPage* {
                                 return new CQuorvaneDemandDlg(m_database, parent);
                             },

@@ -13,10 +13,10 @@ from gi.repository import Gio, GLib  # noqa: E402  (the version must be chosen f
 _A11Y = "org.a11y.atspi."
 _STATES = {"active": 1, "checked": 4, "editable": 7, "enabled": 8, "focused": 12, "selected": 23, "showing": 25}
 # Asked for by number, since the toolkit tells their names in the language of the machine.
-_ROLES = {2: "alert", 7: "check box", 10: "column header", 11: "combo box", 16: "dialog", 23: "frame", 29: "label",
-          31: "list", 32: "list item", 37: "page tab", 38: "page tab list", 39: "panel", 43: "push button",
-          44: "radio button", 55: "table", 56: "cell", 57: "column header", 58: "row header", 61: "text",
-          65: "tree", 66: "tree table"}
+_ROLES = {2: "alert", 7: "check box", 8: "check menu item", 10: "column header", 11: "combo box", 16: "dialog", 23: "frame", 29: "label",
+          31: "list", 32: "list item", 33: "menu", 35: "menu item", 37: "page tab", 38: "page tab list", 39: "panel", 43: "push button",
+          44: "radio button", 41: "popup menu", 55: "table", 56: "cell", 57: "column header", 58: "row header", 61: "text",
+          65: "tree", 66: "tree table", 79: "text"}
 # Their children are counted in thousands; they are asked for one by one.
 _LARGE_ROLES = ("table", "tree table", "tree", "list")
 
@@ -46,6 +46,26 @@ class Desktop:
         (address,) = _call(self._session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")
         self._bus = _connect(address)
         self._root = Element(self._bus, _A11Y + "Registry", "/org/a11y/atspi/accessible/root")
+        self._focused = None
+        self._follow_focus()
+
+    def _follow_focus(self):
+        """Pop-ups stand in no window's tree; like a screen reader, one hears of them when they take the focus."""
+        def told(_bus, owner, path, _interface, _signal, arguments):
+            what, now = arguments.unpack()[:2]
+            if what == "focused" and now:
+                self._focused = Element(self._bus, owner, path)
+
+        self._bus.signal_subscribe(None, _A11Y + "Event.Object", "StateChanged", None, None,
+                                   Gio.DBusSignalFlags.NONE, told)
+        _call(self._bus, _A11Y + "Registry", "/org/a11y/atspi/registry", _A11Y + "Registry", "RegisterEvent",
+              GLib.Variant("(sass)", ("object:state-changed:focused", [], "")))
+
+    def focused(self):
+        """What last took the focus, in whichever program; None when nothing has yet."""
+        while GLib.MainContext.default().iteration(False):
+            pass
+        return self._focused
 
     def application(self, process_id):
         """The program with that process id, or None as long as it has not shown itself."""
@@ -104,6 +124,10 @@ class Element:
         (number,) = self._ask("Accessible", "GetRole")
         return _ROLES.get(number, f"role {number}")
 
+    @property
+    def parent(self):
+        return self._element(self._property("Accessible", "Parent"))
+
     def children(self):
         return [self._element(reference) for reference in self._ask("Accessible", "GetChildren")[0]]
 
@@ -145,25 +169,32 @@ class Element:
 
 
 class Table:
-    """A table, by headings and by row numbers from 0 on without the heading row."""
+    """A table, by headings and by row numbers from 0 on without the heading rows."""
 
     def __init__(self, element):
         self.element = element
-        self._heading_rows = 1 if self._at(0, 0).role == "column header" else 0
+        self._heading_rows = 0
+        while self._heading_rows < self._rows() and self._at(self._heading_rows, 0).role == "column header":
+            self._heading_rows += 1
 
     def _at(self, row, column):
         return self.element._element(self.element._ask("Table", "GetAccessibleAt", "(ii)", row, column)[0])
 
+    def _rows(self):
+        return self.element._property("Table", "NRows")
+
     @property
     def headings(self):
+        """A column's heading; where there are several heading rows, their texts joined by commas."""
         columns = range(self.element._property("Table", "NColumns"))
-        if self._heading_rows:
-            return [self._at(0, column).name for column in columns]
-        return [self.element._ask("Table", "GetColumnDescription", "(i)", column)[0] for column in columns]
+        if not self._heading_rows:
+            return [self.element._ask("Table", "GetColumnDescription", "(i)", column)[0] for column in columns]
+        return [",".join(filter(None, (self._at(row, column).name for row in range(self._heading_rows))))
+                for column in columns]
 
     @property
     def row_count(self):
-        return self.element._property("Table", "NRows") - self._heading_rows
+        return self._rows() - self._heading_rows
 
     def cell(self, row, heading):
         headings = self.headings
@@ -174,3 +205,10 @@ class Table:
     def row_texts(self, row):
         """Heading -> text of one row."""
         return {heading: self.cell(row, heading).name for heading in self.headings}
+
+    def row_of(self, first_text):
+        """The number of the row that begins with the text."""
+        for row in range(self.row_count):
+            if self._at(row + self._heading_rows, 0).name == first_text:
+                return row
+        raise LookupError(f"no row “{first_text}”")

@@ -31,6 +31,12 @@ def _unless_gone(question):
         return None
 
 
+def framed(rectangle):
+    """The rectangle of a window with the window manager's frame around it."""
+    left, top, width, height = rectangle
+    return left - 1, top - 21, width + 2, height + 22
+
+
 class ProgramFolder:
     """A program laid out as it is installed, FOLDER/bin beside FOLDER/Vexal, with a database of its own."""
 
@@ -71,6 +77,11 @@ class ProgramFolder:
         return self.query("select ID, LamphouseType as name from 光源类别 where LamphouseType not in "
                           "('混光灯', '常用灯具') and ID in (select LamphouseType from 光源) order by ID")[0]
 
+    def photos(self):
+        """Name -> content of the files in the photo library."""
+        library = self.database.parent / "LuminairePhotoLib"
+        return {file.name: file.read_bytes() for file in sorted(library.iterdir())} if library.is_dir() else {}
+
     def rows(self, table):
         return self.query(f"select * from [{table}] order by ID")
 
@@ -109,6 +120,19 @@ class Program:
     def main_window(self):
         return MainWindow(self, self.window(MAIN_TITLE))
 
+    def dialog(self, title):
+        """The dialog with that title, once it takes the keys."""
+        return Window(self, self.window(title))
+
+    def focused(self, role):
+        """What has the focus, when it is of that role."""
+        element = self._desktop.focused()
+        return element if element and element.role == role and element.is_("showing") else None
+
+    def popup(self, role):
+        """The list that has dropped down, once it has the focus."""
+        return self.wait_until(lambda: _unless_gone(lambda: self.focused(role)), f"a {role} dropped down")
+
     def message(self, text):
         """The message box that says the text, once it takes the keys."""
         def found():
@@ -139,7 +163,7 @@ class Program:
 
 
 class Window:
-    """A window with buttons."""
+    """A window, with its buttons, trees and lists, and the grid that shows in it."""
 
     def __init__(self, program, element):
         self.program, self.screen, self.element = program, program.screen, element
@@ -147,7 +171,7 @@ class Window:
     def find(self, role, caption=None):
         """The thing of that role and caption, once it shows."""
         return self.program.wait_until(lambda: _unless_gone(lambda: self.element.find(role, caption)),
-                                       f"a {role} “{caption or ''}” in {MAIN_TITLE}")
+                                       f"a {role} “{caption or ''}” in a window")
 
     def click(self, element, times=1):
         self.screen.click(*element.centre, times=times)
@@ -161,21 +185,7 @@ class Window:
     def wait_until_closed(self):
         wait_until(lambda: not self.is_open(), "the closing of a window")
 
-    def picture(self, path):
-        """Writes a PNG of the window with its frame."""
-        left, top, width, height = self.element.rectangle
-        self.screen.picture(path, (max(left - 2, 0), max(top - 24, 0), width + 4, height + 28))
-
-
-class MainWindow(Window):
-    """The main window, its tabs, and the grid and lists of the tab that shows."""
-
-    def show_tab(self, caption):
-        self.click(self.find("page tab", caption))
-        self.program.wait_until(lambda: self.shown_tab() == caption, f"the tab “{caption}” in front")
-
-    def shown_tab(self):
-        return self.find("page tab list").name  # a bar of tabs is told under the name of the one in front
+    # Lists ----------------------------------------------------------------------------------------------------
 
     def list_beside(self, caption):
         """The drop-down list to the right of the radio button or label with that caption, on the same line."""
@@ -196,12 +206,16 @@ class MainWindow(Window):
 
     def choose(self, caption, entry):
         """Chooses an entry of the list beside the caption, with the mouse."""
-        entries = self.open_list(caption)
-        names = [child.name for child in entries.children()]
-        if entry not in names:
-            raise LookupError(f"no entry “{entry}” among {names}")
-        self._click_inside(entries, lambda: entries.children()[names.index(entry)])
+        self._click_entry(self.open_list(caption), entry)
         self.program.wait_until(lambda: self.list_beside(caption).name == entry, f"“{entry}” chosen")
+
+    def _click_entry(self, entries, name):
+        names = [child.name for child in entries.children()]
+        if name not in names:
+            raise LookupError(f"no entry “{name}” among {names}")
+        self._click_inside(entries, lambda: entries.children()[names.index(name)])
+
+    # The grid -------------------------------------------------------------------------------------------------
 
     def grid(self):
         return Table(self.find("table"))
@@ -212,30 +226,117 @@ class MainWindow(Window):
 
     def click_cell(self, row, heading, times=1):
         grid = self.grid()
-        self._click_inside(grid.element, lambda: grid.cell(row, heading), times)
+        cell = grid.cell(row, heading)
+        self._click_inside(grid.element, lambda: cell, times)
+
+    def press_in_cell(self, row, heading):
+        """Clicks the button of a cell, or the arrow of one with a list; it stands at the right edge."""
+        grid = self.grid()
+        cell = grid.cell(row, heading)
+        self._click_inside(grid.element, lambda: cell, from_right=8)
+
+    def choose_in_cell(self, row, heading, entry):
+        """Chooses an entry of a cell's list, with the mouse."""
+        self.press_in_cell(row, heading)
+        self._click_entry(self.program.popup("list"), entry)
+        self.wait_for_cell(row, heading, entry)
 
     def enter(self, row, heading, text, becomes=None):
         """Types a text over a cell's old one and ends it with Enter; waits until the cell shows it."""
         self.click_cell(row, heading, times=2)
+        self._clear_sight()
         self.screen.press("ctrl+a")
         self.screen.type_text(text)
         self.screen.press("Return")
         self.wait_for_cell(row, heading, text if becomes is None else becomes)
 
+    def type_along(self, row, texts):
+        """Types texts (heading -> text) into cells that follow each other, from cell to cell with Tab."""
+        self.click_cell(row, next(iter(texts)))
+        self._clear_sight()
+        for heading, text in texts.items():
+            self.screen.type_text(text)
+            self.screen.press("Tab")
+            self.wait_for_cell(row, heading, text)
+
+    def _clear_sight(self):
+        """Moves the pointer off what is being typed."""
+        left, top, width, height = self.grid().element.rectangle
+        self.screen.move(left + width - 40, top + height - 40)
+
     def wait_for_cell(self, row, heading, text):
         self.program.wait_until(lambda: _unless_gone(lambda: self.grid().cell(row, heading).name) == text,
                                 f"“{text}” in row {row} under “{heading}”")
 
-    def _click_inside(self, frame, item, times=1):
-        """Turns the mouse wheel over frame until item() lies wholly inside it, and clicks it there."""
+    # Trees ----------------------------------------------------------------------------------------------------
+
+    def tree_item(self, name):
+        """The item of the tree that bears the name, once there is one; of several the last."""
+        def found():
+            items = [item for item in self.find("tree").children() if item.role == "cell" and item.name == name]
+            return items[-1] if items else None
+        return self.program.wait_until(lambda: _unless_gone(found), f"“{name}” in a tree")
+
+    def click_tree(self, name, button=1):
+        self._click_inside(self.find("tree"), lambda: self.tree_item(name), button=button)
+
+    def expand(self, *names):
+        """Opens the items one after the other, each inside the one before."""
+        for name in names:
+            self.click_tree(name)
+            self.screen.press("Right")
+
+    def choose_from_menu(self, name, command, seen=lambda: None):
+        """Chooses a command of the menu that a right click on an item of the tree opens."""
+        self.click_tree(name, button=3)
+        # A menu tells of itself only when one of its commands is reached; Down goes to the first enabled one.
+        self.screen.press("Down")
+        entry = self.program.wait_until(lambda: _unless_gone(lambda: self.program.focused("menu item")), "a menu")
+        seen()
+        self.click(next(other for other in entry.parent.children() if other.name == command))
+
+    def _click_inside(self, frame, item, times=1, button=1, from_right=None):
+        """Turns the mouse wheel over frame until item() shows wholly inside it, and clicks it there."""
         for _ in range(300):
             left, top, width, height = frame.rectangle
-            item_left, item_top, item_width, item_height = item().rectangle
-            if item_height and top <= item_top and item_top + item_height <= top + height:
-                self.screen.click(min(item_left + item_width // 2, left + width - 4), item_top + item_height // 2,
-                                  times=times)
+            target = item()
+            item_left, item_top, item_width, item_height = target.rectangle
+            middle = item_left + item_width // 2
+            x, y = middle if from_right is None else item_left + item_width - from_right, item_top + item_height // 2
+            is_level = item_height and top <= item_top and item_top + item_height <= top + height
+            # Wide things are clicked on what can be seen of them.
+            if from_right is None and item_width > width // 2:
+                x = max(left + 4, min(x, left + width - 4))
+            if is_level and left <= x <= left + width - 2 and target.is_("showing"):
+                self.screen.click(x, y, button=button, times=times)
                 return
-            distance = abs(item_top + item_height // 2 - (top + height // 2))
-            self.screen.click(left + width // 2, top + height // 2, button=4 if item_top < top else 5,
-                              times=max(1, min(20, distance // height * 2)))
+            if is_level:
+                wheel, distance, size = (6 if x < left else 7), abs(x - left - width // 2), width
+            else:
+                wheel, distance, size = (4 if item_top < top else 5), abs(y - top - height // 2), height
+            self.screen.click(left + width // 2, top + height // 2, button=wheel,
+                              times=max(1, min(20, distance // size * 2)))
         raise TimeLimit("could not bring an item into sight")
+
+
+class MainWindow(Window):
+    """The main window and its tabs."""
+
+    def show_tab(self, caption):
+        self.click(self.find("page tab", caption))
+        self.program.wait_until(lambda: self.shown_tab() == caption, f"the tab “{caption}” in front")
+
+    def shown_tab(self):
+        return self.find("page tab list").name  # a bar of tabs is told under the name of the one in front
+
+    def tick_categories(self, row, names, seen=lambda: None):
+        """Ticks just these names in the list that a click on the cell “灯具类别” drops down, and closes it."""
+        self.click_cell(row, "灯具类别")
+        entries = self.program.popup("list")
+        for entry in entries.children():
+            if entry.is_("checked") != (entry.name in names):
+                wanted = entry.name in names
+                self.click(entry)
+                self.program.wait_until(lambda: entry.is_("checked") == wanted, f"the tick of “{entry.name}”")
+        seen()
+        self.screen.press("Return")

@@ -235,6 +235,57 @@ class Roads(unittest.TestCase):
     def test_closing_the_window_with_edits_asks(self):
         self.check_the_question(self.leave_by_closing)
 
+    def edit_every_page(self, window):
+        """An edit on each page, not submitted. Changing between the pages asks nothing."""
+        window.choose(CATEGORY_LABEL, self.folder.first_category()["name"])
+        window.enter(0, "光通量", "4321")
+        window.show_tab("灯具库")
+        window.choose("灯具类型:", "混光灯")
+        window.enter(0, "灯具效率", "43.25")
+        window.show_tab("照度要求及功率密度")
+        window.expand("公共建筑")
+        window.click_tree("办公建筑")
+        window.wait_for_cell(0, "序号", "1")
+        window.enter(0, "照度标准值", "4327")
+
+    def test_leaving_settles_the_edits_of_every_page(self):
+        self.given_folder()
+        self.before = self.folder.everything()
+        for answer in ("否", "是"):
+            program = self.start()
+            window = program.main_window()
+            self.edit_every_page(window)
+            self.assert_file_unchanged()
+            window.press_button("退出")
+            program.message(QUESTION).press_button(answer)
+            self.assertEqual(program.wait_for_end(), 0)
+            if answer == "否":
+                self.assert_file_unchanged()
+        after = self.folder.everything()
+        for table, column, value in (("光源", "LuminousFlux", 4321), ("灯具", "LuminaireEfficiency", 43.25),
+                                     ("照度要求及功率密度", "IlluminanceStandard", 4327)):
+            changed = [(old, new) for old, new in zip(self.before.pop(table), after.pop(table)) if old != new]
+            self.assertEqual(len(changed), 1, table)
+            self.assertEqual(changed[0][1], {**changed[0][0], column: value})
+        self.assertEqual(after, self.before)
+
+    def test_choosing_another_building_type_keeps_or_drops_the_edit_as_answered(self):
+        self.given_folder()
+        window = self.start().main_window()
+        window.show_tab("照度要求及功率密度")
+        window.expand("公共建筑")
+        before = self.folder.everything()
+        for answer, kept in (("否", False), ("是", True)):
+            window.click_tree("办公建筑")
+            window.wait_for_cell(0, "场所", "普通办公室")
+            window.enter(0, "照度标准值", "4327")
+            window.click_tree("学校建筑")
+            window.program.message("数据已经修改是否提交?").press_button(answer)
+            window.wait_for_cell(0, "场所", "教室")
+            values = [row["IlluminanceStandard"] for row in self.folder.rows("照度要求及功率密度")]
+            self.assertEqual(4327 in values, kept)
+            self.assertEqual(self.folder.everything() == before, not kept)
+
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)

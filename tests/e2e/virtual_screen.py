@@ -124,6 +124,9 @@ class VirtualScreen:
         self._run("xdotool", "mousemove", str(x), str(y), "click", "--repeat", str(times), "--delay", "40",
                   str(button))
 
+    def move(self, x, y):
+        self._run("xdotool", "mousemove", str(x), str(y))
+
     def press(self, *keys):
         """Presses keys by their X names, as "Tab" or "ctrl+a", one after the other."""
         self._run("xdotool", "key", "--delay", "40", *keys)
@@ -139,6 +142,11 @@ class VirtualScreen:
             return
         layout = self._run("xmodmap", "-pke").stdout.splitlines()
         spare = [line.split()[1] for line in layout if line.rstrip().endswith("=")]
+        # Keys run out; those of characters that this text does not need are given anew.
+        for character in [other for other in self._keys if other not in characters]:
+            if len(spare) >= len(wanted):
+                break
+            spare.append(self._keys.pop(character))
         if len(spare) < len(wanted):
             raise ValueError(f"no spare key for {''.join(wanted[len(spare):])}")
         given = dict(zip(wanted, spare))

@@ -1,0 +1,57 @@
+// What a luminaire's texts refer to: category names and light source texts, each read from the database once
+// and shared by all rows.
+//
+// A light source is shown as its name, ":" and its model. Lists of IDs and of texts are joined by ",".
+#pragma once
+
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "data/lighting_database.h"
+#include "editors/cell_setup.h"
+
+namespace quorvane {
+
+class LuminaireLists {
+public:
+    explicit LuminaireLists(CLightingDatabase& database) : m_database(database) {}
+
+    // All categories, for the names in a text and for when the database does not answer.
+    void SetCategories(std::vector<tagLAMPHOUSETYPE> categories) { m_categories = std::move(categories); }
+
+    // Lets everything be read anew.
+    void Forget();
+
+    // "1,10" → "常用灯具,卤钨灯"; an ID without a category has no name in it.
+    CString CategoryNames(const CString& categoryIds);
+    // The other way; a name without a category is 0.
+    CString CategoryIds(const CString& categoryNames);
+    CString CategoryId(const CString& categoryName);
+    // The names in such a text, also those that hold a ",".
+    std::vector<CString> SplitCategoryNames(const CString& categoryNames) const;
+
+    // The light sources of those categories, in the order of the categories.
+    CellChoices LightSources(const CString& categoryIds);
+
+    // "3,7" → the two light sources' texts. A piece that is no light source's ID stays as it is.
+    CString LightSourceTexts(const CString& ids);
+    // The other way. A piece that is no light source's text stays as it is.
+    CString LightSourceIds(const CString& texts);
+
+private:
+    // The texts of a category's light sources.
+    const std::vector<CString>& LightSourcesOf(int categoryId);
+    CString LightSourceText(const CString& id);
+    CString LightSourceId(const CString& text);
+
+    CLightingDatabase& m_database;
+    std::vector<tagLAMPHOUSETYPE> m_categories;
+    std::map<int, CString> m_categoryNames;
+    std::map<int, std::vector<CString>> m_lightSources;  // by category
+    std::map<CString, CellChoices> m_choices;            // by categories
+    std::map<int, CString> m_textById;
+    std::map<CString, int> m_idByText;
+};
+
+}  // namespace quorvane

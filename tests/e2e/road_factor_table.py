@@ -1,0 +1,81 @@
+"""A luminaire's utilization factors: a heading and a row added in the tree, factors typed, submitted."""
+
+from story import Changes
+
+CATEGORY = "T5直管荧光灯"
+NEW_HEADING = (60, 40, 20)
+NEW_ROW = 12
+FACTORS = {(60, 40, 20, 0): 0.68, (60, 40, 20, 1): 0.61, (80, 70, 20, 12): 0.21}
+
+
+def factor_table_road(story):
+    window, folder = story.window, story.folder
+    before = folder.everything()
+
+    story.tell(f"opening the factor table of the first luminaire of “{CATEGORY}”")
+    window.show_tab("灯具库")
+    window.choose("灯具类型:", CATEGORY)
+    window.wait_for_cell(0, "序号", "1")
+    luminaire = window.grid().row_texts(0)
+    story.show("luminaires")
+    (stored,) = (row for row in before["灯具"] if row["LampModel"] == luminaire["灯具型号"])
+    window.press_in_cell(0, "利用系数表")
+    table = story.program.dialog(f"{luminaire['灯具名称']} 利用系数表")
+    story.show("factor-table")
+
+    heading = ",".join(map(str, NEW_HEADING))
+    story.tell(f"adding the heading {heading} and the row {NEW_ROW}")
+    new_label(story, table, "列表头", "新建列表头", heading, heading, picture="heading-menu")
+    story.show("heading-added")
+    new_label(story, table, "室空间比RCR", "新建室空间比RCR", f"{NEW_ROW}", f"{NEW_ROW}.00", picture="row-menu")
+    story.show("row-added")
+
+    story.tell(f"typing {len(FACTORS)} factors")
+    for (*reflectances, ratio), factor in FACTORS.items():
+        type_factor(table, reflectances, ratio, factor)
+    story.show("factors-typed")
+    story.expect(folder.everything() == before, "the file was changed before the factors were submitted")
+
+    story.tell("submitting the table and leaving it with 确定")
+    table.press_button("提交")
+    story.show("factors-submitted")
+    table.press_button("确定")
+    table.wait_until_closed()
+
+    after = folder.everything()
+    changes = Changes("利用系数", before["利用系数"], after["利用系数"])
+    changes.show()
+    story.expect(factors_of(stored["ID"], after) == expected(stored["ID"], before),
+                 "the factors of the luminaire are not those that were typed")
+    story.expect(all(row["LuminaireID"] == stored["ID"] for row in changes.new) and not changes.changed
+                 and not changes.gone, "other factors were changed")
+    story.expect_only(after, before, "利用系数")
+
+
+def new_label(story, table, root, command, text, label, picture=None):
+    """Adds an entry below a root of the table's tree by its menu, and types its label."""
+    table.choose_from_menu(root, command, seen=lambda: picture and story.show(picture))
+    story.program.wait_until(lambda: story.program.focused("text"), "the label to type")
+    story.screen.press("ctrl+a")
+    story.screen.type_text(text)
+    story.screen.press("Return")
+    table.tree_item(label)
+
+
+def type_factor(table, reflectances, ratio, factor):
+    grid = table.grid()
+    table.enter(grid.row_of(f"{ratio:.2f}"), ",".join(map(str, reflectances)), f"{factor}")
+
+
+def factors_of(luminaire, tables):
+    """(ceiling, wall, floor, ratio) -> factor."""
+    return {(row["Pcc"], row["Pw"], row["Pf"], row["RCR_RI"]): row["UtilizationFactor"]
+            for row in tables["利用系数"] if row["LuminaireID"] == luminaire}
+
+
+def expected(luminaire, before):
+    """The old factors, zeros in the new column and row, and what was typed."""
+    old = factors_of(luminaire, before)
+    headings = {key[:3] for key in old} | {NEW_HEADING}
+    ratios = {key[3] for key in old} | {NEW_ROW}
+    return {(*heading, ratio): 0.0 for heading in headings for ratio in ratios} | old | FACTORS

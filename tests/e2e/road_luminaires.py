@@ -1,0 +1,173 @@
+"""Luminaires: one with a photo and factors, one of mixed light, one copied and pasted, submitted."""
+
+import shutil
+import tempfile
+from contextlib import contextmanager
+from pathlib import Path
+
+from road_factor_table import factors_of, new_label, type_factor
+from story import Changes
+
+CATEGORY = "T5直管荧光灯"
+PLAIN = {"灯具名称": "高效格栅灯盘", "灯具型号": "DEMO-GS228", "灯具效率": "78", "A-A": "1.35", "B-B": "1.26"}
+PLAIN_CATEGORIES = ["T5直管荧光灯", "常用灯具"]
+PLAIN_SOURCE = "T5高效型荧光灯:CY5-28/840"
+HEADINGS = [(80, 50, 20), (50, 50, 20)]
+FACTORS = {(80, 50, 20, 0.6): 0.35, (50, 50, 20, 0.6): 0.33, (80, 50, 20, 2): 0.6, (50, 50, 20, 2): 0.56}
+MIXED = {"灯具名称": "混光高天棚灯", "灯具型号": "DEMO-HG400", "灯具效率": "75", "A-A": "1.1", "B-B": "1.1"}
+MIXED_CATEGORIES = ["常用灯具", "混光灯"]
+MIXED_SOURCES = [("金属卤化物灯", "石英金属卤化物灯:JLZ250", 1), ("高压钠灯", "高压钠灯:NG150", 2)]
+
+
+def luminaire_road(story):
+    window, folder = story.window, story.folder
+    window.show_tab("灯具库")
+    window.choose("灯具类型:", CATEGORY)
+    before, photos = folder.everything(), folder.photos()
+
+    plain, mixed = window.append_row(), window.append_row() + 1
+    add_plain_luminaire(story, plain)
+    with picture_folder(folder) as pictures:
+        photo = pictures["格栅灯盘"]
+        choose_photo(story, plain, photo)
+        fill_factor_table(story, plain)
+        photo_bytes = photo.read_bytes()
+    add_mixed_luminaire(story, mixed)
+    pasted = copy_and_paste(story, plain)
+
+    story.submit()
+    window.wait_for_cell(mixed, "序号", f"{mixed + 1}")
+    window.click_cell(plain, "灯具名称")
+    story.show("luminaires-submitted")
+
+    after = folder.everything()
+    luminaires = Changes("灯具", before["灯具"], after["灯具"])
+    luminaires.show()
+    Changes("利用系数", before["利用系数"], after["利用系数"]).show()
+    print("  photo library before:", *photos, "\n  photo library after: ", *folder.photos(), "\n", flush=True)
+    story.expect(not luminaires.changed and not luminaires.gone and len(luminaires.new) == 3,
+                 f"three new luminaires were expected, not {len(luminaires.new)}")
+    compare(story, before, after, luminaires.new)
+    added = {name: content for name, content in folder.photos().items() if photos.get(name) != content}
+    twins = [row["ID"] for row in luminaires.new if row["LampModel"] == PLAIN["灯具型号"]]
+    story.expect(added == {f"{number}{photo.suffix}": photo_bytes for number in twins} and len(twins) == 2,
+                 f"the new photos are {list(added)}")
+    story.expect_only(after, before, "灯具", "利用系数")
+
+
+def add_plain_luminaire(story, row):
+    window = story.window
+    story.tell(f"a new luminaire {PLAIN['灯具型号']} from the append row, its categories from the chooser")
+    window.type_along(row, PLAIN)
+    story.show("luminaire-append-row")
+    window.tick_categories(row, PLAIN_CATEGORIES, seen=lambda: story.show("type-chooser"))
+    window.wait_for_cell(row, "灯具类别", ",".join(PLAIN_CATEGORIES))
+    window.choose_in_cell(row, "默认光源", PLAIN_SOURCE)
+    window.enter(row, "光源个数", "2")
+    window.choose_in_cell(row, "利用系数类别", "RI")
+    story.show("luminaire-light-source")
+
+
+@contextmanager
+def picture_folder(folder):
+    """A folder outside the program's own, with two pictures to choose from; name -> file."""
+    drawn = sorted((folder.database.parent / "LuminairePhotoLib").glob("*.jpg"))
+    place = Path(tempfile.mkdtemp(prefix="quorvane-", dir="/var/tmp"))
+    try:
+        (place / "灯具图片").mkdir()
+        yield {name: Path(shutil.copy2(file, place / "灯具图片" / f"{name}.jpg"))
+               for name, file in zip(("三防灯", "格栅灯盘"), reversed(drawn[:2]))}
+    finally:
+        shutil.rmtree(place)
+
+
+def choose_photo(story, row, photo):
+    story.tell(f"choosing the photo {photo.name}")
+    story.window.press_in_cell(row, "灯具图片")
+    dialog = story.program.dialog(f"{PLAIN['灯具名称']} 图片设置")
+    first, *folders = photo.parent.parts
+    dialog.expand(first, *folders)
+    dialog.click_tree(photo.name)
+    story.program.wait_until(lambda: any(str(photo) in edit.text() for edit in dialog.element.find_all("text")),
+                             "the path of the photo")
+    story.show("photo")
+    dialog.press_button("确定")
+    story.window.wait_for_cell(row, "灯具图片", str(photo))
+
+
+def fill_factor_table(story, row):
+    story.tell("filling its factor table")
+    story.window.press_in_cell(row, "利用系数表")
+    table = story.program.dialog(f"{PLAIN['灯具名称']} 利用系数表")
+    for heading in HEADINGS:
+        text = ",".join(map(str, heading))
+        new_label(story, table, "列表头", "新建列表头", text, text)
+    for ratio in sorted({key[3] for key in FACTORS}):
+        new_label(story, table, "室形系数RI", "新建室形系数RI", f"{ratio}", f"{ratio:.2f}")
+    for (*reflectances, ratio), factor in FACTORS.items():
+        type_factor(table, reflectances, ratio, factor)
+    story.show("luminaire-factors")
+    table.press_button("提交")
+    table.press_button("确定")
+    table.wait_until_closed()
+
+
+def add_mixed_luminaire(story, row):
+    window = story.window
+    story.tell(f"a new mixed-light luminaire {MIXED['灯具型号']}, its light sources from their dialog")
+    window.type_along(row, MIXED)
+    window.tick_categories(row, MIXED_CATEGORIES, seen=lambda: story.show("mixed-light-chooser"))
+    window.wait_for_cell(row, "灯具类别", ",".join(MIXED_CATEGORIES))
+    window.press_in_cell(row, "默认光源")
+    dialog = story.program.dialog("混合光源设置")
+    for number, (category, source, count) in enumerate(MIXED_SOURCES):
+        dialog.choose_in_cell(number, "光源类别", category)
+        dialog.choose_in_cell(number, "光源", source)
+        dialog.enter(number, "数量", f"{count}")
+    story.show("mixed-light-sources")
+    dialog.press_button("确定")
+    dialog.wait_until_closed()
+    window.wait_for_cell(row, "默认光源", ",".join(source for _, source, _ in MIXED_SOURCES))
+    window.wait_for_cell(row, "光源个数", ",".join(str(count) for *_, count in MIXED_SOURCES))
+    story.show("mixed-light-luminaire")
+
+
+def copy_and_paste(story, row):
+    window = story.window
+    story.tell("copying the first of them and pasting it into the append row")
+    window.click_cell(row, "灯具名称")
+    window.press_button("复制")
+    target = window.append_row()
+    window.click_cell(target, "灯具名称")
+    window.press_button("粘贴")
+    window.wait_for_cell(target, "灯具型号", PLAIN["灯具型号"])
+    story.show("pasted")
+    return target
+
+
+def compare(story, before, after, new):
+    """The new rows of the file against what was typed and chosen."""
+    categories = {row["LamphouseType"]: row["ID"] for row in after["光源类别"]}
+    sources = {f"{row['LamphouseName']}:{row['LamphouseModel']}": row["ID"] for row in after["光源"]}
+
+    def wanted(typed, categories_ticked, source_texts, counts):
+        return {"LampName": typed["灯具名称"], "LampModel": typed["灯具型号"],
+                "LuminaireEfficiency": float(typed["灯具效率"]), "MaxLhAA": float(typed["A-A"]),
+                "MaxLhBB": float(typed["B-B"]),
+                "LamphouseTypeID": ",".join(str(categories[name]) for name in categories_ticked),
+                "DefaultLamphouse": ",".join(str(sources[text]) for text in source_texts),
+                "LamphouseCount": ",".join(map(str, counts))}
+
+    plain = wanted(PLAIN, PLAIN_CATEGORIES, [PLAIN_SOURCE], [2]) | {"UtilizationFactorType": 1}
+    mixed = wanted(MIXED, MIXED_CATEGORIES, [source for _, source, _ in MIXED_SOURCES],
+                   [count for *_, count in MIXED_SOURCES]) | {"UtilizationFactorType": 0, "LampPhoto": ""}
+    for row in new:
+        is_plain = row["LampModel"] == PLAIN["灯具型号"]
+        if is_plain:
+            plain["LampPhoto"] = f"\\Vexal\\LuminairePhotoLib\\{row['ID']}.jpg"
+        story.expect({**row, **(plain if is_plain else mixed)} == row, f"a new luminaire is {row}")
+        story.expect(factors_of(row["ID"], after) == (FACTORS if is_plain else {}),
+                     f"the factors of {row['LampName']} are {factors_of(row['ID'], after)}")
+    kept = {row["ID"] for row in before["利用系数"]}
+    story.expect([row for row in after["利用系数"] if row["ID"] in kept] == before["利用系数"],
+                 "factors of other luminaires were changed")

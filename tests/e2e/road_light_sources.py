@@ -4,7 +4,7 @@ from story import Changes
 
 NEW_FLUX = 2645
 NEW_SOURCE = {"LamphouseName": "三基色直管荧光灯", "LamphouseModel": "DEMO-T5-28W/840", "LuminousFlux": 2750,
-              "LamphousePower": 28}
+              "LamphousePower": 28, "Factory": "示范照明"}
 
 
 def light_source_road(story):
@@ -23,7 +23,8 @@ def light_source_road(story):
 
     story.tell(f"filling the append row with {NEW_SOURCE['LamphouseModel']}")
     row = window.append_row()
-    window.type_along(row, dict(zip(("名    称", "光源型号", "光通量", "功  率"), map(str, NEW_SOURCE.values()))))
+    headings = ("名    称", "光源型号", "光通量", "功  率", "厂    家")
+    window.type_along(row, dict(zip(headings, map(str, NEW_SOURCE.values()))))
     story.show("append-row")
     story.expect(folder.everything() == before, "the file was changed before the data were submitted")
 

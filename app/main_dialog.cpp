@@ -1,6 +1,5 @@
 #include "app/main_dialog.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -11,6 +10,7 @@
 #include "widgets/dialog_template.h"
 #include "widgets/image_button.h"
 #include "widgets/message_box.h"
+#include "widgets/wait_cursor.h"
 
 namespace quorvane {
 namespace {
@@ -29,15 +29,6 @@ const DialogControl kTemplate[] = {
 constexpr QSize kTemplateSize(470, 280);
 
 enum Tab { LightSources, Luminaires, Requirements };
-
-// While the database is being written, which nobody can interrupt.
-class WaitCursor {
-public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-};
 
 Tab FirstTab(const QString& selector) {
     if (selector == QStringLiteral("灯具管理器")) {

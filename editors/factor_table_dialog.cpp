@@ -14,6 +14,7 @@
 #include "widgets/dialog_template.h"
 #include "widgets/image_button.h"
 #include "widgets/message_box.h"
+#include "widgets/wait_cursor.h"
 
 namespace quorvane {
 namespace {
@@ -229,7 +230,9 @@ bool CCoefficientTableDlg::TakeHeading(int index, const CString& text) {
 bool CCoefficientTableDlg::TakeRowValue(int index, const CString& text) {
     const std::optional<double> value = CheckReal(text);
     if (value) {
-        Accept(index < 0 ? m_table.AddRow(*value) : m_table.ModifyRow(index, *value), Branch::Rows);
+        // As the file will keep it: two rows that are one there must not be two here.
+        const double kept = FormatReal(*value).toDouble();
+        Accept(index < 0 ? m_table.AddRow(kept) : m_table.ModifyRow(index, kept), Branch::Rows);
     }
     return value.has_value();
 }
@@ -305,7 +308,11 @@ bool CCoefficientTableDlg::EndEditing() {
 }
 
 void CCoefficientTableDlg::Submit() {
-    m_table.Submit();
+    {
+        m_tree->repaint();
+        const WaitCursor waiting;
+        m_table.Submit();
+    }
     const int unwritten = m_table.UnwrittenCount();
     m_modified = unwritten > 0;
     if (unwritten > 0) {

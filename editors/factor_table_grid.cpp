@@ -70,6 +70,7 @@ void FactorTableGrid::Build(UtilizationFactorTable& table) {
     SetColumnCount(FirstColumn + static_cast<int>(m_headings.size()));
     SetFixedRowCount(FirstRow);
     SetFixedColumnCount(FirstColumn);
+    SetTypesByColumns(true);
     BuildLabels();
     BuildHeadings();
     MergeHeadings();

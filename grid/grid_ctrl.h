@@ -139,6 +139,9 @@ public:
     bool BeginEditByTyping(const QEvent& event);
     // True while an editor is open in a cell; a list that is dropped down does not count.
     bool IsEditing() const;
+    // Whether Enter at the foot of a column goes on at the head of the next one, instead of staying.
+    void SetTypesByColumns(bool typesByColumns) { m_typesByColumns = typesByColumns; }
+    bool TypesByColumns() const { return m_typesByColumns; }
     // Takes the typed text into the cell and notifies; nothing when no edit is on.
     void EndEdit();
     // Leaves the cell as it was; no notification.
@@ -228,6 +231,7 @@ private:
     GridSelection m_selection;
     int m_controlId = 0;
     QColor m_background;         // invalid: the system's
+    bool m_typesByColumns = false;
     bool m_isRedrawDue = false;  // of the whole window; spares the work for single cells
     std::unique_ptr<GridKeys> m_keys;
     std::unique_ptr<GridMouse> m_mouse;

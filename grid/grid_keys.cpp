@@ -103,6 +103,20 @@ CCellID GridKeys::NextEditable(CCellID from, int direction) const {
     return {};
 }
 
+// Where a table that is typed column by column goes on after its foot (down) or its head (up).
+CCellID GridKeys::NextColumn(CCellID from, Move move) const {
+    if (!m_grid.TypesByColumns()) {
+        return {};
+    }
+    if (move == Move::Down && from.col + 1 < m_grid.GetColumnCount()) {
+        return {m_grid.GetFixedRowCount(), from.col + 1};
+    }
+    if (move == Move::Up && from.col > m_grid.GetFixedColumnCount()) {
+        return {m_grid.GetRowCount() - 1, from.col - 1};
+    }
+    return {};
+}
+
 void GridKeys::GoOnEditing(CCellID edited, Move move) {
     // Whoever was told of the edit may have inserted or removed rows, which moves the focus with its cell; or
     // have refilled the grid, which clears it.
@@ -110,7 +124,8 @@ void GridKeys::GoOnEditing(CCellID edited, Move move) {
     if (!m_grid.Layout().Holds(from)) {
         return;
     }
-    const CCellID target = Step(from, move);
+    const CCellID step = Step(from, move);
+    const CCellID target = step.IsValid() ? step : NextColumn(from, move);
     const QPointer<CGridCtrl> grid(&m_grid);
     m_grid.SetFocusCell(target.IsValid() ? target : from);
     if (!grid.isNull() && m_grid.GetFocusCell() == target && m_grid.EditingOf(target) == CellEditing::Text) {

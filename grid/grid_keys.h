@@ -20,6 +20,7 @@ public:
     // The cell that a step leads to; none when there is no further one. Merged blocks count as one cell;
     // hidden rows and columns and fixed cells are stepped over.
     CCellID Step(CCellID from, Move move) const;
+    CCellID NextColumn(CCellID from, Move move) const;
     // Gives a grid without a focus cell one, the first in view, and selects nothing.
     void ShowFocus();
     // After an edit in `edited` has ended: moves the focus on and, where the next cell is one of plain

@@ -105,6 +105,23 @@ private Q_SLOTS:
         QCOMPARE(grid.GetFocusCell(), (CCellID{6, 0}));
     }
 
+    // At the foot of a column the next number must not fall upon the one just typed.
+    void enterGoesOnInTheNextColumn() {
+        const ShownGrid shown(4, 3);
+        CGridCtrl& grid = *shown.grid;
+        grid.SetTypesByColumns(true);
+        shown.Click(3, 0);
+        for (const QString& text : {u"1"_s, u"2"_s}) {
+            QTest::keyClicks(QApplication::focusWidget(), text);
+            QTest::keyClick(shown.Editor(), Qt::Key_Return);
+        }
+        QCOMPARE(grid.GetItemText(3, 0), u"1"_s);
+        QCOMPARE(grid.GetItemText(1, 1), u"2"_s);
+        QTest::keyClick(shown.Editor(), Qt::Key_Return, Qt::ShiftModifier);
+        QTest::keyClick(shown.Editor(), Qt::Key_Return, Qt::ShiftModifier);
+        QCOMPARE(grid.GetFocusCell(), (CCellID{3, 0}));
+    }
+
     void tabGoesToTheNextEditableCell() {
         const ShownGrid shown(3, 4);
         CGridCtrl& grid = *shown.grid;

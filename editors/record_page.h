@@ -52,6 +52,7 @@ public:
             return false;
         }
         const int row = selected.minRow;
+        bool removed = false;
         for (int round = 0; round < selected.RowCount(); ++round) {
             const int id = Grid().GetItemData(row, 0);
             const Record* record = id == 0 ? nullptr : m_records.Find(id);
@@ -62,9 +63,12 @@ public:
                 return false;
             }
             m_records.Remove(id);
+            removed = true;
             Grid().DeleteRow(row);
         }
-        m_records.SetModified();
+        if (removed) {
+            m_records.SetModified();
+        }
         Grid().Refresh();
         return true;
     }
@@ -112,6 +116,7 @@ protected:
     int NextRowNumber() { return ++m_rowCounter; }
 
     void FillGrid() {
+        m_records.HideDeleted();
         Grid().DeleteNonFixedRows();
         Grid().SetRowCount(1 + static_cast<int>(m_records.Records().size()));
         int row = 1;

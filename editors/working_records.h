@@ -69,11 +69,21 @@ public:
     }
 
     // Starts a load: no change is pending, provisional IDs begin again. Returns the array to load into.
+    // Deletions confirmed before stay pending; HideDeleted keeps them off the screen.
     std::vector<Record>& BeginLoad() {
-        DiscardChanges();
+        std::erase_if(m_deleted, [](const Record& record) { return record.ID < 0; });
+        m_modified = false;
         m_unwritten.clear();
         m_lastProvisionalId = 0;
         return m_records;
+    }
+
+    // Takes loaded records out again that are to be deleted at the next submit.
+    void HideDeleted() {
+        std::erase_if(m_records, [this](const Record& record) {
+            return std::any_of(m_deleted.begin(), m_deleted.end(),
+                               [&record](const Record& deleted) { return deleted.ID == record.ID; });
+        });
     }
 
     // Whether the last submit could not write this record.

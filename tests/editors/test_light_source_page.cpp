@@ -146,6 +146,11 @@ private Q_SLOTS:
         QVERIFY(!fixture.page->DeleteSelected());
         QVERIFY(!fixture.page->IsModified());
         QCOMPARE(fixture.grid->GetRowCount(), 4);
+        // Confirmed is confirmed: the row stays away, whatever is loaded meanwhile, until the submit deletes
+        // it.
+        fixture.Choose(kCategoryList, 0);
+        fixture.ChooseFluorescent();
+        QCOMPARE(fixture.grid->GetRowCount(), 4);
         fixture.Click(1, Name);
         fixture.Click(3, Name, Qt::ShiftModifier);
         QVERIFY(fixture.page->DeleteSelected());

@@ -145,6 +145,9 @@ CString LuminaireLists::LightSourceText(const CString& idText) {
 }
 
 CString LuminaireLists::LightSourceIds(const CString& texts) {
+    for (const tagLAMPHOUSETYPE& category : m_categories) {
+        LightSourcesOf(category.ID);  // a mixed luminaire's light sources may be of any category
+    }
     std::vector<CString> ids;
     for (const CString& text :
          SplitKnown(texts, [this](const CString& part) { return m_idByText.contains(part); })) {

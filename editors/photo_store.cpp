@@ -66,7 +66,8 @@ PhotoStore::StoredPhoto PhotoStore::Store(int luminaireID, const CString& source
     CString relative = kLibrary + name;
     const CString target = FilePath(relative);
     if (source == relative || NativePath(source) == target) {
-        return {.photo = relative};
+        const CString old = QFile::exists(target) ? CString() : OldPicture(luminaireID);
+        return {.photo = old.isEmpty() ? relative : old};
     }
     // What follows a "." in a folder's name is no extension: such a copy would leave the library.
     if (!IsFileName(name)) {

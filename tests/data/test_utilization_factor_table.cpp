@@ -77,7 +77,9 @@ public:
         const int kind = Below(40);
         if (kind < 13) {
             const Triple to{Pick(std::set{80, 50}), Pick(std::set{50, 30}), Pick(std::set{0, 20})};
-            const auto [Pcc, Pw, Pf] = to;
+            const int Pcc = std::get<0>(to);
+            const int Pw = std::get<1>(to);
+            const int Pf = std::get<2>(to);
             Change(
                 m_headings, &Key::triple, to, [&] { return m_table.AddHeading(Pcc, Pw, Pf); },
                 [&](int column) { return m_table.ModifyHeading(column, Pcc, Pw, Pf); },

@@ -230,7 +230,7 @@ private:
     GridMerges m_merges;
     GridSelection m_selection;
     int m_controlId = 0;
-    QColor m_background;         // invalid: the system's
+    QColor m_background;  // invalid: the system's
     bool m_typesByColumns = false;
     bool m_isRedrawDue = false;  // of the whole window; spares the work for single cells
     std::unique_ptr<GridKeys> m_keys;

@@ -24,7 +24,10 @@ constexpr int kLuminaire = 7;
 struct Key {
     Triple triple;
     double rcr;
-    auto operator<=>(const Key&) const = default;
+    bool operator==(const Key&) const = default;
+    bool operator<(const Key& other) const {
+        return std::tie(triple, rcr) < std::tie(other.triple, other.rcr);
+    }
 };
 
 Values Shown(UtilizationFactorTable& table) {

@@ -68,8 +68,9 @@ public:
         m_modified = false;
     }
 
-    // Starts a load: no change is pending, provisional IDs begin again. Returns the array to load into.
-    // Deletions confirmed before stay pending; HideDeleted keeps them off the screen.
+    // Starts a load: the modified flag is cleared and provisional IDs begin again. Deletions of stored
+    // records that were confirmed before stay pending; HideDeleted keeps them off the screen. Returns the
+    // array to load into.
     std::vector<Record>& BeginLoad() {
         std::erase_if(m_deleted, [](const Record& record) { return record.ID < 0; });
         m_modified = false;

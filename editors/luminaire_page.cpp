@@ -363,8 +363,21 @@ void CQuorvaneLuminaireDlg::OpenFactorTable(int row) {
 // ---- Storing
 
 bool CQuorvaneLuminaireDlg::Submit() {
+    SetPhotosAside();
     const PhotoStore::OneListing listing(m_photos);
     return RecordPage::Submit();
+}
+
+// A luminaire may be given the picture of another, which gets a new one in the same go: all such pictures are
+// copied before any is replaced.
+void CQuorvaneLuminaireDlg::SetPhotosAside() {
+    for (tagLUMINAIREINFO luminaire : Working().Records()) {
+        const CString aside = m_photos.SetAside(luminaire.ID, luminaire.LampPhoto);
+        if (aside != luminaire.LampPhoto) {
+            luminaire.LampPhoto = aside;
+            Working().Replace(luminaire);
+        }
+    }
 }
 
 bool CQuorvaneLuminaireDlg::Insert(tagLUMINAIREINFO& record) {
@@ -394,6 +407,7 @@ bool CQuorvaneLuminaireDlg::Delete(int id) {
 
 // Writes one row at once. Its stored ID, or 0 when it could not be written, which the user is told.
 int CQuorvaneLuminaireDlg::SaveRow(int row) {
+    SetPhotosAside();
     const int oldId = Grid().GetItemData(row, 0);
     const auto [id, written] = Working().SubmitOne(
         oldId, [this](tagLUMINAIREINFO& record) { return Insert(record); },
@@ -424,6 +438,7 @@ void CQuorvaneLuminaireDlg::Copy() {
     const tagLUMINAIREINFO* record = row < 0 ? nullptr : Working().Find(Grid().GetItemData(row, 0));
     if (record != nullptr) {
         m_copied.luminaire = *record;
+        m_copied.luminaire.LampPhoto = m_photos.SetAside(0, record->LampPhoto);
         if (!m_database.LoadUtilizationFactors(record->ID, m_copied.factors)) {
             // A part of the table, pasted, would take the place of a whole one.
             m_copied = {.luminaire = BlankLuminaire(), .factors = {}};

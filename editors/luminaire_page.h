@@ -34,7 +34,7 @@ protected:
     bool Delete(int id) override;
 
 private:
-    // A luminaire and its utilization factors, as last copied.
+    // A luminaire and its utilization factors, as last copied. Its photo is one that stays what it is.
     struct CopyBuffer {
         tagLUMINAIREINFO luminaire;  // blank: nothing copied
         std::vector<tagLUMINAIREUTILIZATIONFACTOR> factors;
@@ -53,6 +53,7 @@ private:
     void OpenPhoto(int row);
     void OpenFactorTable(int row);
 
+    void SetPhotosAside();
     int SaveRow(int row);
     int SelectedRow() const;
     void Copy();

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QTemporaryDir>
 #include <algorithm>
 #include <utility>
 
@@ -50,6 +51,8 @@ bool CopyWhole(const CString& source, const CString& target) {
 
 PhotoStore::PhotoStore(CString baseFolder) : m_baseFolder(std::move(baseFolder)) {}
 
+PhotoStore::~PhotoStore() = default;
+
 CString PhotoStore::FilePath(const CString& photo) const {
     return photo.startsWith(u'\\') ? NativePath(m_baseFolder + photo) : photo;
 }
@@ -92,6 +95,22 @@ void PhotoStore::DeleteOthers(int luminaireID, const CString& photo) {
             m_listing->erase(name);
         }
     }
+}
+
+CString PhotoStore::SetAside(int luminaireID, const CString& source) {
+    const CString ownStart = CString::number(luminaireID) + u'.';
+    if (m_baseFolder.isEmpty() || source.isEmpty() || source.startsWith(kLibrary + ownStart)) {
+        return source;
+    }
+    const QFileInfo file(FilePath(source));
+    if (file.fileName().startsWith(ownStart) || file.dir() != QDir(Folder())) {
+        return source;
+    }
+    if (m_aside == nullptr) {
+        m_aside = std::make_unique<QTemporaryDir>();
+    }
+    const CString aside = m_aside->filePath(CString::number(++m_lastAside) + u'.' + file.suffix());
+    return m_aside->isValid() && CopyWhole(file.filePath(), aside) ? aside : source;
 }
 
 PhotoStore::Names PhotoStore::AllNames() const {

@@ -4,10 +4,13 @@
 // "\Vexal\LuminairePhotoLib\<ID><extension>", in the form that other programs reading the database expect.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <set>
 
 #include "data/records.h"
+
+class QTemporaryDir;
 
 namespace quorvane {
 
@@ -15,6 +18,7 @@ class PhotoStore {
 public:
     // baseFolder, in either form, has no trailing separator. With an empty one no file is ever touched.
     explicit PhotoStore(CString baseFolder);
+    ~PhotoStore();
 
     // The file that a photo text names, as this platform writes it: a text beginning with "\" lies under the
     // base folder, any other is a path of its own.
@@ -35,6 +39,11 @@ public:
     void DeleteOthers(int luminaireID, const CString& photo);
     // Deletes every file "<ID>.*" of the library.
     void Delete(int luminaireID) { DeleteOthers(luminaireID, {}); }
+
+    // A path under which the picture of source stays what it is until it is stored, whatever happens to the
+    // library meanwhile: for a picture of the library that is not the luminaire's own, that of a copy, which
+    // lasts as long as the store; any other source itself, as one that cannot be copied.
+    CString SetAside(int luminaireID, const CString& source);
 
     // While it lives, the library's folder is read once and not again for every luminaire.
     class OneListing {
@@ -59,7 +68,9 @@ private:
     CString OldPicture(int luminaireID) const;
 
     CString m_baseFolder;
-    std::optional<Names> m_listing;  // while a OneListing lives
+    std::optional<Names> m_listing;          // while a OneListing lives
+    std::unique_ptr<QTemporaryDir> m_aside;  // once there is a picture in it
+    int m_lastAside = 0;
 };
 
 }  // namespace quorvane

@@ -206,6 +206,18 @@ void TestLuminairePage::PhotoIsChosenStoredAndTakenAway() {
     fixture.Submit();
     QCOMPARE(fixture.Photos(), QStringList({u"131.jpg=other"_qs, u"31.gif=new"_qs}));
     QCOMPARE(fixture.grid->GetItemText(1, Photo), Relative(u"31.gif"_qs));
+    // Pictures of the library change hands in one go, also when one row is stored before the others.
+    fixture.PickPhoto(2, fixture.Library() + u"31.gif"_qs);
+    fixture.PickPhoto(1, fixture.WriteFile(fixture.file.Folder() + u"/b.bmp"_qs, "b"));
+    fixture.Submit();
+    fixture.PickPhoto(1, fixture.Library() + u"32.gif"_qs);
+    fixture.PickPhoto(2, fixture.Library() + u"31.bmp"_qs);
+    const DialogAnswer answer(u"factorTableDialog"_qs,
+                              [](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
+    fixture.PressCell(1, Table);
+    fixture.Submit();
+    QCOMPARE(fixture.Photos(), QStringList({u"131.jpg=other"_qs, u"31.gif=new"_qs, u"32.bmp=b"_qs}));
+    fixture.PickPhoto(2, {});
     fixture.PickPhoto(1, {});
     fixture.Submit();
     QCOMPARE(fixture.Photos(), QStringList(u"131.jpg=other"_qs));
@@ -260,6 +272,11 @@ void TestLuminairePage::PasteOntoALuminaireReplacesIt() {
              u"2|筒灯|D1|75.5|1.2|1.3|荧光灯|细管:T5|2|1|4.5|甲厂|%1|RI|"_qs.arg(Relative(u"32.jpg"_qs)));
     QCOMPARE(fixture.Factors().mid(2), QStringList({u"32|70|1.0|0.5"_qs, u"32|70|2.0|0.25"_qs}));
     QCOMPARE(fixture.Photos(), QStringList({u"31.jpg=picture"_qs, u"32.jpg=picture"_qs}));
+    // What was copied outlives what it was copied from.
+    fixture.DeleteRow(1);
+    fixture.Submit();
+    fixture.PressButton(PasteButton, 3);
+    QCOMPARE(fixture.Photos(), QStringList({u"32.jpg=picture"_qs, u"34.jpg=picture"_qs}));
 }
 
 void TestLuminairePage::FailuresLoseNothing() {

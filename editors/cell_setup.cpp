@@ -45,6 +45,7 @@ void SetUpButtonCell(CGridCtrl& grid, CBtnDataBase& buttons, int row, int column
         return;
     }
     cell->SetBtnDataBase(&buttons);
+    cell->SetMargin(CellAttributes::DefaultMargin);  // it may have been a list before, which has none
     cell->SetupBtns(0, BtnType::Button, BtnState::PushButton, 0, 0, 0, caption);
 }
 

@@ -45,6 +45,7 @@ void LuminaireLists::Forget() {
     m_choices.clear();
     m_textById.clear();
     m_idByText.clear();
+    m_isWhole = true;
 }
 
 CString LuminaireLists::CategoryNames(const CString& categoryIds) {
@@ -54,7 +55,7 @@ CString LuminaireLists::CategoryNames(const CString& categoryIds) {
         auto known = m_categoryNames.find(id);
         if (known == m_categoryNames.end()) {
             CString name;
-            m_database.GetLampTypeName(id, name);
+            m_isWhole = m_database.GetLampTypeName(id, name) && m_isWhole;
             known = m_categoryNames.emplace(id, name).first;
         }
         if (!known->second.isEmpty()) {
@@ -92,7 +93,7 @@ const std::vector<CString>& LuminaireLists::LightSourcesOf(int categoryId) {
     const auto [place, isNew] = m_lightSources.try_emplace(categoryId);
     if (isNew) {
         std::vector<tagLAMPHOUSEINFO> lightSources;
-        m_database.LoadLightSourcesByType(categoryId, lightSources);
+        m_isWhole = m_database.LoadLightSourcesByType(categoryId, lightSources) && m_isWhole;
         for (const tagLAMPHOUSEINFO& lightSource : lightSources) {
             const CString text = quorvane::LightSourceText(lightSource);
             m_textById.insert_or_assign(lightSource.ID, text);
@@ -134,7 +135,7 @@ CString LuminaireLists::LightSourceText(const CString& idText) {
         tagLAMPHOUSEINFO onlyId;
         onlyId.ID = id;
         tagLAMPHOUSEINFO lightSource;
-        m_database.LoadLightSourceByID(id, lightSource);
+        m_isWhole = m_database.LoadLightSourceByID(id, lightSource) && m_isWhole;
         const bool found = lightSource != onlyId;  // without a row only the ID is set
         known = m_textById.emplace(id, found ? quorvane::LightSourceText(lightSource) : CString()).first;
         if (found) {
@@ -145,28 +146,34 @@ CString LuminaireLists::LightSourceText(const CString& idText) {
 }
 
 CString LuminaireLists::LightSourceIds(const CString& texts) {
-    for (const tagLAMPHOUSETYPE& category : m_categories) {
-        LightSourcesOf(category.ID);  // a mixed luminaire's light sources may be of any category
-    }
     std::vector<CString> ids;
-    for (const CString& text :
-         SplitKnown(texts, [this](const CString& part) { return m_idByText.contains(part); })) {
-        ids.push_back(LightSourceId(text));
+    for (const CString& text : SplitLightSourceTexts(texts)) {
+        const int id = LightSourceId(text);
+        ids.push_back(id == 0 ? text : FormatInteger(id));
     }
     return Join(ids);
 }
 
+std::vector<CString> LuminaireLists::SplitLightSourceTexts(const CString& texts) {
+    for (const tagLAMPHOUSETYPE& category : m_categories) {
+        LightSourcesOf(category.ID);  // a mixed luminaire's light sources may be of any category
+    }
+    return SplitKnown(texts, [this](const CString& part) { return m_idByText.contains(part); });
+}
+
 // A look-up by name alone may find another model, and one without either is refused; then the light sources
 // read so far know better.
-CString LuminaireLists::LightSourceId(const CString& text) {
+int LuminaireLists::LightSourceId(const CString& text) {
     const LightSourceParts parts = SplitLightSourceText(text);
+    const bool canBeFound = parts != LightSourceParts{};
     int id = 0;
-    m_database.FindLightSourceID(parts.name, parts.model, id);
+    const bool answered = m_database.FindLightSourceID(parts.name, parts.model, id);
     const auto known = m_idByText.find(text);
     if (known != m_idByText.end() && (id == 0 || LightSourceText(FormatInteger(id)) != text)) {
-        id = known->second;
+        return known->second;
     }
-    return id == 0 ? text : FormatInteger(id);
+    m_isWhole = (answered || !canBeFound) && m_isWhole;
+    return id;
 }
 
 }  // namespace quorvane

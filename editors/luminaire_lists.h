@@ -22,6 +22,8 @@ public:
 
     // Lets everything be read anew.
     void Forget();
+    // Whether the database has answered everything since: false when a list or a text may miss something.
+    bool IsWhole() const { return m_isWhole; }
 
     // "1,10" → "常用灯具,卤钨灯"; an ID without a category has no name in it.
     CString CategoryNames(const CString& categoryIds);
@@ -38,12 +40,15 @@ public:
     CString LightSourceTexts(const CString& ids);
     // The other way. A piece that is no light source's text stays as it is.
     CString LightSourceIds(const CString& texts);
+    // The texts in such a text, also those that hold a ",".
+    std::vector<CString> SplitLightSourceTexts(const CString& texts);
+    // The ID of the light source of one such text; 0 when there is none.
+    int LightSourceId(const CString& text);
 
 private:
     // The texts of a category's light sources.
     const std::vector<CString>& LightSourcesOf(int categoryId);
     CString LightSourceText(const CString& id);
-    CString LightSourceId(const CString& text);
 
     CLightingDatabase& m_database;
     std::vector<tagLAMPHOUSETYPE> m_categories;
@@ -52,6 +57,7 @@ private:
     std::map<CString, CellChoices> m_choices;            // by categories
     std::map<int, CString> m_textById;
     std::map<CString, int> m_idByText;
+    bool m_isWhole = true;
 };
 
 }  // namespace quorvane

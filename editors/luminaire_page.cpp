@@ -154,6 +154,8 @@ void CQuorvaneLuminaireDlg::ChangeFilter() {
     FillGrid();
     if (!whole) {
         m_filter->ForgetChoice();
+    }
+    if (!whole || !m_lists.IsWhole()) {
         TellIncompleteLoad();
     }
 }
@@ -162,6 +164,9 @@ void CQuorvaneLuminaireDlg::ChangeFilter() {
 void CQuorvaneLuminaireDlg::Refresh() {
     m_lists.Forget();
     RecordPage::Refresh();
+    if (!m_lists.IsWhole()) {
+        TellIncompleteLoad();
+    }
 }
 
 // ---- Records and rows
@@ -326,6 +331,9 @@ void CQuorvaneLuminaireDlg::TakeChosenTypes(const std::vector<CString>& names) {
     PrepareLightSourceCells(m_chooserRow, m_lists.CategoryIds(text),
                             Grid().GetItemText(m_chooserRow, LightSources));
     TakeRow(m_chooserRow, {Categories, LightSources, LightSourceCount});
+    if (!m_lists.IsWhole()) {
+        TellIncompleteLoad();
+    }
 }
 
 void CQuorvaneLuminaireDlg::OpenMixedLightSources(int row) {

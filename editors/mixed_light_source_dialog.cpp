@@ -39,7 +39,7 @@ const CString kCommonLuminaires = QStringLiteral("常用灯具");
 
 CMixLuminaireSettingDlg::CMixLuminaireSettingDlg(CLightingDatabase& database, const CString& defaultLamphouse,
                                                  const CString& lamphouseCount, QWidget* parent)
-    : QDialog(parent), m_database(database), m_buttons(std::make_unique<CBtnDataBase>()) {
+    : QDialog(parent), m_database(database), m_lists(database), m_buttons(std::make_unique<CBtnDataBase>()) {
     setObjectName(QStringLiteral("mixedLightSourceDialog"));
     setWindowTitle(kCaption);
     CreateControls(this, kTemplate);
@@ -49,14 +49,14 @@ CMixLuminaireSettingDlg::CMixLuminaireSettingDlg(CLightingDatabase& database, co
     m_grid->setFocus();
 
     LoadCategories();
-    const bool whole = LoadEntries(defaultLamphouse, lamphouseCount);
+    LoadEntries(defaultLamphouse, lamphouseCount);
     FillGrid();
     connect(m_grid, &CGridCtrl::EndLabelEdit, this, &CMixLuminaireSettingDlg::CellEdited);
     connect(DialogItem<QPushButton>(this, kOk), &QPushButton::clicked, this, &QDialog::accept);
     connect(DialogItem<QPushButton>(this, kDelete), &QPushButton::clicked, this,
             &CMixLuminaireSettingDlg::DeleteSelected);
     connect(DialogItem<QPushButton>(this, kCancel), &QPushButton::clicked, this, &QDialog::reject);
-    if (!whole) {
+    if (!m_isWhole) {
         TellIncompleteLoad(parent, kCaption);
     }
 }
@@ -86,7 +86,7 @@ void CMixLuminaireSettingDlg::accept() {
 
 void CMixLuminaireSettingDlg::LoadCategories() {
     std::vector<tagLAMPHOUSETYPE> types;
-    m_database.LoadLampTypes(types);
+    m_isWhole = m_database.LoadLampTypes(types);
     std::vector<CString> names;
     for (const tagLAMPHOUSETYPE& type : types) {
         if (type.LamphouseType != kMixedLight && type.LamphouseType != kCommonLuminaires) {
@@ -94,26 +94,22 @@ void CMixLuminaireSettingDlg::LoadCategories() {
         }
     }
     m_categories = std::make_shared<const std::vector<CString>>(std::move(names));
+    m_lists.SetCategories(std::move(types));
 }
 
-// False when the database did not answer for a light source: unlike one that is gone, it would be missed. The
-// look-up refuses a text without name and model, which stands for no light source at all.
-bool CMixLuminaireSettingDlg::LoadEntries(const CString& lightSources, const CString& counts) {
-    bool whole = true;
-    for (const CString& text : Split(lightSources, u',')) {
-        const LightSourceParts parts = SplitLightSourceText(text);
-        if (parts == LightSourceParts{}) {
-            continue;
+// A light source for which the database did not answer is missed here, unlike one that is gone.
+void CMixLuminaireSettingDlg::LoadEntries(const CString& lightSources, const CString& counts) {
+    for (const CString& text : m_lists.SplitLightSourceTexts(lightSources)) {
+        const int lightSourceId = m_lists.LightSourceId(text);
+        if (lightSourceId != 0) {
+            tagLAMPHOUSEINFO lightSource;
+            m_isWhole = m_database.LoadLightSourceByID(lightSourceId, lightSource) && m_isWhole;
+            m_entries.push_back({.ID = NextId(),
+                                 .Category = m_lists.CategoryNames(FormatInteger(lightSource.LamphouseType)),
+                                 .LightSource = text});
         }
-        int lightSourceId = 0;
-        whole = m_database.FindLightSourceID(parts.name, parts.model, lightSourceId) && whole;
-        if (lightSourceId == 0) {
-            continue;
-        }
-        tagMIXLUMINAIREINFO entry{.ID = NextId(), .Category = {}, .LightSource = text};
-        m_database.FindLightSourceTypeName(parts.name, parts.model, entry.Category);
-        m_entries.push_back(std::move(entry));
     }
+    m_isWhole = m_lists.IsWhole() && m_isWhole;
     auto entry = m_entries.begin();
     for (const CString& count : Split(counts, u',')) {
         if (entry == m_entries.end()) {
@@ -121,21 +117,25 @@ bool CMixLuminaireSettingDlg::LoadEntries(const CString& lightSources, const CSt
         }
         (entry++)->Count = ToInteger(count);
     }
-    return whole;
 }
 
 CellChoices CMixLuminaireSettingDlg::LightSourcesOf(const CString& category) {
-    CellChoices& choices = m_lightSources[category];
-    if (choices == nullptr) {
-        std::vector<tagLAMPHOUSEINFO> records;
-        m_database.LoadLightSourcesByTypeName(category, records);
-        std::vector<CString> texts;
-        texts.reserve(records.size());
-        for (const tagLAMPHOUSEINFO& record : records) {
-            texts.push_back(LightSourceText(record));
-        }
-        choices = std::make_shared<const std::vector<CString>>(std::move(texts));
+    const auto known = m_lightSources.find(category);
+    if (known != m_lightSources.end()) {
+        return known->second;
     }
+    std::vector<tagLAMPHOUSEINFO> records;
+    const bool whole = m_database.LoadLightSourcesByTypeName(category, records);
+    std::vector<CString> texts;
+    texts.reserve(records.size());
+    for (const tagLAMPHOUSEINFO& record : records) {
+        texts.push_back(LightSourceText(record));
+    }
+    auto choices = std::make_shared<const std::vector<CString>>(std::move(texts));
+    if (whole) {
+        m_lightSources.emplace(category, choices);
+    }
+    m_isWhole = whole && m_isWhole;
     return choices;
 }
 
@@ -176,6 +176,7 @@ void CMixLuminaireSettingDlg::NumberRows() {
 void CMixLuminaireSettingDlg::CellEdited(int row, int column) {
     const tagMIXLUMINAIREINFO* known = Find(m_grid->GetItemData(row, 0));
     const CString category = m_grid->GetItemText(row, Category);
+    m_isWhole = true;
     // Picking the present category again keeps the light source.
     if (column == Category && category != (known != nullptr ? known->Category : CString())) {
         WriteCombo(row, LightSource, LightSourcesOf(category), {});
@@ -189,6 +190,9 @@ void CMixLuminaireSettingDlg::CellEdited(int row, int column) {
         m_entries.push_back(std::move(entry));
         NumberRows();
         AddAppendRow();
+    }
+    if (!m_isWhole) {
+        TellIncompleteLoad(this, kCaption);
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "data/lighting_database.h"
 #include "editors/cell_setup.h"
+#include "editors/luminaire_lists.h"
 
 namespace quorvane {
 
@@ -41,7 +42,7 @@ public:
 
 private:
     void LoadCategories();
-    bool LoadEntries(const CString& lightSources, const CString& counts);
+    void LoadEntries(const CString& lightSources, const CString& counts);
     CellChoices LightSourcesOf(const CString& category);
 
     void FillGrid();
@@ -57,11 +58,13 @@ private:
     int NextId() const;
 
     CLightingDatabase& m_database;
+    LuminaireLists m_lists;
     std::unique_ptr<CBtnDataBase> m_buttons;
     CGridCtrl* m_grid;  // child of this dialog
     CellChoices m_categories;
     std::map<CString, CellChoices> m_lightSources;  // by category, each read once
     std::vector<tagMIXLUMINAIREINFO> m_entries;     // in row order
+    bool m_isWhole = true;                          // the database has answered everything
 };
 
 }  // namespace quorvane

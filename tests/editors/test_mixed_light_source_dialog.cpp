@@ -64,7 +64,7 @@ private Q_SLOTS:
             {u"金卤:JLZ400,金卤:JLZ400"_qs, u"7"_qs, u"金卤:JLZ400,金卤:JLZ400|7,0"_qs},
             {u",:,金卤:JLZ400,,钠灯:NG250,"_qs, u",12个"_qs, u"金卤:JLZ400,钠灯:NG250|0,12"_qs},
             {u"管:,管,:NG250"_qs, u"1,2,many"_qs, u"管:,管,:NG250|1,2,0"_qs},
-            {u"T5,长:T,T5:短:T,钠灯:NG:400"_qs, u"1,2,3"_qs, u"钠灯:NG:400|1"_qs},
+            {u"T5,长:T,T5:短:T,钠灯:NG:400"_qs, u"1,2,3"_qs, u"T5,长:T,T5:短:T,钠灯:NG:400|1,2,3"_qs},
             {{}, u"4"_qs, u"|"_qs}};
         for (const auto& [lightSources, counts, results] : inputs) {
             Fixture fixture(lightSources, counts);
@@ -76,12 +76,13 @@ private Q_SLOTS:
     }
 
     void ShowsARowForEachLightSource() {
-        Fixture fixture(u"钠灯:NG250,混:H1,孤:G1,管"_qs, u"1,2,3,4"_qs);
-        QCOMPARE(fixture.Rows(), QStringList({u"1|高压钠灯|钠灯:NG250|1"_qs, u"2|混光灯|混:H1|2"_qs,
-                                              u"3||孤:G1|3"_qs, u"4|荧光灯|管|4"_qs, kAppendRow}));
+        Fixture fixture(u"钠灯:NG250,混:H1,孤:G1,管,T5:短:T"_qs, u"1,2,3,4"_qs);
+        QCOMPARE(fixture.Rows(),
+                 QStringList({u"1|高压钠灯|钠灯:NG250|1"_qs, u"2|混光灯|混:H1|2"_qs, u"3||孤:G1|3"_qs,
+                              u"4|荧光灯|管|4"_qs, u"5|荧光灯|T5:短:T|0"_qs, kAppendRow}));
         QCOMPARE(fixture.Choices(2, Category), u"荧光灯 金卤灯 高压钠灯"_qs);
         QCOMPARE(fixture.Choices(1, LightSource), u"钠灯:NG250 钠灯:NG:400"_qs);
-        QCOMPARE(fixture.Choices(5, LightSource), QString());
+        QCOMPARE(fixture.Choices(6, LightSource), QString());
         QVERIFY(!fixture.grid->IsCellEditable(1, Number));
     }
 

@@ -2,159 +2,140 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
-#include <memory>
-#include <utility>
 
 #include "editors/photo_store.h"
 
 using namespace quorvane;
 
+namespace {
+
+// A library and what lies around it: "B/" is the base folder, "L/" the library under it. A file's content is
+// its name there.
+struct Disk {
+    QString Path(QString name) const {
+        return name.replace(u"L/"_qs, u"B/Vexal/LuminairePhotoLib/"_qs)
+            .replace(u"B/"_qs, folder.path() + u'/');
+    }
+    void Write(const QStringList& names) const {
+        for (const QString& name : names) {
+            QVERIFY(QDir().mkpath(QFileInfo(Path(name)).path()));
+            QFile file(Path(name));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(name.toUtf8()) > 0);
+        }
+    }
+    // "name=content" of every file of the library, or only the name when that is its content.
+    QString Library() const {
+        QStringList files;
+        for (const QString& name : QDir(Path(u"L/"_qs)).entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
+            QFile file(Path(u"L/"_qs) + name);
+            const QString content = file.open(QIODevice::ReadOnly) ? file.readAll() : QString();
+            files += content == u"L/"_qs + name ? name : name + u'=' + content;
+        }
+        return files.join(u' ');
+    }
+    // As a page stores the photo of a luminaire whose record can be written.
+    QString Store(int id, const QString& source) {
+        const PhotoStore::StoredPhoto stored = store.Store(id, source);
+        if (stored.replaces) {
+            store.DeleteOthers(id, stored.photo);
+        }
+        return stored.photo;
+    }
+
+    QTemporaryDir folder;
+    PhotoStore store{folder.path()};
+};
+
+}  // namespace
+
 class TestPhotoStore : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void StoresUnderTheId_data();
     void StoresUnderTheId();
-    void NewPictureReplacesTheOldOne();
-    void OwnPictureIsNotCopied();
-    void PictureOfAnotherLuminaireIsCopied();
-    void FailedCopyLeavesTheOldPicture_data();
-    void FailedCopyLeavesTheOldPicture();
     void FailedFirstCopyKeepsThePathItWouldHave();
-    void DeletesTheFilesOfOneIdOnly();
     void ReplacedPictureOutlivesTheStore();
-
-private:
-    void Write(const QString& path, const QByteArray& content) const;
-    QByteArray Library(const QString& name) const;
-    // As a page stores the photo of a luminaire whose record can be written.
-    QString Store(int id, const QString& source) const {
-        const PhotoStore::StoredPhoto stored = m_store->Store(id, source);
-        if (stored.replaces) {
-            m_store->DeleteOthers(id, stored.photo);
-        }
-        return stored.photo;
-    }
-    QStringList LibraryNames() const { return QDir(m_library).entryList(QDir::Files, QDir::Name); }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_library;
-    QString m_source;
-    std::unique_ptr<PhotoStore> m_store;
+    void SetsTheLibrarysPicturesAside();
 };
 
-void TestPhotoStore::init() {
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_library = m_folder->filePath(u"Vexal/LuminairePhotoLib/"_qs);
-    m_source = m_folder->filePath(u"图 片/new.picture.JPG"_qs);
-    QVERIFY(QDir().mkpath(m_folder->filePath(u"图 片"_qs)));
-    Write(m_source, "new");
-    m_store = std::make_unique<PhotoStore>(m_folder->path());
-}
-
-void TestPhotoStore::Write(const QString& path, const QByteArray& content) const {
-    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-}
-
-QByteArray TestPhotoStore::Library(const QString& name) const {
-    QFile file(m_library + name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
+void TestPhotoStore::StoresUnderTheId_data() {
+    QTest::addColumn<QStringList>("before");  // beside "7.jpg", which must stay
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("photo");    // its name in the library
+    QTest::addColumn<QString>("library");  // afterwards
+    const auto add = [](const char* what, const QString& before, const char* source, const char* photo,
+                        const char* library) {
+        QTest::newRow(what) << before.split(u' ', Qt::SkipEmptyParts) << QString::fromUtf8(source)
+                            << QString::fromUtf8(photo) << QString::fromUtf8(library);
+    };
+    add("two points", {}, "B/图 片/a.b.Gif", "12.Gif", "12.Gif=B/图 片/a.b.Gif 7.jpg");
+    add("nothing but an extension", {}, "B/.jpeg", "12.jpeg", "12.jpeg=B/.jpeg 7.jpg");
+    add("in place of others", u"L/12.bmp L/12.JPG L/12.a.b"_qs, "B/.JPG", "12.JPG", "12.JPG=B/.JPG 7.jpg");
+    add("none", u"L/1.jpg L/112.jpg L/12 L/12-old.jpg L/120.jpg L/x12.jpg L/12.jpg L/12.GIF"_qs, "", "",
+        "1.jpg 112.jpg 12 12-old.jpg 120.jpg 7.jpg x12.jpg");
+    add("its own", u"L/12.jpg L/12.bmp"_qs, "L/12.jpg", "12.jpg", "12.bmp 12.jpg 7.jpg");
+    add("its own, as stored", u"L/12.jpg L/12.bmp"_qs, "\\Vexal\\LuminairePhotoLib\\12.jpg", "12.jpg",
+        "12.bmp 12.jpg 7.jpg");
+    add("its own, written in another way", u"L/12.jpg L/12.bmp"_qs, "L/../LuminairePhotoLib/12.jpg", "12.jpg",
+        "12.jpg 7.jpg");
+    add("another's", {}, "\\Vexal\\LuminairePhotoLib\\7.jpg", "12.jpg", "12.jpg=L/7.jpg 7.jpg");
+    // A copy that fails leaves the old picture, and no file that is none.
+    const QString old = u"B/folder.jpg/picture B/blocked.png L/12.gif L/12.jpg.half"_qs;
+    const char* const kept = "12.gif 12.jpg.half 7.jpg";
+    add("missing", old, "B/gone.jpg", "12.gif", kept);
+    add("a folder", old, "B/folder.jpg", "12.gif", kept);
+    add("no extension, but a point in the folder", old, "B/folder.jpg/picture", "12.gif", kept);
+    add("leads out of the library", old, "B/x./../../../escaped", "12.gif", kept);
+    add("cannot be put in place", old + u" L/12.png/in_the_way"_qs, "B/blocked.png", "12.gif", kept);
 }
 
 void TestPhotoStore::StoresUnderTheId() {
-    const QByteArray content(3'000'000, 'x');
-    const std::pair<QString, QString> cases[] = {
-        {u"a.b.Gif"_qs, u"12.Gif"_qs}, {u".jpeg"_qs, u"12.jpeg"_qs}, {u" 灯 具 .jpg"_qs, u"12.jpg"_qs}};
-    for (const auto& [name, stored] : cases) {
-        Write(m_folder->filePath(name), content);
-        QCOMPARE(Store(12, m_folder->filePath(name)), u"\\Vexal\\LuminairePhotoLib\\"_qs + stored);
-        QCOMPARE(LibraryNames(), QStringList{stored});
-        QVERIFY(Library(stored) == content);
-    }
-}
-
-void TestPhotoStore::NewPictureReplacesTheOldOne() {
-    Write(m_library + u"12.bmp"_qs, "old");
-    Write(m_library + u"12.JPG"_qs, "older");
-    QCOMPARE(Store(12, m_source), u"\\Vexal\\LuminairePhotoLib\\12.JPG"_qs);
-    QCOMPARE(LibraryNames(), QStringList{u"12.JPG"_qs});
-    QCOMPARE(Library(u"12.JPG"_qs), QByteArray("new"));
-}
-
-void TestPhotoStore::OwnPictureIsNotCopied() {
-    const QString relative = u"\\Vexal\\LuminairePhotoLib\\12.jpg"_qs;
-    Write(m_library + u"12.jpg"_qs, "own");
-    Write(m_library + u"12.bmp"_qs, "other");
-    QCOMPARE(Store(12, relative), relative);
-    QCOMPARE(Store(12, m_store->FilePath(relative)), relative);
-    QCOMPARE(LibraryNames().size(), 2);
-    // Another way to write the same file: it survives being copied onto itself.
-    QCOMPARE(Store(12, m_folder->filePath(u"Vexal/../Vexal/LuminairePhotoLib/12.jpg"_qs)), relative);
-    QCOMPARE(LibraryNames(), QStringList{u"12.jpg"_qs});
-    QCOMPARE(Library(u"12.jpg"_qs), QByteArray("own"));
-}
-
-void TestPhotoStore::PictureOfAnotherLuminaireIsCopied() {
-    Write(m_library + u"7.jpg"_qs, "seven");
-    QCOMPARE(Store(12, u"\\Vexal\\LuminairePhotoLib\\7.jpg"_qs), u"\\Vexal\\LuminairePhotoLib\\12.jpg"_qs);
-    m_store->Delete(7);
-    QCOMPARE(LibraryNames(), QStringList{u"12.jpg"_qs});
-    QCOMPARE(Library(u"12.jpg"_qs), QByteArray("seven"));
-}
-
-void TestPhotoStore::FailedCopyLeavesTheOldPicture_data() {
-    QTest::addColumn<QString>("source");
-    QTest::newRow("missing") << u"gone.jpg"_qs;
-    QTest::newRow("a folder") << u"folder.jpg"_qs;
-    QTest::newRow("no extension, but a point in the folder") << u"folder.jpg/picture"_qs;
-    QTest::newRow("leads out of the library") << u"x./../../../escaped"_qs;
-    QTest::newRow("cannot be put in place") << u"图 片/blocked.png"_qs;
-}
-
-void TestPhotoStore::FailedCopyLeavesTheOldPicture() {
+    QFETCH(QStringList, before);
     QFETCH(QString, source);
-    Write(m_folder->filePath(u"folder.jpg/picture"_qs), "unnamed");
-    Write(m_folder->filePath(u"图 片/blocked.png"_qs), "blocked");
-    Write(m_library + u"12.gif"_qs, "old");
-    Write(m_library + u"12.jpg.half"_qs, "left behind");
-    QVERIFY(QDir(m_library).mkpath(u"12.png/in the way"_qs));
-    QCOMPARE(Store(12, m_folder->filePath(source)), u"\\Vexal\\LuminairePhotoLib\\12.gif"_qs);
-    QCOMPARE(LibraryNames(), (QStringList{u"12.gif"_qs, u"12.jpg.half"_qs}));
-    QCOMPARE(Library(u"12.gif"_qs), QByteArray("old"));
-    QVERIFY(!QFile::exists(m_folder->filePath(u"escaped"_qs)));
+    QFETCH(QString, photo);
+    Disk disk;
+    disk.Write(before + QStringList{u"L/7.jpg"_qs, u"B/图 片/a.b.Gif"_qs, u"B/.jpeg"_qs, u"B/.JPG"_qs});
+    QCOMPARE(disk.Store(12, disk.Path(source)),
+             photo.isEmpty() ? QString() : u"\\Vexal\\LuminairePhotoLib\\"_qs + photo);
+    QTEST(disk.Library(), "library");
+    QVERIFY(!QFile::exists(disk.Path(u"B/escaped"_qs)));
 }
 
 void TestPhotoStore::FailedFirstCopyKeepsThePathItWouldHave() {
-    QCOMPARE(Store(12, u"\\Vexal\\LuminairePhotoLib\\7.jpg"_qs), u"\\Vexal\\LuminairePhotoLib\\12.jpg"_qs);
-    QCOMPARE(Store(12, u"no extension"_qs), u"\\Vexal\\LuminairePhotoLib\\12no extension"_qs);
-    QCOMPARE(Store(12, u"\\no\\extension"_qs), QString());
-}
-
-void TestPhotoStore::DeletesTheFilesOfOneIdOnly() {
-    const QStringList others{u"1.jpg"_qs,   u"112.jpg"_qs, u"12"_qs,     u"12-old.jpg"_qs,
-                             u"120.jpg"_qs, u"2.jpg"_qs,   u"x12.jpg"_qs};
-    for (const QString& name : others + QStringList{u"12.jpg"_qs, u"12.GIF"_qs, u"12.a.b"_qs}) {
-        Write(m_library + name, "x");
-    }
-    QCOMPARE(Store(12, {}), QString());
-    QCOMPARE(LibraryNames(), others);
+    Disk disk;
+    QCOMPARE(disk.Store(12, u"\\Vexal\\LuminairePhotoLib\\7.jpg"_qs),
+             u"\\Vexal\\LuminairePhotoLib\\12.jpg"_qs);
+    QCOMPARE(disk.Store(12, u"no extension"_qs), u"\\Vexal\\LuminairePhotoLib\\12no extension"_qs);
+    QCOMPARE(disk.Store(12, u"\\no\\extension"_qs), QString());
 }
 
 // Also when the folder is read only once: what was copied meanwhile is known, what was deleted is not.
 void TestPhotoStore::ReplacedPictureOutlivesTheStore() {
-    Write(m_library + u"12.bmp"_qs, "old");
-    Write(m_library + u"7.bmp"_qs, "seven");
-    const PhotoStore::OneListing listing(*m_store);
-    QCOMPARE(m_store->Store(12, m_source).photo, u"\\Vexal\\LuminairePhotoLib\\12.JPG"_qs);
-    QCOMPARE(m_store->Store(7, {}).photo, QString());
-    QCOMPARE(LibraryNames(), QStringList({u"12.JPG"_qs, u"12.bmp"_qs, u"7.bmp"_qs}));
-    m_store->DeleteOthers(12, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
-    QCOMPARE(LibraryNames(), QStringList({u"12.bmp"_qs, u"7.bmp"_qs}));
-    m_store->Delete(12);
-    QCOMPARE(LibraryNames(), QStringList(u"7.bmp"_qs));
+    Disk disk;
+    disk.Write({u"L/12.bmp"_qs, u"L/7.bmp"_qs, u"B/.JPG"_qs});
+    const PhotoStore::OneListing listing(disk.store);
+    QCOMPARE(disk.store.Store(12, disk.Path(u"B/.JPG"_qs)).photo, u"\\Vexal\\LuminairePhotoLib\\12.JPG"_qs);
+    QCOMPARE(disk.store.Store(7, {}).photo, QString());
+    QCOMPARE(disk.Library(), u"12.JPG=B/.JPG 12.bmp 7.bmp"_qs);
+    disk.store.DeleteOthers(12, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
+    QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_qs);
+    disk.store.Delete(12);
+    QCOMPARE(disk.Library(), u"7.bmp"_qs);
+}
+
+void TestPhotoStore::SetsTheLibrarysPicturesAside() {
+    Disk disk;
+    disk.Write({u"L/12.bmp"_qs, u"L/7.bmp"_qs, u"B/a.jpg"_qs});
+    for (const QString& stays : {u"B/a.jpg"_qs, u"L/12.bmp"_qs, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs,
+                                 u"\\Vexal\\LuminairePhotoLib\\8.bmp"_qs, QString()}) {
+        QCOMPARE(disk.store.SetAside(12, disk.Path(stays)), disk.Path(stays));
+    }
+    const QString seven = disk.store.SetAside(12, u"\\Vexal\\LuminairePhotoLib\\7.bmp"_qs);
+    const QString twelve = disk.store.SetAside(7, disk.Path(u"L/12.bmp"_qs));
+    disk.Store(7, twelve);
+    disk.Store(12, seven);
+    QCOMPARE(disk.Library(), u"12.bmp=L/7.bmp 7.bmp=L/12.bmp"_qs);
 }
 
 QTEST_GUILESS_MAIN(TestPhotoStore)

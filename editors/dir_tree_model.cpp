@@ -5,12 +5,10 @@
 
 namespace quorvane {
 
-using namespace std::chrono_literals;
-
 namespace {
 
-// Short enough for the window to answer in between, long enough for its overhead not to count.
-constexpr std::chrono::milliseconds kSlice = 8ms;
+// Enough for some folders on slow drives beside one on a fast drive.
+constexpr int kReadAtOnce = 4;
 
 }  // namespace
 
@@ -33,9 +31,7 @@ struct DirTreeModel::Node {
     }
 };
 
-DirTreeModel::DirTreeModel(QObject* parent) : QAbstractItemModel(parent), m_top(std::make_unique<Node>()) {
-    connect(&m_readOn, &QTimer::timeout, this, &DirTreeModel::ReadOn);
-}
+DirTreeModel::DirTreeModel(QObject* parent) : QAbstractItemModel(parent), m_top(std::make_unique<Node>()) {}
 
 DirTreeModel::~DirTreeModel() = default;
 
@@ -43,13 +39,12 @@ void DirTreeModel::SetIcons(const std::array<QIcon, 3>& icons) {
     m_icons = icons;
 }
 
-void DirTreeModel::Clear(const TreeContent& content) {
+void DirTreeModel::Clear(const TreeContent& content, const FolderReader& reader) {
     beginResetModel();
-    m_toRead.clear();
-    m_reader.reset();
-    m_readOn.stop();
     m_top = std::make_unique<Node>();
     m_content = content;
+    m_read = reader;
+    m_reading = std::make_unique<Background>(kReadAtOnce);
     endResetModel();
 }
 
@@ -64,8 +59,9 @@ void DirTreeModel::ReadFolder(const QModelIndex& folder) {
     Node& node = NodeOf(folder);
     if (node.state == State::Unread) {
         node.state = State::Reading;
-        m_toRead.push_back(&node);
-        m_readOn.start(0);
+        m_reading->Run(
+            [read = m_read, path = FilePath(folder), wanted = m_content] { return read(path, wanted); },
+            [this, &node](const FolderContents& contents) { Fill(node, contents); });
     }
 }
 
@@ -73,42 +69,25 @@ bool DirTreeModel::IsRead(const QModelIndex& folder) const {
     return NodeOf(folder).state == State::Read;
 }
 
-void DirTreeModel::ReadOn() {
-    Node& folder = *m_toRead.front();
-    if (m_reader == nullptr) {
-        m_reader = std::make_unique<FolderReader>(FilePath(IndexOf(folder)), m_content);
-    }
-    if (!m_reader->ReadFor(kSlice)) {
-        return;
-    }
-    const std::unique_ptr<FolderReader> reader = std::move(m_reader);
-    m_toRead.pop_front();
-    if (m_toRead.empty()) {
-        m_readOn.stop();
-    }
-    Fill(folder, *reader);
-    Q_EMIT FolderRead(IndexOf(folder));
-}
-
-void DirTreeModel::Fill(Node& folder, FolderReader& reader) {
-    const QStringList folders = reader.TakeFolders();
-    const QStringList files = reader.TakeFiles();
-    const auto count = static_cast<int>(folders.size() + files.size());
+void DirTreeModel::Fill(Node& folder, const FolderContents& contents) {
+    const QModelIndex index = IndexOf(folder);
+    const auto count = static_cast<int>(contents.folders.size() + contents.files.size());
     folder.state = State::Read;
     if (count == 0) {
         // It no longer offers to be opened.
-        Q_EMIT dataChanged(IndexOf(folder), IndexOf(folder));
-        return;
+        Q_EMIT dataChanged(index, index);
+    } else {
+        beginInsertRows(index, 0, count - 1);
+        folder.children.reserve(static_cast<size_t>(count));
+        for (const QString& name : contents.folders) {
+            folder.Add(name, Kind::Folder);
+        }
+        for (const QString& name : contents.files) {
+            folder.Add(name, Kind::File);
+        }
+        endInsertRows();
     }
-    beginInsertRows(IndexOf(folder), 0, count - 1);
-    folder.children.reserve(static_cast<size_t>(count));
-    for (const QString& name : folders) {
-        folder.Add(name, Kind::Folder);
-    }
-    for (const QString& name : files) {
-        folder.Add(name, Kind::File);
-    }
-    endInsertRows();
+    Q_EMIT FolderRead(index, contents.isFolder);
 }
 
 QString DirTreeModel::FilePath(const QModelIndex& index) const {

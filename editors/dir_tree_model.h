@@ -3,12 +3,11 @@
 
 #include <QAbstractItemModel>
 #include <QIcon>
-#include <QTimer>
 #include <array>
-#include <deque>
 #include <memory>
 #include <vector>
 
+#include "editors/background.h"
 #include "editors/folder_reader.h"
 
 namespace quorvane {
@@ -24,13 +23,14 @@ public:
 
     // One picture a kind, shared by all items of the kind, in the order of Kind.
     void SetIcons(const std::array<QIcon, 3>& icons);
-    // Forgets everything; what is added from now on holds this.
-    void Clear(const TreeContent& content);
+    // Forgets everything, the folders that are being read included. What is added from now on holds this, and
+    // is read by that.
+    void Clear(const TreeContent& content, const FolderReader& reader);
     // Adds a root folder, named as it is to be shown.
     void AddDrive(const QString& rootFolder);
 
-    // Begins to read a folder that was not read before. It fills all at a time while the event loop runs;
-    // then FolderRead is sent.
+    // Begins to read a folder that was not read before, without waiting for its drive. It fills all at a time
+    // while the event loop runs; then FolderRead is sent.
     void ReadFolder(const QModelIndex& folder);
     bool IsRead(const QModelIndex& folder) const;
 
@@ -49,7 +49,8 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 Q_SIGNALS:
-    void FolderRead(const QModelIndex& folder);
+    // isFolder is false when there is no such folder any more.
+    void FolderRead(const QModelIndex& folder, bool isFolder);
 
 private:
     enum class State { Unread, Reading, Read };
@@ -57,15 +58,13 @@ private:
 
     Node& NodeOf(const QModelIndex& index) const;
     QModelIndex IndexOf(const Node& node) const;
-    void ReadOn();
-    void Fill(Node& folder, FolderReader& reader);
+    void Fill(Node& folder, const FolderContents& contents);
 
     std::unique_ptr<Node> m_top;  // its children are the root folders
     TreeContent m_content;
     std::array<QIcon, 3> m_icons;
-    std::deque<Node*> m_toRead;              // folders; the first is being read
-    std::unique_ptr<FolderReader> m_reader;  // of the first, once it is begun
-    QTimer m_readOn;                         // fires when the event loop has nothing better to do
+    FolderReader m_read;
+    std::unique_ptr<Background> m_reading;  // another one after each Clear: results for what is gone are lost
 };
 
 }  // namespace quorvane

@@ -12,8 +12,20 @@
 #include "widgets/message_box.h"
 
 namespace quorvane {
+namespace {
 
-CDirTreeCtrl::CDirTreeCtrl(QWidget* parent) : QTreeView(parent), m_model(new DirTreeModel(this)) {
+constexpr int kChecksAtOnce = 4;
+
+// Empty when path does not exist.
+QString CleanPath(const QString& path) {
+    const QFileInfo file(path);
+    return file.exists() ? QDir::cleanPath(file.absoluteFilePath()) : QString();
+}
+
+}  // namespace
+
+CDirTreeCtrl::CDirTreeCtrl(QWidget* parent)
+    : QTreeView(parent), m_model(new DirTreeModel(this)), m_checks(kChecksAtOnce) {
     setModel(m_model);
     setHeaderHidden(true);
     setUniformRowHeights(true);
@@ -30,7 +42,11 @@ CDirTreeCtrl::CDirTreeCtrl(QWidget* parent) : QTreeView(parent), m_model(new Dir
         m_model->ReadFolder(folder);
         MakeRoomForNames();
     });
-    connect(m_model, &DirTreeModel::FolderRead, this, [this](const QModelIndex& folder) {
+    connect(m_model, &DirTreeModel::FolderRead, this, [this](const QModelIndex& folder, bool isFolder) {
+        if (!isFolder && folder == m_root) {
+            RootIsGone();
+            return;
+        }
         MakeRoomForNames();
         if (m_walking && folder == m_walkedTo) {
             WalkOn();
@@ -48,6 +64,10 @@ QStringList CDirTreeCtrl::Drives() const {
     return LogicalDrives();
 }
 
+FolderReader CDirTreeCtrl::Reader() const {
+    return ReadFolder;
+}
+
 QIcon CDirTreeCtrl::SystemIcon(QFileIconProvider::IconType type) const {
     return QFileIconProvider().icon(type);
 }
@@ -63,7 +83,7 @@ bool CDirTreeCtrl::AttachIcons() {
 
 void CDirTreeCtrl::Show(const CString& rootFolder, bool withFiles) {
     StopWalk();
-    m_model->Clear({withFiles, m_extensions});
+    m_model->Clear({withFiles, m_extensions}, Reader());
     setColumnWidth(0, 0);
     if (!AttachIcons()) {
         ShowMessage(this, QStringLiteral("Cannot retrieve the Handle of SystemImageList!"));
@@ -84,27 +104,41 @@ void CDirTreeCtrl::Show(const CString& rootFolder, bool withFiles) {
 }
 
 void CDirTreeCtrl::AddRoot(const CString& rootFolder) {
-    // A drive may have gone since it was listed.
-    if (!QFileInfo(rootFolder).isDir()) {
-        ShowMessage(this, QStringLiteral("Error Gettting SystemFileInfo!"));
-        return;
-    }
     const CString native = QDir::toNativeSeparators(rootFolder);
     m_model->AddDrive(native.endsWith(QDir::separator()) ? native : native + QDir::separator());
-    expand(m_model->index(0, 0));
+    m_root = m_model->index(0, 0);
+    expand(m_root);
+}
+
+// A drive may have gone since it was listed.
+void CDirTreeCtrl::RootIsGone() {
+    StopWalk();
+    m_model->Clear({}, Reader());
+    ShowMessage(this, QStringLiteral("Error Gettting SystemFileInfo!"));
 }
 
 void CDirTreeCtrl::SelectPath(const CString& path) {
     StopWalk();
-    if (path.isEmpty() || !QFileInfo::exists(path)) {
+    if (path.isEmpty()) {
         return;
     }
-    const QString clean = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
-    const QModelIndex drive = FindDrive(clean);
+    m_pathToSelect = path;
+    m_checks.DropWaiting();
+    m_checks.Run([path] { return CleanPath(path); },
+                 [this, path](const QString& cleanPath) {
+                     if (m_pathToSelect == path && !cleanPath.isEmpty()) {
+                         BeginWalk(cleanPath);
+                     }
+                 });
+}
+
+void CDirTreeCtrl::BeginWalk(const QString& path) {
+    StopWalk();
+    const QModelIndex drive = FindDrive(path);
     if (drive.isValid()) {
         m_walking = true;
         m_walkedTo = drive;
-        m_namesToWalk = clean.mid(m_model->FilePath(drive).size()).split(u'/', Qt::SkipEmptyParts);
+        m_namesToWalk = path.mid(m_model->FilePath(drive).size()).split(u'/', Qt::SkipEmptyParts);
         WalkOn();
     }
 }
@@ -140,6 +174,7 @@ void CDirTreeCtrl::WalkOn() {
 }
 
 void CDirTreeCtrl::StopWalk() {
+    m_pathToSelect.clear();
     m_walking = false;
     m_walkedTo = QModelIndex();
     m_namesToWalk.clear();

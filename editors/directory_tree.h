@@ -6,6 +6,8 @@
 #include <QTreeView>
 
 #include "data/records.h"
+#include "editors/background.h"
+#include "editors/folder_reader.h"
 
 namespace quorvane {
 
@@ -22,8 +24,9 @@ public:
     void SetExtensions(const QStringList& extensions);
 
     // Shows the tree under rootFolder (empty: all drives) anew, folders first, and with it files on request.
-    // A folder is read when it is opened, and fills while the event loop runs. Shows a message and an empty
-    // tree when there is nothing to show.
+    // A folder is read when it is opened, and fills while the event loop runs: a drive that does not answer
+    // holds up neither the program nor other folders. Shows a message and an empty tree when there is nothing
+    // to show; that rootFolder is none is found out while the event loop runs.
     void Show(const CString& rootFolder, bool withFiles);
 
     // Opens the tree down to path, or as far as it leads, and selects what it finds; done while the event
@@ -42,6 +45,7 @@ Q_SIGNALS:
 
 protected:
     virtual QStringList Drives() const;
+    virtual FolderReader Reader() const;
     virtual QIcon SystemIcon(QFileIconProvider::IconType type) const;
 
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
@@ -52,13 +56,18 @@ private:
     bool AttachIcons();
     void MakeRoomForNames();
     void AddRoot(const CString& rootFolder);
+    void RootIsGone();
     QModelIndex FindDrive(const QString& path) const;
+    void BeginWalk(const QString& path);
     void WalkOn();
     void StopWalk();
     void Report(const QModelIndex& index);
 
     DirTreeModel* m_model;
     QStringList m_extensions;
+    QPersistentModelIndex m_root;      // the one root folder, unless all drives are shown
+    Background m_checks;               // of whether the path to select exists
+    CString m_pathToSelect;            // while it is being checked
     bool m_walking = false;            // on the way to the path to select
     QPersistentModelIndex m_walkedTo;  // how far it is
     QStringList m_namesToWalk;         // what is left of it

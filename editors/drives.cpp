@@ -1,7 +1,7 @@
 #include "editors/drives.h"
 
 #include <QDir>
-#include <QStorageInfo>
+#include <QFile>
 #include <algorithm>
 
 namespace quorvane {
@@ -17,36 +17,18 @@ QString WithTrailingSeparator(const QString& folder) {
     return QDir::toNativeSeparators(folder.endsWith(u'/') ? folder : folder + u'/');
 }
 
-// Volumes that are mounted into the one tree of folders. Where drives have letters there is none to add.
-QStringList MountedFolders() {
-    QStringList folders;
-#ifdef Q_OS_UNIX
-    for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
-        const QString type = QString::fromLatin1(volume.fileSystemType());
-        const QFileInfo root(volume.rootPath());
-        if (IsPersonsVolume(volume.rootPath(), type) && root.isDir() && root.isReadable()) {
-            folders += volume.rootPath();
-        }
+// In the table a character that would end a field is a backslash and its three octal digits.
+QString FolderOfField(const QByteArray& field) {
+    QByteArray folder;
+    for (qsizetype at = 0; at < field.size(); ++at) {
+        const bool escaped = field[at] == '\\';
+        folder += escaped ? static_cast<char>(field.mid(at + 1, 3).toInt(nullptr, 8)) : field[at];
+        at += escaped ? 3 : 0;
     }
-    folders.sort();
-#endif
-    return folders;
+    return QFile::decodeName(folder);
 }
 
-}  // namespace
-
-QStringList LogicalDrives() {
-    QStringList drives;
-    for (const QFileInfo& drive : QDir::drives()) {
-        drives += WithTrailingSeparator(drive.absoluteFilePath());
-    }
-    for (const QString& folder : MountedFolders()) {
-        drives += WithTrailingSeparator(folder);
-    }
-    drives.removeDuplicates();
-    return drives;
-}
-
+// Whether a volume holds a person's files rather than a part of the running system.
 bool IsPersonsVolume(const QString& rootPath, const QString& fileSystemType) {
     static const QStringList systemTypes{
         QStringLiteral("autofs"),   QStringLiteral("cgroup"),      QStringLiteral("cgroup2"),
@@ -65,6 +47,40 @@ bool IsPersonsVolume(const QString& rootPath, const QString& fileSystemType) {
     };
     return rootPath.startsWith(QStringLiteral("/run/media/")) ||
            std::none_of(systemFolders.begin(), systemFolders.end(), holdsRoot);
+}
+
+}  // namespace
+
+QStringList LogicalDrives() {
+    QStringList drives;
+    for (const QFileInfo& drive : QDir::drives()) {
+        drives += WithTrailingSeparator(drive.absoluteFilePath());
+    }
+    for (const QString& folder : PersonsFolders(MountTable())) {
+        drives += WithTrailingSeparator(folder);
+    }
+    drives.removeDuplicates();
+    return drives;
+}
+
+// A line has six fields, of which the fifth is the folder, any number of others, a "-", and then the type.
+QStringList PersonsFolders(const QByteArray& mountTable) {
+    constexpr int folderField = 4;
+    constexpr int firstOptionalField = 6;
+    QStringList folders;
+    for (const QByteArray& line : mountTable.split('\n')) {
+        const QByteArrayList fields = line.split(' ');
+        const qsizetype type = fields.indexOf(QByteArrayLiteral("-"), firstOptionalField) + 1;
+        if (type == 0 || type >= fields.size()) {
+            continue;
+        }
+        const QString folder = FolderOfField(fields[folderField]);
+        if (IsPersonsVolume(folder, QString::fromLatin1(fields[type]))) {
+            folders += folder;
+        }
+    }
+    folders.sort();
+    return folders;
 }
 
 QString DriveOfPath(const QString& path, const QStringList& drives) {

@@ -1,13 +1,9 @@
-// Reads what a folder holds a slice at a time, so that a folder of any size leaves the window alive.
+// Reads what a folder holds, in the order in which a person looks for it.
 #pragma once
 
-#include <QDirIterator>
 #include <QString>
 #include <QStringList>
-#include <chrono>
-#include <vector>
-
-#include "widgets/chinese_order.h"
+#include <functional>
 
 namespace quorvane {
 
@@ -20,31 +16,15 @@ struct TreeContent {
     QStringList extensions;  // those of the files to show; none: all files
 };
 
-class FolderReader {
-public:
-    // A folder that cannot be read counts as empty.
-    FolderReader(const QString& folder, TreeContent wanted);
-
-    // Reads on for about that long. True when the folder is read.
-    bool ReadFor(std::chrono::milliseconds time);
-
-    // The names found so far, in the order in which a person looks for them. Leaves none behind.
-    QStringList TakeFolders() { return TakeSorted(m_folders); }
-    QStringList TakeFiles() { return TakeSorted(m_files); }
-
-private:
-    struct Entry {
-        QCollatorSortKey key;
-        QString name;
-    };
-
-    void ReadEntry();
-    static QStringList TakeSorted(std::vector<Entry>& entries);
-
-    TreeContent m_wanted;
-    QDirIterator m_iterator;
-    std::vector<Entry> m_folders;
-    std::vector<Entry> m_files;
+struct FolderContents {
+    bool isFolder = false;
+    QStringList folders;  // names
+    QStringList files;    // names, of the files wanted
 };
+
+// Any thread may call it, and it may take as long as the folder's drive. What cannot be read counts as empty.
+FolderContents ReadFolder(const QString& folder, const TreeContent& wanted);
+
+using FolderReader = std::function<FolderContents(const QString& folder, const TreeContent& wanted)>;
 
 }  // namespace quorvane

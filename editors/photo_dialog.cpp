@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QLineEdit>
 
+#include "editors/background.h"
 #include "editors/directory_tree.h"
 #include "editors/drives.h"
 #include "editors/folder_reader.h"
@@ -56,16 +57,26 @@ QWidget* MakeCustomControl(int id, QWidget* dialog) {
     return new PicturePreview(dialog);
 }
 
+// How long the dialog waits to learn whether the initial path is a file.
+constexpr std::chrono::milliseconds kPatience(200);
+
 bool IsReadableFile(const CString& path) {
     return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly);
+}
+
+// A path on a drive that does not answer is kept: it may be a picture, and an empty one would have the user
+// take away the luminaire's photo without a word.
+CString KeptPath(const CString& path) {
+    const bool kept = !path.isEmpty() &&
+                      Background::Within(kPatience, [path] { return IsReadableFile(path); }).value_or(true);
+    return kept ? QDir::toNativeSeparators(path) : CString();
 }
 
 }  // namespace
 
 CLuminairePhotoSettingDlg::CLuminairePhotoSettingDlg(const CString& initialPath, const CString& title,
                                                      QWidget* parent)
-    : QDialog(parent),
-      m_path(IsReadableFile(initialPath) ? QDir::toNativeSeparators(initialPath) : CString()) {
+    : QDialog(parent), m_path(KeptPath(initialPath)) {
     setObjectName(QStringLiteral("photoDialog"));
     setWindowTitle(title + QStringLiteral(" 图片设置"));
     CreateControls(this, kTemplate, MakeCustomControl);

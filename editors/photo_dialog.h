@@ -19,8 +19,8 @@ class CLuminairePhotoSettingDlg : public QDialog {
     Q_OBJECT
 
 public:
-    // initialPath, a native path, is kept only when the file can be opened for reading. title, which says
-    // whose picture it is, stands in the caption.
+    // initialPath, a native path, is kept only when the file can be opened for reading; on a drive that does
+    // not answer at once it is kept as well. title, which says whose picture it is, stands in the caption.
     CLuminairePhotoSettingDlg(const CString& initialPath, const CString& title, QWidget* parent);
     ~CLuminairePhotoSettingDlg() override;
 

@@ -13,6 +13,8 @@ namespace {
 
 constexpr qint64 kMostPixels = 100'000'000;
 constexpr qint64 kMostBytes = 256LL << 20;  // of a file
+// Not held up by one that is slow, yet the memory for pictures that nobody waits for any more stays bounded.
+constexpr int kLoadedAtOnce = 2;
 
 bool IsBearable(const QSize& size) {
     return !size.isEmpty() && qint64{size.width()} * size.height() <= kMostPixels;
@@ -49,13 +51,26 @@ QImage LoadPicture(const CString& file, const QSize& area) {
     return reader.read();
 }
 
-PicturePreview::PicturePreview(QWidget* parent) : QFrame(parent) {
+PicturePreview::PicturePreview(QWidget* parent) : QFrame(parent), m_loading(kLoadedAtOnce) {
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
 }
 
 void PicturePreview::ShowFile(const CString& file) {
-    m_picture = file.isEmpty() ? QImage() : LoadPicture(file, contentsRect().size() * devicePixelRatio());
+    m_picture = QImage();
     update();
+    m_loading.DropWaiting();
+    const int request = ++m_request;
+    if (file.isEmpty()) {
+        return;
+    }
+    const QSize area = contentsRect().size() * devicePixelRatio();
+    m_loading.Run([file, area] { return LoadPicture(file, area); },
+                  [this, request](const QImage& picture) {
+                      if (request == m_request) {
+                          m_picture = picture;
+                          update();
+                      }
+                  });
 }
 
 void PicturePreview::paintEvent(QPaintEvent* event) {

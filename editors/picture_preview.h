@@ -5,19 +5,21 @@
 #include <QImage>
 
 #include "data/records.h"
+#include "editors/background.h"
 
 namespace quorvane {
 
 // The picture in a file as it is to be shown in an area of that many pixels, which it may be larger or
 // smaller than; null when the file cannot be read whole as a picture, or asks for more memory than a photo
-// may take. What the file is called does not matter.
+// may take. What the file is called does not matter. Any thread may call it.
 QImage LoadPicture(const CString& file, const QSize& area);
 
 class PicturePreview : public QFrame {
 public:
     explicit PicturePreview(QWidget* parent);
 
-    // Shows the picture, or nothing when there is none in the file. An empty path shows nothing.
+    // Shows the picture as soon as it is loaded, which does not hold up the event loop, and nothing before or
+    // when there is none in the file. An empty path shows nothing. Of several files the last one counts.
     void ShowFile(const CString& file);
     bool IsBlank() const { return m_picture.isNull(); }
 
@@ -25,6 +27,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    Background m_loading;
+    int m_request = 0;  // the last one counts
     QImage m_picture;
 };
 

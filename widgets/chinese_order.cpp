@@ -12,7 +12,8 @@ bool PinyinLess(const QString& left, const QString& right) {
 }
 
 QCollatorSortKey FileNameKey(const QString& name) {
-    static const QCollator collator = [] {
+    // A collator serves one thread at a time.
+    thread_local const QCollator collator = [] {
         QCollator numeric(QLocale(QLocale::Chinese, QLocale::China));
         numeric.setNumericMode(true);
         return numeric;

@@ -12,7 +12,7 @@ bool PinyinLess(const QString& left, const QString& right);
 
 // The key by which file names sort: by pinyin as well, but numbers in them by their value, so that "2.jpg"
 // stands before "10.jpg". Made once a name, keys compare much faster than names. Different names may share
-// one.
+// one. Any thread may call it.
 QCollatorSortKey FileNameKey(const QString& name);
 
 }  // namespace quorvane

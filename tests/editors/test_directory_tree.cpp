@@ -4,12 +4,14 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <memory>
+#include <semaphore>
 
 #include "editors/directory_tree.h"
 #include "editors/drives.h"
 #include "tests/support/message_answers.h"
 
 using namespace quorvane;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -22,9 +24,19 @@ public:
     }
     QStringList drives = LogicalDrives();
     bool hasIcons = true;
+    // A folder with "dead" in its path answers only when it is let go.
+    const std::shared_ptr<std::counting_semaphore<>> letGo = std::make_shared<std::counting_semaphore<>>(0);
 
 protected:
     QStringList Drives() const override { return drives; }
+    FolderReader Reader() const override {
+        return [gate = letGo](const QString& folder, const TreeContent& wanted) {
+            if (folder.contains(u"dead"_qs)) {
+                gate->acquire();
+            }
+            return ReadFolder(folder, wanted);
+        };
+    }
     QIcon SystemIcon(QFileIconProvider::IconType type) const override {
         return hasIcons ? CDirTreeCtrl::SystemIcon(type) : QIcon();
     }
@@ -40,6 +52,7 @@ private Q_SLOTS:
         m_folder = std::make_unique<QTemporaryDir>();
         m_tree = std::make_unique<Tree>();
         m_chosen.clear();
+        QVERIFY(Background::WaitForAll(5s));
         connect(m_tree.get(), &CDirTreeCtrl::FileChosen, this,
                 [this](const CString& path) { m_chosen += path; });
     }
@@ -118,19 +131,68 @@ private Q_SLOTS:
         QCOMPARE(m_tree->SelectedPath(), Path(u"b.jpg"_qs));
     }
 
+    void AHungFolderHoldsUpNothing() {
+        QStringList files{u"live/a.jpg"_qs};
+        for (int number = 0; number < 6; ++number) {  // more than are read at once
+            files += u"dead %1/late.jpg"_qs.arg(number);
+        }
+        Add(files);
+        const QModelIndex root = ShowFolder();
+        QAbstractItemModel& model = *m_tree->model();
+        for (int row = 0; row < 7; ++row) {
+            m_tree->expand(model.index(row, 0, root));
+        }
+        QTRY_COMPARE(Names(model.index(6, 0, root)), QStringList(u"a.jpg"_qs));
+        m_tree->letGo->release();
+        const auto filled = [&] {
+            int rows = 0;
+            for (int row = 0; row < 6; ++row) {
+                rows += model.rowCount(model.index(row, 0, root));
+            }
+            return rows;
+        };
+        QTRY_COMPARE(filled(), 1);
+        // Another root goes before those that are still read, and what they held is not put into it.
+        m_tree->Show(Path(u"live"_qs), true);
+        m_tree->SelectPath(Path(u"live/a.jpg"_qs));
+        QTRY_COMPARE_WITH_TIMEOUT(m_tree->SelectedPath(), Path(u"live/a.jpg"_qs), 500);
+        m_tree->letGo->release(5);
+        QVERIFY(Background::WaitForAll(5s));
+        QTest::qWait(10);
+        QCOMPARE(Names(model.index(0, 0)), QStringList(u"a.jpg"_qs));
+        // The tree goes before its folder answers.
+        m_tree->Show(Path(u"dead 1"_qs), true);
+        const auto letGo = m_tree->letGo;
+        m_tree.reset();
+        letGo->release();
+        QVERIFY(Background::WaitForAll(5s));
+    }
+
     void TellsWhatIsMissing() {
         MessageAnswers answers;
         const auto told = [&](const QString& folder) {
             answers.Plan(u"确定"_qs);
             m_tree->Show(folder, true);
-            const QString rows = QString::number(m_tree->model()->rowCount());
-            return answers.TakeSeen().join(u'\n').section(u'|', 1, 1) + u' ' + rows;
+            QString text;
+            (void)QTest::qWaitFor([&] { return !(text += answers.TakeSeen().join(u'\n')).isEmpty(); });
+            return text.section(u'|', 1, 1) + u' ' + QString::number(m_tree->model()->rowCount());
         };
         QCOMPARE(told(Path(u"unplugged"_qs)), u"Error Gettting SystemFileInfo! 0"_qs);
         m_tree->drives.clear();
         QCOMPARE(told({}), u"Error Getting Logical DriveStrings! 0"_qs);
         m_tree->hasIcons = false;
         QCOMPARE(told(m_folder->path()), u"Cannot retrieve the Handle of SystemImageList! 0"_qs);
+    }
+
+    void DrivesAreThoseOfTheMountTable() {
+        QCOMPARE(PersonsFolders(
+                     "22 1 8:1 / / rw - ext4 /dev/sda1 rw\n"
+                     "23 22 0:5 / /sys/fs rw shared:2 master:1 - sysfs sysfs rw\n"
+                     "24 22 0:6 / /srv/\\345\\233\\276\\040a\\134b rw shared:2 - nfs4 box:/a\\040-\\040b rw\n"
+                     "25 22 0:7 / /run/media/me/- rw - vfat /dev/sdb1 rw\n"
+                     "26 22 0:8 / /mnt/cut rw -\n27 22\n\n"),
+                 QStringList({u"/"_qs, u"/run/media/me/-"_qs, u"/srv/图 a\\b"_qs}));
+        QVERIFY(LogicalDrives().contains(QDir::toNativeSeparators(QDir::rootPath())));
     }
 
 private:

@@ -58,10 +58,18 @@ private Q_SLOTS:
             const bool isFile = step.size() > 1;
             isFile ? Choose(step) : Press(step == u"<"_qs ? Previous : step == u">"_qs ? Next : Clear);
             QCOMPARE(Shown(), shown);
-            QCOMPARE(Item<PicturePreview>(Preview)->IsBlank(), step == u"x"_qs);
+            QTRY_COMPARE(Item<PicturePreview>(Preview)->IsBlank(), step == u"x"_qs);
         }
         Press(Ok);
         QCOMPARE(m_dialog->Path(), QString());
+    }
+
+    void ALatePictureIsNotShown() {
+        Open(Path(u"a.png.bmp"_qs));
+        Press(Clear);
+        QVERIFY(Background::WaitForAll(std::chrono::seconds(5)));
+        QTest::qWait(10);
+        QVERIFY(Item<PicturePreview>(Preview)->IsBlank());
     }
 
     void IsLeftByEveryWay() {
@@ -95,7 +103,7 @@ private Q_SLOTS:
         edit->setFocus();
         QTest::keyClicks(edit, Path(u"d.gif"_qs));
         QTest::keyClick(edit, Qt::Key_Tab);
-        QVERIFY(!Item<PicturePreview>(Preview)->IsBlank());
+        QTRY_VERIFY(!Item<PicturePreview>(Preview)->IsBlank());
         QCOMPARE(Shown(), u"d.gif --"_qs);
         QTest::keyClick(edit, Qt::Key_Backspace);
         QTest::keyClick(edit, Qt::Key_Return);
@@ -123,10 +131,8 @@ private Q_SLOTS:
         qToLittleEndian<qint32>(100'000, broken.last().data() + 22);
         for (const QByteArray& content : whole + broken) {
             Write(u"tried.jpg"_qs, content);
-            Open(Path(u"tried.jpg"_qs));
-            QVERIFY2(Item<PicturePreview>(Preview)->IsBlank() == broken.contains(content),
+            QVERIFY2(LoadPicture(Path(u"tried.jpg"_qs), {60, 40}).isNull() == broken.contains(content),
                      content.left(20).toHex().constData());
-            QCOMPARE(m_dialog->Path(), Path(u"tried.jpg"_qs));
         }
     }
 

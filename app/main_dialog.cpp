@@ -37,6 +37,15 @@ Tab FirstTab(const QString& selector) {
     return selector == QStringLiteral("照度管理器") ? Requirements : LightSources;
 }
 
+// A tab order that names a widget which takes no focus would be ignored.
+QWidget* LastByTab(QWidget* window) {
+    QWidget* last = window->previousInFocusChain();
+    while (last != window && (last->focusPolicy() == Qt::NoFocus || last->window() != window)) {
+        last = last->previousInFocusChain();
+    }
+    return last;
+}
+
 }  // namespace
 
 CQuorvaneDlg::CQuorvaneDlg(const MainDialogPages& pages, const QString& selector) {
@@ -59,7 +68,7 @@ CQuorvaneDlg::CQuorvaneDlg(const MainDialogPages& pages, const QString& selector
     m_tabs->setCurrentIndex(FirstTab(selector));
 
     // By the Tab key the buttons come after the page that they act on.
-    QWidget* before = previousInFocusChain();
+    QWidget* before = LastByTab(this);
     for (const int id : {kSubmit, kDelete, kExit}) {
         setTabOrder(before, DialogItem(this, id));
         before = DialogItem(this, id);

@@ -17,8 +17,9 @@ void GridPage::EndEditing() {
     }
 }
 
-bool GridPage::CreateGrid(int gridId, const QRect& rect, std::span<const GridColumn> columns) {
-    m_grid = quorvane::CreateGrid(this, gridId, rect, columns);
+bool GridPage::CreateGrid(int gridId, const QRect& rect, std::span<const GridColumn> columns,
+                          SharesOf width) {
+    m_grid = quorvane::CreateGrid(this, gridId, rect, columns, width);
     if (m_grid == nullptr) {
         return false;
     }

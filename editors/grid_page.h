@@ -21,7 +21,8 @@ public:
 protected:
     // Makes the grid on that rectangle, with one heading row and the given columns. False when it cannot be
     // made.
-    bool CreateGrid(int gridId, const QRect& rect, std::span<const GridColumn> columns);
+    bool CreateGrid(int gridId, const QRect& rect, std::span<const GridColumn> columns,
+                    SharesOf width = SharesOf::WindowWidth);
     CGridCtrl& Grid() { return *m_grid; }
     const CGridCtrl& Grid() const { return *m_grid; }
 

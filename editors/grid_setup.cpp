@@ -9,7 +9,8 @@
 
 namespace quorvane {
 
-CGridCtrl* CreateGrid(QWidget* parent, int gridId, const QRect& rect, std::span<const GridColumn> columns) {
+CGridCtrl* CreateGrid(QWidget* parent, int gridId, const QRect& rect, std::span<const GridColumn> columns,
+                      SharesOf width) {
     auto created = std::make_unique<CGridCtrl>();
     if (!created->Create(rect, parent, gridId)) {
         return nullptr;
@@ -17,8 +18,9 @@ CGridCtrl* CreateGrid(QWidget* parent, int gridId, const QRect& rect, std::span<
     CGridCtrl* grid = created.release();
     grid->SetRowCount(1);
     grid->SetFixedRowCount(1);
+    const int frame = width == SharesOf::ClientWidth ? 2 * grid->frameWidth() : 0;
     const int usableWidth =
-        grid->width() - parent->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, grid) - 3;
+        grid->width() - frame - parent->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, grid) - 3;
     for (const GridColumn& column : columns) {
         const int index = grid->InsertColumn(CString::fromUtf16(column.heading), kCentred);
         grid->SetColumnWidth(index, static_cast<int>(usableWidth * column.share));
@@ -60,11 +62,9 @@ double ReadReal(CGridCtrl& grid, int row, int column, double present) {
 
 int ReadInteger(CGridCtrl& grid, int row, int column) {
     const CString text = grid.GetItemText(row, column);
-    const std::optional<int> value = text.isEmpty() ? std::nullopt : CheckInteger(text);
-    if (!value) {
-        grid.SetItemText(row, column, FormatInteger(0));
-    }
-    return value.value_or(0);
+    const int value = (text.isEmpty() ? std::nullopt : CheckInteger(text)).value_or(0);
+    grid.SetItemText(row, column, FormatInteger(value));
+    return value;
 }
 
 bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title) {

@@ -20,12 +20,19 @@ inline const QColor kUnwrittenColour{255, 150, 120};
 
 struct GridColumn {
     const char16_t* heading;
-    double share;  // of the grid's usable width: its width less a vertical scroll bar and 3 pixels
+    double share;  // of the grid's usable width: that which SharesOf says, less a vertical scroll bar and 3
+                   // pixels
+};
+
+enum class SharesOf {
+    WindowWidth,  // the frame included
+    ClientWidth,
 };
 
 // Makes a grid on that rectangle of parent, with one heading row and the given columns. Null when it cannot
 // be made.
-CGridCtrl* CreateGrid(QWidget* parent, int gridId, const QRect& rect, std::span<const GridColumn> columns);
+CGridCtrl* CreateGrid(QWidget* parent, int gridId, const QRect& rect, std::span<const GridColumn> columns,
+                      SharesOf width = SharesOf::WindowWidth);
 
 void WriteCell(CGridCtrl& grid, int row, int column, const CString& text, unsigned format);
 // Column 0: a row number or the append row's marker, and the record's ID as the row's item data.
@@ -33,7 +40,7 @@ void WriteRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, b
 
 // The number typed into a cell; a text that is none, or is empty, counts as 0 and is rewritten to "0". A text
 // that shows `present`, the value so far, is that value to the last digit, also in a form that may not be
-// typed.
+// typed. An integer is rewritten as it is understood: "+3", or one beyond the range.
 double ReadReal(CGridCtrl& grid, int row, int column, double present);
 int ReadInteger(CGridCtrl& grid, int row, int column);
 

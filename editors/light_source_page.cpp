@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "data/number_text.h"
+#include "editors/light_source_categories.h"
 #include "grid/btn_data_base.h"
 #include "widgets/dialog_template.h"
 
@@ -31,9 +32,6 @@ const GridColumn kColumns[] = {
     {u"序号", 0.06},  {u"光源类别", 0.14}, {u"名    称", 0.24}, {u"光源型号", 0.24},
     {u"光通量", 0.1}, {u"功  率", 0.1},    {u"厂    家", 0.1},
 };
-
-const CString kMixedLight = QStringLiteral("混光灯");
-const CString kCommonLuminaires = QStringLiteral("常用灯具");
 
 }  // namespace
 

@@ -4,11 +4,14 @@
 #include <algorithm>
 
 #include "data/number_text.h"
+#include "data/text_format.h"
 #include "editors/grid_setup.h"
+#include "editors/light_source_categories.h"
 #include "editors/light_source_text.h"
 #include "editors/text_checks.h"
 #include "grid/btn_data_base.h"
 #include "widgets/dialog_template.h"
+#include "widgets/message_box.h"
 
 namespace quorvane {
 namespace {
@@ -32,8 +35,6 @@ enum Column { Number, Category, LightSource, Count };
 const GridColumn kColumns[] = {{u"序号", 0.1}, {u"光源类别", 0.3}, {u"光源", 0.4}, {u"数量", 0.2}};
 
 const CString kCaption = QStringLiteral("混合光源设置");
-const CString kMixedLight = QStringLiteral("混光灯");
-const CString kCommonLuminaires = QStringLiteral("常用灯具");
 
 }  // namespace
 
@@ -44,7 +45,8 @@ CMixLuminaireSettingDlg::CMixLuminaireSettingDlg(CLightingDatabase& database, co
     setWindowTitle(kCaption);
     CreateControls(this, kTemplate);
     setFixedSize(DialogUnits(font()).ToPixels(kTemplateSize));
-    m_grid = CreateGrid(this, kGrid, DialogItem(this, kGridFrame)->geometry(), kColumns);
+    m_grid =
+        CreateGrid(this, kGrid, DialogItem(this, kGridFrame)->geometry(), kColumns, SharesOf::ClientWidth);
     setTabOrder(m_grid, DialogItem(this, kOk));
     m_grid->setFocus();
 
@@ -79,9 +81,21 @@ CString CMixLuminaireSettingDlg::GetCounts() const {
     return Join(counts);
 }
 
+// In the results an entry without a light source would leave a gap, and its count would go to the next one.
 void CMixLuminaireSettingDlg::accept() {
     m_grid->EndEdit();
-    QDialog::accept();
+    const auto unset = std::find_if(m_entries.begin(), m_entries.end(), [](const tagMIXLUMINAIREINFO& entry) {
+        return entry.LightSource.isEmpty();
+    });
+    if (unset == m_entries.end()) {
+        QDialog::accept();
+        return;
+    }
+    const int row = static_cast<int>(unset - m_entries.begin()) + 1;
+    ShowMessage(this, FormatText(QStringLiteral("第%d行没有选择光源,请选择光源或删除该行。"), {row}),
+                kCaption);
+    m_grid->SetFocusCell({row, LightSource});
+    m_grid->setFocus();
 }
 
 void CMixLuminaireSettingDlg::LoadCategories() {
@@ -198,7 +212,6 @@ void CMixLuminaireSettingDlg::CellEdited(int row, int column) {
 
 tagMIXLUMINAIREINFO CMixLuminaireSettingDlg::ReadRow(int row) {
     const int count = ReadInteger(*m_grid, row, Count);
-    m_grid->SetItemText(row, Count, FormatInteger(count));  // "+3" or "-" as they are understood
     return {.ID = m_grid->GetItemData(row, Number),
             .Category = m_grid->GetItemText(row, Category),
             .LightSource = m_grid->GetItemText(row, LightSource),

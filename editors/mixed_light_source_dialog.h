@@ -37,7 +37,8 @@ public:
     CString GetLightSources() const;
     CString GetCounts() const;
 
-    // Takes an edit that is still being typed in before the dialog ends.
+    // Takes an edit that is still being typed in before the dialog ends. It does not end while an entry has
+    // no light source, which the user is told.
     void accept() override;
 
 private:

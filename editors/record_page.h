@@ -44,6 +44,7 @@ public:
         }
         Grid().horizontalScrollBar()->setValue(left);
         Grid().verticalScrollBar()->setValue(top);
+        ShowUnwritten();
     }
 
     bool DeleteSelected() override {
@@ -107,6 +108,7 @@ protected:
         if (m_records.HasUnwritten()) {
             m_records.SetModified();  // they are still to be written, and nobody is to leave them unasked
             FillGrid();
+            ShowUnwritten();
             return false;
         }
         return true;
@@ -161,6 +163,16 @@ protected:
     }
 
 private:
+    // The first of the row numbers that are marked comes into sight.
+    void ShowUnwritten() {
+        for (int row = 1; row < Grid().GetRowCount(); ++row) {
+            if (m_records.IsUnwritten(Grid().GetItemData(row, 0))) {
+                Grid().EnsureVisible(row, 0);
+                return;
+            }
+        }
+    }
+
     void AddAppendRow() {
         const int row = Grid().InsertRow(QStringLiteral("追加"));
         WriteRowHead(row, QStringLiteral("追加"), 0);

@@ -11,14 +11,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "editors/light_source_categories.h"
+
 namespace quorvane {
 namespace {
 
 constexpr int kBorder = 1;    // pixels, the frame on each side
 constexpr int kTextRoom = 8;  // pixels beside a text on each side
-
-const CString kMixedLight = QStringLiteral("混光灯");
-const CString kCommonLuminaires = QStringLiteral("常用灯具");
 
 // Ticks and unticks by a click anywhere on the row, or by Space.
 class TickDelegate : public QStyledItemDelegate {

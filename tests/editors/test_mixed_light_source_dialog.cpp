@@ -91,6 +91,10 @@ private Q_SLOTS:
         fixture.Pick(1, Category, u"金卤灯"_qs);  // no other one
         fixture.Pick(2, Category, u"高压钠灯"_qs);
         QCOMPARE(fixture.Results(), u"金卤:JLZ250,|1,2"_qs);
+        fixture.Press(Ok);  // its count would become another's
+        QCOMPARE(fixture.answers.TakeSeen(),
+                 QStringList(u"混合光源设置|第2行没有选择光源,请选择光源或删除该行。|确定|unplanned"_qs));
+        QVERIFY(fixture.dialog.isVisible());
         fixture.Pick(2, LightSource, u"钠灯:NG:400"_qs);
         QCOMPARE(fixture.Results(), u"金卤:JLZ250,钠灯:NG:400|1,2"_qs);
         fixture.file.Raw().Execute(u"delete from 光源"_qs);  // each category is read once

@@ -14,6 +14,11 @@ auto FindCategory(const std::vector<tagLAMPHOUSETYPE>& categories, const CString
                         [&name](const tagLAMPHOUSETYPE& category) { return category.LamphouseType == name; });
 }
 
+// Otherwise it is a text that was never resolved, even when it begins with digits.
+bool IsId(const CString& piece) {
+    return FormatInteger(ToInteger(piece)) == piece.trimmed();
+}
+
 // The pieces between the commas, except that of several in a row the longest that is known as a whole stays
 // together: a name may hold a comma itself.
 template <typename IsKnown>
@@ -126,10 +131,10 @@ CString LuminaireLists::LightSourceTexts(const CString& ids) {
 }
 
 CString LuminaireLists::LightSourceText(const CString& idText) {
-    const int id = ToInteger(idText);
-    if (FormatInteger(id) != idText.trimmed()) {
-        return idText;  // a text that was never resolved, even one that begins with digits
+    if (!IsId(idText)) {
+        return idText;
     }
+    const int id = ToInteger(idText);
     auto known = m_textById.find(id);
     if (known == m_textById.end()) {
         tagLAMPHOUSEINFO onlyId;
@@ -145,13 +150,32 @@ CString LuminaireLists::LightSourceText(const CString& idText) {
     return known->second.isEmpty() ? idText : known->second;
 }
 
-CString LuminaireLists::LightSourceIds(const CString& texts) {
+CString LuminaireLists::LightSourceIds(const CString& texts, const CString& presentIds) {
+    if (texts.isEmpty()) {
+        return {};
+    }
+    std::vector<CString> present = Split(presentIds, u',');
+    std::erase_if(present, [](const CString& id) { return !IsId(id); });
     std::vector<CString> ids;
     for (const CString& text : SplitLightSourceTexts(texts)) {
+        const auto same = std::find_if(present.begin(), present.end(),
+                                       [&](const CString& id) { return LightSourceText(id) == text; });
+        if (same != present.end()) {
+            ids.push_back(*same);
+            present.erase(same);
+            continue;
+        }
         const int id = LightSourceId(text);
         ids.push_back(id == 0 ? text : FormatInteger(id));
     }
     return Join(ids);
+}
+
+CString LuminaireLists::Resolved(const CString& ids) {
+    const std::vector<CString> pieces = Split(ids, u',');
+    const bool resolved = std::all_of(pieces.begin(), pieces.end(),
+                                      [](const CString& piece) { return piece.isEmpty() || IsId(piece); });
+    return resolved ? ids : LightSourceIds(LightSourceTexts(ids), ids);
 }
 
 std::vector<CString> LuminaireLists::SplitLightSourceTexts(const CString& texts) {

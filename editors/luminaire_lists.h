@@ -33,13 +33,19 @@ public:
     // The names in such a text, also those that hold a ",".
     std::vector<CString> SplitCategoryNames(const CString& categoryNames) const;
 
+    // Reads the light sources of those categories at once, before they are asked for one by one by their IDs.
+    void ReadLightSources(const CString& categoryIds) { LightSources(categoryIds); }
     // The light sources of those categories, in the order of the categories.
     CellChoices LightSources(const CString& categoryIds);
 
     // "3,7" → the two light sources' texts. A piece that is no light source's ID stays as it is.
     CString LightSourceTexts(const CString& ids);
-    // The other way. A piece that is no light source's text stays as it is.
-    CString LightSourceIds(const CString& texts);
+    // The other way. A piece that is no light source's text stays as it is. Of light sources that read the
+    // same, those among presentIds are taken first.
+    CString LightSourceIds(const CString& texts, const CString& presentIds);
+    // The IDs, with texts among them that are found by now as IDs too. The database may not have answered
+    // when such a text was chosen.
+    CString Resolved(const CString& ids);
     // The texts in such a text, also those that hold a ",".
     std::vector<CString> SplitLightSourceTexts(const CString& texts);
     // The ID of the light source of one such text; 0 when there is none.

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "data/number_text.h"
+#include "data/text_format.h"
 #include "editors/factor_table_dialog.h"
 #include "editors/light_source_text.h"
 #include "editors/mixed_light_source_dialog.h"
@@ -78,6 +79,21 @@ CString FactorKindText(const tagLUMINAIREINFO& luminaire) {
     return luminaire.UtilizationFactorType == 1 ? kRoomIndex : kRoomCavityRatio;
 }
 
+// The keys that open every cell with a drop-down list.
+bool OpensDropDown(const QKeyEvent& event) {
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    switch (event.key()) {
+        case Qt::Key_F2:
+        case Qt::Key_F4:
+        case Qt::Key_Space:
+            return modifiers == Qt::NoModifier;
+        case Qt::Key_Down:
+            return modifiers == Qt::AltModifier;
+        default:
+            return false;
+    }
+}
+
 CellChoices FactorKinds() {
     static const auto kinds =
         std::make_shared<const std::vector<CString>>(std::vector<CString>{kRoomCavityRatio, kRoomIndex});
@@ -114,7 +130,7 @@ CQuorvaneLuminaireDlg::CQuorvaneLuminaireDlg(CLightingDatabase& database, QWidge
     m_chooser->SetTypeNames(m_filter->Strings());
     m_lists.SetCategories(std::move(types));
 
-    CreateGrid(kGrid, DialogItem(this, kGridFrame)->geometry(), kColumns);
+    CreateGrid(kGrid, DialogItem(this, kGridFrame)->geometry(), kColumns, SharesOf::ClientWidth);
     Grid().installEventFilter(this);
     FillGrid();
 
@@ -144,12 +160,18 @@ CString CQuorvaneLuminaireDlg::FilterCategoryIds() {
 }
 
 void CQuorvaneLuminaireDlg::ChangeFilter() {
-    if (!SettleChanges()) {
+    m_withoutCategory = 0;
+    const bool settled = SettleChanges();
+    if (settled && m_withoutCategory > 0) {
+        FillGrid();  // the user has just been told of some that no filter will show again
+    }
+    if (!settled || m_withoutCategory > 0) {
         m_filter->SelectString(m_lastFilter);
         return;
     }
     m_lastFilter = m_filter->currentText();
     m_lists.Forget();
+    m_luggage.clear();
     const bool whole = m_database.LoadLuminairesByType(FilterCategoryIds(), Working().BeginLoad());
     FillGrid();
     if (!whole) {
@@ -160,12 +182,34 @@ void CQuorvaneLuminaireDlg::ChangeFilter() {
     }
 }
 
-// Light sources may have changed on their own page.
 void CQuorvaneLuminaireDlg::Refresh() {
     m_lists.Forget();
     RecordPage::Refresh();
     if (!m_lists.IsWhole()) {
         TellIncompleteLoad();
+    }
+}
+
+// Light sources may have changed on their own page.
+void CQuorvaneLuminaireDlg::showEvent(QShowEvent* event) {
+    RecordPage::showEvent(event);
+    if (!event->spontaneous()) {
+        RenewLightSourceCells();
+    }
+}
+
+void CQuorvaneLuminaireDlg::RenewLightSourceCells() {
+    m_lists.Forget();
+    for (int row = 1; row < Grid().GetRowCount(); ++row) {
+        const tagLUMINAIREINFO* record = Working().Find(Grid().GetItemData(row, 0));
+        if (record != nullptr) {
+            WriteLightSourceCells(row, *record);
+        } else {
+            WriteAppendRowLightSource(row);
+        }
+    }
+    if (!m_lists.IsWhole()) {
+        TellIncompleteLoadSoon();
     }
 }
 
@@ -179,12 +223,9 @@ void CQuorvaneLuminaireDlg::WriteRow(int row, const tagLUMINAIREINFO& record) {
     WriteCell(row, MaxLhBB, FormatReal(record.MaxLhBB), kCentred);
     WriteCell(row, Categories, m_lists.CategoryNames(record.LamphouseTypeID),
               kLeft | CellFormat::EndEllipsis);
-    MarkReadOnly(row, Categories, true);
+    MarkState(row, Categories, CellState::ReadOnly | CellState::DropDown);
     WriteCell(row, LightSourceCount, record.LamphouseCount, kCentred);
-    m_lists.LightSources(record.LamphouseTypeID);  // all at once, before one is asked for by its ID
-    const CString lightSources = m_lists.LightSourceTexts(record.DefaultLamphouse);
-    PrepareLightSourceCells(row, record.LamphouseTypeID, lightSources);
-    Grid().SetItemText(row, LightSources, lightSources);  // also one that is not among the choices
+    WriteLightSourceCells(row, record);
     WriteCell(row, BallastCount, FormatInteger(record.BallastCount), kCentred);
     WriteCell(row, BallastPower, FormatReal(record.BallastPower), kCentred);
     WriteCell(row, Maker, record.Factory, kCentred);
@@ -196,8 +237,19 @@ void CQuorvaneLuminaireDlg::WriteRow(int row, const tagLUMINAIREINFO& record) {
 
 void CQuorvaneLuminaireDlg::WriteAppendRow(int row) {
     WriteRow(row, BlankLuminaire());
+    WriteAppendRowLightSource(row);
+}
+
+void CQuorvaneLuminaireDlg::WriteAppendRowLightSource(int row) {
     PrepareLightSourceCells(row, FilterCategoryIds(), {});
-    m_presetLightSource = m_lists.LightSourceIds(Grid().GetItemText(row, LightSources));
+    m_presetLightSource = m_lists.LightSourceIds(Grid().GetItemText(row, LightSources), {});
+}
+
+void CQuorvaneLuminaireDlg::WriteLightSourceCells(int row, const tagLUMINAIREINFO& record) {
+    m_lists.ReadLightSources(record.LamphouseTypeID);
+    const CString texts = m_lists.LightSourceTexts(record.DefaultLamphouse);
+    PrepareLightSourceCells(row, record.LamphouseTypeID, texts);
+    Grid().SetItemText(row, LightSources, texts);  // also one that is not among the choices
 }
 
 // The default light source is picked from the light sources of the categories, or set in a dialog of its own
@@ -210,16 +262,20 @@ void CQuorvaneLuminaireDlg::PrepareLightSourceCells(int row, const CString& cate
         WriteCell(row, LightSources, texts, kLeft | CellFormat::EndEllipsis);
     } else {
         SetUpComboCell(Grid(), *m_buttons, row, LightSources, m_lists.LightSources(categoryIds), texts);
+        if (!m_lists.IsWhole() && !texts.isEmpty()) {
+            Grid().SetItemText(row, LightSources, texts);  // it may be among those that could not be read
+        }
     }
-    MarkReadOnly(row, LightSourceCount, isMixed);
+    MarkState(row, LightSourceCount, isMixed ? CellState::ReadOnly : 0);
 }
 
-void CQuorvaneLuminaireDlg::MarkReadOnly(int row, int column, bool readOnly) {
+// Cells that are not typed into stand out; 0 makes the cell an ordinary one.
+void CQuorvaneLuminaireDlg::MarkState(int row, int column, unsigned state) {
     Grid().SetItem({.row = row,
                     .col = column,
                     .mask = ItemMask::State | ItemMask::BackColour,
-                    .state = readOnly ? CellState::ReadOnly : 0,
-                    .backColour = readOnly ? kReadOnlyColour : QColor()});
+                    .state = state,
+                    .backColour = state != 0 ? kReadOnlyColour : QColor()});
 }
 
 void CQuorvaneLuminaireDlg::ReadCell(int row, int column, tagLUMINAIREINFO& record) {
@@ -247,7 +303,8 @@ void CQuorvaneLuminaireDlg::ReadCell(int row, int column, tagLUMINAIREINFO& reco
             break;
         case LightSources:
             if (text != m_lists.LightSourceTexts(record.DefaultLamphouse)) {
-                record.DefaultLamphouse = m_lists.LightSourceIds(text);
+                m_lists.Forget();  // the light sources may have changed since they were listed
+                record.DefaultLamphouse = m_lists.LightSourceIds(text, record.DefaultLamphouse);
             }
             break;
         case LightSourceCount:
@@ -301,8 +358,7 @@ void CQuorvaneLuminaireDlg::PressButton(int row, int column) {
 // The category cell is not edited as text; the keys that would edit it open its chooser.
 bool CQuorvaneLuminaireDlg::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress && Grid().GetFocusCell().col == Categories) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_F2 || key == Qt::Key_F4 || key == Qt::Key_Space) {
+        if (OpensDropDown(*static_cast<QKeyEvent*>(event))) {
             OpenTypeChooser(Grid().GetFocusCell().row);
             return true;
         }
@@ -312,6 +368,7 @@ bool CQuorvaneLuminaireDlg::eventFilter(QObject* watched, QEvent* event) {
 
 void CQuorvaneLuminaireDlg::OpenTypeChooser(int row) {
     m_chooserRow = row;
+    Grid().EnsureVisible(row, Categories);
     const QRect cell = Grid().CellRect(row, Categories);
     const QRect onScreen(Grid().viewport()->mapToGlobal(cell.topLeft()), cell.size());
     m_chooser->Show(onScreen, m_lists.SplitCategoryNames(Grid().GetItemText(row, Categories)));
@@ -371,29 +428,73 @@ void CQuorvaneLuminaireDlg::OpenFactorTable(int row) {
 // ---- Storing
 
 bool CQuorvaneLuminaireDlg::Submit() {
-    SetPhotosAside();
-    const PhotoStore::OneListing listing(m_photos);
-    return RecordPage::Submit();
+    m_lists.Forget();
+    KeepPictures();
+    {
+        const PhotoStore::OneListing listing(m_photos);
+        RecordPage::Submit();
+    }
+    m_withoutCategory = CountWithoutCategory();
+    if (m_withoutCategory > 0) {
+        ShowMessage(
+            this,
+            FormatText(QStringLiteral("有%d个灯具没有灯具类别,按灯具类型将查不到。请选择类别后再提交。"),
+                       {m_withoutCategory}),
+            QStringLiteral("灯具库"));
+    }
+    return true;
+}
+
+int CQuorvaneLuminaireDlg::CountWithoutCategory() {
+    const std::vector<tagLUMINAIREINFO>& records = Working().Records();
+    return static_cast<int>(std::count_if(
+        records.begin(), records.end(), [](const auto& record) { return record.LamphouseTypeID.isEmpty(); }));
 }
 
 // A luminaire may be given the picture of another, which gets a new one in the same go: all such pictures are
 // copied before any is replaced.
-void CQuorvaneLuminaireDlg::SetPhotosAside() {
-    for (tagLUMINAIREINFO luminaire : Working().Records()) {
-        const CString aside = m_photos.SetAside(luminaire.ID, luminaire.LampPhoto);
-        if (aside != luminaire.LampPhoto) {
-            luminaire.LampPhoto = aside;
-            Working().Replace(luminaire);
+void CQuorvaneLuminaireDlg::KeepPictures() {
+    for (const tagLUMINAIREINFO& record : Working().Records()) {
+        if (!PictureOf(record).file.isEmpty()) {
+            continue;
+        }
+        PhotoStore::KeptPicture kept = m_photos.Keep(record.ID, record.LampPhoto);
+        if (!kept.file.isEmpty()) {
+            Luggage& luggage = m_luggage[record.ID];
+            luggage.photo = record.LampPhoto;
+            luggage.picture = std::move(kept);
         }
     }
 }
 
+PhotoStore::KeptPicture CQuorvaneLuminaireDlg::PictureOf(const tagLUMINAIREINFO& record) const {
+    const auto luggage = m_luggage.find(record.ID);
+    return luggage != m_luggage.end() && luggage->second.photo == record.LampPhoto
+               ? luggage->second.picture
+               : PhotoStore::KeptPicture();
+}
+
+// The row is made without a photo, which gets its place in the library by the ID that the row then has.
 bool CQuorvaneLuminaireDlg::Insert(tagLUMINAIREINFO& record) {
-    return m_database.InsertLuminaire(record) && Update(record);
+    const int provisionalId = record.ID;
+    CString photo = std::exchange(record.LampPhoto, {});
+    const bool inserted = m_database.InsertLuminaire(record);
+    record.LampPhoto = std::move(photo);
+    if (!inserted) {
+        return false;
+    }
+    if (auto luggage = m_luggage.extract(provisionalId)) {
+        luggage.key() = record.ID;
+        m_luggage.insert(std::move(luggage));
+    }
+    return Update(record);
 }
 
 bool CQuorvaneLuminaireDlg::Update(tagLUMINAIREINFO& record) {
-    const PhotoStore::StoredPhoto stored = m_photos.Store(record.ID, record.LampPhoto);
+    record.DefaultLamphouse = m_lists.Resolved(record.DefaultLamphouse);
+    const CString kept = PictureOf(record).file;
+    const PhotoStore::StoredPhoto stored =
+        m_photos.Store(record.ID, kept.isEmpty() ? record.LampPhoto : kept);
     const CString source = std::exchange(record.LampPhoto, stored.photo);
     if (!m_database.UpdateLuminaire(record)) {
         record.LampPhoto = source;  // the file still names the old picture; the next submit tries again
@@ -401,6 +502,14 @@ bool CQuorvaneLuminaireDlg::Update(tagLUMINAIREINFO& record) {
     }
     if (stored.replaces) {
         m_photos.DeleteOthers(record.ID, stored.photo);
+    }
+    const auto luggage = m_luggage.find(record.ID);
+    if (luggage != m_luggage.end()) {
+        if (luggage->second.factors && !ReplaceFactors(record.ID, *luggage->second.factors)) {
+            luggage->second.picture = {};
+            return false;
+        }
+        m_luggage.erase(luggage);
     }
     return true;
 }
@@ -415,7 +524,8 @@ bool CQuorvaneLuminaireDlg::Delete(int id) {
 
 // Writes one row at once. Its stored ID, or 0 when it could not be written, which the user is told.
 int CQuorvaneLuminaireDlg::SaveRow(int row) {
-    SetPhotosAside();
+    m_lists.Forget();
+    KeepPictures();
     const int oldId = Grid().GetItemData(row, 0);
     const auto [id, written] = Working().SubmitOne(
         oldId, [this](tagLUMINAIREINFO& record) { return Insert(record); },
@@ -445,11 +555,16 @@ void CQuorvaneLuminaireDlg::Copy() {
     const int row = SelectedRow();
     const tagLUMINAIREINFO* record = row < 0 ? nullptr : Working().Find(Grid().GetItemData(row, 0));
     if (record != nullptr) {
-        m_copied.luminaire = *record;
-        m_copied.luminaire.LampPhoto = m_photos.SetAside(0, record->LampPhoto);
-        if (!m_database.LoadUtilizationFactors(record->ID, m_copied.factors)) {
+        m_copied = {.luminaire = *record, .picture = PictureOf(*record), .factors = {}};
+        if (m_copied.picture.file.isEmpty()) {
+            m_copied.picture = m_photos.Keep(0, record->LampPhoto);
+        }
+        const auto luggage = m_luggage.find(record->ID);
+        if (luggage != m_luggage.end() && luggage->second.factors) {
+            m_copied.factors = *luggage->second.factors;
+        } else if (!m_database.LoadUtilizationFactors(record->ID, m_copied.factors)) {
             // A part of the table, pasted, would take the place of a whole one.
-            m_copied = {.luminaire = BlankLuminaire(), .factors = {}};
+            m_copied = {.luminaire = BlankLuminaire(), .picture = {}, .factors = {}};
             TellIncompleteLoad();
         }
     }
@@ -471,28 +586,19 @@ void CQuorvaneLuminaireDlg::Paste() {
         luminaire.ID = id;
         Working().Replace(luminaire);
     }
+    m_luggage[Grid().GetItemData(row, 0)] = {luminaire.LampPhoto, m_copied.picture, m_copied.factors};
     WriteRow(row, luminaire);
     Grid().Refresh();
-    const int storedId = SaveRow(row);
-    if (storedId > 0) {
-        PasteFactors(storedId);
-        Working().SetModified(wasModified);
-    }
-}
-
-void CQuorvaneLuminaireDlg::PasteFactors(int luminaireId) {
-    if (!ReplaceFactors(luminaireId)) {
-        ShowMessage(this, QStringLiteral("利用系数表未能全部粘贴,请重新粘贴。"), QStringLiteral("灯具库"));
-    }
+    Working().SetModified(SaveRow(row) == 0 || wasModified);
 }
 
 // Nothing is added to factors that could not be deleted: each would be there twice.
-bool CQuorvaneLuminaireDlg::ReplaceFactors(int luminaireId) {
+bool CQuorvaneLuminaireDlg::ReplaceFactors(int luminaireId, const Factors& factors) {
     if (!m_database.DeleteUtilizationFactorsOfLuminaire(luminaireId)) {
         return false;
     }
     bool whole = true;
-    for (tagLUMINAIREUTILIZATIONFACTOR factor : m_copied.factors) {
+    for (tagLUMINAIREUTILIZATIONFACTOR factor : factors) {
         factor.LuminaireID = luminaireId;
         whole = m_database.InsertUtilizationFactor(factor) && whole;
     }

@@ -2,6 +2,10 @@
 // copied and pasted, and from which everything that hangs on a luminaire is opened.
 #pragma once
 
+#include <map>
+#include <optional>
+#include <vector>
+
 #include "data/lighting_database.h"
 #include "editors/luminaire_lists.h"
 #include "editors/photo_store.h"
@@ -24,6 +28,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:
+    void showEvent(QShowEvent* event) override;
     void WriteRow(int row, const tagLUMINAIREINFO& record) override;
     void WriteAppendRow(int row) override;
     void ReadCell(int row, int column, tagLUMINAIREINFO& record) override;
@@ -34,17 +39,30 @@ protected:
     bool Delete(int id) override;
 
 private:
-    // A luminaire and its utilization factors, as last copied. Its photo is one that stays what it is.
+    using Factors = std::vector<tagLUMINAIREUTILIZATIONFACTOR>;
+
+    // A luminaire, its picture, if the library holds one, and its utilization factors, as last copied.
     struct CopyBuffer {
         tagLUMINAIREINFO luminaire;  // blank: nothing copied
-        std::vector<tagLUMINAIREUTILIZATIONFACTOR> factors;
+        PhotoStore::KeptPicture picture;
+        Factors factors;
+    };
+
+    // What the next writing of a record brings along beside its fields.
+    struct Luggage {
+        CString photo;                    // as long as this is the record's photo,
+        PhotoStore::KeptPicture picture;  // this is its picture, if there is one
+        std::optional<Factors> factors;   // pasted ones, which take the place of those in the file
     };
 
     void ChangeFilter();
     CString FilterCategoryIds();
+    void WriteLightSourceCells(int row, const tagLUMINAIREINFO& record);
+    void WriteAppendRowLightSource(int row);
     void PrepareLightSourceCells(int row, const CString& categoryIds, const CString& texts);
+    void RenewLightSourceCells();
 
-    void MarkReadOnly(int row, int column, bool readOnly);
+    void MarkState(int row, int column, unsigned state);
 
     void OpenTypeChooser(int row);
     void TakeChosenTypes(const std::vector<CString>& names);
@@ -53,13 +71,14 @@ private:
     void OpenPhoto(int row);
     void OpenFactorTable(int row);
 
-    void SetPhotosAside();
+    void KeepPictures();
+    PhotoStore::KeptPicture PictureOf(const tagLUMINAIREINFO& record) const;
+    int CountWithoutCategory();
     int SaveRow(int row);
     int SelectedRow() const;
     void Copy();
     void Paste();
-    void PasteFactors(int luminaireId);
-    bool ReplaceFactors(int luminaireId);
+    bool ReplaceFactors(int luminaireId, const Factors& factors);
     void EnablePaste();
 
     CLightingDatabase& m_database;
@@ -73,6 +92,8 @@ private:
     CString m_presetLightSource;  // what the append row offers before anybody chose
     QPushButton* m_paste;
     CopyBuffer m_copied;
+    std::map<int, Luggage> m_luggage;  // by record ID
+    int m_withoutCategory = 0;         // luminaires that the last submit wrote so
 };
 
 }  // namespace quorvane

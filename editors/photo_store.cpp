@@ -51,8 +51,6 @@ bool CopyWhole(const CString& source, const CString& target) {
 
 PhotoStore::PhotoStore(CString baseFolder) : m_baseFolder(std::move(baseFolder)) {}
 
-PhotoStore::~PhotoStore() = default;
-
 CString PhotoStore::FilePath(const CString& photo) const {
     return photo.startsWith(u'\\') ? NativePath(m_baseFolder + photo) : photo;
 }
@@ -97,20 +95,21 @@ void PhotoStore::DeleteOthers(int luminaireID, const CString& photo) {
     }
 }
 
-CString PhotoStore::SetAside(int luminaireID, const CString& source) {
+PhotoStore::KeptPicture PhotoStore::Keep(int luminaireID, const CString& source) const {
     const CString ownStart = CString::number(luminaireID) + u'.';
     if (m_baseFolder.isEmpty() || source.isEmpty() || source.startsWith(kLibrary + ownStart)) {
-        return source;
+        return {};
     }
     const QFileInfo file(FilePath(source));
-    if (file.fileName().startsWith(ownStart) || file.dir() != QDir(Folder())) {
-        return source;
+    if (!file.isFile() || file.fileName().startsWith(ownStart) || file.dir() != QDir(Folder())) {
+        return {};
     }
-    if (m_aside == nullptr) {
-        m_aside = std::make_unique<QTemporaryDir>();
+    KeptPicture kept{.file = {}, .folder = std::make_shared<QTemporaryDir>()};
+    const CString copy = kept.folder->filePath(file.fileName());
+    if (kept.folder->isValid() && CopyWhole(file.filePath(), copy)) {
+        kept.file = copy;
     }
-    const CString aside = m_aside->filePath(CString::number(++m_lastAside) + u'.' + file.suffix());
-    return m_aside->isValid() && CopyWhole(file.filePath(), aside) ? aside : source;
+    return kept;
 }
 
 PhotoStore::Names PhotoStore::AllNames() const {

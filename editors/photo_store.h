@@ -18,7 +18,6 @@ class PhotoStore {
 public:
     // baseFolder, in either form, has no trailing separator. With an empty one no file is ever touched.
     explicit PhotoStore(CString baseFolder);
-    ~PhotoStore();
 
     // The file that a photo text names, as this platform writes it: a text beginning with "\" lies under the
     // base folder, any other is a path of its own.
@@ -40,10 +39,14 @@ public:
     // Deletes every file "<ID>.*" of the library.
     void Delete(int luminaireID) { DeleteOthers(luminaireID, {}); }
 
-    // A path under which the picture of source stays what it is until it is stored, whatever happens to the
-    // library meanwhile: for a picture of the library that is not the luminaire's own, that of a copy, which
-    // lasts as long as the store; any other source itself, as one that cannot be copied.
-    CString SetAside(int luminaireID, const CString& source);
+    // A copy of a picture, which is deleted with the last one that holds it.
+    struct KeptPicture {
+        CString file;  // empty: no picture
+        std::shared_ptr<QTemporaryDir> folder;
+    };
+    // Keeps a picture of the library until it is stored, whatever happens to the library meanwhile. Nothing
+    // when source is the luminaire's own picture or none of the library, or when it cannot be copied.
+    KeptPicture Keep(int luminaireID, const CString& source) const;
 
     // While it lives, the library's folder is read once and not again for every luminaire.
     class OneListing {
@@ -68,9 +71,7 @@ private:
     CString OldPicture(int luminaireID) const;
 
     CString m_baseFolder;
-    std::optional<Names> m_listing;          // while a OneListing lives
-    std::unique_ptr<QTemporaryDir> m_aside;  // once there is a picture in it
-    int m_lastAside = 0;
+    std::optional<Names> m_listing;  // while a OneListing lives
 };
 
 }  // namespace quorvane

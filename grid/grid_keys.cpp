@@ -96,7 +96,9 @@ CCellID GridKeys::NextEditable(CCellID from, int direction) const {
             continue;
         }
         const CCellID cell{row, column};
-        if (m_grid.MergeOrigin(row, column) == cell && m_grid.EditingOf(cell) != CellEditing::None) {
+        const bool isFilled = m_grid.EditingOf(cell) != CellEditing::None ||
+                              (m_grid.GetItemState(row, column) & CellState::DropDown) != 0;
+        if (m_grid.MergeOrigin(row, column) == cell && isFilled) {
             return cell;
         }
     }

@@ -50,7 +50,7 @@ inline constexpr unsigned EndEllipsis = 32768;
 // State bits of a cell; combined with |.
 namespace CellState {
 inline constexpr unsigned ReadOnly = 1;   // not edited in place
-inline constexpr unsigned DropDown = 32;  // carries a drop-down list
+inline constexpr unsigned DropDown = 32;  // carries a drop-down list, perhaps one that its owner shows
 }  // namespace CellState
 
 // Which fields of a GridItem are meant.

@@ -1,4 +1,5 @@
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTest>
 
 #include "tests/editors/shown_luminaires.h"
@@ -39,6 +40,9 @@ private Q_SLOTS:
     void PasteGivesALuminaireOfItsOwn();
     void PasteOntoALuminaireReplacesIt();
     void FailuresLoseNothing();
+    void LightSourcesAreThoseOfTheFile();
+    void NewRowIsWholeOrNamesNoPicture();
+    void LuminaireWithoutCategoryIsTold();
     void ChangeOfFilterAsks();
     void FillingAsksOnceForAll();
 };
@@ -77,6 +81,8 @@ void TestLuminairePage::EditsTouchTheirOwnCellOnly() {
         fixture.Type(1, MaxLhBB, wrong);
         QCOMPARE(fixture.grid->GetItemText(1, MaxLhBB), u"0"_qs);
     }
+    fixture.Type(1, BallastCount, u"99999999999"_qs);
+    QCOMPARE(fixture.grid->GetItemText(1, BallastCount), u"2147483647"_qs);
     fixture.Type(1, BallastCount, u"1.5"_qs);
     fixture.Type(1, BallastPower, u" 7.25 "_qs);
     fixture.Type(1, Count, u""_qs);
@@ -316,6 +322,7 @@ void TestLuminairePage::FailuresLoseNothing() {
     QVERIFY(fixture.answers.TakeSeen().isEmpty());
     QCOMPARE(fixture.Field("LampName||LampPhoto", 31), u"改名"_qs);
     QVERIFY(fixture.Photos().isEmpty());  // the stray one was that of a luminaire without a photo
+    QCOMPARE(fixture.Factors().constLast(), u"35|80|1.0|0.125"_qs);  // they came along with the pasted row
     QCOMPARE(fixture.file.Raw().Rows(u"select ID from 灯具"_qs).size(), 5);
 
     // A factor table that cannot be read whole is not copied: a paste would put a part in a table's place.
@@ -323,6 +330,86 @@ void TestLuminairePage::FailuresLoseNothing() {
     fixture.PressButton(CopyButton, 1);
     QCOMPARE(fixture.answers.TakeSeen().size(), 1);
     QVERIFY(!DialogItem(fixture.page, PasteButton)->isEnabled());
+}
+
+void TestLuminairePage::LightSourcesAreThoseOfTheFile() {
+    Fixture fixture;
+    RawDatabase raw = fixture.file.Raw();
+    raw.Execute(
+        u"insert into 光源 values (41,2,'T8',1,1,'','直管'); "
+        "update 灯具 set DefaultLamphouse='41,12' where ID=33"_qs);
+    fixture.ChooseCategory(u"荧光灯"_qs);
+    // Of two that read the same, the one that was not touched stays.
+    const DialogAnswer answer(u"mixedLightSourceDialog"_qs, [&](QWidget* dialog) {
+        dialog->findChild<CGridCtrl*>()->SetFocusCell({2, 1});
+        fixture.answers.Plan(u"是"_qs);
+        PressIn(dialog, 1015);
+        PressIn(dialog, Ok);
+    });
+    fixture.PressCell(3, LightSources);
+    fixture.Submit();
+    QCOMPARE(fixture.Field("DefaultLamphouse", 33), u"41"_qs);
+    // A list that is not whole takes no light source away.
+    raw.Execute(u"update 光源 set Factory=null where ID=11"_qs);
+    fixture.PickTypes(1, {u"常用灯具"_qs}, Qt::Key_Return);
+    QCOMPARE(fixture.answers.TakeSeen().size(), 2);
+    QCOMPARE(fixture.grid->GetItemText(1, LightSources), u"细管:T5"_qs);
+    // Names that changed hands, and a light source that is gone, since they were listed.
+    raw.Execute(u"update 光源 set Factory='' where ID=11; delete from 光源 where ID=41"_qs);
+    fixture.page->Refresh();
+    raw.Execute(u"update 光源 set LamphouseName='旧' where ID=11"_qs);
+    raw.Execute(u"update 光源 set LamphouseName='直管',LamphouseModel='T8' where ID=12"_qs);
+    fixture.PickEntry(2, LightSources, u"直管:T8"_qs);
+    fixture.Submit();
+    QCOMPARE(fixture.Field("DefaultLamphouse", 32), u"12"_qs);
+    raw.Execute(u"delete from 光源 where ID=14"_qs);
+    fixture.PickEntry(2, LightSources, u"逗,号:"_qs);
+    fixture.Submit();
+    QCOMPARE(fixture.Field("DefaultLamphouse", 32), u"逗,号:"_qs);
+    // One that was added on its own page is offered when this page is shown again.
+    raw.Execute(u"insert into 光源 values (42,1,'N',1,1,'','新')"_qs);
+    fixture.page->hide();
+    fixture.page->show();
+    fixture.PickEntry(2, LightSources, u"新:N"_qs);
+    fixture.Submit();
+    QCOMPARE(fixture.Field("DefaultLamphouse", 32), u"42"_qs);
+}
+
+// A picture's own path, which may hold anything, never gets into the file.
+void TestLuminairePage::NewRowIsWholeOrNamesNoPicture() {
+    Fixture fixture;
+    fixture.ChooseCategory(u"荧光灯"_qs);
+    fixture.PickTypes(5, {u"荧光灯"_qs}, Qt::Key_Return);
+    fixture.PickPhoto(5, fixture.WriteFile(fixture.file.Folder() + u"/it's/p.bmp"_qs, "p"));
+    RawDatabase raw = fixture.file.Raw();
+    raw.Execute(u"create trigger t before update on 灯具 begin select raise(abort, 't'); end"_qs);
+    fixture.grid->horizontalScrollBar()->setValue(1000);
+    fixture.Submit();
+    QVERIFY(fixture.answers.TakeSeen().constFirst().contains(u"有5条数据未能写入数据库。"_qs));
+    QVERIFY(fixture.grid->viewport()->rect().contains(fixture.grid->CellRect(1, Number)));  // the red mark
+    QCOMPARE(fixture.Field("LampPhoto", 35), QString());
+    raw.Execute(u"drop trigger t"_qs);
+    fixture.Submit();
+    QCOMPARE(fixture.Field("LampPhoto", 35), Relative(u"35.bmp"_qs));
+    QCOMPARE(fixture.Photos(), QStringList(u"35.bmp=p"_qs));
+    QCOMPARE(fixture.answers.TakeSeen(), QStringList());
+}
+
+// No filter would show it again, so the page stays once to have it set right.
+void TestLuminairePage::LuminaireWithoutCategoryIsTold() {
+    Fixture fixture;
+    fixture.ChooseCategory(u"荧光灯"_qs);
+    fixture.Type(5, Name, u"新灯"_qs);
+    for (const bool stays : {true, false}) {
+        if (stays) {
+            fixture.answers.Plan(u"是"_qs);
+        }
+        fixture.ChooseCategory(u"白炽灯"_qs);
+        QCOMPARE(fixture.answers.TakeSeen().size(), stays ? 2 : 0);
+        QCOMPARE(fixture.Field("LampName", 35), u"新灯"_qs);
+        QCOMPARE(fixture.grid->GetRowCount(), stays ? 7 : 3);
+        QVERIFY(!stays || fixture.grid->GetItemData(5, Number) == 35);
+    }
 }
 
 void TestLuminairePage::ChangeOfFilterAsks() {

@@ -104,6 +104,11 @@ struct World {
         factors[rows[row].id] = copiedFactors;
     }
 
+    bool HasUncategorized() const {
+        return std::any_of(rows.begin(), rows.end(),
+                           [](const auto& row) { return row.categories.isEmpty(); });
+    }
+
     QStringList FileTexts() const {
         QStringList texts;
         for (const auto& entry : file) {
@@ -283,6 +288,10 @@ private:
             m_page.answers.Plan(submit ? u"是"_qs : u"否"_qs);
             if (submit) {
                 m_world.Submit();
+            }
+            if (submit && m_world.HasUncategorized()) {
+                m_page.ChooseCategory(m_world.category == u"1"_qs ? u"白炽灯"_qs : u"荧光灯"_qs);
+                return;  // the user is to see which they are
             }
         }
         m_world.category = m_world.category == u"1"_qs ? u"2"_qs : u"1"_qs;

@@ -56,7 +56,7 @@ private Q_SLOTS:
     void StoresUnderTheId();
     void FailedFirstCopyKeepsThePathItWouldHave();
     void ReplacedPictureOutlivesTheStore();
-    void SetsTheLibrarysPicturesAside();
+    void KeepsTheLibrarysPictures();
 };
 
 void TestPhotoStore::StoresUnderTheId_data() {
@@ -124,18 +124,21 @@ void TestPhotoStore::ReplacedPictureOutlivesTheStore() {
     QCOMPARE(disk.Library(), u"7.bmp"_qs);
 }
 
-void TestPhotoStore::SetsTheLibrarysPicturesAside() {
+void TestPhotoStore::KeepsTheLibrarysPictures() {
     Disk disk;
     disk.Write({u"L/12.bmp"_qs, u"L/7.bmp"_qs, u"B/a.jpg"_qs});
-    for (const QString& stays : {u"B/a.jpg"_qs, u"L/12.bmp"_qs, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs,
-                                 u"\\Vexal\\LuminairePhotoLib\\8.bmp"_qs, QString()}) {
-        QCOMPARE(disk.store.SetAside(12, disk.Path(stays)), disk.Path(stays));
+    for (const QString& none : {u"B/a.jpg"_qs, u"L/12.bmp"_qs, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs,
+                                u"\\Vexal\\LuminairePhotoLib\\8.bmp"_qs, QString()}) {
+        QVERIFY(disk.store.Keep(12, disk.Path(none)).file.isEmpty());
     }
-    const QString seven = disk.store.SetAside(12, u"\\Vexal\\LuminairePhotoLib\\7.bmp"_qs);
-    const QString twelve = disk.store.SetAside(7, disk.Path(u"L/12.bmp"_qs));
-    disk.Store(7, twelve);
-    disk.Store(12, seven);
+    PhotoStore::KeptPicture seven = disk.store.Keep(12, u"\\Vexal\\LuminairePhotoLib\\7.bmp"_qs);
+    const PhotoStore::KeptPicture twelve = disk.store.Keep(7, disk.Path(u"L/12.bmp"_qs));
+    disk.Store(7, twelve.file);
+    disk.Store(12, seven.file);
     QCOMPARE(disk.Library(), u"12.bmp=L/7.bmp 7.bmp=L/12.bmp"_qs);
+    const QString file = seven.file;
+    seven = {};
+    QVERIFY(!QFile::exists(file) && QFile::exists(twelve.file));
 }
 
 QTEST_GUILESS_MAIN(TestPhotoStore)

@@ -44,7 +44,7 @@ public:
         }
         Grid().horizontalScrollBar()->setValue(left);
         Grid().verticalScrollBar()->setValue(top);
-        ShowUnwritten();
+        PointOutUnwritten();
     }
 
     bool DeleteSelected() override {
@@ -106,9 +106,8 @@ protected:
         }
         Submit();
         if (m_records.HasUnwritten()) {
-            m_records.SetModified();  // they are still to be written, and nobody is to leave them unasked
             FillGrid();
-            ShowUnwritten();
+            PointOutUnwritten();
             return false;
         }
         return true;
@@ -163,8 +162,13 @@ protected:
     }
 
 private:
-    // The first of the row numbers that are marked comes into sight.
-    void ShowUnwritten() {
+    // What the last submit could not write is still to be written: nobody leaves it unasked, and the first of
+    // the marked row numbers comes into sight.
+    void PointOutUnwritten() {
+        if (!m_records.HasUnwritten()) {
+            return;
+        }
+        m_records.SetModified();
         for (int row = 1; row < Grid().GetRowCount(); ++row) {
             if (m_records.IsUnwritten(Grid().GetItemData(row, 0))) {
                 Grid().EnsureVisible(row, 0);

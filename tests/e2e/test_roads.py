@@ -53,31 +53,9 @@ class Roads(unittest.TestCase):
 
     def given_folder(self, with_database=True):
         self.folder = ProgramFolder(self.place, BINARIES, with_database)
-        return self.folder
 
     def start(self, *arguments):
         return Program(self.screen, self.folder, *arguments)
-
-    def given_shown_category(self):
-        """A running program that shows the first category; its main window."""
-        self.given_folder()
-        self.category = self.folder.first_category()
-        window = self.start().main_window()
-        window.choose(CATEGORY_LABEL, self.category["name"])
-        return window
-
-    def given_edited_flux(self):
-        """The same, with a luminous flux typed into the first row and not submitted."""
-        window = self.given_shown_category()
-        self.before = self.folder.everything()
-        window.enter(0, "光通量", "4321")
-        return window
-
-    def fluxes(self):
-        return [row["LuminousFlux"] for row in self.folder.rows("光源")]
-
-    def assert_file_unchanged(self):
-        self.assertEqual(self.folder.everything(), self.before)
 
     # Starting -------------------------------------------------------------------------------------------------
 
@@ -94,7 +72,7 @@ class Roads(unittest.TestCase):
     def test_last_argument_chooses_the_tab(self):
         self.given_folder()
         for arguments, tab in (([], "光源库"), (["灯具管理器"], "灯具库"), (["照度管理器"], "照度要求及功率密度"),
-                               (["照度管理器", "其他"], "光源库"), (["其他", "灯具管理器"], "灯具库")):
+                               (["照度管理器", "其他"], "光源库"), (["照度管理器 "], "光源库")):
             program = self.start(*arguments)
             window = program.main_window()
             self.assertEqual(window.shown_tab(), tab, arguments)
@@ -128,14 +106,6 @@ class Roads(unittest.TestCase):
             self.assertEqual(found(), before, damage.__name__)
 
     # Being killed ---------------------------------------------------------------------------------------------
-
-    def test_killed_while_idle_it_starts_again(self):
-        window = self.given_edited_flux()
-        window.program.kill()
-        self.assert_file_unchanged()
-        again = self.start()
-        again.main_window().press_button("退出")
-        self.assertEqual(again.wait_for_end(), 0)
 
     def test_killed_while_submitting_it_keeps_what_was_finished(self):
         # A flux of more than six digits loses the rest when it is written again, so every row that the submit
@@ -182,59 +152,6 @@ class Roads(unittest.TestCase):
 
     # Leaving --------------------------------------------------------------------------------------------------
 
-    def test_escape_and_enter_do_not_close_the_main_window(self):
-        window = self.given_edited_flux()
-        window.screen.press("Escape", "Return", "Escape", "KP_Enter")
-        window.show_tab("灯具库")
-        window.screen.press("Escape", "Return", "KP_Enter")
-        window.show_tab("光源库")
-        window.wait_for_cell(0, "光通量", "4321")
-        self.assert_file_unchanged()
-
-    def leave_by_exit(self, window):
-        window.press_button("退出")
-
-    def leave_by_closing(self, window):
-        window.screen.press("alt+F4")  # the window manager's own way to close a window
-
-    def test_without_edits_leaving_asks_nothing(self):
-        self.given_folder()
-        for leave in (self.leave_by_exit, self.leave_by_closing):
-            program = self.start()
-            leave(program.main_window())
-            self.assertEqual(program.wait_for_end(), 0, leave.__name__)
-
-    def check_the_question(self, leave):
-        window = self.given_edited_flux()
-        leave(window)
-        question = window.program.message(QUESTION)
-        self.assertEqual([button.caption for button in question.element.find_all("push button")], ["是", "否", "取消"])
-        question.press_button("取消")
-        question.wait_until_closed()
-        window.wait_for_cell(0, "光通量", "4321")
-        self.assert_file_unchanged()
-
-        leave(window)
-        window.program.message(QUESTION).press_button("否")
-        self.assertEqual(window.program.wait_for_end(), 0)
-        self.assert_file_unchanged()
-
-        program = self.start()
-        window = program.main_window()
-        window.choose(CATEGORY_LABEL, self.category["name"])
-        window.enter(0, "光通量", "4321")
-        leave(window)
-        program.message(QUESTION).press_button("是")
-        self.assertEqual(program.wait_for_end(), 0)
-        self.assertIn(4321, self.fluxes())
-        self.assertEqual(len(self.folder.rows("光源")), len(self.before["光源"]))
-
-    def test_exit_with_edits_asks(self):
-        self.check_the_question(self.leave_by_exit)
-
-    def test_closing_the_window_with_edits_asks(self):
-        self.check_the_question(self.leave_by_closing)
-
     def edit_every_page(self, window):
         """An edit on each page, not submitted. Changing between the pages asks nothing."""
         window.choose(CATEGORY_LABEL, self.folder.first_category()["name"])
@@ -250,41 +167,24 @@ class Roads(unittest.TestCase):
 
     def test_leaving_settles_the_edits_of_every_page(self):
         self.given_folder()
-        self.before = self.folder.everything()
+        before = self.folder.everything()
         for answer in ("否", "是"):
             program = self.start()
             window = program.main_window()
             self.edit_every_page(window)
-            self.assert_file_unchanged()
-            window.press_button("退出")
+            self.assertEqual(self.folder.everything(), before)
+            self.screen.press("alt+F4")  # the window manager's own way to close a window
             program.message(QUESTION).press_button(answer)
             self.assertEqual(program.wait_for_end(), 0)
             if answer == "否":
-                self.assert_file_unchanged()
+                self.assertEqual(self.folder.everything(), before)
         after = self.folder.everything()
         for table, column, value in (("光源", "LuminousFlux", 4321), ("灯具", "LuminaireEfficiency", 43.25),
                                      ("照度要求及功率密度", "IlluminanceStandard", 4327)):
-            changed = [(old, new) for old, new in zip(self.before.pop(table), after.pop(table)) if old != new]
+            changed = [(old, new) for old, new in zip(before.pop(table), after.pop(table)) if old != new]
             self.assertEqual(len(changed), 1, table)
             self.assertEqual(changed[0][1], {**changed[0][0], column: value})
-        self.assertEqual(after, self.before)
-
-    def test_choosing_another_building_type_keeps_or_drops_the_edit_as_answered(self):
-        self.given_folder()
-        window = self.start().main_window()
-        window.show_tab("照度要求及功率密度")
-        window.expand("公共建筑")
-        before = self.folder.everything()
-        for answer, kept in (("否", False), ("是", True)):
-            window.click_tree("办公建筑")
-            window.wait_for_cell(0, "场所", "普通办公室")
-            window.enter(0, "照度标准值", "4327")
-            window.click_tree("学校建筑")
-            window.program.message("数据已经修改是否提交?").press_button(answer)
-            window.wait_for_cell(0, "场所", "教室")
-            values = [row["IlluminanceStandard"] for row in self.folder.rows("照度要求及功率密度")]
-            self.assertEqual(4327 in values, kept)
-            self.assertEqual(self.folder.everything() == before, not kept)
+        self.assertEqual(after, before)
 
 
 if __name__ == "__main__":

@@ -2,7 +2,9 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QProcess>
 #include <QTest>
+#include <cstdio>
 
 #include "data/lighting_database.h"
 #include "data/store/dialect.h"
@@ -30,6 +32,25 @@ bool RefusesWrites(CLightingDatabase& database) {
 bool Reads(CLightingDatabase& database) {
     std::vector<tagLAMPHOUSEINFO> records;
     return database.LoadAllLightSources(records) && records.size() == 1;
+}
+
+// Line n means that light source 1 has the luminous flux n and that n rows have been inserted besides it.
+int WriteUntilKilled(const QString& executablePath) {
+    CLightingDatabase database(CreateStoreConnection, executablePath);
+    tagLAMPHOUSEINFO first;
+    tagLAMPHOUSEINFO added;
+    first.ID = 1;
+    first.Factory = QString(5000, u'x');  // several pages a statement
+    bool works = database.Connect();
+    for (int done = 1; works; ++done) {
+        first.LuminousFlux = done;
+        works = database.InsertLightSource(added) && database.UpdateLightSource(first);
+        if (works) {
+            std::printf("%d\n", done);
+            std::fflush(stdout);
+        }
+    }
+    return 1;
 }
 
 }  // namespace
@@ -157,6 +178,37 @@ private Q_SLOTS:
                  u"update 光源 set Factory='delete * from x'"_s);
     }
 
+    // A process that is killed while it writes loses nothing it has finished.
+    void SurvivesKilling() {
+        for (int attempt = 0; attempt < 25; ++attempt) {
+            init();
+            QProcess writer;
+            writer.start(QCoreApplication::applicationFilePath(), {u"write"_s, m_file->ExecutablePath()});
+            QVERIFY(writer.waitForReadyRead());
+            // Somewhere else in the course of a statement each time.
+            QTest::qSleep(3 + attempt);
+            writer.kill();
+            QVERIFY(writer.waitForFinished());
+            QCOMPARE(writer.exitStatus(), QProcess::CrashExit);
+            const QByteArray said = writer.readAllStandardOutput();
+            const int done = said.first(said.lastIndexOf('\n')).split('\n').last().toInt();
+            QVERIFY(done > 0);
+
+            CLightingDatabase database = Database();
+            QVERIFY(database.Connect());
+            tagLAMPHOUSEINFO first;
+            QVERIFY(database.LoadLightSourceByID(1, first));
+            std::vector<tagLAMPHOUSEINFO> all;
+            QVERIFY(database.LoadAllLightSources(all));
+            const int inserted = static_cast<int>(all.size()) - 1;
+            // One more of each may have been finished without time to say so.
+            QVERIFY(first.LuminousFlux == done || first.LuminousFlux == done + 1);
+            QVERIFY(inserted == done || inserted == done + 1);
+            QVERIFY(database.UpdateLightSource(first));
+            QCOMPARE(m_file->Raw().Rows(u"PRAGMA integrity_check"_s), QStringList{u"'ok'"_s});
+        }
+    }
+
 private:
     CLightingDatabase Database() const { return {CreateStoreConnection, m_file->ExecutablePath()}; }
     std::shared_ptr<Connection> OpenConnection() const {
@@ -169,5 +221,14 @@ private:
     std::unique_ptr<TemporaryLightingDatabase> m_file;
 };
 
-QTEST_GUILESS_MAIN(TestStore)
+int main(int argc, char* argv[]) {
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == u"write"_s) {
+        return WriteUntilKilled(arguments.value(2));
+    }
+    TestStore test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "test_store.moc"

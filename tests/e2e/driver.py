@@ -67,11 +67,6 @@ class ProgramFolder:
             finally:
                 connection.close()
 
-    def sign_of_writing(self):
-        """Something that is another one once the program has written, found out without touching the file."""
-        files = (self.database, self.database.with_name(self.database.name + "-wal"))
-        return [(file.stat().st_mtime_ns, file.stat().st_size) for file in files if file.exists()]
-
     def first_category(self):
         """Id and name of the first category that the page offers and that has light sources."""
         return self.query("select ID, LamphouseType as name from 光源类别 where LamphouseType not in "

@@ -83,6 +83,11 @@ private Q_SLOTS:
             QCOMPARE(grid.GetFocusCell(), step.focus);
             QVERIFY(grid.viewport()->rect().contains(shown.Middle(step.focus.row, step.focus.col)));
         }
+        shown.Key(Qt::Key_End, Qt::ControlModifier);
+        const int bottom = grid.verticalScrollBar()->value();
+        shown.Key(Qt::Key_Up);
+        QCOMPARE(grid.verticalScrollBar()->value(), bottom);  // it is in sight already
+        grid.SetFocusCell({1, 0});
         shown.Key(Qt::Key_PageDown);
         const int page = grid.GetFocusCell().row - 1;
         QVERIFY(page > 3 && (page - 1) * grid.GetRowHeight(5) <= grid.viewport()->height());

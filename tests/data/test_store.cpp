@@ -64,40 +64,37 @@ private Q_SLOTS:
         m_file->Raw().Execute(kSomeRows);
     }
 
-    void RefusesBadFiles_data() {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("reason");
-        init();
+    void RefusesBadFiles() {
         const QByteArray good = m_file->Bytes();
         const QByteArray noise = QByteArray("\x5a\xc3\x17").repeated(20000);
-        QTest::newRow("empty") << QByteArray("") << u"is empty"_s;
-        QTest::newRow("one byte") << QByteArray("S") << u"is not a database"_s;
-        QTest::newRow("text") << QByteArray("照明设计 ").repeated(999) << u"is not a database"_s;
-        for (const char* name : {"Jet", "ACE"}) {
-            const QByteArray header = QByteArray("\0\1\0\0Standard ", 13) + name + QByteArray(" DB\0", 4);
-            QTest::newRow(name) << header + QByteArray(4076, '\0') << u"is an Access file"_s;
+        const auto accessFile = [](const char* engine) {
+            return QByteArray("\0\1\0\0Standard ", 13) + engine + QByteArray(" DB\0", 4) +
+                   QByteArray(4076, '\0');
+        };
+        const std::pair<QByteArray, QString> cases[] = {
+            {"", u"is empty"_s},
+            {"S", u"is not a database"_s},
+            {QByteArray("照明设计 ").repeated(999), u"is not a database"_s},
+            {accessFile("Jet"), u"is an Access file"_s},
+            {accessFile("ACE"), u"is an Access file"_s},
+            {good.first(16), u""_s},
+            {good.first(100), u""_s},
+            {good.first(good.size() / 2 + 77), u""_s},
+            {good.chopped(4096), u""_s},
+            {good.first(100) + noise.first(good.size() - 100), u""_s},
+            {QByteArray(good).replace(12288, 4096, QByteArray(4096, '\xff')), u"is damaged"_s},
+        };
+        for (const auto& [bytes, reason] : cases) {
+            QFile file(m_file->FilePath());
+            QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            QCOMPARE(file.write(bytes), bytes.size());
+            file.close();
+            QTest::ignoreMessage(QtDebugMsg, QRegularExpression(u"^连接数据库失败!\n.*"_s + reason));
+            CLightingDatabase database = Database();
+            QVERIFY2(!database.Connect(), qPrintable(reason));
+            QCOMPARE(m_file->Bytes(), bytes);
+            QCOMPARE(QDir(m_file->DatabaseFolder()).entryList(QDir::Files), QStringList{u"灯具数据库.mdb"_s});
         }
-        QTest::newRow("signature alone") << good.first(16) << u""_s;
-        QTest::newRow("header alone") << good.first(100) << u""_s;
-        QTest::newRow("half") << good.first(good.size() / 2 + 77) << u""_s;
-        QTest::newRow("last page missing") << good.chopped(4096) << u""_s;
-        QTest::newRow("noise after the header") << good.first(100) + noise.first(good.size() - 100) << u""_s;
-        QTest::newRow("one page overwritten")
-            << QByteArray(good).replace(12288, 4096, QByteArray(4096, '\xff')) << u"is damaged"_s;
-    }
-
-    void RefusesBadFiles() {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QString, reason);
-        QFile file(m_file->FilePath());
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        QCOMPARE(file.write(bytes), bytes.size());
-        file.close();
-        QTest::ignoreMessage(QtDebugMsg, QRegularExpression(u"^连接数据库失败!\n.*"_s + reason));
-        CLightingDatabase database = Database();
-        QVERIFY(!database.Connect());
-        QCOMPARE(m_file->Bytes(), bytes);
-        QCOMPARE(QDir(m_file->DatabaseFolder()).entryList(QDir::Files), QStringList{u"灯具数据库.mdb"_s});
     }
 
     void MissingTableOrFile() {

@@ -38,21 +38,6 @@ class TestGridAccessible : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void HeadingsAndMergedCells() {
-        Show(6, 4, 2, 1);
-        QAccessibleInterface* covered = At(4, 3);
-        QVERIFY(m_grid->MergeCells(0, 2, 0, 1) && m_grid->MergeCells(3, 2, 1, 1));
-        QVERIFY(!covered->isValid());
-        QCOMPARE(At(4, 3), At(3, 2));
-        QCOMPARE(CellAt(4, 3)->rowIndex(), 3);
-        QVERIFY(CellAt(4, 3)->rowExtent() == 2 && CellAt(4, 3)->columnExtent() == 2);
-        QCOMPARE(CellAt(5, 3)->columnHeaderCells(), (QList{At(0, 2), At(1, 3)}));
-        QCOMPARE(CellAt(5, 3)->rowHeaderCells(), QList{At(5, 0)});
-        QVERIFY(At(6, 0) == nullptr && At(-1, 0) == nullptr && At(0, 4) == nullptr);
-        QVERIFY(m_table->selectRow(2) && m_table->selectRow(5) && !m_table->selectRow(0));
-        QCOMPARE(m_table->selectedRows(), (QList<int>{2, 5}));
-    }
-
     void ActionsAndValues() {
         Show(6, 3, 1, 0);
         m_shown->MakeCombo(3, 1, {u"a"_s, u"b"_s});
@@ -136,9 +121,6 @@ private:
     }
 
     QAccessibleInterface* At(int row, int column) { return m_table->cellAt(row, column); }
-    QAccessibleTableCellInterface* CellAt(int row, int column) {
-        return At(row, column)->tableCellInterface();
-    }
 };
 
 QTEST_MAIN(TestGridAccessible)

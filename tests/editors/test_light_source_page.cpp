@@ -22,10 +22,7 @@ const QString kFile =
     "(14,5,'MIX',5000,250,'甲厂','混光'),(15,9,'X',1,1,'丙厂','无类');"_qs;
 
 struct Fixture : ShownPage {
-    explicit Fixture(const QString& rows = kFile)
-        : ShownPage(rows, [](CLightingDatabase& opened, QWidget* parent) {
-              return new CQuorvaneLamphouseDlg(opened, parent);
-          }) {}
+    explicit Fixture(const QString& rows = kFile) : ShownPage(rows, MakePage<CQuorvaneLamphouseDlg>) {}
 
     void ChooseFluorescent() { Choose(kCategoryList, 1); }
     void ByMaker() { QTest::mouseClick(DialogItem(page, kByMaker), Qt::LeftButton, {}, QPoint(8, 8)); }

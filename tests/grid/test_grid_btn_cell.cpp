@@ -37,11 +37,8 @@ private Q_SLOTS:
         QCOMPARE(ended.count(), 1);
         QCOMPARE(ended.at(0), (QVariantList{2, 1}));
 
-        grid.SetItemState(2, 1, CellState::DropDown);
-        shown.Click(1, 0);
-        const QRect cell = grid.CellRect(2, 1);
-        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, QPoint(cell.right() - 6, cell.center().y()));
-        QVERIFY(List() != nullptr);  // the arrow opens at once
+        shown.Click(2, 1);
+        QVERIFY(List() != nullptr);
         grid.DeleteRow(1);
         QVERIFY(List() == nullptr);
     }

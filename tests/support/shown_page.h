@@ -109,6 +109,11 @@ private:
     QWidget* m_window = nullptr;
 };
 
+template <typename Page>
+CPage* MakePage(CLightingDatabase& database, QWidget* parent) {
+    return new Page(database, parent);
+}
+
 struct ShownPage : ShownGrid {
     // Shows the page that make returns for its parent.
     template <typename Make>

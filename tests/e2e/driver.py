@@ -32,7 +32,7 @@ def framed(rectangle):
 class ProgramFolder:
     """A program laid out as it is installed, FOLDER/bin beside FOLDER/Vexal, with a database of its own."""
 
-    def __init__(self, folder, binaries, with_database=True):
+    def __init__(self, folder, binaries):
         self.folder = Path(folder)
         self.program = self.folder / "bin" / "quorvane"
         self.database = self.folder / "Vexal" / "灯具数据库.mdb"
@@ -41,9 +41,8 @@ class ProgramFolder:
         self.database.parent.mkdir()
         # A copy, because the program looks for its data beside the folder that it was really started from.
         shutil.copy2(Path(binaries) / "quorvane", self.program)
-        if with_database:
-            subprocess.run([Path(binaries) / "quorvane-sample-database", self.database], check=True, timeout=120,
-                           stdout=subprocess.DEVNULL)
+        subprocess.run([Path(binaries) / "quorvane-sample-database", self.database], check=True, timeout=120,
+                       stdout=subprocess.DEVNULL)
 
     def query(self, statement, *values):
         """The rows of a statement as dictionaries, read past the program from its file. Ask while it is idle."""

@@ -100,53 +100,46 @@ int CGridCtrl::GetFixedColumnCount() const {
 }
 
 bool CGridCtrl::SetRowCount(int rows) {
-    if (rows < 0) {
-        return false;
-    }
-    const int present = GetRowCount();
-    if (rows > present) {
-        InsertRows(present, rows - present);
-    } else if (rows < present) {
-        RemoveRows(rows, present - rows);
-    }
-    return true;
+    return SetLineCount(&CCellID::row, rows);
 }
 
 bool CGridCtrl::SetColumnCount(int columns) {
-    if (columns < 0) {
-        return false;
-    }
-    const int present = GetColumnCount();
-    if (columns > present) {
-        InsertColumns(present, columns - present);
-    } else if (columns < present) {
-        RemoveColumns(columns, present - columns);
-    }
-    return true;
+    return SetLineCount(&CCellID::col, columns);
 }
 
 bool CGridCtrl::SetFixedRowCount(int rows) {
-    if (rows < 0) {
-        return false;
-    }
-    if (rows > GetRowCount()) {
-        SetRowCount(rows);
-    }
-    m_layout.rows.SetFixedCount(rows);
-    GridSelection selection = m_selection;
-    selection.LeaveFixed(m_layout.ScrollingCells());
-    FollowShape(selection, m_layout.IsFixed(m_edit->Cell()) ? CCellID{} : m_edit->Cell());
-    return true;
+    return SetFixedLineCount(&CCellID::row, rows);
 }
 
 bool CGridCtrl::SetFixedColumnCount(int columns) {
-    if (columns < 0) {
+    return SetFixedLineCount(&CCellID::col, columns);
+}
+
+GridAxis& CGridCtrl::Axis(int CCellID::*line) {
+    return line == &CCellID::row ? m_layout.rows : m_layout.columns;
+}
+
+bool CGridCtrl::SetLineCount(int CCellID::*line, int count) {
+    if (count < 0) {
         return false;
     }
-    if (columns > GetColumnCount()) {
-        SetColumnCount(columns);
+    const int present = Axis(line).Count();
+    if (count > present) {
+        InsertLines(line, present, count - present);
+    } else if (count < present) {
+        RemoveLines(line, count, present - count);
     }
-    m_layout.columns.SetFixedCount(columns);
+    return true;
+}
+
+bool CGridCtrl::SetFixedLineCount(int CCellID::*line, int count) {
+    if (count < 0) {
+        return false;
+    }
+    if (count > Axis(line).Count()) {
+        SetLineCount(line, count);
+    }
+    Axis(line).SetFixedCount(count);
     GridSelection selection = m_selection;
     selection.LeaveFixed(m_layout.ScrollingCells());
     FollowShape(selection, m_layout.IsFixed(m_edit->Cell()) ? CCellID{} : m_edit->Cell());
@@ -161,7 +154,7 @@ int CGridCtrl::InsertRow(const CString& heading, int before) {
     if (GetColumnCount() == 0 && !heading.isEmpty()) {
         SetColumnCount(1);
     }
-    InsertRows(row, 1);
+    InsertLines(&CCellID::row, row, 1);
     SetItemText(row, 0, heading);
     return row;
 }
@@ -174,7 +167,7 @@ int CGridCtrl::InsertColumn(const CString& heading, unsigned format, int before)
     if (GetRowCount() == 0 && !heading.isEmpty()) {
         SetRowCount(1);
     }
-    InsertColumns(column, 1);
+    InsertLines(&CCellID::col, column, 1);
     for (int row = 0; row < GetRowCount(); ++row) {
         m_cells.At(row, column)->SetFormat(format);
     }
@@ -186,7 +179,7 @@ bool CGridCtrl::DeleteRow(int row) {
     if (row < 0 || row >= GetRowCount()) {
         return false;
     }
-    RemoveRows(row, 1);
+    RemoveLines(&CCellID::row, row, 1);
     return true;
 }
 
@@ -199,61 +192,41 @@ void CGridCtrl::DeleteAllItems() {
     SetColumnCount(0);
 }
 
-void CGridCtrl::InsertRows(int at, int count) {
-    if (at < GetFixedRowCount()) {
-        m_layout.rows.SetFixedCount(GetFixedRowCount() + count);
+void CGridCtrl::InsertLines(int CCellID::*line, int at, int count) {
+    GridAxis& axis = Axis(line);
+    if (at < axis.FixedCount()) {
+        axis.SetFixedCount(axis.FixedCount() + count);
     }
-    m_cells.InsertRows(at, count);
-    m_layout.rows.Insert(at, count);
-    m_merges.InsertRows(at, count);
-    GridSelection selection = m_selection;
-    selection.InsertRows(at, count);
-    CCellID edited = m_edit->Cell();
-    ShiftForInsert(edited, &CCellID::row, at, count);
-    m_announcer->LinesInserted(&CCellID::row, at, count);
-    FollowShape(selection, edited);
-}
-
-void CGridCtrl::RemoveRows(int at, int count) {
-    const int fixedRemoved = std::clamp(GetFixedRowCount() - at, 0, count);
-    m_layout.rows.SetFixedCount(GetFixedRowCount() - fixedRemoved);
-    m_cells.RemoveRows(at, count);
-    m_layout.rows.Remove(at, count);
-    m_merges.RemoveRows(at, count);
-    GridSelection selection = m_selection;
-    selection.RemoveRows(at, count);
-    CCellID edited = m_edit->Cell();
-    ShiftForRemove(edited, &CCellID::row, at, count);
-    m_announcer->LinesRemoved(&CCellID::row, at, count);
-    FollowShape(selection, edited);
-}
-
-void CGridCtrl::InsertColumns(int at, int count) {
-    if (at < GetFixedColumnCount()) {
-        m_layout.columns.SetFixedCount(GetFixedColumnCount() + count);
+    if (line == &CCellID::row) {
+        m_cells.InsertRows(at, count);
+    } else {
+        m_cells.InsertColumns(at, count);
     }
-    m_cells.InsertColumns(at, count);
-    m_layout.columns.Insert(at, count);
-    m_merges.InsertColumns(at, count);
+    axis.Insert(at, count);
+    m_merges.InsertLines(line, at, count);
     GridSelection selection = m_selection;
-    selection.InsertColumns(at, count);
+    selection.InsertLines(line, at, count);
     CCellID edited = m_edit->Cell();
-    ShiftForInsert(edited, &CCellID::col, at, count);
-    m_announcer->LinesInserted(&CCellID::col, at, count);
+    ShiftForInsert(edited, line, at, count);
+    m_announcer->LinesInserted(line, at, count);
     FollowShape(selection, edited);
 }
 
-void CGridCtrl::RemoveColumns(int at, int count) {
-    const int fixedRemoved = std::clamp(GetFixedColumnCount() - at, 0, count);
-    m_layout.columns.SetFixedCount(GetFixedColumnCount() - fixedRemoved);
-    m_cells.RemoveColumns(at, count);
-    m_layout.columns.Remove(at, count);
-    m_merges.RemoveColumns(at, count);
+void CGridCtrl::RemoveLines(int CCellID::*line, int at, int count) {
+    GridAxis& axis = Axis(line);
+    axis.SetFixedCount(axis.FixedCount() - std::clamp(axis.FixedCount() - at, 0, count));
+    if (line == &CCellID::row) {
+        m_cells.RemoveRows(at, count);
+    } else {
+        m_cells.RemoveColumns(at, count);
+    }
+    axis.Remove(at, count);
+    m_merges.RemoveLines(line, at, count);
     GridSelection selection = m_selection;
-    selection.RemoveColumns(at, count);
+    selection.RemoveLines(line, at, count);
     CCellID edited = m_edit->Cell();
-    ShiftForRemove(edited, &CCellID::col, at, count);
-    m_announcer->LinesRemoved(&CCellID::col, at, count);
+    ShiftForRemove(edited, line, at, count);
+    m_announcer->LinesRemoved(line, at, count);
     FollowShape(selection, edited);
 }
 
@@ -270,19 +243,18 @@ void CGridCtrl::FollowShape(const GridSelection& selection, CCellID editedCell) 
 // ---- Sizes
 
 bool CGridCtrl::SetColumnWidth(int column, int width) {
-    if (column < 0 || column >= GetColumnCount() || width < 0) {
-        return false;
-    }
-    m_layout.columns.SetSize(column, width);
-    SizesChanged();
-    return true;
+    return SetLineSize(&CCellID::col, column, width);
 }
 
 bool CGridCtrl::SetRowHeight(int row, int height) {
-    if (row < 0 || row >= GetRowCount() || height < 0) {
+    return SetLineSize(&CCellID::row, row, height);
+}
+
+bool CGridCtrl::SetLineSize(int CCellID::*line, int number, int size) {
+    if (number < 0 || number >= Axis(line).Count() || size < 0) {
         return false;
     }
-    m_layout.rows.SetSize(row, height);
+    Axis(line).SetSize(number, size);
     SizesChanged();
     return true;
 }
@@ -331,74 +303,63 @@ const CGridCellBase* CGridCtrl::Cell(int row, int column) const {
     return m_cells.At(row, column);
 }
 
-bool CGridCtrl::SetItemText(int row, int column, const CString& text) {
+template <typename Value, typename Given>
+bool CGridCtrl::SetInCell(int row, int column, void (CGridCellBase::*set)(Value), const Given& value) {
     CGridCellBase* cell = m_cells.At(row, column);
     if (cell == nullptr) {
         return false;
     }
-    cell->SetText(text);
+    (cell->*set)(value);
     RedrawCell(row, column);
+    return true;
+}
+
+template <typename Value>
+Value CGridCtrl::GetFromCell(int row, int column, Value (CGridCellBase::*get)() const) const {
+    const CGridCellBase* cell = m_cells.At(row, column);
+    return cell != nullptr ? (cell->*get)() : Value();
+}
+
+bool CGridCtrl::SetItemText(int row, int column, const CString& text) {
+    if (!SetInCell(row, column, &CGridCellBase::SetText, text)) {
+        return false;
+    }
     m_announcer->TextChanged({row, column});
     return true;
 }
 
 CString CGridCtrl::GetItemText(int row, int column) const {
-    const CGridCellBase* cell = m_cells.At(row, column);
-    return cell != nullptr ? cell->GetText() : CString();
+    return GetFromCell(row, column, &CGridCellBase::GetText);
 }
 
 bool CGridCtrl::SetItemData(int row, int column, qint32 value) {
-    CGridCellBase* cell = m_cells.At(row, column);
-    if (cell == nullptr) {
-        return false;
-    }
-    cell->SetData(value);
-    RedrawCell(row, column);
-    return true;
+    return SetInCell(row, column, &CGridCellBase::SetData, value);
 }
 
 qint32 CGridCtrl::GetItemData(int row, int column) const {
-    const CGridCellBase* cell = m_cells.At(row, column);
-    return cell != nullptr ? cell->GetData() : 0;
+    return GetFromCell(row, column, &CGridCellBase::GetData);
 }
 
 bool CGridCtrl::SetItemFormat(int row, int column, unsigned format) {
-    CGridCellBase* cell = m_cells.At(row, column);
-    if (cell == nullptr) {
-        return false;
-    }
-    cell->SetFormat(format);
-    RedrawCell(row, column);
-    return true;
+    return SetInCell(row, column, &CGridCellBase::SetFormat, format);
 }
 
 unsigned CGridCtrl::GetItemFormat(int row, int column) const {
-    const CGridCellBase* cell = m_cells.At(row, column);
-    return cell != nullptr ? cell->GetFormat() : 0;
+    return GetFromCell(row, column, &CGridCellBase::GetFormat);
 }
 
 bool CGridCtrl::SetItemState(int row, int column, unsigned state) {
-    CGridCellBase* cell = m_cells.At(row, column);
-    if (cell == nullptr) {
-        return false;
-    }
-    cell->SetState(state);
-    RedrawCell(row, column);
-    return true;
+    return SetInCell(row, column, &CGridCellBase::SetState, state);
 }
 
 unsigned CGridCtrl::GetItemState(int row, int column) const {
-    const CGridCellBase* cell = m_cells.At(row, column);
-    return cell != nullptr ? cell->GetState() : 0;
+    return GetFromCell(row, column, &CGridCellBase::GetState);
 }
 
 bool CGridCtrl::SetItem(const GridItem& item) {
-    CGridCellBase* cell = m_cells.At(item.row, item.col);
-    if (cell == nullptr) {
+    if (!SetInCell(item.row, item.col, &CGridCellBase::Set, item)) {
         return false;
     }
-    cell->Set(item);
-    RedrawCell(item.row, item.col);
     m_announcer->TextChanged({item.row, item.col});
     return true;
 }

@@ -206,10 +206,19 @@ protected:
     QSize sizeHint() const override;
 
 private:
-    void InsertRows(int at, int count);
-    void RemoveRows(int at, int count);
-    void InsertColumns(int at, int count);
-    void RemoveColumns(int at, int count);
+    // Rows or columns, as the number of a cell says that they change: &CCellID::row or &CCellID::col.
+    GridAxis& Axis(int CCellID::*line);
+    bool SetLineCount(int CCellID::*line, int count);
+    bool SetFixedLineCount(int CCellID::*line, int count);
+    bool SetLineSize(int CCellID::*line, int number, int size);
+    void InsertLines(int CCellID::*line, int at, int count);
+    void RemoveLines(int CCellID::*line, int at, int count);
+    // Changes a cell and redraws it; false where there is none.
+    template <typename Value, typename Given>
+    bool SetInCell(int row, int column, void (CGridCellBase::*set)(Value), const Given& value);
+    // What a cell holds, or an empty value where there is none.
+    template <typename Value>
+    Value GetFromCell(int row, int column, Value (CGridCellBase::*get)() const) const;
     // Takes the selection over, redraws and tells what changed; editedCell is where a cell being edited
     // has gone.
     void FollowShape(const GridSelection& selection, CCellID editedCell);

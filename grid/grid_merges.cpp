@@ -82,27 +82,19 @@ void GridMerges::ChangeAll(Change change) {
     }
 }
 
-void GridMerges::InsertRows(int at, int count) {
-    if (at <= m_lastRow) {
-        ChangeAll([=](CCellRange& block) { ShiftForInsert(block.minRow, block.maxRow, at, count); });
+bool GridMerges::Reaches(int CCellID::*line, int at) const {
+    return line == &CCellID::row ? at <= m_lastRow : !m_blocks.empty();
+}
+
+void GridMerges::InsertLines(int CCellID::*line, int at, int count) {
+    if (Reaches(line, at)) {
+        ChangeAll([=](CCellRange& block) { ShiftForInsert(block, line, at, count); });
     }
 }
 
-void GridMerges::RemoveRows(int at, int count) {
-    if (at <= m_lastRow) {
-        ChangeAll([=](CCellRange& block) { ShiftForRemove(block.minRow, block.maxRow, at, count); });
-    }
-}
-
-void GridMerges::InsertColumns(int at, int count) {
-    if (!m_blocks.empty()) {
-        ChangeAll([=](CCellRange& block) { ShiftForInsert(block.minCol, block.maxCol, at, count); });
-    }
-}
-
-void GridMerges::RemoveColumns(int at, int count) {
-    if (!m_blocks.empty()) {
-        ChangeAll([=](CCellRange& block) { ShiftForRemove(block.minCol, block.maxCol, at, count); });
+void GridMerges::RemoveLines(int CCellID::*line, int at, int count) {
+    if (Reaches(line, at)) {
+        ChangeAll([=](CCellRange& block) { ShiftForRemove(block, line, at, count); });
     }
 }
 

@@ -57,42 +57,29 @@ void GridSelection::LeaveFixed(const CCellRange& allowed) {
         range.minRow = std::max(range.minRow, allowed.minRow);
         range.minCol = std::max(range.minCol, allowed.minCol);
     }
+    DropEmptyRanges();
+}
+
+void GridSelection::DropEmptyRanges() {
     std::erase_if(m_ranges,
                   [](const CCellRange& range) { return range.RowCount() < 1 || range.ColumnCount() < 1; });
 }
 
-void GridSelection::InsertRows(int at, int count) {
-    ShiftForInsert(m_focus, &CCellID::row, at, count);
-    ShiftForInsert(m_anchor, &CCellID::row, at, count);
+void GridSelection::InsertLines(int CCellID::*line, int at, int count) {
+    ShiftForInsert(m_focus, line, at, count);
+    ShiftForInsert(m_anchor, line, at, count);
     for (CCellRange& range : m_ranges) {
-        ShiftForInsert(range.minRow, range.maxRow, at, count);
+        ShiftForInsert(range, line, at, count);
     }
 }
 
-void GridSelection::RemoveRows(int at, int count) {
-    ShiftForRemove(m_focus, &CCellID::row, at, count);
-    ShiftForRemove(m_anchor, &CCellID::row, at, count);
+void GridSelection::RemoveLines(int CCellID::*line, int at, int count) {
+    ShiftForRemove(m_focus, line, at, count);
+    ShiftForRemove(m_anchor, line, at, count);
     for (CCellRange& range : m_ranges) {
-        ShiftForRemove(range.minRow, range.maxRow, at, count);
+        ShiftForRemove(range, line, at, count);
     }
-    std::erase_if(m_ranges, [](const CCellRange& range) { return range.RowCount() < 1; });
-}
-
-void GridSelection::InsertColumns(int at, int count) {
-    ShiftForInsert(m_focus, &CCellID::col, at, count);
-    ShiftForInsert(m_anchor, &CCellID::col, at, count);
-    for (CCellRange& range : m_ranges) {
-        ShiftForInsert(range.minCol, range.maxCol, at, count);
-    }
-}
-
-void GridSelection::RemoveColumns(int at, int count) {
-    ShiftForRemove(m_focus, &CCellID::col, at, count);
-    ShiftForRemove(m_anchor, &CCellID::col, at, count);
-    for (CCellRange& range : m_ranges) {
-        ShiftForRemove(range.minCol, range.maxCol, at, count);
-    }
-    std::erase_if(m_ranges, [](const CCellRange& range) { return range.ColumnCount() < 1; });
+    DropEmptyRanges();
 }
 
 }  // namespace quorvane

@@ -30,12 +30,12 @@ public:
     void LeaveFixed(const CCellRange& allowed);
 
     // Cells that move take focus and selection with them, cells that go away leave them.
-    void InsertRows(int at, int count);
-    void RemoveRows(int at, int count);
-    void InsertColumns(int at, int count);
-    void RemoveColumns(int at, int count);
+    void InsertLines(int CCellID::*line, int at, int count);
+    void RemoveLines(int CCellID::*line, int at, int count);
 
 private:
+    void DropEmptyRanges();
+
     CCellID m_focus;
     CCellID m_anchor;
     std::vector<CCellRange> m_ranges;

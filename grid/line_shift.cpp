@@ -1,24 +1,19 @@
 #include "grid/line_shift.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quorvane {
 
-void ShiftForInsert(int& first, int& last, int at, int count) {
-    if (at <= first) {
-        first += count;
-    }
-    if (at <= last) {
-        last += count;
-    }
+namespace {
+
+// The first and the last line of a range.
+std::pair<int&, int&> LinesOf(CCellRange& range, int CCellID::*line) {
+    const bool rows = line == &CCellID::row;
+    return {rows ? range.minRow : range.minCol, rows ? range.maxRow : range.maxCol};
 }
 
-void ShiftForRemove(int& first, int& last, int at, int count) {
-    const auto newPlace = [=](int line) { return line < at ? line : std::max(at, line - count); };
-    const bool lastRemoved = last >= at && last < at + count;
-    first = newPlace(first);
-    last = lastRemoved ? at - 1 : newPlace(last);
-}
+}  // namespace
 
 void ShiftForInsert(CCellID& cell, int CCellID::*line, int at, int count) {
     if (cell.IsValid() && cell.*line >= at) {
@@ -35,6 +30,24 @@ void ShiftForRemove(CCellID& cell, int CCellID::*line, int at, int count) {
     } else {
         cell.*line -= count;
     }
+}
+
+void ShiftForInsert(CCellRange& range, int CCellID::*line, int at, int count) {
+    const auto [first, last] = LinesOf(range, line);
+    if (at <= first) {
+        first += count;
+    }
+    if (at <= last) {
+        last += count;
+    }
+}
+
+void ShiftForRemove(CCellRange& range, int CCellID::*line, int at, int count) {
+    const auto newPlace = [=](int number) { return number < at ? number : std::max(at, number - count); };
+    const auto [first, last] = LinesOf(range, line);
+    const bool lastRemoved = last >= at && last < at + count;
+    first = newPlace(first);
+    last = lastRemoved ? at - 1 : newPlace(last);
 }
 
 }  // namespace quorvane

@@ -6,7 +6,6 @@
 #include <QVBoxLayout>
 
 #include "app/main_dialog.h"
-#include "app/single_instance.h"
 #include "tests/support/message_answers.h"
 #include "widgets/dialog_template.h"
 
@@ -50,7 +49,7 @@ private:
 };
 
 struct Fixture {
-    explicit Fixture(const QString& selector = {}) {
+    Fixture() {
         const auto maker = [this](const QString& name, FakePage*& page) {
             return [this, name, &page](QWidget* parent) -> CPage* {
                 return page = new FakePage(name, &calls, parent);
@@ -59,7 +58,7 @@ struct Fixture {
         dialog = std::make_unique<CQuorvaneDlg>(
             MainDialogPages{maker(u"light"_qs, light), maker(u"luminaire"_qs, luminaire),
                             maker(u"requirement"_qs, requirement)},
-            selector);
+            QString());
         dialog->show();
     }
 
@@ -84,104 +83,66 @@ class TestMainDialog : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void SelectorChoosesTheFirstPage();
-    void ButtonsActOnTheShownPage();
-    void LeavingAsksOnlyForEdits();
-    void LeavingTakesTheAnswer();
-    void KeysDoNotLeave();
-    void OneInstanceAtATime();
-};
-
-void TestMainDialog::SelectorChoosesTheFirstPage() {
-    const QList<std::pair<QString, int>> selectors{
-        {u"灯具管理器"_qs, 1}, {u"照度管理器"_qs, 2}, {u"照度管理器 "_qs, 0}, {u"/usr/bin/quorvane"_qs, 0}};
-    for (const auto& [selector, tab] : selectors) {
-        Fixture fixture(selector);
-        QCOMPARE(fixture.Tabs()->currentIndex(), tab);
-        QCOMPARE(fixture.light->isVisible(), tab == 0);
-        QCOMPARE(fixture.luminaire->isVisible(), tab == 1);
-        QCOMPARE(fixture.requirement->isVisible(), tab == 2);
-    }
-}
-
-void TestMainDialog::ButtonsActOnTheShownPage() {
-    Fixture fixture;
-    fixture.light->modified = true;
-    QTest::mouseClick(fixture.Tabs()->tabBar(), Qt::LeftButton, {},
-                      fixture.Tabs()->tabBar()->tabRect(2).center());
-    QVERIFY(fixture.requirement->isVisible());
-    fixture.Press(kSubmit);
-    fixture.Press(kDelete);
-    QCOMPARE(fixture.calls,
-             QStringList({u"requirement.submit"_qs, u"requirement.refresh"_qs, u"requirement.delete"_qs}));
-    QVERIFY(fixture.light->modified);
-    QVERIFY(fixture.answers.TakeSeen().isEmpty());
-}
-
-void TestMainDialog::LeavingAsksOnlyForEdits() {
-    Fixture fixture;
-    fixture.Press(kExit);
-    QVERIFY(!fixture.dialog->isVisible());
-    QVERIFY(fixture.answers.TakeSeen().isEmpty());
-
-    fixture.dialog->show();
-    fixture.light->editing = true;  // an edit still open when the window is closed is an edit
-    fixture.answers.Plan(u"取消"_qs);
-    fixture.dialog->close();
-    QVERIFY(fixture.dialog->isVisible());
-    QCOMPARE(fixture.answers.TakeSeen(), QStringList(kQuestion));
-}
-
-void TestMainDialog::LeavingTakesTheAnswer() {
-    for (const bool byButton : {true, false}) {
+    void ButtonsActOnTheShownPage() {
         Fixture fixture;
-        const auto leave = [&](const QString& answer) {
-            fixture.answers.Plan(answer);
-            if (byButton) {
-                fixture.Press(kExit);
-            } else {
-                fixture.dialog->close();
-            }
-            QCOMPARE(fixture.answers.TakeSeen(), QStringList(kQuestion));
-        };
-        fixture.requirement->modified = true;
-        leave(u"取消"_qs);
-        QVERIFY(fixture.dialog->isVisible());
-        QVERIFY(fixture.calls.isEmpty() && fixture.requirement->modified);
-        leave(u"否"_qs);
-        QVERIFY(!fixture.dialog->isVisible());
-        QVERIFY(fixture.calls.isEmpty());
-        fixture.dialog->show();
-        leave(u"是"_qs);
-        QVERIFY(!fixture.dialog->isVisible());
-        QCOMPARE(fixture.calls,
-                 QStringList({u"luminaire.submit"_qs, u"light.submit"_qs, u"requirement.submit"_qs}));
+        fixture.light->modified = true;
+        QTest::mouseClick(fixture.Tabs()->tabBar(), Qt::LeftButton, {},
+                          fixture.Tabs()->tabBar()->tabRect(2).center());
+        QVERIFY(fixture.requirement->isVisible());
+        fixture.Press(kSubmit);
+        fixture.Press(kDelete);
+        QCOMPARE(fixture.calls, QStringList({u"requirement.submit"_qs, u"requirement.refresh"_qs,
+                                             u"requirement.delete"_qs}));
+        QVERIFY(fixture.light->modified);
+        QVERIFY(fixture.answers.TakeSeen().isEmpty());
     }
-}
 
-void TestMainDialog::KeysDoNotLeave() {
-    Fixture fixture;
-    fixture.light->modified = true;
-    for (QWidget* focus : {static_cast<QWidget*>(fixture.dialog.get()), static_cast<QWidget*>(fixture.Tabs()),
-                           fixture.light->findChild<QWidget*>(), DialogItem(fixture.dialog.get(), kExit)}) {
-        focus->setFocus();
-        for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Enter}) {
-            QTest::keyClick(focus, key);
-            QVERIFY(fixture.dialog->isVisible());
+    void LeavingAsksForEdits() {
+        for (const bool byButton : {true, false}) {
+            Fixture fixture;
+            // Without an answer no question may come up.
+            const auto leave = [&](const QString& answer) {
+                fixture.dialog->show();
+                if (!answer.isEmpty()) {
+                    fixture.answers.Plan(answer);
+                }
+                if (byButton) {
+                    fixture.Press(kExit);
+                } else {
+                    fixture.dialog->close();
+                }
+                QCOMPARE(fixture.answers.TakeSeen(),
+                         answer.isEmpty() ? QStringList() : QStringList(kQuestion));
+                QCOMPARE(fixture.dialog->isVisible(), answer == u"取消"_qs);
+            };
+            leave({});
+            fixture.light->editing = true;  // an edit still open when the window is closed is an edit
+            leave(u"取消"_qs);
+            QVERIFY(fixture.light->modified);
+            leave(u"否"_qs);
+            QVERIFY(fixture.calls.isEmpty());
+            leave(u"是"_qs);
+            QCOMPARE(fixture.calls,
+                     QStringList({u"luminaire.submit"_qs, u"light.submit"_qs, u"requirement.submit"_qs}));
         }
     }
-    QVERIFY(fixture.calls.isEmpty());
-    QVERIFY(fixture.answers.TakeSeen().isEmpty());
-}
 
-void TestMainDialog::OneInstanceAtATime() {
-    const QString name = u"QuorvaneTest%1"_qs.arg(QCoreApplication::applicationPid());
-    auto first = std::make_unique<SingleInstanceGuard>(name);
-    QVERIFY(!first->IsAlreadyRunning());
-    QVERIFY(SingleInstanceGuard(name).IsAlreadyRunning());
-    first.reset();
-    QVERIFY(!SingleInstanceGuard(name).IsAlreadyRunning());
-}
+    void KeysDoNotLeave() {
+        Fixture fixture;
+        fixture.light->modified = true;
+        for (QWidget* focus :
+             {static_cast<QWidget*>(fixture.dialog.get()), static_cast<QWidget*>(fixture.Tabs()),
+              fixture.light->findChild<QWidget*>(), DialogItem(fixture.dialog.get(), kExit)}) {
+            focus->setFocus();
+            for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Enter}) {
+                QTest::keyClick(focus, key);
+                QVERIFY(fixture.dialog->isVisible());
+            }
+        }
+        QVERIFY(fixture.calls.isEmpty());
+        QVERIFY(fixture.answers.TakeSeen().isEmpty());
+    }
+};
 
 QTEST_MAIN(TestMainDialog)
 #include "test_main_dialog.moc"

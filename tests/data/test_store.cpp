@@ -2,7 +2,9 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QProcess>
 #include <QTest>
+#include <cstdio>
 
 #include "data/lighting_database.h"
 #include "data/store/dialect.h"
@@ -32,6 +34,25 @@ bool Reads(CLightingDatabase& database) {
     return database.LoadAllLightSources(records) && records.size() == 1;
 }
 
+// Line n means that light source 1 has the luminous flux n and that n rows have been inserted besides it.
+int WriteUntilKilled(const QString& executablePath) {
+    CLightingDatabase database(CreateStoreConnection, executablePath);
+    tagLAMPHOUSEINFO first;
+    tagLAMPHOUSEINFO added;
+    first.ID = 1;
+    first.Factory = QString(5000, u'x');  // several pages a statement
+    bool works = database.Connect();
+    for (int done = 1; works; ++done) {
+        first.LuminousFlux = done;
+        works = database.InsertLightSource(added) && database.UpdateLightSource(first);
+        if (works) {
+            std::printf("%d\n", done);
+            std::fflush(stdout);
+        }
+    }
+    return 1;
+}
+
 }  // namespace
 
 class TestStore : public QObject {
@@ -43,40 +64,37 @@ private Q_SLOTS:
         m_file->Raw().Execute(kSomeRows);
     }
 
-    void RefusesBadFiles_data() {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("reason");
-        init();
+    void RefusesBadFiles() {
         const QByteArray good = m_file->Bytes();
         const QByteArray noise = QByteArray("\x5a\xc3\x17").repeated(20000);
-        QTest::newRow("empty") << QByteArray("") << u"is empty"_s;
-        QTest::newRow("one byte") << QByteArray("S") << u"is not a database"_s;
-        QTest::newRow("text") << QByteArray("照明设计 ").repeated(999) << u"is not a database"_s;
-        for (const char* name : {"Jet", "ACE"}) {
-            const QByteArray header = QByteArray("\0\1\0\0Standard ", 13) + name + QByteArray(" DB\0", 4);
-            QTest::newRow(name) << header + QByteArray(4076, '\0') << u"is an Access file"_s;
+        const auto accessFile = [](const char* engine) {
+            return QByteArray("\0\1\0\0Standard ", 13) + engine + QByteArray(" DB\0", 4) +
+                   QByteArray(4076, '\0');
+        };
+        const std::pair<QByteArray, QString> cases[] = {
+            {"", u"is empty"_s},
+            {"S", u"is not a database"_s},
+            {QByteArray("照明设计 ").repeated(999), u"is not a database"_s},
+            {accessFile("Jet"), u"is an Access file"_s},
+            {accessFile("ACE"), u"is an Access file"_s},
+            {good.first(16), u""_s},
+            {good.first(100), u""_s},
+            {good.first(good.size() / 2 + 77), u""_s},
+            {good.chopped(4096), u""_s},
+            {good.first(100) + noise.first(good.size() - 100), u""_s},
+            {QByteArray(good).replace(12288, 4096, QByteArray(4096, '\xff')), u"is damaged"_s},
+        };
+        for (const auto& [bytes, reason] : cases) {
+            QFile file(m_file->FilePath());
+            QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            QCOMPARE(file.write(bytes), bytes.size());
+            file.close();
+            QTest::ignoreMessage(QtDebugMsg, QRegularExpression(u"^连接数据库失败!\n.*"_s + reason));
+            CLightingDatabase database = Database();
+            QVERIFY2(!database.Connect(), qPrintable(reason));
+            QCOMPARE(m_file->Bytes(), bytes);
+            QCOMPARE(QDir(m_file->DatabaseFolder()).entryList(QDir::Files), QStringList{u"灯具数据库.mdb"_s});
         }
-        QTest::newRow("signature alone") << good.first(16) << u""_s;
-        QTest::newRow("header alone") << good.first(100) << u""_s;
-        QTest::newRow("half") << good.first(good.size() / 2 + 77) << u""_s;
-        QTest::newRow("last page missing") << good.chopped(4096) << u""_s;
-        QTest::newRow("noise after the header") << good.first(100) + noise.first(good.size() - 100) << u""_s;
-        QTest::newRow("one page overwritten")
-            << QByteArray(good).replace(12288, 4096, QByteArray(4096, '\xff')) << u"is damaged"_s;
-    }
-
-    void RefusesBadFiles() {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QString, reason);
-        QFile file(m_file->FilePath());
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        QCOMPARE(file.write(bytes), bytes.size());
-        file.close();
-        QTest::ignoreMessage(QtDebugMsg, QRegularExpression(u"^连接数据库失败!\n.*"_s + reason));
-        CLightingDatabase database = Database();
-        QVERIFY(!database.Connect());
-        QCOMPARE(m_file->Bytes(), bytes);
-        QCOMPARE(QDir(m_file->DatabaseFolder()).entryList(QDir::Files), QStringList{u"灯具数据库.mdb"_s});
     }
 
     void MissingTableOrFile() {
@@ -157,6 +175,37 @@ private Q_SLOTS:
                  u"update 光源 set Factory='delete * from x'"_s);
     }
 
+    // A process that is killed while it writes loses nothing it has finished.
+    void SurvivesKilling() {
+        for (int attempt = 0; attempt < 25; ++attempt) {
+            init();
+            QProcess writer;
+            writer.start(QCoreApplication::applicationFilePath(), {u"write"_s, m_file->ExecutablePath()});
+            QVERIFY(writer.waitForReadyRead());
+            // Somewhere else in the course of a statement each time.
+            QTest::qSleep(3 + attempt);
+            writer.kill();
+            QVERIFY(writer.waitForFinished());
+            QCOMPARE(writer.exitStatus(), QProcess::CrashExit);
+            const QByteArray said = writer.readAllStandardOutput();
+            const int done = said.first(said.lastIndexOf('\n')).split('\n').last().toInt();
+            QVERIFY(done > 0);
+
+            CLightingDatabase database = Database();
+            QVERIFY(database.Connect());
+            tagLAMPHOUSEINFO first;
+            QVERIFY(database.LoadLightSourceByID(1, first));
+            std::vector<tagLAMPHOUSEINFO> all;
+            QVERIFY(database.LoadAllLightSources(all));
+            const int inserted = static_cast<int>(all.size()) - 1;
+            // One more of each may have been finished without time to say so.
+            QVERIFY(first.LuminousFlux == done || first.LuminousFlux == done + 1);
+            QVERIFY(inserted == done || inserted == done + 1);
+            QVERIFY(database.UpdateLightSource(first));
+            QCOMPARE(m_file->Raw().Rows(u"PRAGMA integrity_check"_s), QStringList{u"'ok'"_s});
+        }
+    }
+
 private:
     CLightingDatabase Database() const { return {CreateStoreConnection, m_file->ExecutablePath()}; }
     std::shared_ptr<Connection> OpenConnection() const {
@@ -169,5 +218,14 @@ private:
     std::unique_ptr<TemporaryLightingDatabase> m_file;
 };
 
-QTEST_GUILESS_MAIN(TestStore)
+int main(int argc, char* argv[]) {
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == u"write"_s) {
+        return WriteUntilKilled(arguments.value(2));
+    }
+    TestStore test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "test_store.moc"

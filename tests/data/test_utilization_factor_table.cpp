@@ -63,10 +63,23 @@ struct Bench {
     UtilizationFactorTable table{database, [this](const CString& message) { messages << message; }};
 };
 
-// The same table kept as a plain map, and a walk that does the same at random to both.
+// The same table kept as a plain map, and a walk that does the same at random to both. It sets out from a
+// file with gaps and with cells that stand in it twice, and from two edits made before anything has been
+// shown.
 class RandomWalk {
 public:
-    explicit RandomWalk(unsigned seed) : m_random(seed) {}
+    explicit RandomWalk(unsigned seed) : m_random(seed) {
+        for (const Triple& triple : {Triple{80, 50, 20}, {80, 30, 20}, {50, 50, 0}}) {
+            for (const double rcr : {0.6, 1., 1.25}) {
+                for (int copies = Below(3); copies > 0; --copies) {
+                    Store({triple, rcr}, Below(10000) / 1e4);
+                }
+            }
+        }
+        Load();
+        EditHeadings();
+        EditRows();
+    }
 
     int Below(std::size_t bound) {
         return std::uniform_int_distribution<int>(0, static_cast<int>(bound) - 1)(m_random);
@@ -79,20 +92,9 @@ public:
     void Step() {
         const int kind = Below(40);
         if (kind < 13) {
-            const Triple to{Pick(std::set{80, 50}), Pick(std::set{50, 30}), Pick(std::set{0, 20})};
-            const int Pcc = std::get<0>(to);
-            const int Pw = std::get<1>(to);
-            const int Pf = std::get<2>(to);
-            Change(
-                m_headings, &Key::triple, to, [&] { return m_table.AddHeading(Pcc, Pw, Pf); },
-                [&](int column) { return m_table.ModifyHeading(column, Pcc, Pw, Pf); },
-                [&](int column) { return m_table.DeleteHeading(column); });
+            EditHeadings();
         } else if (kind < 26) {
-            const double to = Pick(std::set{0., 1e-300, 0.6, 0.8, 1., 1.25, 10., 1e300});
-            Change(
-                m_rows, &Key::rcr, to, [&] { return m_table.AddRow(to); },
-                [&](int row) { return m_table.ModifyRow(row, to); },
-                [&](int row) { return m_table.DeleteRow(row); });
+            EditRows();
         } else if (kind == 26) {
             Submit();
         } else if (kind == 27) {
@@ -120,14 +122,58 @@ public:
         QCOMPARE(m_table.RowValues(), Values(m_rows.begin(), m_rows.end()));
         QCOMPARE(Shown(m_table), values);
         QCOMPARE(m_table.Factors().size(), m_cells.size());
-        QCOMPARE(m_bench.messages, QStringList());
+        qsizetype gaps = 0;
+        for (auto& [key, cell] : m_cells) {
+            gaps += std::exchange(cell.isGap, false) ? 1 : 0;
+        }
+        QCOMPARE(std::exchange(m_bench.messages, {}).size(), gaps);
     }
 
 private:
     struct Cell {
         double value = 0;
         std::optional<double> stored;
+        bool isGap = false;  // to be told once
+        int rows = 1;        // in the file, once submitted
     };
+
+    // A row that came later counts, the others stay.
+    void Store(const Key& key, double value) {
+        const auto& [Pcc, Pw, Pf] = key.triple;
+        tagLUMINAIREUTILIZATIONFACTOR factor{0, kLuminaire, Pcc, Pw, Pf, key.rcr, value};
+        QVERIFY(m_bench.database.InsertUtilizationFactor(factor));
+        Cell& cell = m_submitted[key];
+        cell.rows = cell.stored ? cell.rows + 1 : 1;
+        cell.stored = cell.value = value;
+    }
+
+    // Gives every heading a cell in every row.
+    void CompleteCells(bool areGaps) {
+        for (const Triple& triple : m_headings) {
+            for (const double rcr : m_rows) {
+                const auto [place, isNew] = m_cells.try_emplace({triple, rcr});
+                place->second.isGap = place->second.isGap || (isNew && areGaps);
+            }
+        }
+    }
+
+    void EditHeadings() {
+        const Triple to{Pick(std::set{80, 50}), Pick(std::set{50, 30}), Pick(std::set{0, 20})};
+        const int Pcc = std::get<0>(to);
+        const int Pw = std::get<1>(to);
+        const int Pf = std::get<2>(to);
+        Change(
+            m_headings, &Key::triple, to, [&] { return m_table.AddHeading(Pcc, Pw, Pf); },
+            [&](int column) { return m_table.ModifyHeading(column, Pcc, Pw, Pf); },
+            [&](int column) { return m_table.DeleteHeading(column); });
+    }
+    void EditRows() {
+        const double to = Pick(std::set{0., 1e-300, 0.6, 0.8, 1., 1.25, 10., 1e300});
+        Change(
+            m_rows, &Key::rcr, to, [&] { return m_table.AddRow(to); },
+            [&](int row) { return m_table.ModifyRow(row, to); },
+            [&](int row) { return m_table.DeleteRow(row); });
+    }
 
     // Adds, renames or removes a column or a row; `part` is what tells its cells.
     template <typename Value>
@@ -156,11 +202,7 @@ private:
             m_cells = cells;
             m_renamed = true;
         }
-        for (const Triple& triple : m_headings) {
-            for (const double rcr : m_rows) {
-                m_cells.try_emplace({triple, rcr});
-            }
-        }
+        CompleteCells(false);
     }
 
     void Submit() {
@@ -168,43 +210,44 @@ private:
         QCOMPARE(m_table.UnwrittenCount(), 0);
         QVERIFY(m_table.DeletedIds().empty());
         m_renamed = false;
-        m_file.clear();
         for (auto& [key, cell] : m_cells) {
             cell.stored = cell.value;
-            m_file.emplace(key, cell.value);
         }
-        std::map<Key, double> stored;
+        m_submitted = m_cells;
+        std::map<Key, int> rows;
         for (const QString& row : m_bench.Stored()) {
             const QStringList is = row.split(u'|');
-            stored[{{is[1].toInt(), is[2].toInt(), is[3].toInt()}, is[4].toDouble()}] = is[5].toDouble();
+            const Key key{{is[1].toInt(), is[2].toInt(), is[3].toInt()}, is[4].toDouble()};
+            QCOMPARE(is[5].toDouble(), m_cells.at(key).value);
+            ++rows[key];
         }
-        QVERIFY(stored == m_file && m_bench.Stored().size() == static_cast<qsizetype>(m_file.size()));
+        QCOMPARE(rows.size(), m_cells.size());
+        for (const auto& [key, count] : rows) {
+            QCOMPARE(count, m_cells.at(key).rows);
+        }
         QCOMPARE(m_bench.file.Raw().Text(u"select UtilizationFactor from 利用系数 where ID=900"_s), u"0.9"_s);
     }
 
     // Values go back to what the file holds; cells that it does not hold are gaps.
     void Reload() {
         QVERIFY(m_table.Reload());
-        qsizetype gaps = 0;
         for (auto& [key, cell] : m_cells) {
-            gaps += cell.stored ? 0 : 1;
+            cell.isGap = !cell.stored;
             cell.value = cell.stored.value_or(0);
         }
-        Shown(m_table);
-        QCOMPARE(std::exchange(m_bench.messages, {}).size(), gaps);
     }
 
     void Load() {
         QVERIFY(m_table.Load(kLuminaire));
         m_headings.clear();
         m_rows.clear();
-        m_cells.clear();
+        m_cells = m_submitted;
         m_renamed = false;
-        for (const auto& [key, value] : m_file) {
+        for (const auto& [key, cell] : m_cells) {
             m_headings.insert(key.triple);
             m_rows.insert(key.rcr);
-            m_cells[key] = {value, value};
         }
+        CompleteCells(true);
     }
 
     std::mt19937 m_random;
@@ -213,7 +256,7 @@ private:
     std::set<Triple, std::greater<>> m_headings;
     std::set<double> m_rows;
     std::map<Key, Cell> m_cells;
-    std::map<Key, double> m_file;
+    std::map<Key, Cell> m_submitted;
     bool m_renamed = false;  // since the last submit
 };
 
@@ -224,11 +267,11 @@ class TestUtilizationFactorTable : public QObject {
 
 private Q_SLOTS:
     void RandomEditsEndInTheRightCells() {
-        for (const unsigned seed : {1U, 2U, 3U, 4U, 5U, 6U}) {
+        for (const unsigned seed : {1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U}) {
             RandomWalk walk(seed);
-            for (int step = 0; step < 400; ++step) {
-                walk.Step();
+            for (int step = 0; step < 250; ++step) {
                 walk.Check();
+                walk.Step();
                 QVERIFY2(!QTest::currentTestFailed(), qPrintable(u"seed %1"_s.arg(seed)));
             }
         }
@@ -248,38 +291,6 @@ private Q_SLOTS:
         bench.table.Submit();
         QCOMPARE(bench.Stored().mid(6), QStringList({u"7|70|50|20|0.6|0.0"_s, u"8|70|30|20|1.25|0.0"_s,
                                                      u"9|50|50|20|1.0e+300|0.0"_s}));
-    }
-
-    void GapsDoNotShiftEdits() {
-        // Three columns, two rows, the first cell missing; nothing has been shown yet.
-        Bench bench(
-            u"(7,1,80,50,20,2,0.1), (7,2,70,50,20,1,0.2), (7,3,70,50,20,2,0.3), (7,4,50,50,20,1,0.4),"
-            "(7,5,50,50,20,2,0.5)"_s);
-        QVERIFY(bench.table.ModifyHeading(1, 60, 50, 20));
-        QVERIFY(bench.table.ModifyRow(1, 3));
-        QVERIFY(bench.table.DeleteHeading(2));
-        QCOMPARE(bench.table.DeletedIds(), std::vector({4, 5}));
-        bench.table.Submit();
-        QCOMPARE(bench.Stored(),
-                 QStringList({u"1|80|50|20|3.0|0.1"_s, u"2|60|50|20|1.0|0.2"_s, u"3|60|50|20|3.0|0.3"_s}));
-    }
-
-    void DuplicatesInTheFile() {
-        Bench bench(
-            u"(7,1,80,50,20,1,0.1), (7,2,80,50,20,2,0.2), (7,3,70,50,20,1,0.3), (7,4,70,50,20,2,0.4),"
-            "(7,5,80,50,20,1,0.5), (7,6,70,50,20,2,0.6)"_s);
-        QCOMPARE(Shown(bench.table), Values({0.5, 0.2, 0.3, 0.6}));
-        QCOMPARE(bench.messages, QStringList());
-        bench.table.ModifyRow(1, 2.5);
-        bench.table.SetFactor(4, 1, 0.7);
-        bench.table.Submit();
-        QCOMPARE(bench.Stored(),
-                 QStringList({u"1|80|50|20|1.0|0.7"_s, u"2|80|50|20|2.5|0.2"_s, u"3|70|50|20|1.0|0.3"_s,
-                              u"4|70|50|20|2.5|0.6"_s, u"5|80|50|20|1.0|0.7"_s, u"6|70|50|20|2.5|0.6"_s}));
-        bench.table.DeleteHeading(0);
-        bench.table.DeleteRow(1);
-        bench.table.Submit();
-        QCOMPARE(bench.Stored(), QStringList(u"3|70|50|20|1.0|0.3"_s));
     }
 
     void ReloadAfterARename() {

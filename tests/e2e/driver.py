@@ -23,14 +23,6 @@ __all__ = ["MAIN_TITLE", "MainWindow", "Program", "ProgramFolder", "TimeLimit", 
 MAIN_TITLE = "照度计算数据库维护"
 
 
-def _unless_gone(question):
-    """The answer, or None while the program is not there yet or is just changing what it shows."""
-    try:
-        return question()
-    except Gone:
-        return None
-
-
 def framed(rectangle):
     """The rectangle of a window with the window manager's frame around it."""
     left, top, width, height = rectangle
@@ -40,7 +32,7 @@ def framed(rectangle):
 class ProgramFolder:
     """A program laid out as it is installed, FOLDER/bin beside FOLDER/Vexal, with a database of its own."""
 
-    def __init__(self, folder, binaries, with_database=True):
+    def __init__(self, folder, binaries):
         self.folder = Path(folder)
         self.program = self.folder / "bin" / "quorvane"
         self.database = self.folder / "Vexal" / "灯具数据库.mdb"
@@ -49,9 +41,8 @@ class ProgramFolder:
         self.database.parent.mkdir()
         # A copy, because the program looks for its data beside the folder that it was really started from.
         shutil.copy2(Path(binaries) / "quorvane", self.program)
-        if with_database:
-            subprocess.run([Path(binaries) / "quorvane-sample-database", self.database], check=True, timeout=120,
-                           stdout=subprocess.DEVNULL)
+        subprocess.run([Path(binaries) / "quorvane-sample-database", self.database], check=True, timeout=120,
+                       stdout=subprocess.DEVNULL)
 
     def query(self, statement, *values):
         """The rows of a statement as dictionaries, read past the program from its file. Ask while it is idle."""
@@ -66,11 +57,6 @@ class ProgramFolder:
                 return [dict(row) for row in connection.execute(statement, values)]
             finally:
                 connection.close()
-
-    def sign_of_writing(self):
-        """Something that is another one once the program has written, found out without touching the file."""
-        files = (self.database, self.database.with_name(self.database.name + "-wal"))
-        return [(file.stat().st_mtime_ns, file.stat().st_size) for file in files if file.exists()]
 
     def first_category(self):
         """Id and name of the first category that the page offers and that has light sources."""
@@ -101,8 +87,11 @@ class Program:
         self._desktop = Desktop(screen.environment["DBUS_SESSION_BUS_ADDRESS"])
 
     def windows(self):
-        application = _unless_gone(lambda: self._desktop.application(self.process.pid))
-        return (_unless_gone(application.children) or []) if application else []
+        try:
+            application = self._desktop.application(self.process.pid)
+            return application.children() if application else []
+        except Gone:
+            return []
 
     def _has_keys(self, window):
         """Whether both the program and the window manager hold the window for the active one."""
@@ -110,12 +99,9 @@ class Program:
 
     def window(self, title):
         """The window with that title, once it takes the keys."""
-        def found():
-            for window in self.windows():
-                if window.name == title and self._has_keys(window):
-                    return window
-            return None
-        return self.wait_until(lambda: _unless_gone(found), f"a window “{title}”")
+        return self.wait_until(lambda: next((window for window in self.windows()
+                                             if window.name == title and self._has_keys(window)), None),
+                               f"a window “{title}”")
 
     def main_window(self):
         return MainWindow(self, self.window(MAIN_TITLE))
@@ -131,22 +117,24 @@ class Program:
 
     def popup(self, role):
         """The list that has dropped down, once it has the focus."""
-        return self.wait_until(lambda: _unless_gone(lambda: self.focused(role)), f"a {role} dropped down")
+        return self.wait_until(lambda: self.focused(role), f"a {role} dropped down")
 
     def message(self, text):
         """The message box that says the text, once it takes the keys."""
-        def found():
-            for window in self.windows():
-                if self._has_keys(window) and any(text in label.name for label in window.find_all("label")):
-                    return Window(self, window)
-            return None
-        return self.wait_until(lambda: _unless_gone(found), f"a message “{text}”")
+        def says(window):
+            return self._has_keys(window) and any(text in label.name for label in window.find_all("label"))
+        return self.wait_until(lambda: next((Window(self, window) for window in self.windows() if says(window)), None),
+                               f"a message “{text}”")
 
     def wait_until(self, condition, what, limit=30.0):
-        """As wait_until, but gives up at once when the program has ended."""
+        """As wait_until, but gives up at once when the program has ended, and goes on while it is not there yet or
+        is just changing what it shows."""
         def asked():
-            if (answer := condition()):
-                return answer
+            try:
+                if (answer := condition()):
+                    return answer
+            except Gone:
+                pass
             if (status := self.process.poll()) is not None:
                 raise TimeLimit(f"the program ended with status {status} before this: {what}")
             return None
@@ -170,7 +158,7 @@ class Window:
 
     def find(self, role, caption=None):
         """The thing of that role and caption, once it shows."""
-        return self.program.wait_until(lambda: _unless_gone(lambda: self.element.find(role, caption)),
+        return self.program.wait_until(lambda: self.element.find(role, caption),
                                        f"a {role} “{caption or ''}” in a window")
 
     def click(self, element, times=1):
@@ -200,7 +188,7 @@ class Window:
         """Opens the list beside the caption with the mouse; returns its entries."""
         box = self.list_beside(caption)
         self.click(box)
-        entries = self.program.wait_until(lambda: _unless_gone(lambda: box.children()[0]), "the entries")
+        entries = self.program.wait_until(lambda: box.children()[0], "the entries")
         self.program.wait_until(lambda: entries.is_("showing") and entries.children(), "the opened list")
         return entries
 
@@ -265,7 +253,7 @@ class Window:
         self.screen.move(left + width - 40, top + height - 40)
 
     def wait_for_cell(self, row, heading, text):
-        self.program.wait_until(lambda: _unless_gone(lambda: self.grid().cell(row, heading).name) == text,
+        self.program.wait_until(lambda: self.grid().cell(row, heading).name == text,
                                 f"“{text}” in row {row} under “{heading}”")
 
     # Trees ----------------------------------------------------------------------------------------------------
@@ -275,7 +263,7 @@ class Window:
         def found():
             items = [item for item in self.find("tree").children() if item.role == "cell" and item.name == name]
             return items[-1] if items else None
-        return self.program.wait_until(lambda: _unless_gone(found), f"“{name}” in a tree")
+        return self.program.wait_until(found, f"“{name}” in a tree")
 
     def click_tree(self, name, button=1):
         self._click_inside(self.find("tree"), lambda: self.tree_item(name), button=button)
@@ -291,7 +279,7 @@ class Window:
         self.click_tree(name, button=3)
         # A menu tells of itself only when one of its commands is reached; Down goes to the first enabled one.
         self.screen.press("Down")
-        entry = self.program.wait_until(lambda: _unless_gone(lambda: self.program.focused("menu item")), "a menu")
+        entry = self.program.popup("menu item")
         seen()
         self.click(next(other for other in entry.parent.children() if other.name == command))
 

@@ -1,7 +1,5 @@
 """Illuminance requirements: a building type chosen in the tree, a value typed over, a place added, submitted."""
 
-from story import Changes
-
 TRADE, BUILDING = "公共建筑", "办公建筑"
 NEW_ILLUMINANCE = 350
 NEW_PLACE = {"Location": "开放式办公区", "ReferencePlane": "0.75m水平面", "ActualLPD": 13.5, "ObjectiveLPD": 11,
@@ -26,24 +24,8 @@ def requirement_road(story):
     story.show("illuminance")
 
     story.tell(f"filling the append row with {NEW_PLACE['Location']}")
-    row = window.append_row()
-    window.type_along(row, dict(zip(HEADINGS, map(str, NEW_PLACE.values()))))
-    story.show("new-place")
-    story.expect(folder.everything() == before, "the file was changed before the data were submitted")
-
-    story.submit()
-    window.wait_for_cell(row, "序号", f"{row + 1}")
-    story.show("requirements-submitted")
-
-    after = folder.everything()
-    changes = Changes("照度要求及功率密度", before["照度要求及功率密度"], after["照度要求及功率密度"])
-    changes.show(beside=lambda row: row["BuildingType"] == BUILDING)
-    story.expect(len(changes.changed) == 1 and len(changes.new) == 1 and not changes.gone,
-                 f"one row changed and one new were expected, not {len(changes.changed)} and {len(changes.new)}")
-    (changed,), (added,) = changes.changed, changes.new
-    old = changes.old[changed["ID"]]
-    story.expect(old["Location"] == first["场所"] and changed == {**old, "IlluminanceStandard": NEW_ILLUMINANCE},
-                 f"the changed row is {changed}")
-    story.expect({**added, **NEW_PLACE, "Vocation": TRADE, "BuildingType": BUILDING} == added,
-                 f"the new row is {added}")
-    story.expect_only(after, before, "照度要求及功率密度")
+    story.append_and_submit(HEADINGS, NEW_PLACE.values(), before, ("new-place", "requirements-submitted"))
+    story.expect_one_changed_one_new(
+        "照度要求及功率密度", before, beside=lambda row: row["BuildingType"] == BUILDING,
+        changed=({"Location": first["场所"]}, {"IlluminanceStandard": NEW_ILLUMINANCE}),
+        added={**NEW_PLACE, "Vocation": TRADE, "BuildingType": BUILDING})

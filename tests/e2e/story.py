@@ -36,6 +36,31 @@ class Story:
         self.tell("submitting")
         self.window.press_button("提交")
 
+    def append_and_submit(self, headings, values, before, pictures):
+        """Types the values into the cells of the append row under the headings, and submits. One picture each."""
+        row = self.window.append_row()
+        self.window.type_along(row, dict(zip(headings, map(str, values))))
+        self.show(pictures[0])
+        self.expect(self.folder.everything() == before, "the file was changed before the data were submitted")
+        self.submit()
+        self.window.wait_for_cell(row, "序号", f"{row + 1}")
+        self.show(pictures[1])
+
+    def expect_one_changed_one_new(self, table, before, beside, changed, added):
+        """Fails unless the table was changed by just these two: a row that is now `changed`, given as what it
+        was told by and what was typed over, and a new one with the values `added`."""
+        after = self.folder.everything()
+        changes = Changes(table, before[table], after[table])
+        changes.show(beside)
+        self.expect(len(changes.changed) == 1 and len(changes.new) == 1 and not changes.gone,
+                    f"one row changed and one new were expected, not {len(changes.changed)} and {len(changes.new)}")
+        (now,), (new,) = changes.changed, changes.new
+        old = changes.old[now["ID"]]
+        told_by, typed = changed
+        self.expect({**old, **told_by} == old and now == {**old, **typed}, f"the changed row is {now}")
+        self.expect({**new, **added} == new, f"the new row is {new}")
+        self.expect_only(after, before, table)
+
     def expect_only(self, after, before, *tables):
         """Fails when a table that is not among the named ones was changed."""
         changed = [table for table in before if table not in tables and after[table] != before[table]]

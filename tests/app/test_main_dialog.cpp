@@ -22,6 +22,7 @@ public:
         : CPage(parent), m_name(name), m_calls(calls) {
         auto* layout = new QVBoxLayout(this);
         layout->addWidget(new QLineEdit(this));
+        layout->addWidget(new QWidget(this));  // takes no focus
     }
 
     bool IsModified() const override { return modified; }
@@ -130,9 +131,8 @@ private Q_SLOTS:
     void KeysDoNotLeave() {
         Fixture fixture;
         fixture.light->modified = true;
-        for (QWidget* focus :
-             {static_cast<QWidget*>(fixture.dialog.get()), static_cast<QWidget*>(fixture.Tabs()),
-              fixture.light->findChild<QWidget*>(), DialogItem(fixture.dialog.get(), kExit)}) {
+        for (QWidget* focus : {static_cast<QWidget*>(fixture.dialog.get()),
+                               static_cast<QWidget*>(fixture.Tabs()), fixture.light->findChild<QWidget*>()}) {
             focus->setFocus();
             for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Enter}) {
                 QTest::keyClick(focus, key);
@@ -141,6 +141,20 @@ private Q_SLOTS:
         }
         QVERIFY(fixture.calls.isEmpty());
         QVERIFY(fixture.answers.TakeSeen().isEmpty());
+    }
+
+    void TabGoesFromThePageToTheButtonsThatEnterPresses() {
+        Fixture fixture;
+        fixture.dialog->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(fixture.dialog.get()));
+        fixture.Tabs()->tabBar()->setFocus();
+        for (const int id : {0, kSubmit, kDelete, kExit}) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QVERIFY(id == 0 || QApplication::focusWidget() == DialogItem(fixture.dialog.get(), id));
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        }
+        QCOMPARE(fixture.calls, QStringList({u"light.submit"_qs, u"light.refresh"_qs, u"light.delete"_qs}));
+        QVERIFY(!fixture.dialog->isVisible());
     }
 };
 

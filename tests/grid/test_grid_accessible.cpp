@@ -38,6 +38,20 @@ class TestGridAccessible : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void HeadingsMergedCellsAndRows() {
+        Show(6, 4, 1, 1);
+        QVERIFY(m_grid->MergeCells(0, 1, 0, 1));
+        QVERIFY(m_grid->MergeCells(2, 1, 2, 1));
+        QCOMPARE(At(4, 2), At(2, 1));
+        QAccessibleTableCellInterface* block = At(4, 2)->tableCellInterface();
+        QCOMPARE(block->rowIndex(), 2);
+        QCOMPARE(block->rowExtent() * 10 + block->columnExtent(), 32);
+        QCOMPARE(block->columnHeaderCells(), QList{At(0, 1)});
+        QCOMPARE(At(5, 3)->tableCellInterface()->rowHeaderCells(), QList{At(5, 0)});
+        QVERIFY(m_table->selectRow(1) && m_table->selectRow(5) && !m_table->selectRow(0));
+        QCOMPARE(m_table->selectedRows(), (QList<int>{1, 5}));
+    }
+
     void ActionsAndValues() {
         Show(6, 3, 1, 0);
         m_shown->MakeCombo(3, 1, {u"a"_s, u"b"_s});

@@ -39,8 +39,16 @@ bool IsPersonsVolume(const QString& rootPath, const QString& fileSystemType) {
         QStringLiteral("/boot"), QStringLiteral("/dev"), QStringLiteral("/efi"),  QStringLiteral("/etc"),
         QStringLiteral("/proc"), QStringLiteral("/run"), QStringLiteral("/snap"), QStringLiteral("/sys"),
         QStringLiteral("/tmp"),  QStringLiteral("/usr"), QStringLiteral("/var")};
+    // Shares, wherever the desktop has mounted them.
+    static const QStringList shareTypes{QStringLiteral("9p"),         QStringLiteral("cifs"),
+                                        QStringLiteral("davfs"),      QStringLiteral("fuse.gvfsd-fuse"),
+                                        QStringLiteral("fuse.sshfs"), QStringLiteral("nfs"),
+                                        QStringLiteral("nfs4"),       QStringLiteral("smb3")};
     if (systemTypes.contains(fileSystemType)) {
         return false;
+    }
+    if (shareTypes.contains(fileSystemType)) {
+        return true;
     }
     const auto holdsRoot = [&rootPath](const QString& folder) {
         return rootPath == folder || rootPath.startsWith(folder + u'/');

@@ -178,9 +178,16 @@ CString LuminaireLists::Resolved(const CString& ids) {
     return resolved ? ids : LightSourceIds(LightSourceTexts(ids), ids);
 }
 
-std::vector<CString> LuminaireLists::SplitLightSourceTexts(const CString& texts) {
+// A mixed luminaire's light sources may be of any category.
+void LuminaireLists::ReadAllLightSources() {
     for (const tagLAMPHOUSETYPE& category : m_categories) {
-        LightSourcesOf(category.ID);  // a mixed luminaire's light sources may be of any category
+        LightSourcesOf(category.ID);
+    }
+}
+
+std::vector<CString> LuminaireLists::SplitLightSourceTexts(const CString& texts) {
+    if (texts.contains(u',')) {
+        ReadAllLightSources();
     }
     return SplitKnown(texts, [this](const CString& part) { return m_idByText.contains(part); });
 }
@@ -192,8 +199,12 @@ int LuminaireLists::LightSourceId(const CString& text) {
     const bool canBeFound = parts != LightSourceParts{};
     int id = 0;
     const bool answered = m_database.FindLightSourceID(parts.name, parts.model, id);
+    if (id != 0 && LightSourceText(FormatInteger(id)) == text) {
+        return id;
+    }
+    ReadAllLightSources();
     const auto known = m_idByText.find(text);
-    if (known != m_idByText.end() && (id == 0 || LightSourceText(FormatInteger(id)) != text)) {
+    if (known != m_idByText.end()) {
         return known->second;
     }
     m_isWhole = (answered || !canBeFound) && m_isWhole;

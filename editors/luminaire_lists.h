@@ -54,6 +54,7 @@ public:
 private:
     // The texts of a category's light sources.
     const std::vector<CString>& LightSourcesOf(int categoryId);
+    void ReadAllLightSources();
     CString LightSourceText(const CString& id);
 
     CLightingDatabase& m_database;

@@ -438,8 +438,7 @@ bool CQuorvaneLuminaireDlg::Submit() {
     if (m_withoutCategory > 0) {
         ShowMessage(
             this,
-            FormatText(QStringLiteral("有%d个灯具没有灯具类别,按灯具类型将查不到。请选择类别后再提交。"),
-                       {m_withoutCategory}),
+            FormatText(QStringLiteral("有%d个灯具没有灯具类别,按灯具类型查不到它们。"), {m_withoutCategory}),
             QStringLiteral("灯具库"));
     }
     return true;
@@ -447,8 +446,9 @@ bool CQuorvaneLuminaireDlg::Submit() {
 
 int CQuorvaneLuminaireDlg::CountWithoutCategory() {
     const std::vector<tagLUMINAIREINFO>& records = Working().Records();
-    return static_cast<int>(std::count_if(
-        records.begin(), records.end(), [](const auto& record) { return record.LamphouseTypeID.isEmpty(); }));
+    return static_cast<int>(std::count_if(records.begin(), records.end(), [this](const auto& record) {
+        return record.LamphouseTypeID.isEmpty() && !Working().IsUnwritten(record.ID);
+    }));
 }
 
 // A luminaire may be given the picture of another, which gets a new one in the same go: all such pictures are
@@ -493,15 +493,12 @@ bool CQuorvaneLuminaireDlg::Insert(tagLUMINAIREINFO& record) {
 bool CQuorvaneLuminaireDlg::Update(tagLUMINAIREINFO& record) {
     record.DefaultLamphouse = m_lists.Resolved(record.DefaultLamphouse);
     const CString kept = PictureOf(record).file;
-    const PhotoStore::StoredPhoto stored =
-        m_photos.Store(record.ID, kept.isEmpty() ? record.LampPhoto : kept);
-    const CString source = std::exchange(record.LampPhoto, stored.photo);
-    if (!m_database.UpdateLuminaire(record)) {
-        record.LampPhoto = source;  // the file still names the old picture; the next submit tries again
+    const PhotoStore::StagedPhoto staged =
+        m_photos.Stage(record.ID, kept.isEmpty() ? record.LampPhoto : kept);
+    CString source = std::exchange(record.LampPhoto, staged.photo);
+    if (!m_database.UpdateLuminaire(record) || !m_photos.Place(record.ID, staged)) {
+        record.LampPhoto = std::move(source);  // the next submit tries again
         return false;
-    }
-    if (stored.replaces) {
-        m_photos.DeleteOthers(record.ID, stored.photo);
     }
     const auto luggage = m_luggage.find(record.ID);
     if (luggage != m_luggage.end()) {
@@ -519,6 +516,7 @@ bool CQuorvaneLuminaireDlg::Delete(int id) {
         return false;
     }
     m_photos.Delete(id);
+    m_luggage.erase(id);
     return true;
 }
 

@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <utility>
@@ -26,25 +25,26 @@ bool IsFileName(const CString& name) {
                         [](QChar c) { return c == u'\\' || c == u'/' || c == u':'; });
 }
 
-// The copy grows beside its target and takes the target's place when it is whole and on the disk.
-bool CopyWhole(const CString& source, const CString& target) {
+// A whole copy beside its target, whose place it takes, on the disk, at commit(). Null when it cannot be
+// made.
+std::unique_ptr<QSaveFile> CopyBeside(const CString& source, const CString& target) {
     QFile from(source);
     if (!QFileInfo(source).isFile() || !from.open(QIODevice::ReadOnly)) {
-        return false;
+        return nullptr;
     }
     QDir().mkpath(QFileInfo(target).path());
-    QSaveFile to(target);
-    if (!to.open(QIODevice::WriteOnly)) {
-        return false;
+    auto copy = std::make_unique<QSaveFile>(target);
+    if (!copy->open(QIODevice::WriteOnly)) {
+        return nullptr;
     }
     QByteArray block(kBlock, Qt::Uninitialized);
     qint64 read = 0;
     while ((read = from.read(block.data(), kBlock)) > 0) {
-        if (to.write(block.constData(), read) != read) {
-            return false;
+        if (copy->write(block.constData(), read) != read) {
+            return nullptr;
         }
     }
-    return read == 0 && to.commit();
+    return read == 0 && copy->flush() ? std::move(copy) : nullptr;
 }
 
 }  // namespace
@@ -59,29 +59,38 @@ CString PhotoStore::Folder() const {
     return FilePath(kLibrary);
 }
 
-PhotoStore::StoredPhoto PhotoStore::Store(int luminaireID, const CString& source) {
+PhotoStore::StagedPhoto PhotoStore::Stage(int luminaireID, const CString& source) const {
     if (source.isEmpty()) {
-        return {.photo = {}, .replaces = true};
+        return {};
     }
     const CString name = CString::number(luminaireID) + Extension(source);
     CString relative = kLibrary + name;
     const CString target = FilePath(relative);
-    if (source == relative || NativePath(source) == target) {
-        const CString old = QFile::exists(target) ? CString() : OldPicture(luminaireID);
-        return {.photo = old.isEmpty() ? relative : old};
-    }
+    const bool isOwn = source == relative || NativePath(source) == target;
     // What follows a "." in a folder's name is no extension: such a copy would leave the library.
-    if (!IsFileName(name)) {
-        return {.photo = OldPicture(luminaireID)};
-    }
-    if (!m_baseFolder.isEmpty() && CopyWhole(FilePath(source), target)) {
-        if (m_listing) {
-            m_listing->insert(name);
+    const bool isName = IsFileName(name);
+    if (!isOwn && isName && !m_baseFolder.isEmpty()) {
+        if (auto copy = CopyBeside(FilePath(source), target)) {
+            return {.photo = std::move(relative), .copy = std::move(copy)};
         }
-        return {.photo = relative, .replaces = true};
     }
-    const CString old = OldPicture(luminaireID);
-    return {.photo = old.isEmpty() ? relative : old};
+    CString old = isOwn && QFile::exists(target) ? CString() : OldPicture(luminaireID);
+    return {.photo = old.isEmpty() && isName ? std::move(relative) : std::move(old), .copy = nullptr};
+}
+
+bool PhotoStore::Place(int luminaireID, const StagedPhoto& staged) {
+    if (staged.copy != nullptr) {
+        if (!staged.copy->commit()) {
+            return false;
+        }
+        if (m_listing) {
+            m_listing->insert(QFileInfo(staged.copy->fileName()).fileName());
+        }
+    }
+    if (staged.copy != nullptr || staged.photo.isEmpty()) {
+        DeleteOthers(luminaireID, staged.photo);
+    }
+    return true;
 }
 
 void PhotoStore::DeleteOthers(int luminaireID, const CString& photo) {
@@ -100,14 +109,17 @@ PhotoStore::KeptPicture PhotoStore::Keep(int luminaireID, const CString& source)
     if (m_baseFolder.isEmpty() || source.isEmpty() || source.startsWith(kLibrary + ownStart)) {
         return {};
     }
-    const QFileInfo file(FilePath(source));
-    if (!file.isFile() || file.fileName().startsWith(ownStart) || file.dir() != QDir(Folder())) {
+    // Compared as texts: a path elsewhere is not touched, for its drive may not answer.
+    const QFileInfo file(QDir::cleanPath(FilePath(source)));
+    const bool isInLibrary = file.path().compare(QDir::cleanPath(Folder()), Qt::CaseInsensitive) == 0;
+    if (!isInLibrary || file.fileName().startsWith(ownStart) || !file.isFile()) {
         return {};
     }
     KeptPicture kept{.file = {}, .folder = std::make_shared<QTemporaryDir>()};
-    const CString copy = kept.folder->filePath(file.fileName());
-    if (kept.folder->isValid() && CopyWhole(file.filePath(), copy)) {
-        kept.file = copy;
+    const CString target = kept.folder->filePath(file.fileName());
+    const auto copy = kept.folder->isValid() ? CopyBeside(file.filePath(), target) : nullptr;
+    if (copy != nullptr && copy->commit()) {
+        kept.file = target;
     }
     return kept;
 }

@@ -4,6 +4,7 @@
 // "\Vexal\LuminairePhotoLib\<ID><extension>", in the form that other programs reading the database expect.
 #pragma once
 
+#include <QSaveFile>
 #include <memory>
 #include <optional>
 #include <set>
@@ -23,19 +24,21 @@ public:
     // base folder, any other is a path of its own.
     CString FilePath(const CString& photo) const;
 
-    struct StoredPhoto {
-        CString photo;          // what the luminaire's record is to keep
-        bool replaces = false;  // whether its other files have had their day
+    // A photo on its way into the library.
+    struct StagedPhoto {
+        CString photo;                    // what the luminaire's record is to keep
+        std::unique_ptr<QSaveFile> copy;  // beside the place that it is to take; null: none is to be placed
     };
-    // Makes a copy of the file source the luminaire's picture; an empty source gives an empty text. A source
-    // that already is the luminaire's picture is left alone. When the copy fails the result is the path of
-    // the old picture; without an old picture it is the path that the new one would have had.
+    // Prepares to make the file source the luminaire's picture; an empty source gives an empty text. A source
+    // that already is the luminaire's picture is left alone. When it cannot be copied the result is the path
+    // of the old picture; without an old picture it is the path that the new one would have had.
     //
-    // Whatever another picture is called stays, so that a record which then cannot be written still names a
-    // file. Once the record is written, DeleteOthers takes away what was replaced.
-    StoredPhoto Store(int luminaireID, const CString& source);
-    // Deletes every file "<ID>.*" of the library but that of photo.
-    void DeleteOthers(int luminaireID, const CString& photo);
+    // Nothing in the library changes before Place, so that a record which then cannot be written keeps its
+    // picture.
+    StagedPhoto Stage(int luminaireID, const CString& source) const;
+    // Once the record is written: the copy takes its place, and the luminaire's other files go, as they do
+    // for an empty photo. False when it could not take its place; then they stay.
+    bool Place(int luminaireID, const StagedPhoto& staged);
     // Deletes every file "<ID>.*" of the library.
     void Delete(int luminaireID) { DeleteOthers(luminaireID, {}); }
 
@@ -64,6 +67,8 @@ private:
     using Names = std::set<CString>;
 
     CString Folder() const;
+    // Deletes every file "<ID>.*" of the library but that of photo.
+    void DeleteOthers(int luminaireID, const CString& photo);
     // Names of all files in the library.
     Names AllNames() const;
     // Names of the luminaire's files in the library.

@@ -34,6 +34,9 @@ QByteArray Contents(const CString& path) {
 }  // namespace
 
 QImage LoadPicture(const CString& file, const QSize& area) {
+    // Qt's own limit is lower, and for some formats only. Eight bytes is the most that a pixel takes.
+    static const bool limited = (QImageReader::setAllocationLimit(kMostPixels * 8 >> 20), true);
+    Q_UNUSED(limited)
     QByteArray contents = Contents(file);
     QBuffer buffer(&contents);
     buffer.open(QIODevice::ReadOnly);

@@ -190,8 +190,9 @@ private Q_SLOTS:
                      "23 22 0:5 / /sys/fs rw shared:2 master:1 - sysfs sysfs rw\n"
                      "24 22 0:6 / /srv/\\345\\233\\276\\040a\\134b rw shared:2 - nfs4 box:/a\\040-\\040b rw\n"
                      "25 22 0:7 / /run/media/me/- rw - vfat /dev/sdb1 rw\n"
+                     "28 22 0:9 / /run/user/1/gvfs rw - fuse.gvfsd-fuse gvfsd-fuse rw\n"
                      "26 22 0:8 / /mnt/cut rw -\n27 22\n\n"),
-                 QStringList({u"/"_qs, u"/run/media/me/-"_qs, u"/srv/图 a\\b"_qs}));
+                 QStringList({u"/"_qs, u"/run/media/me/-"_qs, u"/run/user/1/gvfs"_qs, u"/srv/图 a\\b"_qs}));
         QVERIFY(LogicalDrives().contains(QDir::toNativeSeparators(QDir::rootPath())));
     }
 

@@ -35,11 +35,8 @@ struct Disk {
     }
     // As a page stores the photo of a luminaire whose record can be written.
     QString Store(int id, const QString& source) {
-        const PhotoStore::StoredPhoto stored = store.Store(id, source);
-        if (stored.replaces) {
-            store.DeleteOthers(id, stored.photo);
-        }
-        return stored.photo;
+        const PhotoStore::StagedPhoto staged = store.Stage(id, source);
+        return store.Place(id, staged) ? staged.photo : u"not placed"_qs;
     }
 
     QTemporaryDir folder;
@@ -55,7 +52,7 @@ private Q_SLOTS:
     void StoresUnderTheId_data();
     void StoresUnderTheId();
     void FailedFirstCopyKeepsThePathItWouldHave();
-    void ReplacedPictureOutlivesTheStore();
+    void NothingChangesBeforeItIsPlaced();
     void KeepsTheLibrarysPictures();
 };
 
@@ -110,16 +107,16 @@ void TestPhotoStore::FailedFirstCopyKeepsThePathItWouldHave() {
     QCOMPARE(disk.Store(12, u"\\no\\extension"_qs), QString());
 }
 
-// Also when the folder is read only once: what was copied meanwhile is known, what was deleted is not.
-void TestPhotoStore::ReplacedPictureOutlivesTheStore() {
+// The folder is read only once: what was placed meanwhile is known, what was deleted is not.
+void TestPhotoStore::NothingChangesBeforeItIsPlaced() {
     Disk disk;
-    disk.Write({u"L/12.bmp"_qs, u"L/7.bmp"_qs, u"B/.JPG"_qs});
+    disk.Write({u"L/12.bmp"_qs, u"L/7.bmp"_qs, u"B/.JPG"_qs, u"B/b.bmp"_qs});
     const PhotoStore::OneListing listing(disk.store);
-    QCOMPARE(disk.store.Store(12, disk.Path(u"B/.JPG"_qs)).photo, u"\\Vexal\\LuminairePhotoLib\\12.JPG"_qs);
-    QCOMPARE(disk.store.Store(7, {}).photo, QString());
-    QCOMPARE(disk.Library(), u"12.JPG=B/.JPG 12.bmp 7.bmp"_qs);
-    disk.store.DeleteOthers(12, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
+    QCOMPARE(disk.store.Stage(12, disk.Path(u"B/b.bmp"_qs)).photo, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
+    QCOMPARE(disk.store.Stage(7, {}).photo, QString());
     QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_qs);
+    disk.Store(12, disk.Path(u"B/.JPG"_qs));
+    QCOMPARE(disk.Library(), u"12.JPG=B/.JPG 7.bmp"_qs);
     disk.store.Delete(12);
     QCOMPARE(disk.Library(), u"7.bmp"_qs);
 }

@@ -4,6 +4,7 @@
 #include <QTest>
 #include <map>
 #include <optional>
+#include <utility>
 
 #include "tests/editors/shown_luminaires.h"
 
@@ -16,6 +17,7 @@ struct Luminaire {
     QString categories, name, count = u"0"_qs, lightSource, photo;
     int efficiency = 0;
     QString picture = {};  // what photo showed when it was chosen or copied
+    std::optional<QStringList> pastedFactors = {};
 
     QString Text() const {
         return u"%1|'%2'|'%3'|%4.0|'%5'|'%6'|'%7'"_qs.arg(id)
@@ -33,7 +35,7 @@ struct World {
     std::map<QString, QString> sources;                 // contents, by path
     QString library;                                    // its folder
     std::vector<Luminaire> rows;
-    std::vector<int> deleted;
+    std::vector<Luminaire> deleted;
     std::optional<Luminaire> copied;
     QStringList copiedFactors;
     QString category = u"1"_qs;
@@ -69,6 +71,9 @@ struct World {
     void Write(Luminaire& luminaire) {
         luminaire.id = luminaire.id < 0 ? ++lastId : luminaire.id;
         const int id = luminaire.id;
+        if (luminaire.pastedFactors) {
+            factors[id] = *std::exchange(luminaire.pastedFactors, std::nullopt);
+        }
         if (luminaire.photo.isEmpty()) {
             photos.erase(id);
         } else {
@@ -85,10 +90,10 @@ struct World {
         for (Luminaire& luminaire : rows) {
             Write(luminaire);
         }
-        for (const int id : deleted) {
-            file.erase(id);
-            factors.erase(id);
-            photos.erase(id);
+        for (const Luminaire& luminaire : deleted) {
+            file.erase(luminaire.id);
+            factors.erase(luminaire.id);
+            photos.erase(luminaire.id);
         }
         deleted.clear();
         modified = false;
@@ -100,10 +105,17 @@ struct World {
             rows.push_back(pasted);
         }
         rows[row] = pasted;
-        Write(rows[row]);
-        factors[rows[row].id] = copiedFactors;
+        rows[row].pastedFactors = copiedFactors;
     }
 
+    void DeleteInVain() {
+        for (const Luminaire& luminaire : deleted) {
+            if (luminaire.id > 0) {
+                rows.push_back(luminaire);
+            }
+        }
+        deleted.clear();
+    }
     bool HasUncategorized() const {
         return std::any_of(rows.begin(), rows.end(),
                            [](const auto& row) { return row.categories.isEmpty(); });
@@ -173,13 +185,11 @@ public:
             return u"copy %1"_qs.arg(row);
         }
         if (kind < 8 && m_world.copied) {
-            m_page.PressButton(PasteButton, row);
-            m_world.Paste(place);
-            return u"paste %1"_qs.arg(row);
+            return Paste(place, row);
         }
         if (kind == 8 && !isAppend) {
             m_page.DeleteRow(row);
-            m_world.deleted.push_back(m_world.rows[place].id);
+            m_world.deleted.push_back(m_world.rows[place]);
             m_world.rows.erase(m_world.rows.begin() + row - 1);
             m_world.modified = true;
             return u"delete %1"_qs.arg(row);
@@ -188,9 +198,7 @@ public:
             ChangeFilter();
             return u"filter"_qs;
         }
-        m_page.Submit();
-        m_world.Submit();
-        return u"submit"_qs;
+        return Submit();
     }
 
     // What differs; empty when nothing does.
@@ -282,6 +290,35 @@ private:
             m_world.copiedFactors = values == m_world.factors.end() ? QStringList() : values->second;
         }
     }
+    // In a file that others hold a paste stores nothing, and all of it at the next submit.
+    QString Paste(size_t place, int row) {
+        std::optional<RawDatabase> lock = MaybeLock();
+        m_page.PressButton(PasteButton, row);
+        m_world.Paste(place);
+        if (lock) {
+            lock.reset();
+            return u"paste %1 locked, "_qs.arg(row) + Submit();
+        }
+        m_world.Write(m_world.rows[place]);
+        return u"paste %1"_qs.arg(row);
+    }
+    QString Submit() {
+        if (std::optional<RawDatabase> lock = MaybeLock()) {
+            m_page.Submit();
+            m_world.DeleteInVain();
+        }
+        m_page.Submit();
+        m_world.Submit();
+        return u"submit"_qs;
+    }
+    std::optional<RawDatabase> MaybeLock() {
+        if (m_random.bounded(4) > 0) {
+            return std::nullopt;
+        }
+        RawDatabase lock = m_page.file.Raw();
+        lock.Execute(u"begin immediate"_qs);
+        return lock;
+    }
     void ChangeFilter() {
         const bool submit = m_random.bounded(2) == 0;
         if (m_world.modified) {
@@ -317,7 +354,7 @@ private Q_SLOTS:
 
 void TestLuminaireSequences::FileFollowsTheModel_data() {
     QTest::addColumn<quint32>("seed");
-    for (quint32 seed = 1; seed <= 12; ++seed) {
+    for (quint32 seed = 1; seed <= 8; ++seed) {
         QTest::addRow("%u", seed) << seed;
     }
 }

@@ -115,19 +115,15 @@ void CQuorvaneLamphouseDlg::ChooseMode(Mode mode) {
     }
     ShowMode(mode);
     (mode == Mode::ByCategory ? m_makers : m_categories)->ClearSelection();
+    (mode == Mode::ByCategory ? m_lastMaker : m_lastCategory).clear();
     Working().BeginLoad().clear();
     FillGrid();
 }
 
-// lastText is the text that the list goes back to when the present slice cannot be left; it is the new one
-// when it can, so that a choice made by key without opening the list goes back as well.
 void CQuorvaneLamphouseDlg::ChangeFilter(CEaseComboBox* list, CString& lastText) {
-    if (!SettleChanges()) {
-        list->SelectString(lastText);
-        return;
+    if (SettleChoice(*list, lastText)) {
+        Load();
     }
-    lastText = list->currentText();
-    Load();
 }
 
 void CQuorvaneLamphouseDlg::Load() {

@@ -160,16 +160,9 @@ CString CQuorvaneLuminaireDlg::FilterCategoryIds() {
 }
 
 void CQuorvaneLuminaireDlg::ChangeFilter() {
-    m_withoutCategory = 0;
-    const bool settled = SettleChanges();
-    if (settled && m_withoutCategory > 0) {
-        FillGrid();  // the user has just been told of some that no filter will show again
-    }
-    if (!settled || m_withoutCategory > 0) {
-        m_filter->SelectString(m_lastFilter);
+    if (!SettleChoice(*m_filter, m_lastFilter)) {
         return;
     }
-    m_lastFilter = m_filter->currentText();
     m_lists.Forget();
     m_luggage.clear();
     const bool whole = m_database.LoadLuminairesByType(FilterCategoryIds(), Working().BeginLoad());

@@ -37,6 +37,8 @@ protected:
     bool Insert(tagLUMINAIREINFO& record) override;
     bool Update(tagLUMINAIREINFO& record) override;
     bool Delete(int id) override;
+    // Also when luminaires were written that no filter will show again.
+    bool NeedsAnotherLook() const override { return RecordPage::NeedsAnotherLook() || m_withoutCategory > 0; }
 
 private:
     using Factors = std::vector<tagLUMINAIREUTILIZATIONFACTOR>;

@@ -12,6 +12,7 @@
 
 #include "data/number_text.h"
 #include "editors/grid_page.h"
+#include "widgets/ease_combo_box.h"
 
 namespace quorvane {
 
@@ -94,7 +95,8 @@ protected:
     WorkingRecords<Record>& Working() { return m_records; }
 
     // Before the shown records are replaced: submits or drops pending changes as the user wishes. False when
-    // some could not be submitted: they are shown, marked, so that nothing typed is lost unseen.
+    // the user has to see to some of them: those that could not be submitted are shown, marked, so that
+    // nothing typed is lost unseen.
     bool SettleChanges() {
         EndEditing();
         if (!IsModified()) {
@@ -105,11 +107,27 @@ protected:
             return true;
         }
         Submit();
-        if (m_records.HasUnwritten()) {
+        if (NeedsAnotherLook()) {
             FillGrid();
             PointOutUnwritten();
             return false;
         }
+        return true;
+    }
+    // Whether the submit that has just ended leaves something to the user that only the shown records tell.
+    virtual bool NeedsAnotherLook() const { return m_records.HasUnwritten(); }
+
+    // Before another choice of a list of filters is followed. When changes cannot be settled the list goes
+    // back to present, the choice that the shown records belong to; until they are, it is already there,
+    // since an append row takes over what is chosen. Else present becomes the new choice.
+    bool SettleChoice(CEaseComboBox& list, CString& present) {
+        const CString chosen = list.currentText();
+        list.SelectString(present);
+        if (!SettleChanges()) {
+            return false;
+        }
+        list.SelectString(chosen);
+        present = chosen;
         return true;
     }
 

@@ -202,6 +202,7 @@ private Q_SLOTS:
         fixture.Choose(kCategoryList, 0);
         QCOMPARE(fixture.answers.TakeSeen().size(), 2);
         QCOMPARE(DialogItem<QComboBox>(fixture.page, kCategoryList)->currentText(), u"荧光灯"_qs);
+        QCOMPARE(fixture.grid->GetItemText(4, Category), u"荧光灯"_qs);  // that of the append row
         QVERIFY(fixture.page->IsModified());
         QCOMPARE(fixture.grid->GetItemText(1, Power), u"37"_qs);
         other.Execute(u"rollback"_qs);

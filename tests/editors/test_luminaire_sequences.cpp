@@ -78,8 +78,8 @@ struct World {
             photos.erase(id);
         } else {
             const QString extension = luminaire.photo.mid(luminaire.photo.lastIndexOf(u'.'));
-            if (!IsOwn(luminaire.photo, id, extension) && !luminaire.picture.isEmpty()) {
-                photos[id] = {extension, luminaire.picture};
+            if (!luminaire.picture.isEmpty()) {
+                photos[id] = {extension, std::exchange(luminaire.picture, {})};
             }
             luminaire.photo =
                 Relative(QString::number(id) + (photos.contains(id) ? photos[id].first : extension));

@@ -193,14 +193,11 @@ void CQuorvaneLuminaireDlg::showEvent(QShowEvent* event) {
 
 void CQuorvaneLuminaireDlg::RenewLightSourceCells() {
     m_lists.Forget();
-    for (int row = 1; row < Grid().GetRowCount(); ++row) {
-        const tagLUMINAIREINFO* record = Working().Find(Grid().GetItemData(row, 0));
-        if (record != nullptr) {
-            WriteLightSourceCells(row, *record);
-        } else {
-            WriteAppendRowLightSource(row);
-        }
+    int row = 0;
+    for (const tagLUMINAIREINFO& record : Working().Records()) {
+        WriteLightSourceCells(++row, record);
     }
+    WriteAppendRowLightSource(row + 1);
     if (!m_lists.IsWhole()) {
         TellIncompleteLoadSoon();
     }

@@ -486,7 +486,12 @@ bool CQuorvaneLuminaireDlg::Update(tagLUMINAIREINFO& record) {
     const PhotoStore::StagedPhoto staged =
         m_photos.Stage(record.ID, kept.isEmpty() ? record.LampPhoto : kept);
     CString source = std::exchange(record.LampPhoto, staged.photo);
-    if (!m_database.UpdateLuminaire(record) || !m_photos.Place(record.ID, staged)) {
+    bool written = m_database.UpdateLuminaire(record);
+    if (written && !m_photos.Place(record.ID, staged)) {
+        record.LampPhoto = staged.old;
+        written = m_database.UpdateLuminaire(record);
+    }
+    if (!written) {
         record.LampPhoto = std::move(source);  // the next submit tries again
         return false;
     }

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "data/database_path.h"
+#include "editors/background.h"
 
 namespace quorvane {
 namespace {
@@ -47,6 +48,14 @@ std::unique_ptr<QSaveFile> CopyBeside(const CString& source, const CString& targ
     return read == 0 && copy->flush() ? std::move(copy) : nullptr;
 }
 
+// Also by another way, such as a link. One that takes long leads to a drive that does not answer.
+bool IsSameFolder(const QString& folder, const QString& other) {
+    constexpr std::chrono::milliseconds patience(200);
+    return folder.compare(other, Qt::CaseInsensitive) == 0 || Background::Within(patience, [folder, other] {
+                                                                  return QDir(folder) == QDir(other);
+                                                              }).value_or(false);
+}
+
 }  // namespace
 
 PhotoStore::PhotoStore(CString baseFolder) : m_baseFolder(std::move(baseFolder)) {}
@@ -71,11 +80,12 @@ PhotoStore::StagedPhoto PhotoStore::Stage(int luminaireID, const CString& source
     const bool isName = IsFileName(name);
     if (!isOwn && isName && !m_baseFolder.isEmpty()) {
         if (auto copy = CopyBeside(FilePath(source), target)) {
-            return {.photo = std::move(relative), .copy = std::move(copy)};
+            CString old = OldPicture(luminaireID, name);
+            return {.photo = relative, .copy = std::move(copy), .old = old.isEmpty() ? relative : old};
         }
     }
     CString old = isOwn && QFile::exists(target) ? CString() : OldPicture(luminaireID);
-    return {.photo = old.isEmpty() && isName ? std::move(relative) : std::move(old), .copy = nullptr};
+    return {.photo = old.isEmpty() && isName ? relative : old, .copy = nullptr, .old = {}};
 }
 
 bool PhotoStore::Place(int luminaireID, const StagedPhoto& staged) {
@@ -109,10 +119,9 @@ PhotoStore::KeptPicture PhotoStore::Keep(int luminaireID, const CString& source)
     if (m_baseFolder.isEmpty() || source.isEmpty() || source.startsWith(kLibrary + ownStart)) {
         return {};
     }
-    // Compared as texts: a path elsewhere is not touched, for its drive may not answer.
     const QFileInfo file(QDir::cleanPath(FilePath(source)));
-    const bool isInLibrary = file.path().compare(QDir::cleanPath(Folder()), Qt::CaseInsensitive) == 0;
-    if (!isInLibrary || file.fileName().startsWith(ownStart) || !file.isFile()) {
+    if (!IsSameFolder(file.path(), QDir::cleanPath(Folder())) || file.fileName().startsWith(ownStart) ||
+        !file.isFile()) {
         return {};
     }
     KeptPicture kept{.file = {}, .folder = std::make_shared<QTemporaryDir>()};
@@ -144,9 +153,9 @@ std::vector<CString> PhotoStore::FileNames(int luminaireID) const {
 }
 
 // A name with a second "." is no picture but, for instance, what an interrupted copy left behind.
-CString PhotoStore::OldPicture(int luminaireID) const {
+CString PhotoStore::OldPicture(int luminaireID, const CString& newName) const {
     for (const CString& name : FileNames(luminaireID)) {
-        if (name.count(u'.') == 1) {
+        if (name != newName && name.count(u'.') == 1) {
             return kLibrary + name;
         }
     }

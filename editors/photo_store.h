@@ -28,6 +28,7 @@ public:
     struct StagedPhoto {
         CString photo;                    // what the luminaire's record is to keep
         std::unique_ptr<QSaveFile> copy;  // beside the place that it is to take; null: none is to be placed
+        CString old;                      // what the record is to keep when the copy cannot take its place
     };
     // Prepares to make the file source the luminaire's picture; an empty source gives an empty text. A source
     // that already is the luminaire's picture is left alone. When it cannot be copied the result is the path
@@ -73,7 +74,8 @@ private:
     Names AllNames() const;
     // Names of the luminaire's files in the library.
     std::vector<CString> FileNames(int luminaireID) const;
-    CString OldPicture(int luminaireID) const;
+    // The luminaire's picture in the library that is not called newName, or an empty text.
+    CString OldPicture(int luminaireID, const CString& newName = {}) const;
 
     CString m_baseFolder;
     std::optional<Names> m_listing;  // while a OneListing lives

@@ -122,7 +122,11 @@ protected:
     // since an append row takes over what is chosen. Else present becomes the new choice.
     bool SettleChoice(CEaseComboBox& list, CString& present) {
         const CString chosen = list.currentText();
-        list.SelectString(present);
+        if (present.isEmpty()) {
+            list.ClearSelection();
+        } else {
+            list.SelectString(present);
+        }
         if (!SettleChanges()) {
             return false;
         }

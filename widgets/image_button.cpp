@@ -14,12 +14,27 @@ void CImageButton::SetImage(IconId icon, const QString& toolTip) {
     setToolTip(toolTip);
 }
 
+namespace {
+
+QKeyEvent EnterAsSpace(const QKeyEvent& event) {
+    const bool isEnter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    return {event.type(), isEnter ? Qt::Key_Space : event.key(), event.modifiers(), event.text(),
+            event.isAutoRepeat()};
+}
+
+}  // namespace
+
+// Like Space it works when it is let go: held down it would also answer what the button asks.
 void CImageButton::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        click();
-    } else {
-        QPushButton::keyPressEvent(event);
-    }
+    QKeyEvent pressed = EnterAsSpace(*event);
+    QPushButton::keyPressEvent(&pressed);
+    event->setAccepted(pressed.isAccepted());
+}
+
+void CImageButton::keyReleaseEvent(QKeyEvent* event) {
+    QKeyEvent released = EnterAsSpace(*event);
+    QPushButton::keyReleaseEvent(&released);
+    event->setAccepted(released.isAccepted());
 }
 
 }  // namespace quorvane

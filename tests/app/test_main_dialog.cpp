@@ -151,7 +151,10 @@ private Q_SLOTS:
         for (const int id : {0, kSubmit, kDelete, kExit}) {
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
             QVERIFY(id == 0 || QApplication::focusWidget() == DialogItem(fixture.dialog.get(), id));
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+            const QStringList before = fixture.calls;
+            QTest::keyPress(QApplication::focusWidget(), Qt::Key_Return);
+            QCOMPARE(fixture.calls, before);  // a key held down must not answer what the button asks
+            QTest::keyRelease(QApplication::focusWidget(), Qt::Key_Return);
         }
         QCOMPARE(fixture.calls, QStringList({u"light.submit"_qs, u"light.refresh"_qs, u"light.delete"_qs}));
         QVERIFY(!fixture.dialog->isVisible());

@@ -115,6 +115,14 @@ void TestPhotoStore::NothingChangesBeforeItIsPlaced() {
     QCOMPARE(disk.store.Stage(12, disk.Path(u"B/b.bmp"_qs)).photo, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
     QCOMPARE(disk.store.Stage(7, {}).photo, QString());
     QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_qs);
+    {
+        const PhotoStore::StagedPhoto unplaceable = disk.store.Stage(12, disk.Path(u"B/.JPG"_qs));
+        QVERIFY(QDir().mkdir(disk.Path(u"L/12.JPG"_qs)));
+        QVERIFY(!disk.store.Place(12, unplaceable));
+        QCOMPARE(unplaceable.old, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
+        QVERIFY(QDir().rmdir(disk.Path(u"L/12.JPG"_qs)));
+    }
+    QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_qs);
     disk.Store(12, disk.Path(u"B/.JPG"_qs));
     QCOMPARE(disk.Library(), u"12.JPG=B/.JPG 7.bmp"_qs);
     disk.store.Delete(12);
@@ -133,6 +141,10 @@ void TestPhotoStore::KeepsTheLibrarysPictures() {
     disk.Store(7, twelve.file);
     disk.Store(12, seven.file);
     QCOMPARE(disk.Library(), u"12.bmp=L/7.bmp 7.bmp=L/12.bmp"_qs);
+#ifdef Q_OS_UNIX
+    QVERIFY(QFile::link(disk.Path(u"B/Vexal"_qs), disk.Path(u"B/link"_qs)));
+    QVERIFY(!disk.store.Keep(12, disk.Path(u"B/link/LuminairePhotoLib/7.bmp"_qs)).file.isEmpty());
+#endif
     const QString file = seven.file;
     seven = {};
     QVERIFY(!QFile::exists(file) && QFile::exists(twelve.file));

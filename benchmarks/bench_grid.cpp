@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <memory>
 #include <vector>
 
@@ -36,13 +35,6 @@ double MebibytesInUse() {
 #else
     return 0;
 #endif
-}
-
-double Milliseconds(const std::function<void()>& work) {
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
 // The texts of the table, made beforehand; all of one length, so that painting costs the same in every row.

@@ -5,7 +5,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -53,14 +52,6 @@ SampleData MakeData(int luminaires, int lightSourcesACategory) {
 
 double Bytes() {
     return static_cast<double>(mallinfo2().uordblks + mallinfo2().hblkhd);
-}
-
-template <typename Work>
-double Milliseconds(Work work) {
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
 // A page over a database of its own, still without a category.

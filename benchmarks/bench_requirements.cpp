@@ -2,7 +2,6 @@
 // against the bare query through the data layer.
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTreeWidget>
@@ -43,14 +42,6 @@ SampleData LargeBuildingType() {
     data.Requirements.back().ID = kRows + 1;
     data.Requirements.back().BuildingType = kEmpty;
     return data;
-}
-
-template <typename Work>
-double Milliseconds(Work work) {
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
 }  // namespace

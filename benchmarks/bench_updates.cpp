@@ -8,7 +8,6 @@
 
 #include <QDir>
 #include <QTemporaryDir>
-#include <chrono>
 #include <cstdlib>
 
 #include "benchmarks/report.h"
@@ -69,13 +68,6 @@ QByteArray StatementOf(int id, int round) {
                   "LamphousePower=%G,Factory='晨光照明',LamphouseName='直管荧光灯' where ID=%d",
                   1 + id % 10, 2000.5 + id + round, 28.5, id);
     return text;
-}
-
-template <typename Action>
-double Milliseconds(const Action& action) {
-    const auto start = std::chrono::steady_clock::now();
-    action();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <vector>
 
@@ -12,6 +13,14 @@ inline double Median(std::vector<double> values) {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
     std::nth_element(values.begin(), middle, values.end());
     return *middle;
+}
+
+// How long work() takes.
+template <typename Work>
+double Milliseconds(Work work) {
+    const auto begun = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begun).count();
 }
 
 // Prints "name: measured unit, yardstick unit, ratio, target, met or missed". The target is the largest ratio

@@ -9,6 +9,7 @@
 #include "data/text_format.h"
 #include "editors/factor_table_dialog.h"
 #include "editors/light_source_text.h"
+#include "editors/luminaire_columns.h"
 #include "editors/mixed_light_source_dialog.h"
 #include "editors/photo_dialog.h"
 #include "editors/text_checks.h"
@@ -18,6 +19,9 @@
 #include "widgets/message_box.h"
 
 namespace quorvane {
+
+using namespace luminaire_columns;
+
 namespace {
 
 constexpr int kFilterLabel = 1007;
@@ -33,24 +37,6 @@ const DialogControl kTemplate[] = {
     {kCopy, ControlKind::PushButton, u"复制", {318, 8, 44, 16}},
     {kPaste, ControlKind::PushButton, u"粘贴", {372, 8, 44, 16}},
     {kGridFrame, ControlKind::Frame, u"", {7, 30, 456, 203}},
-};
-
-enum Column {
-    Number,
-    Name,
-    Model,
-    Efficiency,
-    MaxLhAA,
-    MaxLhBB,
-    Categories,
-    LightSources,
-    LightSourceCount,
-    BallastCount,
-    BallastPower,
-    Maker,
-    Photo,
-    FactorKind,
-    FactorTable,
 };
 
 const GridColumn kColumns[] = {

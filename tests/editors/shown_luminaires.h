@@ -7,6 +7,7 @@
 #include <QListWidget>
 #include <functional>
 
+#include "editors/luminaire_columns.h"
 #include "editors/luminaire_page.h"
 #include "tests/support/shown_page.h"
 
@@ -14,23 +15,7 @@ namespace quorvane {
 
 enum Control { Ok = 1, Cancel = 2, Filter = 1006, CopyButton = 1022, PasteButton = 1023 };
 enum PhotoControl { PhotoPath = 1025, PhotoClear = 1026 };
-enum Column {
-    Number,
-    Name,
-    Model,
-    Efficiency,
-    MaxLhAA,
-    MaxLhBB,
-    Categories,
-    LightSources,
-    Count,
-    BallastCount,
-    BallastPower,
-    Maker,
-    Photo,
-    Kind,
-    Table,
-};
+using namespace luminaire_columns;
 
 // Light sources whose names hold a colon, a comma, or nothing at all; a category whose name holds a comma.
 inline const QString kLists =

@@ -64,7 +64,7 @@ void TestLuminairePage::ShowsACategory() {
              u"4|模组灯|D4|60|0|0|LED,模组|999|1|0|0|||RCR|"_qs, u"追加|||0|0|0||直管:T8|0|0|0|||RCR|"_qs}));
     QCOMPARE(fixture.grid->GetItemData(2, Number), 32);
     for (const auto& [row, isMixed] : {std::pair{1, false}, {2, false}, {3, true}, {4, true}, {5, false}}) {
-        QCOMPARE(fixture.grid->IsCellEditable(row, Count), !isMixed);
+        QCOMPARE(fixture.grid->IsCellEditable(row, LightSourceCount), !isMixed);
         QCOMPARE(fixture.grid->EditingOf({row, LightSources}) == CellEditing::Choice, !isMixed);
         QVERIFY(!fixture.grid->IsCellEditable(row, Categories));
     }
@@ -85,9 +85,9 @@ void TestLuminairePage::EditsTouchTheirOwnCellOnly() {
     QCOMPARE(fixture.grid->GetItemText(1, BallastCount), u"2147483647"_qs);
     fixture.Type(1, BallastCount, u"1.5"_qs);
     fixture.Type(1, BallastPower, u" 7.25 "_qs);
-    fixture.Type(1, Count, u""_qs);
-    QCOMPARE(fixture.grid->GetItemText(1, Count), u"0"_qs);
-    fixture.PickEntry(1, Kind, u"RCR"_qs);
+    fixture.Type(1, LightSourceCount, u""_qs);
+    QCOMPARE(fixture.grid->GetItemText(1, LightSourceCount), u"0"_qs);
+    fixture.PickEntry(1, FactorKind, u"RCR"_qs);
     fixture.Type(4, Maker, u"丁厂"_qs);
     QVERIFY(fixture.page->IsModified());
     fixture.Submit();
@@ -136,7 +136,7 @@ void TestLuminairePage::AppendRowBecomesARecord() {
     fixture.PickPhoto(5, fixture.WriteFile(fixture.file.Folder() + u"/p.bmp"_qs, "p"));
     QVERIFY(!fixture.page->IsModified());
     QCOMPARE(fixture.AppendRow(), 5);
-    fixture.PressCell(5, Table);  // opens nothing for no luminaire
+    fixture.PressCell(5, FactorTable);  // opens nothing for no luminaire
     fixture.Type(5, Name, u"新灯"_qs);
     QCOMPARE(fixture.grid->GetItemData(5, Number), -1);
     QCOMPARE(fixture.AppendRow(), 6);
@@ -154,7 +154,7 @@ void TestLuminairePage::AppendRowBecomesARecord() {
     fixture.Type(7, Name, u"带表"_qs);
     const DialogAnswer answer(u"factorTableDialog"_qs,
                               [](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
-    fixture.PressCell(7, Table);
+    fixture.PressCell(7, FactorTable);
     QVERIFY(answer.WasShown);
     QCOMPARE(fixture.Field("LampName", 37), u"带表"_qs);
     QCOMPARE(fixture.grid->GetItemData(7, Number), 37);
@@ -167,10 +167,10 @@ void TestLuminairePage::ChosenTypesPrepareTheLightSources() {
     fixture.PickTypes(1, {u"混光灯"_qs}, Qt::Key_Tab);
     QCOMPARE(fixture.grid->GetItemText(1, Categories), u"混光灯"_qs);
     QCOMPARE(fixture.grid->GetItemText(1, LightSources), u"细管:T5"_qs);
-    QVERIFY(!fixture.grid->IsCellEditable(1, Count));
+    QVERIFY(!fixture.grid->IsCellEditable(1, LightSourceCount));
     fixture.PickTypes(3, {u"混光灯"_qs, u"白炽灯"_qs}, Qt::Key_Return);
     QCOMPARE(fixture.grid->GetItemText(3, LightSources), u"泡:a:Q"_qs);  // none of the old two is offered
-    QVERIFY(fixture.grid->IsCellEditable(3, Count));
+    QVERIFY(fixture.grid->IsCellEditable(3, LightSourceCount));
     fixture.Submit();
     QCOMPARE(fixture.Field("LamphouseTypeID||'|'||DefaultLamphouse||'|'||LamphouseCount", 31), u"5|12|2"_qs);
     QVERIFY(fixture.Field("LamphouseTypeID", 33).contains(u'2'));
@@ -192,7 +192,7 @@ void TestLuminairePage::MixedLightIsSetInItsDialog() {
         fixture.PressCell(3, LightSources);
         QVERIFY(answer.WasShown);
         QCOMPARE(fixture.page->IsModified(), isTaken);
-        QCOMPARE(fixture.grid->GetItemText(3, Count), isTaken ? u"1,7"_qs : u"1,2"_qs);
+        QCOMPARE(fixture.grid->GetItemText(3, LightSourceCount), isTaken ? u"1,7"_qs : u"1,2"_qs);
     }
     fixture.Submit();
     QCOMPARE(fixture.Field("DefaultLamphouse||'|'||LamphouseCount", 33), u"11,12|1,7"_qs);
@@ -220,7 +220,7 @@ void TestLuminairePage::PhotoIsChosenStoredAndTakenAway() {
     fixture.PickPhoto(2, fixture.Library() + u"31.bmp"_qs);
     const DialogAnswer answer(u"factorTableDialog"_qs,
                               [](QWidget* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); });
-    fixture.PressCell(1, Table);
+    fixture.PressCell(1, FactorTable);
     fixture.Submit();
     QCOMPARE(fixture.Photos(), QStringList({u"131.jpg=other"_qs, u"31.gif=new"_qs, u"32.bmp=b"_qs}));
     fixture.PickPhoto(2, {});

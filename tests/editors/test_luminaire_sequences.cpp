@@ -261,7 +261,7 @@ private:
                 break;
             default:
                 luminaire.count = text;
-                m_page.Type(row, Count, text);
+                m_page.Type(row, LightSourceCount, text);
                 break;
         }
         m_world.modified = true;

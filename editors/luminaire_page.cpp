@@ -410,11 +410,11 @@ bool CQuorvaneLuminaireDlg::Submit() {
         const PhotoStore::OneListing listing(m_photos);
         RecordPage::Submit();
     }
-    m_withoutCategory = CountWithoutCategory();
-    if (m_withoutCategory > 0) {
+    const int withoutCategory = CountWithoutCategory();
+    if (withoutCategory > 0) {
         ShowMessage(
             this,
-            FormatText(QStringLiteral("有%d个灯具没有灯具类别,按灯具类型查不到它们。"), {m_withoutCategory}),
+            FormatText(QStringLiteral("有%d个灯具没有灯具类别,按灯具类型查不到它们。"), {withoutCategory}),
             QStringLiteral("灯具库"));
     }
     return true;

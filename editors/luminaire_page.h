@@ -38,7 +38,7 @@ protected:
     bool Update(tagLUMINAIREINFO& record) override;
     bool Delete(int id) override;
     // Also when luminaires were written that no filter will show again.
-    bool NeedsAnotherLook() const override { return RecordPage::NeedsAnotherLook() || m_withoutCategory > 0; }
+    bool NeedsAnotherLook() override { return RecordPage::NeedsAnotherLook() || CountWithoutCategory() > 0; }
 
 private:
     using Factors = std::vector<tagLUMINAIREUTILIZATIONFACTOR>;
@@ -95,7 +95,6 @@ private:
     QPushButton* m_paste;
     CopyBuffer m_copied;
     std::map<int, Luggage> m_luggage;  // by record ID
-    int m_withoutCategory = 0;         // luminaires that the last submit wrote so
 };
 
 }  // namespace quorvane

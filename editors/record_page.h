@@ -115,7 +115,7 @@ protected:
         return true;
     }
     // Whether the submit that has just ended leaves something to the user that only the shown records tell.
-    virtual bool NeedsAnotherLook() const { return m_records.HasUnwritten(); }
+    virtual bool NeedsAnotherLook() { return m_records.HasUnwritten(); }
 
     // Before another choice of a list of filters is followed. When changes cannot be settled the list goes
     // back to present, the choice that the shown records belong to; until they are, it is already there,

@@ -8,7 +8,7 @@
 #include "app/main_dialog.h"
 #include "data/store/store_factory.h"
 #include "editors/light_source_page.h"
-#include "editors/luminaire_page.h"
+#include "editors/luminaire/luminaire_page.h"
 #include "editors/requirement_page.h"
 #include "widgets/icons.h"
 #include "widgets/message_box.h"

@@ -3,7 +3,7 @@
 
 #include "app/application.h"
 #include "app/single_instance.h"
-#include "editors/background.h"
+#include "model/background.h"
 
 namespace {
 

@@ -18,8 +18,8 @@
 #include "benchmarks/report.h"
 #include "data/lighting_database.h"
 #include "data/store/store_factory.h"
-#include "editors/factor_table_dialog.h"
-#include "editors/factor_table_grid.h"
+#include "editors/factor_table/factor_table_dialog.h"
+#include "editors/factor_table/factor_table_grid.h"
 #include "tools/database_schema.h"
 #include "widgets/dialog_template.h"
 

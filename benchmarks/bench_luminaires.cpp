@@ -10,7 +10,7 @@
 
 #include "benchmarks/report.h"
 #include "data/store/store_factory.h"
-#include "editors/luminaire_page.h"
+#include "editors/luminaire/luminaire_page.h"
 #include "tools/sample_database.h"
 #include "widgets/dialog_template.h"
 

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "benchmarks/report.h"
-#include "editors/directory_tree.h"
-#include "editors/photo_dialog.h"
+#include "editors/photo/directory_tree.h"
+#include "editors/photo/photo_dialog.h"
 
 using namespace quorvane;
 

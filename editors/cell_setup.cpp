@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "grid/btn_data_base.h"
-#include "grid/grid_btn_cell.h"
+#include "grid/cells/btn_data_base.h"
+#include "grid/cells/grid_btn_cell.h"
 
 namespace quorvane {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "editors/grid_setup.h"
 #include "editors/page.h"
-#include "editors/working_records.h"
+#include "model/working_records.h"
 
 namespace quorvane {
 

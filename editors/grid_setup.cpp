@@ -4,7 +4,7 @@
 
 #include "data/number_text.h"
 #include "data/text_format.h"
-#include "editors/text_checks.h"
+#include "model/text_checks.h"
 #include "widgets/message_box.h"
 
 namespace quorvane {

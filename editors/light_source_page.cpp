@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "data/number_text.h"
-#include "editors/light_source_categories.h"
-#include "grid/btn_data_base.h"
+#include "grid/cells/btn_data_base.h"
+#include "model/light_source_categories.h"
 #include "widgets/dialog_template.h"
 
 namespace quorvane {

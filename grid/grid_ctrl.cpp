@@ -6,14 +6,14 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "grid/cell_text.h"
-#include "grid/combo_list.h"
-#include "grid/grid_accessible.h"
-#include "grid/grid_announcer.h"
-#include "grid/grid_keys.h"
-#include "grid/grid_mouse.h"
-#include "grid/in_place_edit.h"
-#include "grid/line_shift.h"
+#include "grid/accessibility/grid_accessible.h"
+#include "grid/accessibility/grid_announcer.h"
+#include "grid/cells/cell_text.h"
+#include "grid/input/combo_list.h"
+#include "grid/input/grid_keys.h"
+#include "grid/input/grid_mouse.h"
+#include "grid/input/in_place_edit.h"
+#include "grid/layout/line_shift.h"
 
 namespace quorvane {
 namespace {

@@ -11,13 +11,13 @@
 #include <memory>
 #include <vector>
 
-#include "grid/grid_btn_cell.h"
-#include "grid/grid_cell.h"
-#include "grid/grid_cells.h"
-#include "grid/grid_layout.h"
-#include "grid/grid_merges.h"
-#include "grid/grid_selection.h"
+#include "grid/cells/grid_btn_cell.h"
+#include "grid/cells/grid_cell.h"
+#include "grid/cells/grid_cells.h"
 #include "grid/grid_types.h"
+#include "grid/layout/grid_layout.h"
+#include "grid/layout/grid_merges.h"
+#include "grid/layout/grid_selection.h"
 
 class QLineEdit;
 

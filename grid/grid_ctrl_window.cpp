@@ -13,13 +13,13 @@
 #include <QToolTip>
 #include <algorithm>
 
-#include "grid/cell_text.h"
-#include "grid/grid_announcer.h"
+#include "grid/accessibility/grid_announcer.h"
+#include "grid/cells/cell_text.h"
 #include "grid/grid_ctrl.h"
-#include "grid/grid_keys.h"
-#include "grid/grid_mouse.h"
 #include "grid/grid_painter.h"
-#include "grid/in_place_edit.h"
+#include "grid/input/grid_keys.h"
+#include "grid/input/grid_mouse.h"
+#include "grid/input/in_place_edit.h"
 
 namespace quorvane {
 

@@ -4,8 +4,8 @@
 #include <QPainter>
 #include <QRect>
 
-#include "grid/grid_axis.h"
 #include "grid/grid_types.h"
+#include "grid/layout/grid_axis.h"
 
 namespace quorvane {
 

@@ -7,8 +7,8 @@
 #include <QListWidget>
 #include <functional>
 
-#include "editors/luminaire_columns.h"
-#include "editors/luminaire_page.h"
+#include "editors/luminaire/luminaire_columns.h"
+#include "editors/luminaire/luminaire_page.h"
 #include "tests/support/shown_page.h"
 
 namespace quorvane {

@@ -6,8 +6,8 @@
 #include <memory>
 #include <semaphore>
 
-#include "editors/directory_tree.h"
-#include "editors/drives.h"
+#include "editors/photo/directory_tree.h"
+#include "editors/photo/drives.h"
 #include "tests/support/message_answers.h"
 
 using namespace quorvane;

@@ -3,7 +3,7 @@
 #include <QMenu>
 #include <QRandomGenerator>
 
-#include "editors/factor_table_dialog.h"
+#include "editors/factor_table/factor_table_dialog.h"
 #include "tests/support/shown_page.h"
 
 using namespace quorvane;

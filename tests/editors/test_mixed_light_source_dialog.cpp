@@ -1,6 +1,6 @@
 #include <QListWidget>
 
-#include "editors/mixed_light_source_dialog.h"
+#include "editors/luminaire/mixed_light_source_dialog.h"
 #include "tests/support/shown_page.h"
 
 using namespace quorvane;

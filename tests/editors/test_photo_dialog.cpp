@@ -6,9 +6,9 @@
 #include <QtEndian>
 #include <memory>
 
-#include "editors/directory_tree.h"
-#include "editors/photo_dialog.h"
-#include "editors/picture_preview.h"
+#include "editors/photo/directory_tree.h"
+#include "editors/photo/photo_dialog.h"
+#include "editors/photo/picture_preview.h"
 #include "widgets/dialog_template.h"
 #include "widgets/ease_combo_box.h"
 

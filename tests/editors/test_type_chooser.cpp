@@ -2,7 +2,7 @@
 #include <QTest>
 #include <memory>
 
-#include "editors/type_chooser.h"
+#include "editors/luminaire/type_chooser.h"
 
 using namespace quorvane;
 

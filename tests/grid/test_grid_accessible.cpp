@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "grid/grid_announcer.h"
+#include "grid/accessibility/grid_announcer.h"
 #include "shown_grid.h"
 
 using namespace Qt::Literals::StringLiterals;

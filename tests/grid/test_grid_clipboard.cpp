@@ -5,7 +5,7 @@
 #include <QTest>
 #include <memory>
 
-#include "grid/tab_text.h"
+#include "grid/output/tab_text.h"
 #include "shown_grid.h"
 
 using namespace Qt::Literals::StringLiterals;

@@ -5,8 +5,8 @@
 #include <QTest>
 
 #include "grid/grid_ctrl.h"
-#include "grid/grid_printing.h"
-#include "grid/grid_text_file.h"
+#include "grid/output/grid_printing.h"
+#include "grid/output/grid_text_file.h"
 
 using namespace Qt::Literals::StringLiterals;
 

@@ -1,9 +1,0 @@
-#include "editors/drives.h"
-
-namespace quorvane {
-
-QByteArray MountTable() {
-    return {};
-}
-
-}  // namespace quorvane

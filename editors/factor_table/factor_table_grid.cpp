@@ -1,0 +1,145 @@
+#include "editors/factor_table/factor_table_grid.h"
+
+#include <QFontMetrics>
+#include <QScrollBar>
+#include <algorithm>
+
+#include "data/number_text.h"
+#include "editors/factor_table/moved_place.h"
+#include "editors/grid_page.h"
+#include "grid/cells/cell_attributes.h"
+
+namespace quorvane {
+namespace {
+
+constexpr int kCeilingRow = 0;
+constexpr int kLabelRow = 3;
+constexpr int kLabelWidth = 96;
+constexpr int kColumnWidth = 50;
+constexpr int kRowHeight = 20;
+constexpr int kLines = 2;  // pixels that grid lines and bevels take of a cell
+// A value that is too long for its cell is seen to be cut.
+constexpr unsigned kFactorFormat = kCentred | CellFormat::EndEllipsis;
+constexpr int kTyped = 1;  // item data of a factor's cell
+
+// The given width, or more where the font is too large for it.
+int WidthFor(const QStringList& texts, const QFontMetrics& metrics, int usualWidth) {
+    int width = usualWidth;
+    for (const CString& text : texts) {
+        width = std::max(width, metrics.horizontalAdvance(text) + 2 * CellAttributes::DefaultMargin + kLines);
+    }
+    return width;
+}
+
+int HeightFor(const QFontMetrics& metrics) {
+    return std::max(kRowHeight, metrics.height() + kLines);
+}
+
+}  // namespace
+
+FactorTableGrid::FactorTableGrid(const CString& rowLabel) : m_rowLabel(rowLabel) {
+    SetBackgroundColour(Qt::white);
+}
+
+void FactorTableGrid::Show(UtilizationFactorTable& table) {
+    CancelEdit();
+    const CCellID focus = Moved(GetFocusCell(), table);
+    const int left = horizontalScrollBar()->value();
+    const int top = verticalScrollBar()->value();
+    Build(table);
+    SetFocusCell(focus);
+    horizontalScrollBar()->setValue(left);
+    verticalScrollBar()->setValue(top);
+    Refresh();
+}
+
+CCellID FactorTableGrid::Moved(CCellID cell, const UtilizationFactorTable& table) const {
+    if (!cell.IsValid()) {
+        return {};
+    }
+    const int column = MovedPlace(cell.col - FirstColumn, m_headings, table.Headings());
+    const int row = MovedPlace(cell.row - FirstRow, m_rowValues, table.RowValues());
+    return column < 0 || row < 0 ? CCellID{} : CCellID{row + FirstRow, column + FirstColumn};
+}
+
+void FactorTableGrid::Build(UtilizationFactorTable& table) {
+    m_headings = table.Headings();
+    m_rowValues = table.RowValues();
+    DeleteAllItems();
+    SetRowCount(FirstRow + static_cast<int>(m_rowValues.size()));
+    SetColumnCount(FirstColumn + static_cast<int>(m_headings.size()));
+    SetFixedRowCount(FirstRow);
+    SetFixedColumnCount(FirstColumn);
+    SetTypesByColumns(true);
+    BuildLabels();
+    BuildHeadings();
+    MergeHeadings();
+    for (int column = FirstColumn; column < GetColumnCount(); ++column) {
+        for (int row = FirstRow; row < GetRowCount(); ++row) {
+            SetItem({.row = row,
+                     .col = column,
+                     .mask = ItemMask::Text | ItemMask::Format,
+                     .text = FormatFixed2(table.GetFactor(row, column)),
+                     .format = kFactorFormat});
+        }
+    }
+}
+
+void FactorTableGrid::BuildLabels() {
+    const QStringList labels{QStringLiteral("有效顶棚反射比"), QStringLiteral("墙反射比"),
+                             QStringLiteral("地面反射比"), m_rowLabel};
+    const QFontMetrics metrics(font());
+    SetColumnWidth(0, WidthFor(labels, metrics, kLabelWidth));
+    for (int row = 0; row < GetRowCount(); ++row) {
+        SetRowHeight(row, HeightFor(metrics));
+        if (row < FirstRow) {
+            SetItemText(row, 0, labels[row]);
+            SetItemFormat(row, 0, kCentred);
+        } else {
+            SetItemText(row, 0, FormatFixed2(m_rowValues[static_cast<std::size_t>(row - FirstRow)]));
+        }
+    }
+}
+
+void FactorTableGrid::BuildHeadings() {
+    const int width = WidthFor({QStringLiteral("0.00")}, QFontMetrics(font()), kColumnWidth);
+    int column = FirstColumn;
+    for (const auto& [Pcc, Pw, Pf] : m_headings) {
+        SetColumnWidth(column, width);
+        int row = kCeilingRow;
+        for (const int reflectance : {Pcc, Pw, Pf}) {
+            SetItemText(row, column, FormatInteger(reflectance));
+            SetItemFormat(row, column, kCentred);
+            ++row;
+        }
+        SetItemFormat(kLabelRow, column, kCentred);
+        ++column;
+    }
+}
+
+// A ceiling reflectance spans the wall and floor columns beneath it.
+void FactorTableGrid::MergeHeadings() {
+    auto run = m_headings.begin();
+    while (run != m_headings.end()) {
+        const auto end = std::find_if(
+            run, m_headings.end(), [run](const tagColHeading& heading) { return heading.Pcc != run->Pcc; });
+        MergeCells(kCeilingRow, FirstColumn + static_cast<int>(run - m_headings.begin()), 0,
+                   static_cast<int>(end - run) - 1);
+        run = end;
+    }
+    if (!m_headings.empty()) {
+        MergeCells(kLabelRow, FirstColumn, 0, static_cast<int>(m_headings.size()) - 1);
+    }
+}
+
+bool FactorTableGrid::IsUntouched(int row, int column, double factor) const {
+    const CString text = GetItemText(row, column);
+    const bool isRounded = GetItemData(row, column) != kTyped;
+    return text == FormatReal(factor) || (isRounded && text == FormatFixed2(factor));
+}
+
+void FactorTableGrid::SetTyped(int row, int column) {
+    SetItemData(row, column, kTyped);
+}
+
+}  // namespace quorvane

@@ -1,0 +1,169 @@
+#include "editors/photo/dir_tree_model.h"
+
+#include <QDir>
+#include <algorithm>
+
+namespace quorvane {
+
+namespace {
+
+// Enough for some folders on slow drives beside one on a fast drive.
+constexpr int kReadAtOnce = 4;
+
+}  // namespace
+
+struct DirTreeModel::Node {
+    QString name;
+    Kind kind = Kind::Folder;
+    State state = State::Unread;
+    int row = 0;
+    Node* parent = nullptr;
+    std::vector<std::unique_ptr<Node>> children;
+
+    void Add(const QString& childName, Kind childKind) {
+        auto child = std::make_unique<Node>();
+        child->name = childName;
+        child->kind = childKind;
+        child->state = childKind == Kind::File ? State::Read : State::Unread;
+        child->row = static_cast<int>(children.size());
+        child->parent = this;
+        children.push_back(std::move(child));
+    }
+};
+
+DirTreeModel::DirTreeModel(QObject* parent) : QAbstractItemModel(parent), m_top(std::make_unique<Node>()) {}
+
+DirTreeModel::~DirTreeModel() = default;
+
+void DirTreeModel::SetIcons(const std::array<QIcon, 3>& icons) {
+    m_icons = icons;
+}
+
+void DirTreeModel::Clear(const TreeContent& content, const FolderReader& reader) {
+    beginResetModel();
+    m_top = std::make_unique<Node>();
+    m_content = content;
+    m_read = reader;
+    m_reading = std::make_unique<Background>(kReadAtOnce);
+    endResetModel();
+}
+
+void DirTreeModel::AddDrive(const QString& rootFolder) {
+    const int row = rowCount();
+    beginInsertRows({}, row, row);
+    m_top->Add(rootFolder, Kind::Drive);
+    endInsertRows();
+}
+
+void DirTreeModel::ReadFolder(const QModelIndex& folder) {
+    Node& node = NodeOf(folder);
+    if (node.state == State::Unread) {
+        node.state = State::Reading;
+        m_reading->Run(
+            [read = m_read, path = FilePath(folder), wanted = m_content] { return read(path, wanted); },
+            [this, &node](const FolderContents& contents) { Fill(node, contents); });
+    }
+}
+
+bool DirTreeModel::IsRead(const QModelIndex& folder) const {
+    return NodeOf(folder).state == State::Read;
+}
+
+void DirTreeModel::Fill(Node& folder, const FolderContents& contents) {
+    const QModelIndex index = IndexOf(folder);
+    const auto count = static_cast<int>(contents.folders.size() + contents.files.size());
+    folder.state = State::Read;
+    if (count == 0) {
+        // It no longer offers to be opened.
+        Q_EMIT dataChanged(index, index);
+    } else {
+        beginInsertRows(index, 0, count - 1);
+        folder.children.reserve(static_cast<size_t>(count));
+        for (const QString& name : contents.folders) {
+            folder.Add(name, Kind::Folder);
+        }
+        for (const QString& name : contents.files) {
+            folder.Add(name, Kind::File);
+        }
+        endInsertRows();
+    }
+    Q_EMIT FolderRead(index, contents.isFolder);
+}
+
+QString DirTreeModel::FilePath(const QModelIndex& index) const {
+    QString path;
+    for (const Node* node = &NodeOf(index); node->parent != nullptr; node = node->parent) {
+        if (node->kind == Kind::Drive) {
+            return QDir::fromNativeSeparators(node->name) + path;
+        }
+        path = path.isEmpty() ? node->name : node->name + u'/' + path;
+    }
+    return path;
+}
+
+DirTreeModel::Kind DirTreeModel::KindOf(const QModelIndex& index) const {
+    return NodeOf(index).kind;
+}
+
+QModelIndex DirTreeModel::FindChild(const QModelIndex& folder, const QString& name) const {
+    const auto& children = NodeOf(folder).children;
+    for (const Qt::CaseSensitivity sensitivity : {Qt::CaseSensitive, Qt::CaseInsensitive}) {
+        const auto found = std::find_if(children.begin(), children.end(), [&](const auto& child) {
+            return child->name.compare(name, sensitivity) == 0;
+        });
+        if (found != children.end()) {
+            return IndexOf(**found);
+        }
+    }
+    return {};
+}
+
+DirTreeModel::Node& DirTreeModel::NodeOf(const QModelIndex& index) const {
+    return index.isValid() ? *static_cast<Node*>(index.internalPointer()) : *m_top;
+}
+
+QModelIndex DirTreeModel::IndexOf(const Node& node) const {
+    return node.parent == nullptr ? QModelIndex() : createIndex(node.row, 0, &node);
+}
+
+QModelIndex DirTreeModel::index(int row, int column, const QModelIndex& parent) const {
+    if (!hasIndex(row, column, parent)) {
+        return {};
+    }
+    return IndexOf(*NodeOf(parent).children[static_cast<size_t>(row)]);
+}
+
+QModelIndex DirTreeModel::parent(const QModelIndex& child) const {
+    return child.isValid() ? IndexOf(*NodeOf(child).parent) : QModelIndex();
+}
+
+int DirTreeModel::rowCount(const QModelIndex& parent) const {
+    return static_cast<int>(NodeOf(parent).children.size());
+}
+
+int DirTreeModel::columnCount(const QModelIndex& /*parent*/) const {
+    return 1;
+}
+
+// A folder offers to be opened until it turns out to be empty.
+bool DirTreeModel::hasChildren(const QModelIndex& parent) const {
+    const Node& node = NodeOf(parent);
+    return parent.isValid() && node.state != State::Read ? true : !node.children.empty();
+}
+
+QVariant DirTreeModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) {
+        return {};
+    }
+    if (role == Qt::DisplayRole) {
+        return NodeOf(index).name;
+    }
+    return role == Qt::DecorationRole ? m_icons[static_cast<size_t>(KindOf(index))] : QVariant();
+}
+
+Qt::ItemFlags DirTreeModel::flags(const QModelIndex& index) const {
+    const Qt::ItemFlags common = QAbstractItemModel::flags(index);
+    return index.isValid() && KindOf(index) == Kind::File ? common | Qt::ItemNeverHasChildren : common;
+}
+
+}  // namespace quorvane

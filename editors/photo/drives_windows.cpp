@@ -1,0 +1,9 @@
+#include "editors/photo/drives.h"
+
+namespace quorvane {
+
+QByteArray MountTable() {
+    return {};
+}
+
+}  // namespace quorvane

@@ -1,0 +1,188 @@
+#include "editors/photo/photo_dialog.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLineEdit>
+
+#include "editors/photo/directory_tree.h"
+#include "editors/photo/drives.h"
+#include "editors/photo/folder_reader.h"
+#include "editors/photo/picture_preview.h"
+#include "model/background.h"
+#include "widgets/dialog_template.h"
+#include "widgets/ease_combo_box.h"
+#include "widgets/image_button.h"
+
+namespace quorvane {
+namespace {
+
+constexpr int kOk = 1;
+constexpr int kCancel = 2;
+constexpr int kTree = 1001;
+constexpr int kPreview = 1002;
+constexpr int kDriveList = 1003;
+constexpr int kPrevious = 1004;
+constexpr int kNext = 1005;
+constexpr int kPath = 1025;
+constexpr int kClear = 1026;
+constexpr int kDriveLabel = -1;
+
+const DialogControl kTemplate[] = {
+    {kPath, ControlKind::Edit, u"", {7, 7, 366, 14}},
+    {kTree, ControlKind::Custom, u"", {7, 27, 150, 158}},
+    {kPreview, ControlKind::Custom, u"", {163, 27, 210, 158}},
+    {kDriveLabel, ControlKind::Label, u"选择盘符", {7, 193, 36, 12}},
+    {kDriveList, ControlKind::DropDownList, u"", {45, 192, 112, 14}},
+    {kPrevious, ControlKind::PushButton, u"上一个", {163, 191, 48, 16}},
+    {kNext, ControlKind::PushButton, u"下一个", {215, 191, 48, 16}},
+    {kClear, ControlKind::PushButton, u"清除", {325, 191, 48, 16}},
+    {kOk, ControlKind::PushButton, u"确定", {273, 215, 48, 16}},
+    {kCancel, ControlKind::PushButton, u"取消", {325, 215, 48, 16}},
+};
+constexpr QSize kTemplateSize(380, 238);
+
+const CString kAllDrives = QStringLiteral("全部");
+
+const QStringList& PictureExtensions() {
+    static const QStringList extensions{QStringLiteral(".bmp"), QStringLiteral(".jpg"),
+                                        QStringLiteral(".GIF"), QStringLiteral(".jpeg")};
+    return extensions;
+}
+
+QWidget* MakeCustomControl(int id, QWidget* dialog) {
+    if (id == kTree) {
+        return new CDirTreeCtrl(dialog);
+    }
+    return new PicturePreview(dialog);
+}
+
+// How long the dialog waits to learn whether the initial path is a file.
+constexpr std::chrono::milliseconds kPatience(200);
+
+bool IsReadableFile(const CString& path) {
+    return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly);
+}
+
+// A path on a drive that does not answer is kept: it may be a picture, and an empty one would have the user
+// take away the luminaire's photo without a word.
+CString KeptPath(const CString& path) {
+    const bool kept = !path.isEmpty() &&
+                      Background::Within(kPatience, [path] { return IsReadableFile(path); }).value_or(true);
+    return kept ? QDir::toNativeSeparators(path) : CString();
+}
+
+}  // namespace
+
+CLuminairePhotoSettingDlg::CLuminairePhotoSettingDlg(const CString& initialPath, const CString& title,
+                                                     QWidget* parent)
+    : QDialog(parent), m_path(KeptPath(initialPath)) {
+    setObjectName(QStringLiteral("photoDialog"));
+    setWindowTitle(title + QStringLiteral(" 图片设置"));
+    CreateControls(this, kTemplate, MakeCustomControl);
+    setFixedSize(DialogUnits(font()).ToPixels(kTemplateSize));
+    m_pathEdit = DialogItem<QLineEdit>(this, kPath);
+    m_tree = DialogItem<CDirTreeCtrl>(this, kTree);
+    m_preview = static_cast<PicturePreview*>(DialogItem(this, kPreview));
+    m_drives = DialogItem<CEaseComboBox>(this, kDriveList);
+
+    m_tree->SetExtensions(PictureExtensions());
+    FillDriveList();
+    ShowDrive();
+    m_tree->SelectPath(m_path);
+    DecorateButtons();
+    ShowPicture(m_path);
+    m_tree->setFocus();
+
+    connect(m_tree, &CDirTreeCtrl::FileChosen, this, &CLuminairePhotoSettingDlg::ChooseFile);
+    connect(m_drives, &CEaseComboBox::SelectionChanged, this, &CLuminairePhotoSettingDlg::ShowDrive);
+    connect(m_pathEdit, &QLineEdit::editingFinished, this, &CLuminairePhotoSettingDlg::ShowTypedPath);
+}
+
+CLuminairePhotoSettingDlg::~CLuminairePhotoSettingDlg() = default;
+
+void CLuminairePhotoSettingDlg::FillDriveList() {
+    const QStringList drives = LogicalDrives();
+    for (const QString& drive : drives) {
+        m_drives->AddString(drive);
+    }
+    m_drives->AddString(kAllDrives);
+    const CString drive = DriveOfPath(m_path, drives);
+    m_drives->SelectString(m_path.isEmpty() || drive.isEmpty() ? kAllDrives : drive);
+}
+
+void CLuminairePhotoSettingDlg::DecorateButtons() {
+    const auto decorate = [this](int id, IconId icon, const CString& toolTip) {
+        auto* button = static_cast<CImageButton*>(DialogItem(this, id));
+        button->SetImage(icon, toolTip);
+        button->setAutoDefault(true);
+        return button;
+    };
+    QPushButton* ok = decorate(kOk, IconId::Ok, QStringLiteral("确定"));
+    QPushButton* cancel = decorate(kCancel, IconId::Exit, QStringLiteral("退出"));
+    m_previous = decorate(kPrevious, IconId::Previous, QStringLiteral("上一个所选图片"));
+    m_next = decorate(kNext, IconId::Next, QStringLiteral("下一个所选图片"));
+    QPushButton* clear = decorate(kClear, IconId::Clear, QStringLiteral("清除图片"));
+    ok->setDefault(true);
+    connect(ok, &QPushButton::clicked, this, &CLuminairePhotoSettingDlg::accept);
+    connect(cancel, &QPushButton::clicked, this, &CLuminairePhotoSettingDlg::reject);
+    connect(m_previous, &QPushButton::clicked, this, [this] { StepThroughHistory(-1); });
+    connect(m_next, &QPushButton::clicked, this, [this] { StepThroughHistory(1); });
+    connect(clear, &QPushButton::clicked, this, &CLuminairePhotoSettingDlg::Clear);
+    EnableSteps();
+}
+
+void CLuminairePhotoSettingDlg::ShowDrive() {
+    const CString drive = m_drives->currentText();
+    m_tree->Show(drive == kAllDrives ? CString() : drive, true);
+}
+
+void CLuminairePhotoSettingDlg::ChooseFile(const CString& path) {
+    if (!HasExtension(path, PictureExtensions())) {
+        return;
+    }
+    m_history.removeAll(path);
+    m_history.push_back(path);
+    m_shown = m_history.size() - 1;
+    ShowPicture(path);
+    EnableSteps();
+}
+
+// Makes path the current one.
+void CLuminairePhotoSettingDlg::ShowPicture(const CString& path) {
+    m_path = path;
+    m_pathEdit->setText(path);
+    m_preview->ShowFile(HasExtension(path, PictureExtensions()) ? path : CString());
+}
+
+// The user may also type or paste a path; like the path at the start it is none that was chosen here.
+void CLuminairePhotoSettingDlg::ShowTypedPath() {
+    if (m_pathEdit->text() != m_path) {
+        ShowPicture(m_pathEdit->text());
+    }
+}
+
+void CLuminairePhotoSettingDlg::StepThroughHistory(int step) {
+    const qsizetype next = m_shown + step;
+    if (next >= 0 && next < m_history.size()) {
+        m_shown = next;
+        ShowPicture(m_history[m_shown]);
+    }
+    EnableSteps();
+}
+
+void CLuminairePhotoSettingDlg::EnableSteps() {
+    m_previous->setEnabled(m_shown > 0);
+    m_next->setEnabled(m_shown < m_history.size() - 1);
+}
+
+void CLuminairePhotoSettingDlg::Clear() {
+    ShowPicture({});
+}
+
+void CLuminairePhotoSettingDlg::accept() {
+    m_path = m_pathEdit->text();
+    QDialog::accept();
+}
+
+}  // namespace quorvane

@@ -1,0 +1,294 @@
+#include "grid/accessibility/grid_accessible.h"
+
+#include "grid/accessibility/grid_announcer.h"
+#include "grid/grid_ctrl.h"
+#include "grid/input/combo_list.h"
+
+namespace quorvane {
+namespace {
+
+QAccessibleInterface* MakeInterface(const QString& className, QObject* object) {
+    // Classes made from the grid's own come here under its name as well.
+    auto* grid = className == QLatin1String(CGridCtrl::staticMetaObject.className())
+                     ? qobject_cast<CGridCtrl*>(object)
+                     : nullptr;
+    return grid != nullptr ? new GridAccessible(*grid) : nullptr;
+}
+
+CString Joined(const CString& text, const CString& further) {
+    return text.isEmpty() || further.isEmpty() ? text + further : text + u' ' + further;
+}
+
+}  // namespace
+
+CString RowHeadingText(const CGridCtrl& grid, int row) {
+    CString text;
+    for (int column = 0; column < grid.GetFixedColumnCount(); ++column) {
+        const CCellID origin = grid.MergeOrigin(row, column);
+        if (origin.col == column) {
+            text = Joined(text, grid.GetItemText(origin.row, origin.col));
+        }
+    }
+    return text;
+}
+
+CString ColumnHeadingText(const CGridCtrl& grid, int column) {
+    CString text;
+    for (int row = 0; row < grid.GetFixedRowCount(); ++row) {
+        const CCellID origin = grid.MergeOrigin(row, column);
+        if (origin.row == row) {
+            text = Joined(text, grid.GetItemText(origin.row, origin.col));
+        }
+    }
+    return text;
+}
+
+void GridAccessible::MakeKnown() {
+    QAccessible::installFactory(MakeInterface);
+}
+
+GridAccessible::GridAccessible(CGridCtrl& grid)
+    : QAccessibleWidget(&grid, QAccessible::Table), m_announcer(&grid.Announcer()) {}
+
+CGridCtrl& GridAccessible::Grid() const {
+    return m_announcer->Grid();
+}
+
+bool GridAccessible::isValid() const {
+    return m_announcer != nullptr && QAccessibleWidget::isValid();
+}
+
+QAccessible::State GridAccessible::state() const {
+    QAccessible::State state;
+    if (isValid()) {
+        state = QAccessibleWidget::state();
+        state.multiSelectable = true;
+        state.extSelectable = true;
+    } else {
+        state.invalid = true;
+    }
+    return state;
+}
+
+void* GridAccessible::interface_cast(QAccessible::InterfaceType type) {
+    if (type == QAccessible::TableInterface) {
+        return static_cast<QAccessibleTableInterface*>(this);
+    }
+    return QAccessibleWidget::interface_cast(type);
+}
+
+// ---- Children
+
+int GridAccessible::CellCount() const {
+    return rowCount() * columnCount();
+}
+
+QAccessibleInterface* GridAccessible::OpenForEdit() const {
+    if (!isValid()) {
+        return nullptr;
+    }
+    if (Grid().IsEditing()) {
+        return QAccessible::queryAccessibleInterface(Grid().viewport());
+    }
+    auto* choices = Grid().findChild<ComboList*>();
+    return choices != nullptr && choices->isVisible() ? QAccessible::queryAccessibleInterface(choices)
+                                                      : nullptr;
+}
+
+int GridAccessible::childCount() const {
+    return CellCount() + (OpenForEdit() != nullptr ? 1 : 0);
+}
+
+QAccessibleInterface* GridAccessible::child(int index) const {
+    const int cells = CellCount();
+    if (index < 0 || index > cells) {
+        return nullptr;
+    }
+    return index < cells ? cellAt(index / columnCount(), index % columnCount()) : OpenForEdit();
+}
+
+int GridAccessible::indexOfChild(const QAccessibleInterface* child) const {
+    if (!isValid() || child == nullptr) {
+        return -1;
+    }
+    if (child == OpenForEdit()) {
+        return CellCount();
+    }
+    const QAccessibleInterface* parent = child->parent();
+    auto* cell = const_cast<QAccessibleInterface*>(child)->tableCellInterface();
+    return cell != nullptr && parent == this ? cell->rowIndex() * columnCount() + cell->columnIndex() : -1;
+}
+
+QAccessibleInterface* GridAccessible::childAt(int x, int y) const {
+    if (!isValid()) {
+        return nullptr;
+    }
+    const QPoint position = Grid().viewport()->mapFromGlobal(QPoint(x, y));
+    if (!Grid().viewport()->rect().contains(position)) {
+        return nullptr;
+    }
+    QWidget* editor = Grid().viewport()->childAt(position);
+    return editor != nullptr ? QAccessible::queryAccessibleInterface(editor)
+                             : m_announcer->CellInterface(Grid().CellAt(position));
+}
+
+QAccessibleInterface* GridAccessible::focusChild() const {
+    if (!isValid()) {
+        return nullptr;
+    }
+    QWidget* focus = Grid().window()->focusWidget();
+    if (focus != nullptr && focus != &Grid() && Grid().isAncestorOf(focus)) {
+        return QAccessible::queryAccessibleInterface(focus);
+    }
+    return focus == &Grid() ? m_announcer->CellInterface(Grid().GetFocusCell()) : nullptr;
+}
+
+// ---- Table
+
+int GridAccessible::rowCount() const {
+    return isValid() ? Grid().GetRowCount() : 0;
+}
+
+int GridAccessible::columnCount() const {
+    return isValid() ? Grid().GetColumnCount() : 0;
+}
+
+QAccessibleInterface* GridAccessible::cellAt(int row, int column) const {
+    return isValid() ? m_announcer->CellInterface({row, column}) : nullptr;
+}
+
+QString GridAccessible::rowDescription(int row) const {
+    return row >= 0 && row < rowCount() ? RowHeadingText(Grid(), row) : QString();
+}
+
+QString GridAccessible::columnDescription(int column) const {
+    return column >= 0 && column < columnCount() ? ColumnHeadingText(Grid(), column) : QString();
+}
+
+// ---- Selection
+
+QList<CCellID> GridAccessible::SelectedPlaces() const {
+    QList<CCellID> places;
+    const CCellRange bounds = isValid() ? Grid().GetSelectedCellRange() : CCellRange{};
+    for (int row = bounds.minRow; row <= bounds.maxRow; ++row) {
+        for (int column = bounds.minCol; column <= bounds.maxCol; ++column) {
+            const CCellID cell{row, column};
+            if (Grid().IsSelected(row, column) && Grid().MergeOrigin(row, column) == cell) {
+                places.append(cell);
+            }
+        }
+    }
+    return places;
+}
+
+int GridAccessible::selectedCellCount() const {
+    return static_cast<int>(SelectedPlaces().size());
+}
+
+QList<QAccessibleInterface*> GridAccessible::selectedCells() const {
+    QList<QAccessibleInterface*> cells;
+    for (const CCellID& place : SelectedPlaces()) {
+        cells.append(m_announcer->CellInterface(place));
+    }
+    return cells;
+}
+
+CCellRange GridAccessible::RowRange(int row) const {
+    CCellRange range = isValid() ? Grid().Layout().ScrollingCells() : CCellRange{};
+    const bool inside = row >= range.minRow && row <= range.maxRow;
+    range.minRow = range.maxRow = row;
+    return inside ? range : CCellRange{};
+}
+
+CCellRange GridAccessible::ColumnRange(int column) const {
+    CCellRange range = isValid() ? Grid().Layout().ScrollingCells() : CCellRange{};
+    const bool inside = column >= range.minCol && column <= range.maxCol;
+    range.minCol = range.maxCol = column;
+    return inside ? range : CCellRange{};
+}
+
+bool GridAccessible::IsWholeSelected(const CCellRange& range) const {
+    if (!isValid() || !Grid().IsValid(range)) {
+        return false;
+    }
+    for (int row = range.minRow; row <= range.maxRow; ++row) {
+        for (int column = range.minCol; column <= range.maxCol; ++column) {
+            if (!Grid().IsSelected(row, column)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+bool GridAccessible::isRowSelected(int row) const {
+    return IsWholeSelected(RowRange(row));
+}
+
+bool GridAccessible::isColumnSelected(int column) const {
+    return IsWholeSelected(ColumnRange(column));
+}
+
+QList<int> GridAccessible::selectedRows() const {
+    QList<int> rows;
+    const CCellRange bounds = isValid() ? Grid().GetSelectedCellRange() : CCellRange{};
+    for (int row = bounds.minRow; row <= bounds.maxRow; ++row) {
+        if (isRowSelected(row)) {
+            rows.append(row);
+        }
+    }
+    return rows;
+}
+
+QList<int> GridAccessible::selectedColumns() const {
+    QList<int> columns;
+    const CCellRange bounds = isValid() ? Grid().GetSelectedCellRange() : CCellRange{};
+    for (int column = bounds.minCol; column <= bounds.maxCol; ++column) {
+        if (isColumnSelected(column)) {
+            columns.append(column);
+        }
+    }
+    return columns;
+}
+
+int GridAccessible::selectedRowCount() const {
+    return static_cast<int>(selectedRows().size());
+}
+
+int GridAccessible::selectedColumnCount() const {
+    return static_cast<int>(selectedColumns().size());
+}
+
+bool GridAccessible::SelectBesides(const CCellRange& range) {
+    if (!isValid() || !Grid().IsValid(range)) {
+        return false;
+    }
+    Grid().SelectLines(range, Qt::ControlModifier);
+    return true;
+}
+
+bool GridAccessible::Unselect(const CCellRange& range) {
+    if (!IsWholeSelected(range) || Grid().GetSelectedCellRange() != range) {
+        return false;
+    }
+    Grid().ClearSelection();
+    return true;
+}
+
+bool GridAccessible::selectRow(int row) {
+    return SelectBesides(RowRange(row));
+}
+
+bool GridAccessible::selectColumn(int column) {
+    return SelectBesides(ColumnRange(column));
+}
+
+bool GridAccessible::unselectRow(int row) {
+    return Unselect(RowRange(row));
+}
+
+bool GridAccessible::unselectColumn(int column) {
+    return Unselect(ColumnRange(column));
+}
+
+}  // namespace quorvane

@@ -1,0 +1,215 @@
+#include "grid/accessibility/grid_accessible_cell.h"
+
+#include <QWindow>
+#include <algorithm>
+
+#include "grid/grid_ctrl.h"
+#include "grid/input/combo_list.h"
+
+namespace quorvane {
+
+bool GridAccessibleCell::isValid() const {
+    return m_announcer != nullptr && Grid().Layout().Holds(m_place);
+}
+
+QWindow* GridAccessibleCell::window() const {
+    return isValid() ? Grid().window()->windowHandle() : nullptr;
+}
+
+QAccessibleInterface* GridAccessibleCell::parent() const {
+    return isValid() ? QAccessible::queryAccessibleInterface(&Grid()) : nullptr;
+}
+
+CCellRange GridAccessibleCell::Extent() const {
+    return Grid().MergeExtent(m_place.row, m_place.col);
+}
+
+bool GridAccessibleCell::IsFixed() const {
+    return Grid().Layout().IsFixed(m_place);
+}
+
+const CGridBtnCellBase* GridAccessibleCell::ButtonCell() const {
+    return dynamic_cast<const CGridBtnCellBase*>(Grid().Cell(m_place.row, m_place.col));
+}
+
+bool GridAccessibleCell::HasButton() const {
+    const CGridBtnCellBase* cell = ButtonCell();
+    return cell != nullptr && !IsFixed() && cell->Editing() != CellEditing::Choice &&
+           cell->GetBtnCount() > 0 && (cell->GetBtn(0).state & BtnState::Inactive) == 0;
+}
+
+bool GridAccessibleCell::HasCheckBox() const {
+    constexpr unsigned KindBits = 255;
+    return HasButton() && ButtonCell()->GetBtn(0).type == BtnType::Button &&
+           (ButtonCell()->GetBtn(0).state & KindBits) == BtnState::CheckBox;
+}
+
+// ---- Text
+
+QString GridAccessibleCell::text(QAccessible::Text text) const {
+    const bool known = text == QAccessible::Name || text == QAccessible::Value;
+    if (!isValid() || !known) {
+        return {};
+    }
+    const CString& content = Grid().Cell(m_place.row, m_place.col)->GetText();
+    const CGridBtnCellBase* cell = ButtonCell();
+    return content.isEmpty() && cell != nullptr ? cell->GetBtn(0).caption : content;
+}
+
+void GridAccessibleCell::setText(QAccessible::Text text, const QString& value) {
+    if (!isValid() || text != QAccessible::Value) {
+        return;
+    }
+    const CellEditing editing = Grid().EditingOf(m_place);
+    if (editing == CellEditing::Choice) {
+        const auto* combo = dynamic_cast<const CGridBtnCellCombo*>(ButtonCell());
+        if (combo == nullptr || std::ranges::find(combo->Choices(), value) == combo->Choices().end()) {
+            return;
+        }
+    }
+    if (editing != CellEditing::None) {
+        Grid().TakeEditedText(m_place, value);
+    }
+}
+
+// ---- Place, role, state
+
+QRect GridAccessibleCell::rect() const {
+    if (!isValid()) {
+        return {};
+    }
+    const QRect rect = Grid().CellRect(m_place.row, m_place.col);
+    return {Grid().viewport()->mapToGlobal(rect.topLeft()), rect.size()};
+}
+
+QAccessible::Role GridAccessibleCell::role() const {
+    if (!isValid() || !IsFixed()) {
+        return QAccessible::Cell;
+    }
+    return m_place.row < Grid().GetFixedRowCount() ? QAccessible::ColumnHeader : QAccessible::RowHeader;
+}
+
+QAccessible::State GridAccessibleCell::state() const {
+    QAccessible::State state;
+    if (!isValid()) {
+        state.invalid = true;
+        return state;
+    }
+    CGridCtrl& grid = Grid();
+    const QRect rect = grid.CellRect(m_place.row, m_place.col);
+    const QRect area = IsFixed() ? grid.viewport()->rect() : grid.Layout().ScrollingArea();
+    state.disabled = !grid.isEnabled();
+    state.invisible = !grid.isVisible() || rect.isEmpty();
+    state.offscreen = !rect.intersects(area);
+    if (IsFixed()) {
+        state.readOnly = true;
+        return state;
+    }
+    state.focusable = true;
+    state.focused = grid.hasFocus() && grid.GetFocusCell() == m_place;
+    state.selectable = true;
+    state.multiSelectable = true;
+    state.selected = grid.IsSelected(m_place.row, m_place.col);
+    const CellEditing editing = grid.EditingOf(m_place);
+    state.editable = editing == CellEditing::Text;
+    state.readOnly = editing == CellEditing::None;
+    if (editing == CellEditing::Choice) {
+        const auto* list = grid.findChild<ComboList*>();
+        state.hasPopup = true;
+        state.expandable = true;
+        state.expanded = list != nullptr && list->isVisible() && grid.GetFocusCell() == m_place;
+        state.collapsed = !state.expanded;
+    }
+    if (HasCheckBox()) {
+        state.checkable = true;
+        state.checked = (ButtonCell()->GetBtn(0).state & BtnState::Checked) != 0;
+    }
+    return state;
+}
+
+void* GridAccessibleCell::interface_cast(QAccessible::InterfaceType type) {
+    if (type == QAccessible::TableCellInterface) {
+        return static_cast<QAccessibleTableCellInterface*>(this);
+    }
+    if (type == QAccessible::ActionInterface) {
+        return static_cast<QAccessibleActionInterface*>(this);
+    }
+    return nullptr;
+}
+
+// ---- Table cell
+
+bool GridAccessibleCell::isSelected() const {
+    return isValid() && Grid().IsSelected(m_place.row, m_place.col);
+}
+
+int GridAccessibleCell::rowExtent() const {
+    return isValid() ? Extent().RowCount() : 0;
+}
+
+int GridAccessibleCell::columnExtent() const {
+    return isValid() ? Extent().ColumnCount() : 0;
+}
+
+QList<QAccessibleInterface*> GridAccessibleCell::Headings(const CCellRange& headings) const {
+    QList<QAccessibleInterface*> cells;
+    for (int row = headings.minRow; row <= headings.maxRow; ++row) {
+        for (int column = headings.minCol; column <= headings.maxCol; ++column) {
+            QAccessibleInterface* cell = m_announcer->CellInterface({row, column});
+            if (!cells.contains(cell)) {
+                cells.append(cell);
+            }
+        }
+    }
+    return cells;
+}
+
+QList<QAccessibleInterface*> GridAccessibleCell::columnHeaderCells() const {
+    if (!isValid()) {
+        return {};
+    }
+    return Headings({0, Extent().minCol, Grid().GetFixedRowCount() - 1, Extent().maxCol});
+}
+
+QList<QAccessibleInterface*> GridAccessibleCell::rowHeaderCells() const {
+    if (!isValid()) {
+        return {};
+    }
+    return Headings({Extent().minRow, 0, Extent().maxRow, Grid().GetFixedColumnCount() - 1});
+}
+
+// ---- Actions
+
+QStringList GridAccessibleCell::actionNames() const {
+    if (!isValid() || IsFixed() || !Grid().isEnabled()) {
+        return {};
+    }
+    QStringList names;
+    if (Grid().EditingOf(m_place) == CellEditing::Choice) {
+        names << showMenuAction() << pressAction();
+    } else if (HasButton()) {
+        names << (HasCheckBox() ? toggleAction() : pressAction());
+    }
+    return names << setFocusAction();
+}
+
+void GridAccessibleCell::doAction(const QString& name) {
+    if (!actionNames().contains(name)) {
+        return;
+    }
+    // Moving the focus ends edits, and whoever is told of that may move this cell, take it away, or the grid.
+    const QAccessible::Id id = QAccessible::uniqueId(this);
+    Grid().setFocus(Qt::OtherFocusReason);
+    const auto* self = dynamic_cast<const GridAccessibleCell*>(QAccessible::accessibleInterface(id));
+    if (self == nullptr || !self->isValid()) {
+        return;
+    }
+    const CCellID place = self->m_place;
+    const QPointer<CGridCtrl> grid(&self->Grid());
+    grid->SetFocusCell(place);
+    if (name != setFocusAction() && !grid.isNull() && grid->GetFocusCell() == place) {
+        grid->PressButton(place, 0);
+    }
+}
+
+}  // namespace quorvane

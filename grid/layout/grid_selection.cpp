@@ -1,0 +1,85 @@
+#include "grid/layout/grid_selection.h"
+
+#include <algorithm>
+
+#include "grid/layout/line_shift.h"
+
+namespace quorvane {
+
+bool GridSelection::IsSelected(CCellID cell) const {
+    return std::any_of(m_ranges.begin(), m_ranges.end(),
+                       [&](const CCellRange& range) { return range.Contains(cell); });
+}
+
+CCellRange GridSelection::Bounds(int rows, int columns) const {
+    CCellRange bounds{rows, columns, -1, -1};
+    for (const CCellRange& range : m_ranges) {
+        bounds = {std::min(bounds.minRow, range.minRow), std::min(bounds.minCol, range.minCol),
+                  std::max(bounds.maxRow, range.maxRow), std::max(bounds.maxCol, range.maxCol)};
+    }
+    return bounds;
+}
+
+void GridSelection::Clear() {
+    m_ranges.clear();
+    m_anchor = {};
+}
+
+void GridSelection::SelectOnly(const CCellRange& range, CCellID anchor) {
+    m_ranges = {range};
+    m_anchor = anchor;
+}
+
+void GridSelection::Add(const CCellRange& range, CCellID anchor) {
+    // A range inside another says nothing new; dropping it keeps the list short however often one clicks.
+    std::erase_if(m_ranges, [&](const CCellRange& old) {
+        return range.Contains({old.minRow, old.minCol}) && range.Contains({old.maxRow, old.maxCol});
+    });
+    m_ranges.push_back(range);
+    m_anchor = anchor;
+}
+
+void GridSelection::ReplaceLast(const CCellRange& range) {
+    if (!m_ranges.empty()) {
+        m_ranges.pop_back();
+    }
+    m_ranges.push_back(range);
+}
+
+void GridSelection::LeaveFixed(const CCellRange& allowed) {
+    if (!allowed.Contains(m_focus)) {
+        m_focus = {};
+    }
+    if (!allowed.Contains(m_anchor)) {
+        m_anchor = {};
+    }
+    for (CCellRange& range : m_ranges) {
+        range.minRow = std::max(range.minRow, allowed.minRow);
+        range.minCol = std::max(range.minCol, allowed.minCol);
+    }
+    DropEmptyRanges();
+}
+
+void GridSelection::DropEmptyRanges() {
+    std::erase_if(m_ranges,
+                  [](const CCellRange& range) { return range.RowCount() < 1 || range.ColumnCount() < 1; });
+}
+
+void GridSelection::InsertLines(int CCellID::*line, int at, int count) {
+    ShiftForInsert(m_focus, line, at, count);
+    ShiftForInsert(m_anchor, line, at, count);
+    for (CCellRange& range : m_ranges) {
+        ShiftForInsert(range, line, at, count);
+    }
+}
+
+void GridSelection::RemoveLines(int CCellID::*line, int at, int count) {
+    ShiftForRemove(m_focus, line, at, count);
+    ShiftForRemove(m_anchor, line, at, count);
+    for (CCellRange& range : m_ranges) {
+        ShiftForRemove(range, line, at, count);
+    }
+    DropEmptyRanges();
+}
+
+}  // namespace quorvane

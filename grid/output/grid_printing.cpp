@@ -1,0 +1,135 @@
+#include "grid/output/grid_printing.h"
+
+#include <QFontInfo>
+#include <QPainter>
+#include <algorithm>
+
+#include "grid/cells/cell_text.h"
+#include "grid/grid_ctrl.h"
+
+namespace quorvane {
+namespace {
+
+constexpr double SmallestScale = 0.6;
+constexpr int FooterHeight = 32;  // pixels of the screen
+
+// Sizes in points would follow the printer's resolution, the grid's sizes do not.
+QFont InPixels(QFont font) {
+    font.setPixelSize(QFontInfo(font).pixelSize());
+    return font;
+}
+
+qint64 Length(const GridAxis& axis, const GridAxis::Lines& lines) {
+    return lines.IsEmpty() ? 0 : axis.Start(lines.last + 1) - axis.Start(lines.first);
+}
+
+int Offset(const GridAxis& axis, int from, int to) {
+    return static_cast<int>(axis.Start(to) - axis.Start(from));
+}
+
+}  // namespace
+
+GridPrinting::GridPrinting(const CGridCtrl& grid, const QSizeF& paper)
+    : m_grid(grid), m_paper(paper), m_pages(grid, Room()) {}
+
+double GridPrinting::Scale() const {
+    const GridAxis& columns = m_grid.Layout().columns;
+    const double width = static_cast<double>(columns.Start(columns.Count())) + 1;
+    return std::clamp(m_paper.width() / width, SmallestScale, 1.0);
+}
+
+QSize GridPrinting::Room() const {
+    return {static_cast<int>(m_paper.width() / Scale()),
+            static_cast<int>((m_paper.height() - FooterHeight) / Scale())};
+}
+
+void GridPrinting::DrawPage(QPainter& painter, int page) const {
+    const GridLayout& layout = m_grid.Layout();
+    const GridAxis::Lines headingRows{0, layout.rows.FixedCount() - 1};
+    const GridAxis::Lines headingColumns{0, layout.columns.FixedCount() - 1};
+    const QPoint body(layout.columns.FixedLength(), layout.rows.FixedLength());
+
+    painter.save();
+    painter.scale(Scale(), Scale());
+    painter.setClipRect(QRect(QPoint(), Room()).adjusted(0, 0, 1, 1));
+    DrawPart(painter, headingRows, headingColumns, {});
+    DrawPart(painter, headingRows, m_pages.Columns(page), {body.x(), 0});
+    DrawPart(painter, m_pages.Rows(page), headingColumns, {0, body.y()});
+    DrawPart(painter, m_pages.Rows(page), m_pages.Columns(page), body);
+    painter.restore();
+
+    painter.save();
+    painter.setFont(InPixels(m_grid.font()));
+    painter.drawText(QRectF(0, m_paper.height() - FooterHeight, m_paper.width(), FooterHeight),
+                     Qt::AlignHCenter | Qt::AlignBottom,
+                     QString::asprintf("Page %d of %d", page + 1, PageCount()));
+    painter.restore();
+}
+
+void GridPrinting::DrawPart(QPainter& painter, const GridAxis::Lines& rows, const GridAxis::Lines& columns,
+                            const QPoint& at) const {
+    if (rows.IsEmpty() || columns.IsEmpty()) {
+        return;
+    }
+    const GridLayout& layout = m_grid.Layout();
+    painter.save();
+    painter.setClipRect(QRect(at.x(), at.y(), static_cast<int>(Length(layout.columns, columns)) + 1,
+                              static_cast<int>(Length(layout.rows, rows)) + 1),
+                        Qt::IntersectClip);
+    for (int row = rows.first; row <= rows.last; ++row) {
+        for (int column = columns.first; column <= columns.last; ++column) {
+            const CCellRange block = m_grid.MergeExtent(row, column);
+            if (row != std::max(block.minRow, rows.first) ||
+                column != std::max(block.minCol, columns.first)) {
+                continue;
+            }
+            const QRect rect(at.x() + Offset(layout.columns, columns.first, block.minCol),
+                             at.y() + Offset(layout.rows, rows.first, block.minRow),
+                             Offset(layout.columns, block.minCol, block.maxCol + 1),
+                             Offset(layout.rows, block.minRow, block.maxRow + 1));
+            DrawCell(painter, {block.minRow, block.minCol}, rect);
+        }
+    }
+    painter.restore();
+}
+
+void GridPrinting::DrawCell(QPainter& painter, CCellID cell, const QRect& rect) const {
+    const CGridCellBase* source = m_grid.Cell(cell.row, cell.col);
+    if (source == nullptr || rect.isEmpty()) {
+        return;
+    }
+    const QColor own = source->GetBackColour();
+    const bool fixed = m_grid.Layout().IsFixed(cell);
+    if (own.isValid() || fixed) {
+        painter.fillRect(rect, own.isValid() ? own : m_grid.GetFixedBackgroundColour());
+    }
+    painter.setPen(fixed ? m_grid.GetShadowColour() : m_grid.GetGridLineColour());
+    painter.drawRect(rect);  // its right and lower lines are the next cells' left and upper ones
+    painter.setPen(source->GetTextColour().isValid() ? source->GetTextColour() : QColor(Qt::black));
+    painter.setFont(InPixels(source->GetFont().value_or(m_grid.font())));
+    // The text alone: buttons are of no use on paper.
+    const int margin = std::max(1, source->GetMargin());
+    DrawCellText(painter, rect.adjusted(margin, 1, -margin, -1), source->GetText(), source->GetFormat());
+}
+
+bool PrintGrid(const CGridCtrl& grid, QPrinter& printer) {
+    const double unit = static_cast<double>(printer.resolution()) / grid.logicalDpiY();
+    const GridPrinting printing(grid, printer.pageRect(QPrinter::DevicePixel).size() / unit);
+    const bool all = printer.printRange() != QPrinter::PageRange || printer.fromPage() < 1;
+    const int first = all ? 0 : printer.fromPage() - 1;
+    const int end = all ? printing.PageCount() : std::min(printing.PageCount(), printer.toPage());
+    QPainter painter;
+    if (first >= end || !painter.begin(&printer)) {
+        return false;
+    }
+    painter.scale(unit, unit);
+    for (int page = first; page < end; ++page) {
+        if (page > first && !printer.newPage()) {
+            return false;
+        }
+        printing.DrawPage(painter, page);
+    }
+    return painter.end();
+}
+
+}  // namespace quorvane

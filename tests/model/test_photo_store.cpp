@@ -1,0 +1,154 @@
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "model/photo_store.h"
+
+using namespace quorvane;
+
+namespace {
+
+// A library and what lies around it: "B/" is the base folder, "L/" the library under it. A file's content is
+// its name there.
+struct Disk {
+    QString Path(QString name) const {
+        return name.replace(u"L/"_qs, u"B/Vexal/LuminairePhotoLib/"_qs)
+            .replace(u"B/"_qs, folder.path() + u'/');
+    }
+    void Write(const QStringList& names) const {
+        for (const QString& name : names) {
+            QVERIFY(QDir().mkpath(QFileInfo(Path(name)).path()));
+            QFile file(Path(name));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(name.toUtf8()) > 0);
+        }
+    }
+    // "name=content" of every file of the library, or only the name when that is its content.
+    QString Library() const {
+        QStringList files;
+        for (const QString& name : QDir(Path(u"L/"_qs)).entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
+            QFile file(Path(u"L/"_qs) + name);
+            const QString content = file.open(QIODevice::ReadOnly) ? file.readAll() : QString();
+            files += content == u"L/"_qs + name ? name : name + u'=' + content;
+        }
+        return files.join(u' ');
+    }
+    // As a page stores the photo of a luminaire whose record can be written.
+    QString Store(int id, const QString& source) {
+        const PhotoStore::StagedPhoto staged = store.Stage(id, source);
+        return store.Place(id, staged) ? staged.photo : u"not placed"_qs;
+    }
+
+    QTemporaryDir folder;
+    PhotoStore store{folder.path()};
+};
+
+}  // namespace
+
+class TestPhotoStore : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void StoresUnderTheId_data();
+    void StoresUnderTheId();
+    void FailedFirstCopyKeepsThePathItWouldHave();
+    void NothingChangesBeforeItIsPlaced();
+    void KeepsTheLibrarysPictures();
+};
+
+void TestPhotoStore::StoresUnderTheId_data() {
+    QTest::addColumn<QStringList>("before");  // beside "7.jpg", which must stay
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("photo");    // its name in the library
+    QTest::addColumn<QString>("library");  // afterwards
+    const auto add = [](const char* what, const QString& before, const char* source, const char* photo,
+                        const char* library) {
+        QTest::newRow(what) << before.split(u' ', Qt::SkipEmptyParts) << QString::fromUtf8(source)
+                            << QString::fromUtf8(photo) << QString::fromUtf8(library);
+    };
+    add("two points", {}, "B/图 片/a.b.Gif", "12.Gif", "12.Gif=B/图 片/a.b.Gif 7.jpg");
+    add("nothing but an extension", {}, "B/.jpeg", "12.jpeg", "12.jpeg=B/.jpeg 7.jpg");
+    add("in place of others", u"L/12.bmp L/12.JPG L/12.a.b"_qs, "B/.JPG", "12.JPG", "12.JPG=B/.JPG 7.jpg");
+    add("none", u"L/1.jpg L/112.jpg L/12 L/12-old.jpg L/120.jpg L/x12.jpg L/12.jpg L/12.GIF"_qs, "", "",
+        "1.jpg 112.jpg 12 12-old.jpg 120.jpg 7.jpg x12.jpg");
+    add("its own", u"L/12.jpg L/12.bmp"_qs, "L/12.jpg", "12.jpg", "12.bmp 12.jpg 7.jpg");
+    add("its own, as stored", u"L/12.jpg L/12.bmp"_qs, "\\Vexal\\LuminairePhotoLib\\12.jpg", "12.jpg",
+        "12.bmp 12.jpg 7.jpg");
+    add("its own, written in another way", u"L/12.jpg L/12.bmp"_qs, "L/../LuminairePhotoLib/12.jpg", "12.jpg",
+        "12.jpg 7.jpg");
+    add("another's", {}, "\\Vexal\\LuminairePhotoLib\\7.jpg", "12.jpg", "12.jpg=L/7.jpg 7.jpg");
+    // A copy that fails leaves the old picture, and no file that is none.
+    const QString old = u"B/folder.jpg/picture B/blocked.png L/12.gif L/12.jpg.half"_qs;
+    const char* const kept = "12.gif 12.jpg.half 7.jpg";
+    add("missing", old, "B/gone.jpg", "12.gif", kept);
+    add("a folder", old, "B/folder.jpg", "12.gif", kept);
+    add("no extension, but a point in the folder", old, "B/folder.jpg/picture", "12.gif", kept);
+    add("leads out of the library", old, "B/x./../../../escaped", "12.gif", kept);
+    add("cannot be put in place", old + u" L/12.png/in_the_way"_qs, "B/blocked.png", "12.gif", kept);
+}
+
+void TestPhotoStore::StoresUnderTheId() {
+    QFETCH(QStringList, before);
+    QFETCH(QString, source);
+    QFETCH(QString, photo);
+    Disk disk;
+    disk.Write(before + QStringList{u"L/7.jpg"_qs, u"B/图 片/a.b.Gif"_qs, u"B/.jpeg"_qs, u"B/.JPG"_qs});
+    QCOMPARE(disk.Store(12, disk.Path(source)),
+             photo.isEmpty() ? QString() : u"\\Vexal\\LuminairePhotoLib\\"_qs + photo);
+    QTEST(disk.Library(), "library");
+    QVERIFY(!QFile::exists(disk.Path(u"B/escaped"_qs)));
+}
+
+void TestPhotoStore::FailedFirstCopyKeepsThePathItWouldHave() {
+    Disk disk;
+    QCOMPARE(disk.Store(12, u"\\Vexal\\LuminairePhotoLib\\7.jpg"_qs),
+             u"\\Vexal\\LuminairePhotoLib\\12.jpg"_qs);
+    QCOMPARE(disk.Store(12, u"no extension"_qs), u"\\Vexal\\LuminairePhotoLib\\12no extension"_qs);
+    QCOMPARE(disk.Store(12, u"\\no\\extension"_qs), QString());
+}
+
+// The folder is read only once: what was placed meanwhile is known, what was deleted is not.
+void TestPhotoStore::NothingChangesBeforeItIsPlaced() {
+    Disk disk;
+    disk.Write({u"L/12.bmp"_qs, u"L/7.bmp"_qs, u"B/.JPG"_qs, u"B/b.bmp"_qs});
+    const PhotoStore::OneListing listing(disk.store);
+    QCOMPARE(disk.store.Stage(12, disk.Path(u"B/b.bmp"_qs)).photo, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
+    QCOMPARE(disk.store.Stage(7, {}).photo, QString());
+    QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_qs);
+    {
+        const PhotoStore::StagedPhoto unplaceable = disk.store.Stage(12, disk.Path(u"B/.JPG"_qs));
+        QVERIFY(QDir().mkdir(disk.Path(u"L/12.JPG"_qs)));
+        QVERIFY(!disk.store.Place(12, unplaceable));
+        QCOMPARE(unplaceable.old, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
+        QVERIFY(QDir().rmdir(disk.Path(u"L/12.JPG"_qs)));
+    }
+    QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_qs);
+    disk.Store(12, disk.Path(u"B/.JPG"_qs));
+    QCOMPARE(disk.Library(), u"12.JPG=B/.JPG 7.bmp"_qs);
+    disk.store.Delete(12);
+    QCOMPARE(disk.Library(), u"7.bmp"_qs);
+}
+
+void TestPhotoStore::KeepsTheLibrarysPictures() {
+    Disk disk;
+    disk.Write({u"L/12.bmp"_qs, u"L/7.bmp"_qs, u"B/a.jpg"_qs});
+    for (const QString& none : {u"B/a.jpg"_qs, u"L/12.bmp"_qs, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs,
+                                u"\\Vexal\\LuminairePhotoLib\\8.bmp"_qs, QString()}) {
+        QVERIFY(disk.store.Keep(12, disk.Path(none)).file.isEmpty());
+    }
+    PhotoStore::KeptPicture seven = disk.store.Keep(12, u"\\Vexal\\LuminairePhotoLib\\7.bmp"_qs);
+    const PhotoStore::KeptPicture twelve = disk.store.Keep(7, disk.Path(u"L/12.bmp"_qs));
+    disk.Store(7, twelve.file);
+    disk.Store(12, seven.file);
+    QCOMPARE(disk.Library(), u"12.bmp=L/7.bmp 7.bmp=L/12.bmp"_qs);
+#ifdef Q_OS_UNIX
+    QVERIFY(QFile::link(disk.Path(u"B/Vexal"_qs), disk.Path(u"B/link"_qs)));
+    QVERIFY(!disk.store.Keep(12, disk.Path(u"B/link/LuminairePhotoLib/7.bmp"_qs)).file.isEmpty());
+#endif
+    const QString file = seven.file;
+    seven = {};
+    QVERIFY(!QFile::exists(file) && QFile::exists(twelve.file));
+}
+
+QTEST_GUILESS_MAIN(TestPhotoStore)
+#include "test_photo_store.moc"

@@ -229,7 +229,10 @@ void SampleReader::ReadLightSourcesOfLuminaire(CsvRow& row, tagLUMINAIREINFO& lu
 void SampleReader::ReadFactors(CsvRow& row, tagLUMINAIREINFO& luminaire) {
     const QString kind = ReadTableKind(row);
     luminaire.UtilizationFactorType = kind == QStringLiteral("RI") ? 1 : 0;
-    const QString distribution = row.Text();
+    const QString distribution = row.OptionalText();
+    if (distribution.isEmpty()) {
+        return;  // a luminaire for streets lights no room
+    }
     const auto shape = m_shapes.constFind(distribution + kind);
     if (shape == m_shapes.constEnd()) {
         row.Fail(QStringLiteral("no table %2 of \"%1\" in utilization_shapes.csv").arg(distribution, kind));
@@ -295,7 +298,8 @@ void SampleReader::ReadRequirements() {
         File("requirements.csv"),
         {QStringLiteral("行业"), QStringLiteral("建筑类型"), QStringLiteral("场所"),
          QStringLiteral("参考平面"), QStringLiteral("现行功率密度"), QStringLiteral("目标功率密度"),
-         QStringLiteral("照度标准值"), QStringLiteral("统一眩光值"), QStringLiteral("显色指数")});
+         QStringLiteral("照度标准值"), QStringLiteral("统一眩光值"), QStringLiteral("显色指数")},
+        true);  // what follows says how far a row was checked
     for (CsvRow row : table.Rows()) {
         tagILLUMINANCESTANDARD requirement;
         requirement.ID = static_cast<int>(m_data.Requirements.size()) + 1;

@@ -40,7 +40,7 @@ public:
 
     // How many pages there are, those that the present statement has appended included.
     virtual PageNumber Count() const = 0;
-    // A page as it is now. What the pointer shows never changes: after a Write, read again.
+    // A page as it is now. After a Write of the same page, read again.
     // Throws when there is no such page.
     virtual PagePointer Read(PageNumber page) const = 0;
     // The page for changing; only inside a statement, and never page 0. Valid until the statement ends.

@@ -1,4 +1,7 @@
-// Which pages belong to what: one bit a page. Format: docs/access-files.md, "Usage maps".
+// Which pages belong to what: one bit a page (docs/access-files.md, "Usage maps").
+//
+// A map is a row on a data page. Its bits stand in the row itself, or on pages of their own to which the row
+// refers. The global map says which pages are free; every other map lists the pages that something owns.
 #pragma once
 
 #include <functional>
@@ -18,9 +21,9 @@ public:
     UsageMap(Pages& pages, RowAddress address) : m_pages(&pages), m_address(address) {}
 
     bool Contains(PageNumber page) const;
-    // All pages of the map in ascending order, whether the file has them or not.
+    // All pages of the map in ascending order. Throws when the file has one of them not.
     std::vector<PageNumber> All() const;
-    // The greatest page of the map that lies below LIMIT.
+    // The greatest page of the map below LIMIT.
     std::optional<PageNumber> LastBelow(PageNumber limit) const;
     // The pages on which the map itself is kept.
     std::vector<PageNumber> Carriers() const;
@@ -30,37 +33,55 @@ public:
 
 private:
     friend class PageAllocator;
-    struct Shape;
 
-    Shape ReadShape() const;
-    ByteSpan WriteRow() const;
+    // Bits that stand together: those of the pages from FIRST on.
+    struct Bits {
+        PagePointer content;
+        PageNumber carrier = 0;
+        qsizetype offset = 0;
+        qsizetype length = 0;
+        quint64 first = 0;
+        quint64 End() const { return first + 8 * static_cast<quint64>(length); }
+        bool Has(quint64 page) const;
+    };
+
+    QByteArrayView Row(PagePointer& page) const;
+    ByteSpan WriteRow();
+    std::vector<Bits> AllBits() const;
+    std::vector<PageNumber> Below(PageNumber limit) const;
     bool SetBit(PageNumber page, bool on);
-    void Grow(PageNumber page, PageAllocator& allocator);
-    void TurnIntoReferences(PageAllocator& allocator);
-    void AddBitsPage(std::size_t index, PageAllocator& allocator);
+    bool Shift(const std::vector<PageNumber>& members);
+    // Turns the row into references; every bits page has to be added then.
+    void BecomeReferences();
+    bool IsInline() const;
+    bool HasBitsPage(quint64 index) const;
+    void AddBitsPage(quint64 index, PageNumber carrier, char fill);
 
     Pages* m_pages;
     RowAddress m_address;
 };
 
-// Hands out pages that nothing uses and takes back those no longer used (the global map).
+// Hands out pages that nothing uses, and takes back those no longer used.
 class PageAllocator {
 public:
-    // CLAIMED gives every page that some structure of the file says it owns. It is asked once, before the first
-    // allocation: a page that is free in the global map and claimed nevertheless is never handed out.
+    // CLAIMED gives for every page whether some structure of the file says it owns it. It is asked once,
+    // before the first allocation: a page that is free in the global map and claimed nevertheless is never
+    // handed out.
     PageAllocator(Pages& pages, std::function<std::vector<bool>()> claimed);
+
+    // Throws when the global map does not cover all pages of the file; it can be read then, but not written.
+    void RequireWholeMap() const;
 
     // A page of zeros that belongs to nothing yet.
     PageNumber Allocate();
     // The same, entered into the owner's map.
     PageNumber Allocate(UsageMap& owner);
-    // Gives a page back; Release with an owner takes it out of the owner's map first.
-    void Release(PageNumber page);
+    // Gives a page back, and takes it out of the owner's map.
     void Release(PageNumber page, UsageMap& owner);
 
 private:
-    friend class UsageMap;
-    void LoadConflicts();
+    PageNumber TakeFree();
+    PageNumber Grow();
 
     Pages* m_pages;
     UsageMap m_free;

@@ -5,6 +5,7 @@
 #include <QScrollBar>
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 #include "grid/accessibility/grid_accessible.h"
 #include "grid/accessibility/grid_announcer.h"
@@ -32,6 +33,7 @@ int DefaultColumnWidth() {
 
 CGridCtrl::CGridCtrl(int rows, int columns, int fixedRows, int fixedColumns)
     : m_layout{GridAxis(DefaultRowHeight(font())), GridAxis(DefaultColumnWidth())},
+      m_cells([this](int row) { FillMadeRow(row); }),
       m_keys(std::make_unique<GridKeys>(*this)),
       m_mouse(std::make_unique<GridMouse>(*this)),
       m_edit(std::make_unique<InPlaceEdit>(*this)),
@@ -125,7 +127,7 @@ bool CGridCtrl::SetLineCount(int CCellID::*line, int count) {
     }
     const int present = Axis(line).Count();
     if (count > present) {
-        InsertLines(line, present, count - present);
+        InsertLines(line, present, count - present, CellAttributes::DefaultFormat);
     } else if (count < present) {
         RemoveLines(line, count, present - count);
     }
@@ -154,8 +156,10 @@ int CGridCtrl::InsertRow(const CString& heading, int before) {
     if (GetColumnCount() == 0 && !heading.isEmpty()) {
         SetColumnCount(1);
     }
-    InsertLines(&CCellID::row, row, 1);
-    SetItemText(row, 0, heading);
+    InsertLines(&CCellID::row, row, 1, CellAttributes::DefaultFormat);
+    if (!heading.isEmpty()) {
+        SetItemText(row, 0, heading);
+    }
     return row;
 }
 
@@ -167,11 +171,10 @@ int CGridCtrl::InsertColumn(const CString& heading, unsigned format, int before)
     if (GetRowCount() == 0 && !heading.isEmpty()) {
         SetRowCount(1);
     }
-    InsertLines(&CCellID::col, column, 1);
-    for (int row = 0; row < GetRowCount(); ++row) {
-        m_cells.At(row, column)->SetFormat(format);
+    InsertLines(&CCellID::col, column, 1, format);
+    if (!heading.isEmpty()) {
+        SetItemText(0, column, heading);
     }
-    SetItemText(0, column, heading);
     return column;
 }
 
@@ -192,7 +195,7 @@ void CGridCtrl::DeleteAllItems() {
     SetColumnCount(0);
 }
 
-void CGridCtrl::InsertLines(int CCellID::*line, int at, int count) {
+void CGridCtrl::InsertLines(int CCellID::*line, int at, int count, unsigned format) {
     GridAxis& axis = Axis(line);
     if (at < axis.FixedCount()) {
         axis.SetFixedCount(axis.FixedCount() + count);
@@ -200,7 +203,7 @@ void CGridCtrl::InsertLines(int CCellID::*line, int at, int count) {
     if (line == &CCellID::row) {
         m_cells.InsertRows(at, count);
     } else {
-        m_cells.InsertColumns(at, count);
+        m_cells.InsertColumns(at, count, format);
     }
     axis.Insert(at, count);
     m_merges.InsertLines(line, at, count);
@@ -238,6 +241,38 @@ void CGridCtrl::FollowShape(const GridSelection& selection, CCellID editedCell) 
     m_edit->FollowCell(editedCell);
     SizesChanged();
     ApplySelection(selection);
+}
+
+// ---- Rows made when they are first touched
+
+void CGridCtrl::FillMadeRow(int row) {
+    if (m_rowMaker && row >= GetFixedRowCount()) {
+        const int outer = std::exchange(m_rowBeingMade, row);
+        m_rowMaker(row);
+        m_rowBeingMade = outer;
+    }
+}
+
+void CGridCtrl::RemakeRow(int row) {
+    if (row >= GetFixedRowCount() && row < GetRowCount()) {
+        RemakeRowRange(row, row);
+    }
+}
+
+void CGridCtrl::RemakeRows() {
+    if (GetFixedRowCount() < GetRowCount()) {
+        RemakeRowRange(GetFixedRowCount(), GetRowCount() - 1);
+    }
+}
+
+void CGridCtrl::RemakeRowRange(int first, int last) {
+    m_cells.Unmake(first, last);
+    if (m_choices != nullptr) {
+        m_choices->close();
+    }
+    m_edit->RowsRemade(first, last);
+    SizesChanged();
+    m_announcer->RowsChanged(first, last);
 }
 
 // ---- Sizes
@@ -310,7 +345,9 @@ bool CGridCtrl::SetInCell(int row, int column, void (CGridCellBase::*set)(Value)
         return false;
     }
     (cell->*set)(value);
-    RedrawCell(row, column);
+    if (row != m_rowBeingMade) {
+        RedrawCell(row, column);
+    }
     return true;
 }
 
@@ -324,8 +361,14 @@ bool CGridCtrl::SetItemText(int row, int column, const CString& text) {
     if (!SetInCell(row, column, &CGridCellBase::SetText, text)) {
         return false;
     }
-    m_announcer->TextChanged({row, column});
+    TellText({row, column});
     return true;
+}
+
+void CGridCtrl::TellText(CCellID cell) {
+    if (cell.row != m_rowBeingMade) {
+        m_announcer->TextChanged(cell);
+    }
 }
 
 CString CGridCtrl::GetItemText(int row, int column) const {
@@ -360,7 +403,7 @@ bool CGridCtrl::SetItem(const GridItem& item) {
     if (!SetInCell(item.row, item.col, &CGridCellBase::Set, item)) {
         return false;
     }
-    m_announcer->TextChanged({item.row, item.col});
+    TellText({item.row, item.col});
     return true;
 }
 
@@ -375,7 +418,9 @@ bool CGridCtrl::SetCellType(int row, int column, CellMaker make) {
     }
     cell->CopyFrom(*old);
     m_cells.Replace(row, column, std::move(cell));
-    RedrawCell(row, column);
+    if (row != m_rowBeingMade) {
+        RedrawCell(row, column);
+    }
     return true;
 }
 

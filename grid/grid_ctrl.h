@@ -8,6 +8,7 @@
 
 #include <QAbstractScrollArea>
 #include <QPointer>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -54,10 +55,20 @@ public:
     bool SetColumnCount(int columns);
     bool SetFixedRowCount(int rows);
     bool SetFixedColumnCount(int columns);
+    // A row without cells yet: `make` fills the cells of a row that is not fixed, when the row is first shown
+    // or touched (painted, read, changed, copied, found by assistive technology). It is called once for each
+    // row, with the row's number at that moment, and may set cells of that row only. Rows made before stay.
+    using RowMaker = std::function<void(int row)>;
+    void SetRowMaker(RowMaker make) { m_rowMaker = std::move(make); }
+    // Has the cells of a row, or of all rows that are not fixed, made anew when they are next shown or
+    // touched. Shape, sizes, focus, selection, scroll position and an open editor stay; the editor closes
+    // without taking its text when its cell is no longer one of editable text.
+    void RemakeRow(int row);
+    void RemakeRows();
     // Insert before row or column `before`, or append for -1. The heading goes into the first cell of the new
     // row or column; a grid without columns (rows) gets one to hold it. Inserting before a fixed row or
     // column makes a fixed one. Return the new index, or -1. InsertColumn gives every cell of the new column
-    // `format`.
+    // `format`, also in rows that come later.
     int InsertRow(const CString& heading, int before = -1);
     int InsertColumn(const CString& heading, unsigned format, int before = -1);
     // Renumbers the rows below, lowers the fixed row count for a fixed row, clears a focus on that row and
@@ -211,7 +222,7 @@ private:
     bool SetLineCount(int CCellID::*line, int count);
     bool SetFixedLineCount(int CCellID::*line, int count);
     bool SetLineSize(int CCellID::*line, int number, int size);
-    void InsertLines(int CCellID::*line, int at, int count);
+    void InsertLines(int CCellID::*line, int at, int count, unsigned format);
     void RemoveLines(int CCellID::*line, int at, int count);
     // Changes a cell and redraws it; false where there is none.
     template <typename Value, typename Given>
@@ -219,6 +230,9 @@ private:
     // What a cell holds, or an empty value where there is none.
     template <typename Value>
     Value GetFromCell(int row, int column, Value (CGridCellBase::*get)() const) const;
+    // A row's cells have just been made.
+    void FillMadeRow(int row);
+    void RemakeRowRange(int first, int last);
     // Takes the selection over, redraws and tells what changed; editedCell is where a cell being edited
     // has gone.
     void FollowShape(const GridSelection& selection, CCellID editedCell);
@@ -231,16 +245,20 @@ private:
     void SyncScrollBars();
     void RedrawCell(int row, int column);
     void RedrawAll();
+    void TellText(CCellID cell);
     QFont FontOf(const CGridCellBase& cell) const;
     void ShowTip(const QPoint& position, const QPoint& globalPosition);
 
     GridLayout m_layout;
     GridCells m_cells;
+    RowMaker m_rowMaker;
+    int m_rowBeingMade = -1;
     GridMerges m_merges;
     GridSelection m_selection;
     int m_controlId = 0;
     QColor m_background;  // invalid: the system's
     bool m_typesByColumns = false;
+    bool m_isSyncDue = false;    // of the scroll bars, at the end of the present event
     bool m_isRedrawDue = false;  // of the whole window; spares the work for single cells
     std::unique_ptr<GridKeys> m_keys;
     std::unique_ptr<GridMouse> m_mouse;

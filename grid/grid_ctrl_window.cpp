@@ -26,17 +26,18 @@ namespace quorvane {
 // ---- Scrolling
 
 void CGridCtrl::SizesChanged() {
-    // What grows can be reached at once. What shrinks is left to the end of the present event, so that
-    // emptying and refilling the grid does not lose the place that the user has scrolled to.
-    verticalScrollBar()->setMaximum(std::max(verticalScrollBar()->maximum(), m_layout.rows.MaxScroll()));
-    horizontalScrollBar()->setMaximum(
-        std::max(horizontalScrollBar()->maximum(), m_layout.columns.MaxScroll()));
-    QCoreApplication::postEvent(this, new QEvent(QEvent::LayoutRequest));
+    // The scroll bars follow at the end of the present event. So emptying and refilling the grid does not
+    // lose the place that the user has scrolled to, and many changes cost no more than one.
+    if (!m_isSyncDue) {
+        m_isSyncDue = true;
+        QCoreApplication::postEvent(this, new QEvent(QEvent::LayoutRequest));
+    }
     m_edit->Place();
     RedrawAll();
 }
 
 void CGridCtrl::SyncScrollBars() {
+    m_isSyncDue = false;
     m_layout.SetViewSize(viewport()->size());
     const QSize room = maximumViewportSize();
     // Without this each scroll bar might stand there only because the other one takes its room.
@@ -177,7 +178,7 @@ void CGridCtrl::ShowTip(const QPoint& position, const QPoint& globalPosition) {
 bool CGridCtrl::event(QEvent* event) {
     if (event->type() == QEvent::LayoutRequest) {
         SyncScrollBars();
-        m_edit->Place();
+        m_edit->Refresh();
     }
     if (event->type() == QEvent::KeyPress) {
         // Tab reaches keyPressEvent only after it has moved the focus out of the grid.

@@ -36,7 +36,7 @@ GridAnnouncer::GridAnnouncer(CGridCtrl& grid) : m_grid(grid) {
 }
 
 GridAnnouncer::~GridAnnouncer() {
-    FollowCells([](CCellID& cell) { cell = {}; });
+    FollowCells(0, [](CCellID& cell) { cell = {}; });
 }
 
 void GridAnnouncer::Tell(QAccessibleEvent& event) const {
@@ -60,13 +60,12 @@ QAccessibleInterface* GridAnnouncer::CellInterface(CCellID cell) {
 }
 
 template <typename Change>
-void GridAnnouncer::FollowCells(Change change) {
-    if (m_cells.empty()) {
-        return;
-    }
-    std::map<std::pair<int, int>, QAccessible::Id> kept;
+void GridAnnouncer::FollowCells(int fromRow, Change change) {
+    const auto first = m_cells.lower_bound({fromRow, 0});
+    const std::vector<std::pair<Place, QAccessible::Id>> followed(first, m_cells.end());
+    m_cells.erase(first, m_cells.end());
     std::vector<QAccessible::Id> gone;
-    for (const auto& [place, id] : m_cells) {
+    for (const auto& [place, id] : followed) {
         GridAccessibleCell* cell = CellOf(id);
         if (cell == nullptr) {
             continue;
@@ -75,41 +74,46 @@ void GridAnnouncer::FollowCells(Change change) {
         change(now);
         if (m_grid.Layout().Holds(now) && m_grid.MergeOrigin(now.row, now.col) == now) {
             cell->SetPlace(now);
-            kept.emplace(std::pair(now.row, now.col), id);
+            m_cells.emplace(Place(now.row, now.col), id);
         } else {
             cell->Invalidate();
             gone.push_back(id);
         }
     }
-    m_cells = std::move(kept);
     DeleteLater(std::move(gone));
 }
 
 void GridAnnouncer::LinesInserted(int CCellID::*line, int at, int count) {
-    FollowCells([=](CCellID& cell) { ShiftForInsert(cell, line, at, count); });
-    TellLines(QAccessibleTableModelChangeEvent::RowsInserted,
-              QAccessibleTableModelChangeEvent::ColumnsInserted, line, at, count);
+    const bool rows = line == &CCellID::row;
+    FollowCells(rows ? at : 0, [=](CCellID& cell) { ShiftForInsert(cell, line, at, count); });
+    TellLines(rows ? ModelChange::RowsInserted : ModelChange::ColumnsInserted, line, at, count);
 }
 
 void GridAnnouncer::LinesRemoved(int CCellID::*line, int at, int count) {
-    FollowCells([=](CCellID& cell) { ShiftForRemove(cell, line, at, count); });
-    TellLines(QAccessibleTableModelChangeEvent::RowsRemoved, QAccessibleTableModelChangeEvent::ColumnsRemoved,
-              line, at, count);
+    const bool rows = line == &CCellID::row;
+    FollowCells(rows ? at : 0, [=](CCellID& cell) { ShiftForRemove(cell, line, at, count); });
+    TellLines(rows ? ModelChange::RowsRemoved : ModelChange::ColumnsRemoved, line, at, count);
 }
 
 void GridAnnouncer::BlocksChanged() {
-    FollowCells([](CCellID& /*cell*/) {});
+    FollowCells(0, [](CCellID& /*cell*/) {});
 }
 
-void GridAnnouncer::TellLines(QAccessibleTableModelChangeEvent::ModelChangeType rowChange,
-                              QAccessibleTableModelChangeEvent::ModelChangeType columnChange,
-                              int CCellID::*line, int at, int count) {
+void GridAnnouncer::RowsChanged(int first, int last) {
+    TellLines(ModelChange::DataChanged, &CCellID::row, first, last - first + 1);
+    const CCellID focus = m_grid.GetFocusCell();
+    if (focus.row >= first && focus.row <= last) {
+        QMetaObject::invokeMethod(
+            this, [this] { TextChanged(m_grid.GetFocusCell()); }, Qt::QueuedConnection);
+    }
+}
+
+void GridAnnouncer::TellLines(ModelChange::ModelChangeType change, int CCellID::*line, int at, int count) {
     if (!IsHeard()) {
         return;
     }
-    const bool rows = line == &CCellID::row;
-    QAccessibleTableModelChangeEvent event(&m_grid, rows ? rowChange : columnChange);
-    if (rows) {
+    ModelChange event(&m_grid, change);
+    if (line == &CCellID::row) {
         event.setFirstRow(at);
         event.setLastRow(at + count - 1);
     } else {
@@ -120,7 +124,7 @@ void GridAnnouncer::TellLines(QAccessibleTableModelChangeEvent::ModelChangeType 
 }
 
 void GridAnnouncer::TextChanged(CCellID cell) {
-    if (!IsHeard()) {
+    if (!IsHeard() || !m_grid.Layout().Holds(cell)) {
         return;
     }
     if (cell != m_grid.GetFocusCell() && !m_cells.contains({cell.row, cell.col})) {

@@ -35,17 +35,21 @@ public:
     void LinesRemoved(int CCellID::*line, int at, int count);
     // Cells have been merged or blocks dissolved.
     void BlocksChanged();
+    // The cells of some rows will be made anew.
+    void RowsChanged(int first, int last);
     // Told when the cell has the focus or somebody holds its interface.
     void TextChanged(CCellID cell);
     // The keyboard focus has come to the grid. Told after the toolkit has told of the grid itself.
     void FocusCame();
 
 private:
+    using Place = std::pair<int, int>;  // row, column
+    using ModelChange = QAccessibleTableModelChangeEvent;
+
+    // Changes the places of the cells from a row on.
     template <typename Change>
-    void FollowCells(Change change);
-    void TellLines(QAccessibleTableModelChangeEvent::ModelChangeType rowChange,
-                   QAccessibleTableModelChangeEvent::ModelChangeType columnChange, int CCellID::*line, int at,
-                   int count);
+    void FollowCells(int fromRow, Change change);
+    void TellLines(ModelChange::ModelChangeType change, int CCellID::*line, int at, int count);
     void TellFocus();
     bool IsHeard() const { return m_listener != nullptr || QAccessible::isActive(); }
     void Tell(QAccessibleEvent& event) const;
@@ -53,7 +57,7 @@ private:
 
     CGridCtrl& m_grid;
     Listener m_listener;
-    std::map<std::pair<int, int>, QAccessible::Id> m_cells;  // by row and column
+    std::map<Place, QAccessible::Id> m_cells;
 };
 
 }  // namespace quorvane

@@ -1,44 +1,71 @@
 #include "grid/cells/grid_cells.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace quorvane {
 
 void GridCells::InsertRows(int at, int count) {
-    const auto oldCount = static_cast<std::ptrdiff_t>(m_rows.size());
-    m_rows.resize(m_rows.size() + static_cast<std::size_t>(count));
-    std::rotate(m_rows.begin() + at, m_rows.begin() + oldCount, m_rows.end());
-    for (auto row = m_rows.begin() + at; row != m_rows.begin() + at + count; ++row) {
-        row->resize(static_cast<std::size_t>(m_columns));
-    }
+    m_rows.Insert(at, count);
 }
 
 void GridCells::RemoveRows(int at, int count) {
-    m_rows.erase(m_rows.begin() + at, m_rows.begin() + at + count);
-    if (m_rows.empty()) {
-        m_rows.shrink_to_fit();
-    }
+    m_rows.Remove(at, count);
 }
 
-void GridCells::InsertColumns(int at, int count) {
-    for (Row& row : m_rows) {
-        Row wider;
-        wider.reserve(row.size() + static_cast<std::size_t>(count));
-        std::move(row.begin(), row.begin() + at, std::back_inserter(wider));
-        wider.resize(wider.size() + static_cast<std::size_t>(count));
-        std::move(row.begin() + at, row.end(), std::back_inserter(wider));
+void GridCells::InsertColumns(int at, int count, unsigned format) {
+    const int oldCount = ColumnCount();
+    for (int i = 0; i < m_rows.Count(); ++i) {
+        Row& row = m_rows[i];
+        if (row == nullptr) {
+            continue;
+        }
+        Row wider = std::make_unique<Slot[]>(static_cast<std::size_t>(oldCount + count));
+        std::move(row.get(), row.get() + at, wider.get());
+        std::move(row.get() + at, row.get() + oldCount, wider.get() + at + count);
+        for (Slot* added = wider.get() + at; added != wider.get() + at + count; ++added) {
+            std::get<CGridCell>(*added).SetFormat(format);
+        }
         row = std::move(wider);
     }
-    m_columns += count;
+    m_columnFormats.insert(m_columnFormats.begin() + at, static_cast<std::size_t>(count), format);
 }
 
 void GridCells::RemoveColumns(int at, int count) {
-    for (Row& row : m_rows) {
-        row.erase(row.begin() + at, row.begin() + at + count);
+    const int oldCount = ColumnCount();
+    for (int i = 0; i < m_rows.Count(); ++i) {
+        Row& row = m_rows[i];
+        if (row == nullptr) {
+            continue;
+        }
+        Row narrower = std::make_unique<Slot[]>(static_cast<std::size_t>(oldCount - count));
+        std::move(row.get(), row.get() + at, narrower.get());
+        std::move(row.get() + at + count, row.get() + oldCount, narrower.get() + at);
+        row = std::move(narrower);
     }
-    m_columns -= count;
+    m_columnFormats.erase(m_columnFormats.begin() + at, m_columnFormats.begin() + at + count);
+}
+
+void GridCells::Unmake(int first, int last) {
+    for (int row = first; row <= last; ++row) {
+        m_rows[row] = nullptr;
+    }
+}
+
+bool GridCells::Holds(int row, int column) const {
+    return row >= 0 && row < RowCount() && column >= 0 && column < ColumnCount();
+}
+
+GridCells::Slot* GridCells::MadeRow(int row) const {
+    if (m_rows[row] == nullptr) {
+        m_rows[row] = std::make_unique<Slot[]>(m_columnFormats.size());
+        for (int column = 0; column < ColumnCount(); ++column) {
+            std::get<CGridCell>(m_rows[row][static_cast<std::size_t>(column)])
+                .SetFormat(m_columnFormats[static_cast<std::size_t>(column)]);
+        }
+        m_onMade(row);
+    }
+    return row < RowCount() ? m_rows[row].get() : nullptr;
 }
 
 CGridCellBase* GridCells::At(int row, int column) {
@@ -46,16 +73,19 @@ CGridCellBase* GridCells::At(int row, int column) {
 }
 
 const CGridCellBase* GridCells::At(int row, int column) const {
-    if (row < 0 || row >= RowCount() || column < 0 || column >= m_columns) {
+    if (!Holds(row, column)) {
         return nullptr;
     }
-    const Slot& slot = m_rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)];
-    const CGridCell* plain = std::get_if<CGridCell>(&slot);
-    return plain != nullptr ? plain : std::get<std::unique_ptr<CGridCellBase>>(slot).get();
+    const Slot* cells = MadeRow(row);
+    if (cells == nullptr || column >= ColumnCount()) {
+        return nullptr;
+    }
+    const CGridCell* plain = std::get_if<CGridCell>(&cells[column]);
+    return plain != nullptr ? plain : std::get<std::unique_ptr<CGridCellBase>>(cells[column]).get();
 }
 
 void GridCells::Replace(int row, int column, std::unique_ptr<CGridCellBase> cell) {
-    m_rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] = std::move(cell);
+    m_rows[row][static_cast<std::size_t>(column)] = std::move(cell);
 }
 
 }  // namespace quorvane

@@ -2,6 +2,7 @@
 
 #include <QFocusEvent>
 #include <limits>
+#include <utility>
 
 #include "grid/accessibility/grid_accessible.h"
 #include "grid/cells/cell_text.h"
@@ -14,7 +15,7 @@ InPlaceEdit::InPlaceEdit(CGridCtrl& grid) : m_grid(grid) {}
 void InPlaceEdit::Begin(CCellID cell, Start start) {
     const CGridCellBase& source = *m_grid.Cell(cell.row, cell.col);
     m_cell = cell;
-    m_original = source.GetText();
+    m_isRemade = false;
     m_editor = new QLineEdit(m_grid.viewport());
     m_editor->setObjectName(QStringLiteral("gridInPlaceEdit"));
     m_editor->setAccessibleName(ColumnHeadingText(m_grid, cell.col));
@@ -23,7 +24,7 @@ void InPlaceEdit::Begin(CCellID cell, Start start) {
     m_editor->setFont(source.GetFont().value_or(m_grid.font()));
     m_editor->setAlignment(CellTextAlignment(source.GetFormat()) & ~Qt::AlignAbsolute);
     if (start != Start::Empty) {
-        m_editor->setText(m_original);
+        m_editor->setText(source.GetText());
     }
     m_editor->installEventFilter(this);
     Place();
@@ -62,8 +63,28 @@ void InPlaceEdit::FollowCell(CCellID cell) {
     }
 }
 
+void InPlaceEdit::RowsRemade(int first, int last) {
+    m_isRemade = m_isRemade || (m_cell.row >= first && m_cell.row <= last);
+}
+
+void InPlaceEdit::Refresh() {
+    if (!IsOn()) {
+        return;
+    }
+    if (std::exchange(m_isRemade, false)) {
+        if (m_grid.EditingOf(m_cell) != CellEditing::Text) {
+            Cancel();
+            return;
+        }
+        if (!m_editor->isModified()) {
+            m_editor->setText(m_grid.GetItemText(m_cell.row, m_cell.col));
+        }
+    }
+    Place();
+}
+
 CString InPlaceEdit::Text() const {
-    return m_editor->isModified() ? m_editor->text() : m_original;
+    return m_editor->isModified() ? m_editor->text() : m_grid.GetItemText(m_cell.row, m_cell.col);
 }
 
 void InPlaceEdit::Close() {
@@ -80,6 +101,7 @@ void InPlaceEdit::Close() {
 }
 
 void InPlaceEdit::End() {
+    Refresh();
     if (!IsOn()) {
         return;
     }

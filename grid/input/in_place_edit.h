@@ -36,6 +36,11 @@ public:
     // The rows or columns of the grid have changed; the edit goes with its cell or, if that is gone, ends
     // without taking the text.
     void FollowCell(CCellID cell);
+    // The cells of some rows are made anew when they are next touched.
+    void RowsRemade(int first, int last);
+    // Puts the editor over its cell and, when the cell was made anew, goes by what the cell is and holds now:
+    // a text that the user has not changed is replaced, and an edit in a cell without editable text ends.
+    void Refresh();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -50,7 +55,7 @@ private:
     CGridCtrl& m_grid;
     QPointer<QLineEdit> m_editor;
     CCellID m_cell;
-    CString m_original;
+    bool m_isRemade = false;
 };
 
 }  // namespace quorvane

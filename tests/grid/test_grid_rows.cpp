@@ -1,0 +1,162 @@
+// Rows whose cells are made when they are first shown or touched.
+#include <QAccessible>
+#include <QApplication>
+#include <QClipboard>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+#include "shown_grid.h"
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quorvane;
+
+namespace {
+
+// Three columns below a heading, and the rows that the maker was asked for, in their order.
+struct LazyGrid {
+    CGridCtrl& grid;
+    std::vector<int> made = {};
+    CString text = u"text %1"_s;
+
+    explicit LazyGrid(CGridCtrl& lazy, int rows) : grid(lazy) {
+        grid.SetRowCount(1);
+        grid.SetFixedRowCount(1);
+        grid.SetColumnCount(3);
+        grid.SetRowCount(rows);
+        grid.SetRowMaker([this](int row) {
+            made.push_back(row);
+            grid.SetCellType<CGridBtnCellCombo>(row, 2);
+            grid.SetItem({.row = row, .col = 1, .mask = ItemMask::Text, .text = text.arg(row)});
+            grid.SetItemData(row, 0, grid.GetItemData(row, 0) + row);
+        });
+    }
+};
+
+}  // namespace
+
+class TestGridRows : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void eachTouchMakesItsRowOnce() {
+        const std::function<void(CGridCtrl&)> touches[]{
+            [](CGridCtrl& grid) { grid.GetItemText(7, 0); },
+            [](CGridCtrl& grid) { grid.SetItemData(7, 2, 3); },
+            [](CGridCtrl& grid) { grid.SetItemState(7, 2, CellState::ReadOnly); },
+            [](CGridCtrl& grid) { grid.SetCellType<CGridBtnCell>(7, 0); },
+            [](CGridCtrl& grid) { grid.Cell(7, 1); },
+            [](CGridCtrl& grid) { grid.IsCellEditable(7, 1); },
+            [](CGridCtrl& grid) { grid.BeginEdit(7, 1); },
+            [](CGridCtrl& grid) {
+                grid.FocusWithoutSelecting({7, 1});
+                QTest::keySequence(&grid, QKeySequence(QKeySequence::Copy));
+            },
+            [](CGridCtrl& grid) {
+                auto* table = QAccessible::queryAccessibleInterface(&grid)->tableInterface();
+                QCOMPARE(table->cellAt(7, 1)->text(QAccessible::Name), u"text 7"_s);
+            },
+        };
+        for (const auto& touch : touches) {
+            CGridCtrl grid;
+            const LazyGrid lazy(grid, 10);
+            touch(grid);
+            QCOMPARE(lazy.made, std::vector{7});
+            QCOMPARE(grid.GetItemText(7, 1), u"text 7"_s);
+            QVERIFY(grid.GetItemText(0, 1).isEmpty());
+            QCOMPARE(lazy.made, std::vector{7});
+        }
+    }
+
+    void nothingElseMakesRows() {
+        CGridCtrl grid;
+        const LazyGrid lazy(grid, 50'000);
+        grid.InsertColumn(u"heading"_s, CellFormat::Right, 1);
+        grid.InsertRow({}, 5);
+        grid.SelectAllCells();
+        grid.MergeCells(3, 0, 1, 1);
+        grid.SetRowHeight(9, 40);
+        grid.DeleteRow(7);
+        auto* table = QAccessible::queryAccessibleInterface(&grid)->tableInterface();
+        QCOMPARE(table->selectedRowCount(), 49'999);
+        grid.RemakeRows();
+        grid.DeleteNonFixedRows();
+        QVERIFY(lazy.made.empty());
+        grid.SetRowCount(2);
+        QCOMPARE(grid.GetItemFormat(1, 1), CellFormat::Right);
+    }
+
+    void shownRowsAreMade() {
+        const ShownGrid shown(1, 3);
+        const LazyGrid lazy(*shown.grid, 10'000);
+        QTRY_VERIFY(!lazy.made.empty());
+        const int inSight = shown.grid->CellAt({1, shown.grid->viewport()->height() - 1}).row;
+        QCOMPARE(lazy.made.front(), 1);
+        QCOMPARE(lazy.made.back(), inSight);
+        QCOMPARE(int(lazy.made.size()), inSight);
+        shown.grid->SetFocusCell({1, 0});
+        shown.Key(Qt::Key_End, Qt::ControlModifier);
+        QTRY_VERIFY(std::ranges::find(lazy.made, 9999) != lazy.made.end());
+        QVERIFY(int(lazy.made.size()) <= 2 * inSight + 2);
+    }
+
+    void rowsKeepTheirCellsWhenOthersComeAndGo() {
+        CGridCtrl grid;
+        LazyGrid lazy(grid, 8);
+        grid.SetItemText(4, 0, u"own"_s);
+        grid.InsertRow({}, 2);
+        grid.DeleteRow(1);
+        grid.InsertRow({}, 6);
+        grid.DeleteRow(7);
+        QCOMPARE(grid.GetItemText(4, 0), u"own"_s);
+        QCOMPARE(grid.GetItemText(4, 1), u"text 4"_s);
+        grid.GetItemText(6, 0);  // was inserted, and takes the number that it has now
+        QCOMPARE(lazy.made, (std::vector{4, 6}));
+        lazy.text = u"new %1"_s;
+        grid.RemakeRow(4);
+        grid.RemakeRow(0);
+        QCOMPARE(grid.GetItemText(4, 0) + grid.GetItemText(4, 1), u"new 4"_s);
+        QCOMPARE(grid.GetItemText(6, 1), u"text 6"_s);
+        grid.SetItemText(0, 1, u"heading"_s);
+        grid.RemakeRows();
+        QCOMPARE(grid.GetItemText(6, 1) + grid.GetItemText(0, 1), u"new 6heading"_s);
+    }
+
+    void remadeRowsKeepPlaceAndEdit() {
+        const ShownGrid shown(1, 3);
+        CGridCtrl& grid = *shown.grid;
+        LazyGrid lazy(grid, 500);
+        const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
+        QCoreApplication::processEvents();
+        grid.verticalScrollBar()->setValue(200);
+        const auto edit = [&](const CString& typed) {
+            QVERIFY(grid.BeginEdit(12, 1));
+            QTest::keyClicks(shown.Editor(), typed);
+            lazy.text += u'*';
+            grid.RemakeRows();
+            QCoreApplication::processEvents();
+        };
+        const int place = grid.verticalScrollBar()->value();
+        edit({});  // an unchanged text is the cell's new one
+        QCOMPARE(shown.Editor()->text(), u"text 12*"_s);
+        grid.EndEdit();
+        QCOMPARE(grid.GetItemText(12, 1), u"text 12*"_s);
+        edit(u"typed"_s);
+        grid.EndEdit();
+        QCOMPARE(grid.GetItemText(12, 1), u"typed"_s);
+        QCOMPARE(ended.count(), 2);
+        grid.SetRowMaker([&grid](int row) { grid.SetItemState(row, 1, CellState::ReadOnly); });
+        edit(u"typed"_s);
+        QVERIFY(!grid.IsEditing());
+        QCOMPARE(ended.count(), 2);
+        QCOMPARE(grid.verticalScrollBar()->value(), place);
+        QCOMPARE(grid.GetFocusCell(), (CCellID{12, 1}));
+        QCOMPARE(grid.GetSelectedCellRange(), (CCellRange{12, 1, 12, 1}));
+    }
+};
+
+QTEST_MAIN(TestGridRows)
+#include "test_grid_rows.moc"

@@ -1,0 +1,136 @@
+// The keys of values, and the values that have none.
+
+#include <QTest>
+
+#include "data/store/access/access_error.h"
+#include "data/store/access/key.h"
+
+using namespace quorvane::access;
+using namespace Qt::StringLiterals;
+
+class TestAccessKey : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void Values_data();
+    void Values();
+    void Texts_data();
+    void Texts();
+    void DescendingText();
+    void UnknownTextsAreRefused_data();
+    void UnknownTextsAreRefused();
+};
+
+using ValueBytes = std::optional<QByteArray>;
+
+namespace {
+
+template <typename Number>
+QByteArray Bytes(Number number) {
+    return QByteArray(reinterpret_cast<const char*>(&number), sizeof(number));
+}
+
+}  // namespace
+
+void TestAccessKey::Values_data() {
+    QTest::addColumn<int>("type");
+    QTest::addColumn<ValueBytes>("value");
+    QTest::addColumn<QByteArray>("ascending");
+    QTest::addColumn<QByteArray>("descending");
+    const auto row = [](const char* name, ColumnType type, const ValueBytes& value, const char* ascending,
+                        const char* descending) {
+        QTest::newRow(name) << static_cast<int>(type) << value << QByteArray(ascending)
+                            << QByteArray(descending);
+    };
+    row("NULL", ColumnType::Long, std::nullopt, "00", "ff");
+    row("long 1", ColumnType::Long, Bytes(qint32{1}), "7f80000001", "807ffffffe");
+    row("long -1", ColumnType::Long, Bytes(qint32{-1}), "7f7fffffff", "8080000000");
+    row("integer -2", ColumnType::Integer, Bytes(qint16{-2}), "7f7ffe", "808001");
+    row("byte 5", ColumnType::Byte, Bytes(quint8{5}), "7f05", "80fa");
+    row("true", ColumnType::Boolean, Bytes(quint8{1}), "7f00", "80ff");
+    row("false", ColumnType::Boolean, Bytes(quint8{0}), "7fff", "8000");
+    row("currency 1.25", ColumnType::Currency, Bytes(qint64{12500}), "7f80000000000030d4",
+        "807fffffffffffcf2b");
+    row("double 0", ColumnType::Double, Bytes(0.0), "7f8000000000000000", "807fffffffffffffff");
+    row("double -1.5", ColumnType::Double, Bytes(-1.5), "7f4007ffffffffffff", "80bff8000000000000");
+    row("single 70.5", ColumnType::Single, Bytes(70.5F), "7fc28d0000", "803d72ffff");
+    row("date", ColumnType::Date, Bytes(40438.5), "7fc0e3bed000000000", "803f1c412fffffffff");
+    row("GUID", ColumnType::Guid, QByteArray::fromHex("000102030405060708090a0b0c0d0e0f"),
+        "7f03020100050407060908090a0b0c0d0e0f08", "80fcfdfefffafbf8f909f7f6f5f4f3f2f1f0f7");
+    row("a full block", ColumnType::Binary, QByteArray("abcdefgh"), "7f616263646566676808",
+        "809e9d9c9b9a999897f7");
+    row("a block and one byte", ColumnType::Binary, QByteArray("abcdefghi"),
+        "7f616263646566676809690000000000000001", "809e9d9c9b9a9998970996fffffffffffffffe");
+}
+
+void TestAccessKey::Values() {
+    QFETCH(int, type);
+    QFETCH(ValueBytes, value);
+    for (const bool ascending : {true, false}) {
+        QByteArray key;
+        AppendKey(key, {static_cast<ColumnType>(type), ascending, {}}, value);
+        QTEST(key.toHex(), ascending ? "ascending" : "descending");
+    }
+}
+
+void TestAccessKey::Texts_data() {
+    QTest::addColumn<SortOrder>("order");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QByteArray>("key");
+    const auto row = [](SortOrder order, const char* text, const char* key) {
+        QTest::addRow("%d: %s", order.language, text)
+            << order << QString::fromUtf8(text) << QByteArray::fromHex(key);
+    };
+    for (const SortOrder order : {kGeneralOrder, kChineseOrder}) {
+        row(order, "", "7f 0100");
+        row(order, "a b ", "7f 4a074c 0100");
+        row(order, "A B", "7f 4a074c 0100");
+        row(order, "T5-28W/840", "7f 6d403a46731e463e36 01 010101 800f0682 00");
+    }
+    row(kGeneralOrder, "abc-é", "7f 4a4c4d51 01 0202020e 010101 80130682 00");
+    row(kGeneralOrder, "ßé", "7f 6b6b51 01 02020e 00");
+    row(kChineseOrder, "310-315(环线)", "7f 3c3836 3c3840 14 9785c2ec 16 01 010101 80130682 00");
+}
+
+void TestAccessKey::Texts() {
+    QFETCH(SortOrder, order);
+    QFETCH(QString, text);
+    QByteArray ascending;
+    AppendTextKey(ascending, {ColumnType::Text, true, order}, text);
+    QTEST(ascending, "key");
+}
+
+void TestAccessKey::DescendingText() {
+    QByteArray key;
+    AppendTextKey(key, {ColumnType::Text, false, kGeneralOrder}, QStringLiteral("1,7"));
+    QCOMPARE(key, QByteArray::fromHex("80c7e5bbfeff00"));
+}
+
+void TestAccessKey::UnknownTextsAreRefused_data() {
+    QTest::addColumn<SortOrder>("order");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("named");  // in the message
+    QTest::newRow("a Chinese character under the General order") << kGeneralOrder << u"T5荧光"_s << u"荧"_s;
+    QTest::newRow("an unknown Chinese character") << kChineseOrder << u"安囍"_s << u"囍"_s;
+    QTest::newRow("an accented letter under the Chinese order") << kChineseOrder << u"é"_s << u"é"_s;
+    QTest::newRow("an accented letter never seen") << kGeneralOrder << u"ñ"_s << u"ñ"_s;
+    QTest::newRow("a control character") << kGeneralOrder << u"a\tb"_s << u"U+0009"_s;
+    QTest::newRow("a hyphen behind a Chinese character") << kChineseOrder << u"安-1"_s << u"-"_s;
+    QTest::newRow("a text too long") << kGeneralOrder << QString(256, u'a') << u"255"_s;
+    QTest::newRow("another version of the order") << SortOrder{1033, 1} << u"a"_s << u"1033"_s;
+}
+
+void TestAccessKey::UnknownTextsAreRefused() {
+    QFETCH(SortOrder, order);
+    QFETCH(QString, text);
+    QFETCH(QString, named);
+    try {
+        TextKey(text, order);
+        QFAIL("a key was made up");
+    } catch (const AccessError& error) {
+        QVERIFY2(error.Message().contains(named), qPrintable(error.Message()));
+    }
+}
+
+QTEST_GUILESS_MAIN(TestAccessKey)
+#include "test_access_key.moc"

@@ -48,6 +48,12 @@ public:
                       int options) = 0;
     // Runs exactly one statement. A statement without result rows gives a record set that is at its end.
     virtual std::unique_ptr<Recordset> Execute(const CString& statement) = 0;
+    // A submit is a run of statements that wait for the disk together, at its end. Each statement is still
+    // committed by itself and survives a kill of the process once Execute has returned; all of them survive
+    // a power cut once EndSubmit has returned. A provider that waits for the disk anyway does nothing, and
+    // an EndSubmit without a BeginSubmit does nothing.
+    virtual void BeginSubmit() {}
+    virtual void EndSubmit() {}
     virtual void Close() = 0;
 };
 

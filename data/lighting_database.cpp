@@ -1,6 +1,7 @@
 #include "data/lighting_database.h"
 
 #include <QLoggingCategory>
+#include <utility>
 
 #include "data/database_path.h"
 #include "data/field_reader.h"
@@ -159,6 +160,47 @@ bool CLightingDatabase::ReadFirst(const Statement& statement, const ReadRow& rea
             readRow(FieldReader(rows));
         }
     });
+}
+
+void CLightingDatabase::BeginSubmit() {
+    if (m_openSubmits++ > 0 || m_connection == nullptr) {
+        return;
+    }
+    try {
+        m_connection->BeginSubmit();
+    } catch (const ProviderError& error) {
+        TraceFailure(u"BeginSubmit\n"_s, error);
+    }
+}
+
+bool CLightingDatabase::EndSubmit() {
+    --m_openSubmits;
+    if (m_connection == nullptr) {
+        return false;
+    }
+    if (m_openSubmits > 0) {
+        return true;
+    }
+    try {
+        m_connection->EndSubmit();
+        return true;
+    } catch (const ProviderError& error) {
+        TraceFailure(u"EndSubmit\n"_s, error);
+        return false;
+    }
+}
+
+SubmitScope::SubmitScope(CLightingDatabase& database) : m_database(&database) {
+    database.BeginSubmit();
+}
+
+SubmitScope::~SubmitScope() {
+    Finish();
+}
+
+bool SubmitScope::Finish() {
+    CLightingDatabase* database = std::exchange(m_database, nullptr);
+    return database != nullptr && database->EndSubmit();
 }
 
 // 光源类别

@@ -85,6 +85,8 @@ public:
                                   std::vector<tagILLUMINANCESTANDARD>& records);
 
 private:
+    friend class SubmitScope;
+
     // A statement ready to run, or nothing when an argument has no place in one.
     using Statement = std::optional<CString>;
 
@@ -99,10 +101,31 @@ private:
     bool Load(std::vector<Element>& target, const Statement& statement, const ReadRow& readRow);
     template <typename ReadRow>
     bool ReadFirst(const Statement& statement, const ReadRow& readRow);
+    void BeginSubmit();
+    bool EndSubmit();
 
     std::shared_ptr<Connection> m_connection;  // null: not connected
     ConnectionFactory m_factory;
     CString m_executablePath;
+    int m_openSubmits = 0;
+};
+
+// A submit: while one lives, statements do not wait for the disk one by one. Each statement that reported
+// success survives a kill of the process at once, and a power cut when Finish has returned true. A submit
+// inside another one is part of it.
+class SubmitScope {
+public:
+    explicit SubmitScope(CLightingDatabase& database);
+    ~SubmitScope();
+    SubmitScope(const SubmitScope&) = delete;
+    SubmitScope& operator=(const SubmitScope&) = delete;
+
+    // Ends the submit and waits for the disk. False when there is no connection or the disk reported an
+    // error: then a power cut could still undo statements. The destructor finishes what was not finished.
+    bool Finish();
+
+private:
+    CLightingDatabase* m_database;  // null: finished
 };
 
 }  // namespace quorvane

@@ -124,7 +124,7 @@ void UtilizationFactorTable::ClearFactors() {
 
 bool UtilizationFactorTable::AddHeading(int Pcc, int Pw, int Pf) {
     const tagColHeading heading{Pcc, Pw, Pf};
-    if (Refuse(Contains(m_headings, heading))) {
+    if (RefuseDuplicate(Contains(m_headings, heading))) {
         return false;
     }
     for (const double rcr : m_rowValues) {
@@ -136,7 +136,7 @@ bool UtilizationFactorTable::AddHeading(int Pcc, int Pw, int Pf) {
 }
 
 bool UtilizationFactorTable::AddRow(double rcr) {
-    if (Refuse(Contains(m_rowValues, rcr))) {
+    if (RefuseDuplicate(Contains(m_rowValues, rcr))) {
         return false;
     }
     for (const tagColHeading& heading : m_headings) {
@@ -150,7 +150,7 @@ bool UtilizationFactorTable::AddRow(double rcr) {
 bool UtilizationFactorTable::ModifyHeading(int column, int Pcc, int Pw, int Pf) {
     tagColHeading& present = m_headings[CheckedIndex(column, m_headings.size())];
     const tagColHeading heading{Pcc, Pw, Pf};
-    if (heading == present || Refuse(Contains(m_headings, heading))) {
+    if (heading == present || RefuseDuplicate(Contains(m_headings, heading))) {
         return false;
     }
     ChangeFactors([&](const Factor& factor) { return HeadingOf(factor) == present; },
@@ -162,7 +162,7 @@ bool UtilizationFactorTable::ModifyHeading(int column, int Pcc, int Pw, int Pf) 
 
 bool UtilizationFactorTable::ModifyRow(int row, double rcr) {
     double& present = m_rowValues[CheckedIndex(row, m_rowValues.size())];
-    if (rcr == present || Refuse(Contains(m_rowValues, rcr))) {
+    if (rcr == present || RefuseDuplicate(Contains(m_rowValues, rcr))) {
         return false;
     }
     ChangeFactors([&](const Factor& factor) { return factor.RCR_RI == present; },
@@ -190,11 +190,25 @@ bool UtilizationFactorTable::DeleteRow(int row) {
     return true;
 }
 
-bool UtilizationFactorTable::Submit() {
+bool UtilizationFactorTable::Submit(const ProgressCallback& progress) {
+    SubmitScope submit(*m_database);
+    const std::size_t total =
+        m_factors.size() + m_surplus.size() + m_deletedIds.size() + m_failedDeletions.size();
+    int done = 0;
     m_unwrittenCount = 0;
-    WriteFactors();
-    WriteSurplus();
-    WriteDeletions();
+    const auto count = [&](bool written) {
+        m_unwrittenCount += written ? 0 : 1;
+        ++done;
+        if (progress) {
+            progress(done, static_cast<int>(total));
+        }
+    };
+    WriteFactors(count);
+    WriteSurplus(count);
+    WriteDeletions(count);
+    if (!submit.Finish()) {
+        m_unwrittenCount = done;
+    }
     return true;
 }
 
@@ -253,7 +267,7 @@ void UtilizationFactorTable::SetSurplusAside() {
     m_factors = std::move(factors);
 }
 
-bool UtilizationFactorTable::Refuse(bool exists) const {
+bool UtilizationFactorTable::RefuseDuplicate(bool exists) const {
     if (exists) {
         m_showMessage(QStringLiteral("数据已存在"));
     }
@@ -282,35 +296,35 @@ void UtilizationFactorTable::RemoveFactors(const Predicate& predicate, bool reco
     std::erase_if(m_surplus, predicate);
 }
 
-void UtilizationFactorTable::WriteFactors() {
+void UtilizationFactorTable::WriteFactors(const CountCallback& count) {
     for (Factor& factor : m_factors) {
-        const bool written = factor.ID == 0 ? m_database->InsertUtilizationFactor(factor)
-                                            : m_database->UpdateUtilizationFactor(factor);
-        m_unwrittenCount += written ? 0 : 1;
+        count(factor.ID == 0 ? m_database->InsertUtilizationFactor(factor)
+                             : m_database->UpdateUtilizationFactor(factor));
     }
 }
 
-void UtilizationFactorTable::WriteSurplus() {
+void UtilizationFactorTable::WriteSurplus(const CountCallback& count) {
     for (Factor& surplus : m_surplus) {
         const auto cell = std::lower_bound(m_factors.begin(), m_factors.end(), surplus, FactorBefore);
         if (cell != m_factors.end() && SameCell(*cell, surplus)) {
             surplus.UtilizationFactor = cell->UtilizationFactor;
         }
-        m_unwrittenCount += m_database->UpdateUtilizationFactor(surplus) ? 0 : 1;
+        count(m_database->UpdateUtilizationFactor(surplus));
     }
 }
 
 // A row whose deletion failed would come back at the next load, so it is tried again at the next submit.
-void UtilizationFactorTable::WriteDeletions() {
+void UtilizationFactorTable::WriteDeletions(const CountCallback& count) {
     std::vector<int> ids = std::exchange(m_failedDeletions, {});
     ids.insert(ids.end(), m_deletedIds.begin(), m_deletedIds.end());
     m_deletedIds.clear();
     for (const int id : ids) {
-        if (!m_database->DeleteUtilizationFactor(id)) {
+        const bool deleted = m_database->DeleteUtilizationFactor(id);
+        if (!deleted) {
             m_failedDeletions.push_back(id);
         }
+        count(deleted);
     }
-    m_unwrittenCount += static_cast<int>(m_failedDeletions.size());
 }
 
 }  // namespace quorvane

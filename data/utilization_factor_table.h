@@ -35,6 +35,7 @@ struct tagColHeading {
 class UtilizationFactorTable {
 public:
     using MessageCallback = std::function<void(const CString&)>;
+    using ProgressCallback = std::function<void(int done, int total)>;
 
     // An empty table of no luminaire. showMessage tells the user; the database must outlive the table. A copy
     // has its own matrix and pending deletions, and shares database and callback.
@@ -73,13 +74,16 @@ public:
     bool DeleteHeading(int column);
     bool DeleteRow(int row);
 
-    // Inserts new factors, updates stored ones, then deletes removed ones. Always true; see UnwrittenCount.
-    bool Submit();
-    // The statements of the last submit that failed. The next submit tries all of them again.
+    // Inserts new factors, updates stored ones, then deletes removed ones. Calls progress after each of them
+    // with the rows done and all rows. Always true; see UnwrittenCount.
+    bool Submit(const ProgressCallback& progress = {});
+    // The statements of the last submit that failed, or all of them when the disk did not confirm the submit.
+    // The next submit tries all of them again.
     int UnwrittenCount() const { return m_unwrittenCount; }
 
 private:
     using Factor = tagLUMINAIREUTILIZATIONFACTOR;
+    using CountCallback = std::function<void(bool written)>;
 
     struct Cell {
         tagColHeading heading;
@@ -94,14 +98,15 @@ private:
     void RebuildHeadings();
     void RebuildRowValues();
     void SetSurplusAside();
-    bool Refuse(bool exists) const;
+    // Tells the user that the heading or row exists; returns exists.
+    bool RefuseDuplicate(bool exists) const;
     template <typename Predicate, typename Change>
     void ChangeFactors(const Predicate& predicate, const Change& change);
     template <typename Predicate>
     void RemoveFactors(const Predicate& predicate, bool recordUnstored);
-    void WriteFactors();
-    void WriteSurplus();
-    void WriteDeletions();
+    void WriteFactors(const CountCallback& count);
+    void WriteSurplus(const CountCallback& count);
+    void WriteDeletions(const CountCallback& count);
 
     CLightingDatabase* m_database;
     MessageCallback m_showMessage;

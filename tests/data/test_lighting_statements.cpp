@@ -239,6 +239,20 @@ private Q_SLOTS:
         QCOMPARE(m_connection->statements.size(), std::size_t{1});
     }
 
+    void SubmitsEndOnce() {
+        {
+            SubmitScope outer(*m_database);
+            SubmitScope inner(*m_database);
+            QVERIFY(inner.Finish());
+            QCOMPARE(m_connection->statements, std::vector<CString>{u"BeginSubmit"_s});
+        }
+        QCOMPARE(m_connection->statements, (std::vector<CString>{u"BeginSubmit"_s, u"EndSubmit"_s}));
+        m_connection->endSubmitFailure = u"disk error"_s;
+        QVERIFY(!SubmitScope(*m_database).Finish());
+        Db unconnected(FakeConnection::Factory(m_connection), u"/opt/q/bin/quorvane"_s);
+        QVERIFY(!SubmitScope(unconnected).Finish());
+    }
+
     void ConnectsToTheFileNextToItsFolder() {
         const std::pair<CString, CString> cases[]{
             {u"C:\\Programs\\Lighting\\Bin\\tool.exe"_s, u"C:\\Programs\\Lighting"_s},

@@ -55,6 +55,11 @@ public:
         }
         return std::make_unique<FakeRecordset>(std::move(result));
     }
+    void BeginSubmit() override { statements.push_back(QStringLiteral("BeginSubmit")); }
+    void EndSubmit() override {
+        statements.push_back(QStringLiteral("EndSubmit"));
+        FailWith(endSubmitFailure);
+    }
     void Close() override {
         ++closings;
         FailWith(closeFailure);
@@ -66,11 +71,11 @@ public:
     }
 
     std::vector<CString> openings;    // connection strings
-    std::vector<CString> statements;  // also those that failed
+    std::vector<CString> statements;  // also those that failed, with BeginSubmit and EndSubmit among them
     int closings = 0;
-    std::deque<FakeResult> results;     // for the next statements; afterwards they have no rows
-    std::vector<CString> failures;      // a statement holding one of these texts fails
-    CString openFailure, closeFailure;  // messages; empty: it works
+    std::deque<FakeResult> results;  // for the next statements; afterwards they have no rows
+    std::vector<CString> failures;   // a statement holding one of these texts fails
+    CString openFailure, closeFailure, endSubmitFailure;  // messages; empty: it works
 
 private:
     static void FailWith(const CString& message) {

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFont>
+#include <QFontDatabase>
 #include <QLocale>
 #include <QTranslator>
 
@@ -13,15 +14,23 @@
 #include "widgets/icons.h"
 #include "widgets/message_box.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
-// 9 points of the first of these families that is there; Chinese first, for its digits stand in the same
-// tables.
+// 9 points of the first of these families that is installed. A Chinese family comes first because its digits
+// then match its characters. A list of families in the font itself would make the toolkit search substitutes
+// for each missing one.
 QFont InterfaceFont() {
     QFont font;
-    font.setFamilies({QStringLiteral("宋体"), QStringLiteral("SimSun"), QStringLiteral("WenQuanYi Micro Hei"),
-                      QStringLiteral("Noto Sans CJK SC"), QStringLiteral("WenQuanYi Zen Hei")});
+    for (const QString& family :
+         {u"宋体"_s, u"SimSun"_s, u"WenQuanYi Micro Hei"_s, u"Noto Sans CJK SC"_s, u"WenQuanYi Zen Hei"_s}) {
+        if (QFontDatabase::hasFamily(family)) {
+            font.setFamily(family);
+            break;
+        }
+    }
     font.setPointSize(9);
     return font;
 }

@@ -1,10 +1,11 @@
 // From the start of a process to its first painted window: the program with the sample database against a
-// program that shows an empty dialog. The children are copies of this program, so that both load the same
-// libraries.
+// program that shows a dialog with one Chinese label. The children are copies of this program, so that both
+// load the same libraries.
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QProcess>
 #include <QTimer>
 #include <chrono>
@@ -49,7 +50,9 @@ int RunChild(QApplication& application, const QString& kind) {
     if (kind == QStringLiteral("program")) {
         CQuorvaneApp(application).Run();
     } else {
-        QDialog().exec();
+        QDialog dialog;
+        QLabel label(QStringLiteral("光源"), &dialog);
+        dialog.exec();
     }
     return EXIT_FAILURE;  // no window was painted
 }
@@ -80,12 +83,13 @@ int main(int argc, char* argv[]) {
         WriteSampleDatabase(ReadSampleData({}), file);
     }
     std::vector<double> program;
-    std::vector<double> empty;
+    std::vector<double> label;
     for (int round = 0; round < kRounds; ++round) {
         program.push_back(StartUp(QStringLiteral("program")));
-        empty.push_back(StartUp(QStringLiteral("empty")));
+        label.push_back(StartUp(QStringLiteral("label")));
     }
-    return Report("start to first painted window (empty dialog)", Median(program), Median(empty), "ms", 2.0)
+    return Report("start to first painted window (a dialog with one Chinese label)", Median(program),
+                  Median(label), "ms", 1.25)
                ? 0
                : 1;
 }

@@ -24,15 +24,15 @@ int DefaultRowHeight(const QFont& font) {
     return QFontMetrics(font).height() + AroundText;
 }
 
-int DefaultColumnWidth() {
+int DefaultColumnWidth(const QFont& font) {
     constexpr int Letters = 10;
-    return AverageCharWidth() * Letters;
+    return QFontMetrics(font).horizontalAdvance(u'0') * Letters;
 }
 
 }  // namespace
 
 CGridCtrl::CGridCtrl(int rows, int columns, int fixedRows, int fixedColumns)
-    : m_layout{GridAxis(DefaultRowHeight(font())), GridAxis(DefaultColumnWidth())},
+    : m_layout{GridAxis(DefaultRowHeight(font())), GridAxis(DefaultColumnWidth(font()))},
       m_cells([this](int row) { FillMadeRow(row); }),
       m_keys(std::make_unique<GridKeys>(*this)),
       m_mouse(std::make_unique<GridMouse>(*this)),

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QDebug>
+#include <QFontMetrics>
 #include <QHelpEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
@@ -49,7 +50,7 @@ void CGridCtrl::SyncScrollBars() {
         bar.setSingleStep(step);
     };
     sync(*verticalScrollBar(), m_layout.rows, m_layout.rows.DefaultSize());
-    sync(*horizontalScrollBar(), m_layout.columns, AverageCharWidth() * 3);
+    sync(*horizontalScrollBar(), m_layout.columns, QFontMetrics(font()).horizontalAdvance(u'0') * 3);
 }
 
 void CGridCtrl::resizeEvent(QResizeEvent* event) {

@@ -9,7 +9,6 @@ namespace quorvane {
 
 CEaseComboBox::CEaseComboBox(bool sorted, QWidget* parent) : QComboBox(parent), m_sorted(sorted) {
     setMaxVisibleItems(16);
-    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     connect(this, &QComboBox::activated, this, [this](int index) {
         if (index != m_selected) {
             m_selected = index;

@@ -5,6 +5,7 @@
 
 #include "widgets/dialog_template.h"
 #include "widgets/ease_combo_box.h"
+#include "widgets/icons.h"
 #include "widgets/message_box.h"
 
 using namespace quorvane;
@@ -94,6 +95,18 @@ private Q_SLOTS:
         QCOMPARE(ShownText(u"<b>%s & 100%</b>"_qs), u"<b>%s & 100%</b>"_qs);
         const QString cut = ShownText(u"头"_qs + QString(1000000, u'长') + u"尾"_qs);
         QVERIFY(cut.size() < 1000 && cut.startsWith(u'头') && cut.endsWith(u'尾'));
+    }
+
+    void EachIconIsAPictureOfItsOwn() {
+        QList<QImage> pictures;
+        for (int id = int(IconId::Application); id <= int(IconId::Clear); ++id) {
+            const QImage picture = LoadIcon(IconId(id)).pixmap(48).toImage();
+            if (!picture.isNull()) {
+                QVERIFY(!pictures.contains(picture));
+                pictures += picture;
+            }
+        }
+        QCOMPARE(pictures.size(), 10);
     }
 
     void DialogUnitsFollowTheFont() {

@@ -6,7 +6,8 @@
 
 namespace quorvane::access {
 
-inline constexpr int kMostRows = 255;  // a page takes no more from this driver
+inline constexpr int kGreatestRow = 255;  // a row's number is one byte
+inline constexpr int kMostRows = 255;     // a page takes no more from this driver
 inline constexpr qsizetype kMostRowBytes = 4060;
 inline constexpr quint32 kLongValueOwner = 0x4C41564C;  // "LVAL" in the place of a table's page
 

@@ -31,10 +31,11 @@ PagedFile::PagedFile(FileSystem& files, const QString& path, bool writable)
     m_stamp = m_file->Stamp();
     m_fileCount = static_cast<PageNumber>(m_stamp.size / kPageSize);
     m_count = m_fileCount;
-    if (writable && files.Exists(LogPath(path))) {
+    if (files.Exists(LogPath(path))) {
         Recover();
     }
-    if (m_stamp.size % kPageSize != 0 || m_count < 3 || m_count > kMostPages) {
+    if ((m_log == nullptr && m_pending.empty() && m_stamp.size % kPageSize != 0) || m_count < 3 ||
+        m_count > kMostPages) {
         ThrowDamaged(QStringLiteral("its size of %1 bytes is impossible").arg(m_stamp.size));
     }
 }
@@ -103,6 +104,7 @@ void PagedFile::Reload() {
     if (m_log != nullptr) {
         PutLogAside(QStringLiteral("another program has changed the file"));
     }
+    m_pending.clear();
     m_cache.Clear();
     m_stamp = m_file->Stamp();
     m_fileCount = static_cast<PageNumber>(m_stamp.size / kPageSize);
@@ -220,20 +222,33 @@ LogBase PagedFile::PresentState() const {
 // --- a log found at opening --------------------------------------------------------------------------------
 
 void PagedFile::Recover() {
+    FoundLog log;
     try {
-        const FoundLog log = ReadLog(*m_files->Open(LogPath(m_path), FileSystem::Mode::Read));
+        log = ReadLog(*m_files->Open(LogPath(m_path), FileSystem::Mode::Read));
         if (log.statements > 0) {
             ApplyFoundLog(log);
-        } else {
-            m_files->Remove(LogPath(m_path));
         }
     } catch (const AccessError& error) {
-        if (error.Kind() == Fault::Failed) {
-            throw;  // of the disk, not of the log
-        }
         m_pending.clear();
-        m_count = m_fileCount;
-        PutLogAside(error.Message());
+        if (error.Kind() == Fault::Failed || (!m_writable && log.marked)) {
+            throw;
+        }
+        if (m_writable) {
+            PutLogAside(error.Message());
+        }
+        return;
+    }
+    if (log.statements > 0) {
+        m_count = log.pageCount;
+        m_fileCount = static_cast<PageNumber>(log.base.stamp.size / kPageSize);
+    }
+    if (m_writable && log.statements > 0) {
+        m_log = std::make_unique<RedoLog>(*m_files, LogPath(m_path), log);
+        PutInPlace();
+        m_notice = QStringLiteral("changes that had not reached the file were finished: %1 statements")
+                       .arg(log.statements);
+    } else if (m_writable) {
+        m_files->Remove(LogPath(m_path));
     }
 }
 
@@ -266,12 +281,6 @@ void PagedFile::ApplyFoundLog(const FoundLog& log) {
         }
         m_pending[number].content = content;
     }
-    m_count = log.pageCount;
-    m_fileCount = static_cast<PageNumber>(base.size / kPageSize);
-    m_log = std::make_unique<RedoLog>(*m_files, LogPath(m_path), log);
-    PutInPlace();
-    m_notice = QStringLiteral("changes that had not reached the file were finished: %1 statements")
-                   .arg(log.statements);
 }
 
 void PagedFile::PutLogAside(const QString& reason) {

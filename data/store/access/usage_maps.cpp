@@ -18,39 +18,35 @@ constexpr quint64 kPagesABitsPage = 8 * (kPageSize - kBitsHeader);
 constexpr PageNumber kGlobalMapPage = 1;
 constexpr quint64 kMostPages = 524'288;
 
-}  // namespace
+// Bits that stand together: those of the pages from FIRST on.
+struct Bits {
+    PagePointer content;
+    PageNumber carrier = 0;
+    qsizetype offset = 0;
+    qsizetype length = 0;
+    quint64 first = 0;
 
-bool UsageMap::Bits::Has(quint64 page) const {
-    const quint64 bit = page - first;
-    const char byte = (*content)[static_cast<std::size_t>(offset) + bit / 8];
-    return (static_cast<quint8>(byte) >> bit % 8 & 1) != 0;
-}
+    quint64 End() const { return first + 8 * static_cast<quint64>(length); }
+    bool Has(quint64 page) const {
+        const quint64 bit = page - first;
+        const char byte = (*content)[static_cast<std::size_t>(offset) + bit / 8];
+        return (static_cast<quint8>(byte) >> bit % 8 & 1) != 0;
+    }
+};
 
-QByteArrayView UsageMap::Row(PagePointer& page) const {
-    page = m_pages->Read(m_address.page);
-    const QByteArrayView row = SlotBytes(*page, ReadSlot(*page, m_address.row));
+QByteArrayView MapRow(const Page& page, RowAddress map) {
+    const QByteArrayView row = SlotBytes(page, ReadSlot(page, map.row));
     if (row.size() < kInlineBits || (row[0] != kInline && row[0] != kReferences)) {
-        ThrowDamaged(QStringLiteral("there is no usage map at page %1").arg(m_address.page));
+        ThrowDamaged(QStringLiteral("there is no usage map at page %1").arg(map.page));
     }
     return row;
 }
 
-ByteSpan UsageMap::WriteRow() {
-    Page& page = m_pages->Write(m_address.page);
-    const Slot slot = ReadSlot(page, m_address.row);
-    return Part(ByteSpan(page), slot.start, slot.end - slot.start);
-}
-
-bool UsageMap::IsInline() const {
-    PagePointer page;
-    return Row(page)[0] == kInline;
-}
-
-std::vector<UsageMap::Bits> UsageMap::AllBits() const {
-    PagePointer page;
-    const QByteArrayView row = Row(page);
+std::vector<Bits> AllBits(const Pages& pages, RowAddress map) {
+    const PagePointer page = pages.Read(map.page);
+    const QByteArrayView row = MapRow(*page, map);
     if (row[0] == kInline) {
-        return {{page, m_address.page, row.data() + kInlineBits - page->data(), row.size() - kInlineBits,
+        return {{page, map.page, row.data() + kInlineBits - page->data(), row.size() - kInlineBits,
                  ReadU32(row, 1)}};
     }
     std::vector<Bits> all;
@@ -59,7 +55,7 @@ std::vector<UsageMap::Bits> UsageMap::AllBits() const {
         if (carrier == 0) {
             continue;
         }
-        const PagePointer content = m_pages->Read(carrier);
+        const PagePointer content = pages.Read(carrier);
         const quint64 first = static_cast<quint64>(index) * kPagesABitsPage;
         if (content->front() != static_cast<char>(PageKind::MapBits) || first >= kMostPages) {
             ThrowDamaged(QStringLiteral("page %1 holds no bits of a usage map").arg(carrier));
@@ -69,16 +65,9 @@ std::vector<UsageMap::Bits> UsageMap::AllBits() const {
     return all;
 }
 
-bool UsageMap::Contains(PageNumber page) const {
-    const std::vector<Bits> all = AllBits();
-    return std::any_of(all.begin(), all.end(), [page](const Bits& bits) {
-        return page >= bits.first && page < bits.End() && bits.Has(page);
-    });
-}
-
-std::vector<PageNumber> UsageMap::Below(PageNumber limit) const {
+std::vector<PageNumber> MembersBelow(const Pages& pages, RowAddress map, PageNumber limit) {
     std::vector<PageNumber> members;
-    for (const Bits& bits : AllBits()) {
+    for (const Bits& bits : AllBits(pages, map)) {
         for (quint64 page = bits.first; page < std::min<quint64>(bits.End(), limit); ++page) {
             if (bits.Has(page)) {
                 members.push_back(static_cast<PageNumber>(page));
@@ -88,20 +77,51 @@ std::vector<PageNumber> UsageMap::Below(PageNumber limit) const {
     return members;
 }
 
-std::vector<PageNumber> UsageMap::All() const {
-    const PageNumber count = m_pages->Count();
-    for (const Bits& bits : AllBits()) {
+}  // namespace
+
+std::vector<PageNumber> MappedPages(const Pages& pages, RowAddress map) {
+    const PageNumber count = pages.Count();
+    for (const Bits& bits : AllBits(pages, map)) {
         for (quint64 page = std::max<quint64>(bits.first, count); page < bits.End(); ++page) {
             if (bits.Has(page)) {
                 ThrowDamaged(QStringLiteral("a usage map names page %1, which the file has not").arg(page));
             }
         }
     }
-    return Below(count);
+    return MembersBelow(pages, map, count);
+}
+
+std::vector<PageNumber> MapCarriers(const Pages& pages, RowAddress map) {
+    std::vector<PageNumber> carriers{map.page};
+    for (const Bits& bits : AllBits(pages, map)) {
+        carriers.push_back(bits.carrier);
+    }
+    return carriers;
+}
+
+ByteSpan UsageMap::WriteRow() {
+    Page& page = m_pages->Write(m_address.page);
+    const Slot slot = ReadSlot(page, m_address.row);
+    return Part(ByteSpan(page), slot.start, slot.end - slot.start);
+}
+
+bool UsageMap::IsInline() const {
+    return MapRow(*m_pages->Read(m_address.page), m_address)[0] == kInline;
+}
+
+bool UsageMap::Contains(PageNumber page) const {
+    const std::vector<Bits> all = AllBits(*m_pages, m_address);
+    return std::any_of(all.begin(), all.end(), [page](const Bits& bits) {
+        return page >= bits.first && page < bits.End() && bits.Has(page);
+    });
+}
+
+std::vector<PageNumber> UsageMap::Below(PageNumber limit) const {
+    return MembersBelow(*m_pages, m_address, limit);
 }
 
 std::optional<PageNumber> UsageMap::LastBelow(PageNumber limit) const {
-    const std::vector<Bits> all = AllBits();
+    const std::vector<Bits> all = AllBits(*m_pages, m_address);
     for (auto bits = all.rbegin(); bits != all.rend(); ++bits) {
         for (quint64 page = std::min<quint64>(bits->End(), limit); page-- > bits->first;) {
             if (bits->Has(page)) {
@@ -112,17 +132,9 @@ std::optional<PageNumber> UsageMap::LastBelow(PageNumber limit) const {
     return std::nullopt;
 }
 
-std::vector<PageNumber> UsageMap::Carriers() const {
-    std::vector<PageNumber> carriers{m_address.page};
-    for (const Bits& bits : AllBits()) {
-        carriers.push_back(bits.carrier);
-    }
-    return carriers;
-}
-
 // False when the map has no place for the page.
 bool UsageMap::SetBit(PageNumber page, bool on) {
-    for (const Bits& bits : AllBits()) {
+    for (const Bits& bits : AllBits(*m_pages, m_address)) {
         if (page < bits.first || page >= bits.End()) {
             continue;
         }
@@ -159,7 +171,7 @@ void UsageMap::BecomeReferences() {
 }
 
 bool UsageMap::HasBitsPage(quint64 index) const {
-    const std::vector<Bits> all = AllBits();
+    const std::vector<Bits> all = AllBits(*m_pages, m_address);
     return std::any_of(all.begin(), all.end(),
                        [index](const Bits& bits) { return bits.first == index * kPagesABitsPage; });
 }
@@ -179,7 +191,7 @@ void UsageMap::Add(PageNumber page, PageAllocator& allocator) {
     if (SetBit(page, true)) {
         return;
     }
-    std::vector<PageNumber> members = All();
+    std::vector<PageNumber> members = MappedPages(*m_pages, m_address);
     members.insert(std::lower_bound(members.begin(), members.end(), page), page);
     if (IsInline()) {
         if (Shift(members)) {

@@ -15,39 +15,26 @@ namespace quorvane::access {
 
 class PageAllocator;
 
+// All pages of a map in ascending order. Throws when the file has one of them not.
+std::vector<PageNumber> MappedPages(const Pages& pages, RowAddress map);
+// The pages on which the map itself is kept.
+std::vector<PageNumber> MapCarriers(const Pages& pages, RowAddress map);
+
 // One map of the file, known by the address of its row. It holds no state of its own beyond that address.
 class UsageMap {
 public:
     UsageMap(Pages& pages, RowAddress address) : m_pages(&pages), m_address(address) {}
 
     bool Contains(PageNumber page) const;
-    // All pages of the map in ascending order. Throws when the file has one of them not.
-    std::vector<PageNumber> All() const;
     // The greatest page of the map below LIMIT.
     std::optional<PageNumber> LastBelow(PageNumber limit) const;
-    // The pages on which the map itself is kept.
-    std::vector<PageNumber> Carriers() const;
-
     void Add(PageNumber page, PageAllocator& allocator);
     void Remove(PageNumber page);
 
 private:
     friend class PageAllocator;
 
-    // Bits that stand together: those of the pages from FIRST on.
-    struct Bits {
-        PagePointer content;
-        PageNumber carrier = 0;
-        qsizetype offset = 0;
-        qsizetype length = 0;
-        quint64 first = 0;
-        quint64 End() const { return first + 8 * static_cast<quint64>(length); }
-        bool Has(quint64 page) const;
-    };
-
-    QByteArrayView Row(PagePointer& page) const;
     ByteSpan WriteRow();
-    std::vector<Bits> AllBits() const;
     std::vector<PageNumber> Below(PageNumber limit) const;
     bool SetBit(PageNumber page, bool on);
     bool Shift(const std::vector<PageNumber>& members);

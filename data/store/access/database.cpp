@@ -1,0 +1,154 @@
+#include "data/store/access/database.h"
+
+#include <algorithm>
+
+namespace quorvane::access {
+
+namespace {
+
+// Marks the pages that a structure names.
+class Claims {
+public:
+    explicit Claims(const Pages& pages) : m_pages(pages), m_claimed(pages.Count(), false) { MarkMap({1, 0}); }
+
+    void MarkTable(const TableDefinition& table) {
+        std::for_each(table.pages.begin(), table.pages.end(), [this](PageNumber page) { Mark(page); });
+        MarkMap(table.owned);
+        MarkMembers(table.owned);
+        MarkMap(table.withRoom);
+        for (const auto& [column, maps] : table.longValues) {
+            MarkMap(maps.owned);
+            MarkMembers(maps.owned);
+            MarkMap(maps.withRoom);
+        }
+        for (const IndexDescription& index : table.indexes) {
+            Mark(index.root);
+            MarkMap(index.map);
+            MarkMembers(index.map);
+        }
+    }
+
+    std::vector<bool> Take() { return std::move(m_claimed); }
+
+private:
+    void Mark(PageNumber page) {
+        if (page < m_claimed.size()) {
+            m_claimed[page] = true;
+        }
+    }
+    // System tables may have no map at all where they need none.
+    void MarkMap(RowAddress map) {
+        if (map.page != 0) {
+            for (const PageNumber page : MapCarriers(m_pages, map)) {
+                Mark(page);
+            }
+        }
+    }
+    void MarkMembers(RowAddress map) {
+        if (map.page != 0) {
+            for (const PageNumber page : MappedPages(m_pages, map)) {
+                Mark(page);
+            }
+        }
+    }
+
+    const Pages& m_pages;
+    std::vector<bool> m_claimed;
+};
+
+Header CheckedHeader(FileSystem& files, const QString& path) {
+    const auto file = files.Open(path, FileSystem::Mode::Read);
+    Page page{};
+    if (file->Stamp().size < kPageSize) {
+        throw AccessError(QStringLiteral("the file is no Access file"));
+    }
+    file->Read(0, page);
+    return ReadHeader(page);
+}
+
+}  // namespace
+
+Database::Database(FileSystem& files, const QString& path) : m_header(CheckedHeader(files, path)) {
+    try {
+        if (m_header.hasPassword) {
+            throw AccessError(QStringLiteral("the file has a password"), Fault::ReadOnly);
+        }
+        m_lock = std::make_unique<LockFile>(files, path);
+        m_file = std::make_unique<PagedFile>(files, path, true);
+    } catch (const AccessError& error) {
+        if (error.Kind() != Fault::ReadOnly && error.Kind() != Fault::Failed) {
+            throw;
+        }
+        ForbidWriting(error.Message());
+        m_lock.reset();
+        m_file = std::make_unique<PagedFile>(files, path, false);
+    }
+    Load();
+    try {
+        m_allocator->RequireWholeMap();
+    } catch (const AccessError& error) {
+        ForbidWriting(error.Message());
+    }
+}
+
+void Database::Load() {
+    m_tables.clear();
+    m_allocator = std::make_unique<PageAllocator>(*m_file, [this] { return ClaimedPages(); });
+    m_catalog = ReadCatalog(*m_file);
+}
+
+void Database::ForbidWriting(const QString& reason) {
+    m_readOnlyReason = reason;
+}
+
+Table& Database::Find(const QString& name) {
+    const auto isNamed = [&](const QString& other) { return other.compare(name, Qt::CaseInsensitive) == 0; };
+    const auto loaded = std::find_if(m_tables.begin(), m_tables.end(),
+                                     [&](const auto& table) { return isNamed(table->Name()); });
+    if (loaded != m_tables.end()) {
+        return **loaded;
+    }
+    const auto entry = std::find_if(m_catalog.begin(), m_catalog.end(),
+                                    [&](const CatalogEntry& candidate) { return isNamed(candidate.name); });
+    if (entry == m_catalog.end()) {
+        throw AccessError(QStringLiteral("there is no table %1").arg(name));
+    }
+    if (entry->linked) {
+        throw AccessError(QStringLiteral("table %1 is a link into another file").arg(name));
+    }
+    m_tables.push_back(std::make_unique<Table>(*m_file, *m_allocator, *entry));
+    return *m_tables.back();
+}
+
+void Database::Reload() {
+    m_file->Reload();
+    Load();
+}
+
+void Database::BeginStatement() {
+    if (!m_readOnlyReason.isEmpty()) {
+        throw AccessError(QStringLiteral("the file is open for reading only: %1").arg(m_readOnlyReason),
+                          Fault::ReadOnly);
+    }
+    m_file->BeginStatement();
+}
+
+void Database::Rollback() {
+    m_file->Rollback();
+    for (const auto& table : m_tables) {
+        table->Forget();
+    }
+}
+
+// Index trees are not walked: what an index owns is in its map.
+std::vector<bool> Database::ClaimedPages() const {
+    Claims claims(*m_file);
+    for (const CatalogEntry& entry : m_catalog) {
+        if (!entry.linked) {
+            claims.MarkTable(ReadTableDefinition(*m_file, entry.definition));
+        }
+    }
+    return claims.Take();
+}
+
+}  // namespace quorvane::access

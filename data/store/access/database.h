@@ -1,0 +1,58 @@
+// An Access file that is open: its tables, and the statements and submits that change them.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "data/store/access/header.h"
+#include "data/store/access/lock_file.h"
+#include "data/store/access/paged_file.h"
+#include "data/store/access/table.h"
+
+namespace quorvane::access {
+
+class Database {
+public:
+    // Opens a file for writing, or for reading alone where ReadOnlyReason then says why. Throws AccessError
+    // for a file that cannot be read. Changes nothing in the file, unless a log beside it has to be finished.
+    Database(FileSystem& files, const QString& path);
+
+    // Empty when the file may be written.
+    const QString& ReadOnlyReason() const { return m_readOnlyReason; }
+    // From now on every statement that writes is refused with this reason.
+    void ForbidWriting(const QString& reason);
+    // What was done at opening that the user should know; empty as a rule.
+    const QString& Notice() const { return m_file->Notice(); }
+
+    const Pages& AllPages() const { return *m_file; }
+    const Header& FileHeader() const { return m_header; }
+    // Of system tables too.
+    const std::vector<CatalogEntry>& Catalog() const { return m_catalog; }
+    // A table by its name, in whatever case. Throws when there is none, or when it is a link into another
+    // file. Stays valid until Reload.
+    Table& Find(const QString& name);
+
+    // Throws when another program has changed the file since it was read; Reload makes it readable again.
+    void RequireUnchanged() const { m_file->RequireUnchanged(); }
+    void Reload();
+
+    // A statement is committed or rolled back; a submit makes all committed statements safe from a power cut.
+    void BeginStatement();
+    void Commit() { m_file->Commit(); }
+    void Rollback();
+    void EndSubmit() { m_file->EndSubmit(); }
+
+private:
+    void Load();
+    std::vector<bool> ClaimedPages() const;
+
+    QString m_readOnlyReason;
+    std::unique_ptr<LockFile> m_lock;  // outlives the file, which may still have to be written
+    Header m_header;
+    std::unique_ptr<PagedFile> m_file;
+    std::unique_ptr<PageAllocator> m_allocator;
+    std::vector<CatalogEntry> m_catalog;
+    std::vector<std::unique_ptr<Table>> m_tables;  // those that were asked for
+};
+
+}  // namespace quorvane::access

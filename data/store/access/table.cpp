@@ -1,0 +1,337 @@
+#include "data/store/access/table.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "data/store/access/index_writer.h"
+#include "data/store/access/long_values.h"
+#include "data/store/access/row_key.h"
+
+namespace quorvane::access {
+
+namespace {
+
+StoredValue& At(StoredValues& values, const Column& column) {
+    return values[static_cast<std::size_t>(column.number)];
+}
+
+const StoredValue& At(const StoredValues& values, const Column& column) {
+    return values[static_cast<std::size_t>(column.number)];
+}
+
+bool IsAutoNumber(const Column& column) {
+    return column.autoNumber && column.type == ColumnType::Long;
+}
+
+bool IsKnownType(ColumnType type) {
+    return type == ColumnType::Guid || (type >= ColumnType::Boolean && type <= ColumnType::Memo);
+}
+
+qint32 ToNumber(const StoredValue& value) {
+    return static_cast<qint32>(ReadU32(*value, 0));
+}
+
+bool Names(const IndexDescription& index, const std::vector<const Column*>& columns) {
+    return std::any_of(index.columns.begin(), index.columns.end(), [&](const IndexColumn& part) {
+        return std::any_of(columns.begin(), columns.end(),
+                           [&](const Column* column) { return column->number == part.number; });
+    });
+}
+
+}  // namespace
+
+Table::Table(Pages& pages, PageAllocator& allocator, const CatalogEntry& entry)
+    : m_pages(pages),
+      m_allocator(allocator),
+      m_entry(entry),
+      m_definition(ReadTableDefinition(pages, entry.definition)),
+      m_rows(pages, allocator, m_definition) {}
+
+Value Table::Read(const FoundRow& row, const Column& column) const {
+    return ReadValue(m_pages, RowView(m_definition, row.bytes), column);
+}
+
+QByteArray Table::Key(const IndexDescription& index, const std::vector<Value>& values) const {
+    StoredValues contents(static_cast<std::size_t>(m_definition.maxColumns));
+    for (std::size_t place = 0; place < values.size(); ++place) {
+        const Column& column = *m_definition.Find(index.columns[place].number);
+        At(contents, column) = ToStored(values[place], column);
+    }
+    return RowKey(m_definition, index, contents, values.size());
+}
+
+RowAddress Table::Insert(const std::vector<Value>& values) {
+    StoredValues contents(static_cast<std::size_t>(m_definition.maxColumns));
+    try {
+        RequireWritable();
+        for (std::size_t place = 0; place < values.size(); ++place) {
+            const Column& column = Columns()[place];
+            At(contents, column) = Checked(column, values[place]);
+        }
+        std::vector<EntryChange> changes;
+        for (const IndexDescription& index : m_definition.indexes) {
+            changes.push_back({&index, std::nullopt, NewKey(index, contents)});
+            RequireUnique(changes.back(), contents);
+        }
+        StoredValues stored = contents;
+        for (const Column& column : Columns()) {
+            if (column.IsLong() && At(stored, column)) {
+                At(stored, column) = StoreLongValue(column, *At(contents, column));
+            }
+        }
+        const RowAddress row = m_rows.Add(EncodeRow(m_definition, stored));
+        ChangeEntries(changes, row);
+        CountRow(contents);
+        return row;
+    } catch (const AccessError& error) {
+        Refuse(contents, error);
+    }
+}
+
+void Table::Update(RowAddress row, const std::vector<std::optional<Value>>& values) {
+    const std::optional<FoundRow> found = Find(row);
+    if (!found) {
+        throw AccessError(QStringLiteral("table %1: the row is no longer there").arg(Name()));
+    }
+    const StoredValues old = RowView(m_definition, found->bytes).All();
+    try {
+        RequireWritable();
+        StoredValues contents = old;  // of the changed columns what a long value holds
+        std::vector<const Column*> changed;
+        for (std::size_t place = 0; place < values.size(); ++place) {
+            const Column& column = Columns()[place];
+            if (!values[place] || *values[place] == ReadValue(m_pages, At(old, column), column)) {
+                continue;
+            }
+            At(contents, column) = Checked(column, *values[place]);
+            if (At(contents, column) == Content(column, At(old, column))) {
+                At(contents, column) = At(old, column);
+            } else if (IsAutoNumber(column)) {
+                throw AccessError(
+                    QStringLiteral("column %1: an AutoNumber cannot be changed").arg(column.name));
+            } else {
+                changed.push_back(&column);
+            }
+        }
+        if (changed.empty()) {
+            return;
+        }
+        std::vector<EntryChange> changes;
+        for (const IndexDescription& index : m_definition.indexes) {
+            if (!Names(index, changed)) {
+                continue;
+            }
+            StoredValues indexed = ContentsOf(index, old);
+            for (const Column* column : changed) {
+                At(indexed, *column) = At(contents, *column);
+            }
+            EntryChange change{&index, OldKey(index, old, row), std::nullopt};
+            change.added = NewKey(index, indexed);
+            if (change.removed != change.added) {
+                RequireUnique(change, indexed);
+                changes.push_back(std::move(change));
+            }
+        }
+        for (const Column* column : changed) {
+            if (column->IsLong()) {
+                ReleaseLongValue(*column, At(old, *column));
+                StoredValue& value = At(contents, *column);
+                value = value ? StoredValue(StoreLongValue(*column, *value)) : value;
+            }
+        }
+        m_rows.Replace(*found, EncodeRow(m_definition, contents));
+        ChangeEntries(changes, row);
+    } catch (const AccessError& error) {
+        Refuse(old, error);
+    }
+}
+
+void Table::Delete(RowAddress row) {
+    const std::optional<FoundRow> found = Find(row);
+    if (!found) {
+        throw AccessError(QStringLiteral("table %1: the row is no longer there").arg(Name()));
+    }
+    const StoredValues old = RowView(m_definition, found->bytes).All();
+    try {
+        RequireWritable();
+        std::vector<EntryChange> changes;
+        for (const IndexDescription& index : m_definition.indexes) {
+            changes.push_back({&index, OldKey(index, old, row), std::nullopt});
+        }
+        ChangeEntries(changes, row);
+        for (const Column& column : Columns()) {
+            if (column.IsLong()) {
+                ReleaseLongValue(column, At(old, column));
+            }
+        }
+        m_rows.Remove(*found);
+        SetRowCount(m_pages, m_definition, RowCount(m_pages, m_definition) - 1);
+    } catch (const AccessError& error) {
+        Refuse(old, error);
+    }
+}
+
+// --- what a row has to obey --------------------------------------------------------------------------------
+
+void Table::RequireWritable() const {
+    const auto refuse = [](const QString& reason) { throw AccessError(reason, Fault::ReadOnly); };
+    if (m_entry.linked || m_entry.system || m_definition.system) {
+        refuse(QStringLiteral("the table is not one of this database's own"));
+    }
+    if (m_entry.hasRelationship || m_definition.hasRelationship) {
+        refuse(QStringLiteral("the table takes part in an enforced relationship"));
+    }
+    if (m_entry.hasValidation) {
+        refuse(QStringLiteral("the table has a validation rule, which cannot be checked"));
+    }
+    for (const Column& column : Columns()) {
+        const bool isDecimal = column.type == ColumnType::Decimal;
+        if (column.calculated || (!IsKnownType(column.type) && !isDecimal) ||
+            (column.IsLong() && column.fixed)) {
+            refuse(QStringLiteral("column %1 is of a kind that cannot be written").arg(column.name));
+        }
+    }
+    if (std::count_if(Columns().begin(), Columns().end(), IsAutoNumber) > 1) {
+        refuse(QStringLiteral("the table has more than one AutoNumber"));
+    }
+}
+
+void Table::Refuse(const StoredValues& contents, const AccessError& error) const {
+    const auto key = std::find_if(Columns().begin(), Columns().end(), IsAutoNumber);
+    const bool isNamed = key != Columns().end() && At(contents, *key);
+    const QString row =
+        isNamed ? QStringLiteral("row %1").arg(ToNumber(At(contents, *key))) : QStringLiteral("row");
+    throw AccessError(QStringLiteral("table %1, %2: %3").arg(Name(), row, error.Message()), error.Kind());
+}
+
+// What the column holds for a value; of a memo or picture, the content of its long value.
+StoredValue Table::Checked(const Column& column, const Value& value) const {
+    const ColumnRules rules = m_entry.Rules(column.name);
+    try {
+        if (IsAutoNumber(column) && std::holds_alternative<std::monostate>(value)) {
+            return NextAutoNumber();
+        }
+        StoredValue content = ToStored(value, column);
+        if (!content && (rules.required || column.autoGuid)) {
+            throw AccessError(QStringLiteral("a value is required"));
+        }
+        if (content && content->isEmpty() && column.IsText() && !rules.takesEmpty) {
+            throw AccessError(QStringLiteral("an empty text is not allowed"));
+        }
+        return content;
+    } catch (const AccessError& error) {
+        throw AccessError(QStringLiteral("column %1: %2").arg(column.name, error.Message()), error.Kind());
+    }
+}
+
+StoredValue Table::NextAutoNumber() const {
+    const auto column = std::find_if(Columns().begin(), Columns().end(), IsAutoNumber);
+    const qint32 last = LastAutoNumber(m_pages, m_definition);
+    if (last == std::numeric_limits<qint32>::max() ||
+        m_entry.Rules(column->name)
+            .defaultValue.contains(QStringLiteral("GenUniqueID"), Qt::CaseInsensitive)) {
+        throw AccessError(QStringLiteral("there is no next AutoNumber"));
+    }
+    QByteArray number;
+    AppendNumber(number, 4, static_cast<quint32>(last + 1));
+    return number;
+}
+
+void Table::CountRow(const StoredValues& contents) {
+    SetRowCount(m_pages, m_definition, RowCount(m_pages, m_definition) + 1);
+    const auto column = std::find_if(Columns().begin(), Columns().end(), IsAutoNumber);
+    if (column != Columns().end()) {
+        const qint32 last = LastAutoNumber(m_pages, m_definition);
+        SetLastAutoNumber(m_pages, m_definition, std::max(last, ToNumber(At(contents, *column))));
+    }
+}
+
+// --- indexes -----------------------------------------------------------------------------------------------
+
+StoredValue Table::Content(const Column& column, const StoredValue& stored) const {
+    return column.IsLong() && stored ? StoredValue(ReadLongValue(m_pages, *stored)) : stored;
+}
+
+StoredValues Table::ContentsOf(const IndexDescription& index, const StoredValues& stored) const {
+    StoredValues contents = stored;
+    for (const IndexColumn& part : index.columns) {
+        const Column& column = *m_definition.Find(part.number);
+        At(contents, column) = Content(column, At(stored, column));
+    }
+    return contents;
+}
+
+// A key that cannot be formed is looked up by the row's address.
+std::optional<QByteArray> Table::OldKey(const IndexDescription& index, const StoredValues& stored,
+                                        RowAddress row) const {
+    const StoredValues contents = ContentsOf(index, stored);
+    if (index.ignoresNulls && IsAllNull(index, contents)) {
+        return std::nullopt;
+    }
+    const Index entries(m_pages, m_definition, index);
+    try {
+        QByteArray key = RowKey(m_definition, index, contents);
+        const IndexCursor cursor = entries.Seek(IndexEntry(key, row));
+        if (!cursor.AtEnd() && cursor.Entry() == IndexEntry(key, row)) {
+            return key;
+        }
+    } catch (const AccessError& error) {
+        if (error.Kind() != Fault::Refused) {
+            throw;
+        }
+    }
+    const std::optional<QByteArray> entry = entries.EntryOf(row);
+    if (!entry) {
+        ThrowDamaged(QStringLiteral("index %1 lacks the row").arg(index.name));
+    }
+    return KeyOfEntry(*entry).toByteArray();
+}
+
+std::optional<QByteArray> Table::NewKey(const IndexDescription& index, const StoredValues& contents) const {
+    if (index.required && HasNull(index, contents)) {
+        throw AccessError(QStringLiteral("index %1 requires a value").arg(index.name));
+    }
+    if (index.ignoresNulls && IsAllNull(index, contents)) {
+        return std::nullopt;
+    }
+    return RowKey(m_definition, index, contents);
+}
+
+void Table::RequireUnique(const EntryChange& change, const StoredValues& contents) const {
+    const IndexDescription& index = *change.index;
+    if (index.unique && change.added && !IsAllNull(index, contents) &&
+        Index(m_pages, m_definition, index).Contains(*change.added)) {
+        throw AccessError(QStringLiteral("index %1 has the same value already").arg(index.name));
+    }
+}
+
+void Table::ChangeEntries(const std::vector<EntryChange>& changes, RowAddress row) {
+    for (const EntryChange& change : changes) {
+        IndexWriter writer(m_pages, m_allocator, m_definition, *change.index);
+        if (change.removed) {
+            writer.Remove(*change.removed, row);
+        }
+        if (change.added) {
+            writer.Insert(*change.added, row);
+        }
+    }
+}
+
+// --- long values -------------------------------------------------------------------------------------------
+
+QByteArray Table::StoreLongValue(const Column& column, const QByteArray& content) {
+    const auto maps = m_definition.longValues.find(column.number);
+    if (maps == m_definition.longValues.end()) {
+        ThrowDamaged(QStringLiteral("column %1 has no pages for its values").arg(column.name));
+    }
+    return LongValueWriter(m_pages, m_allocator, maps->second.owned, maps->second.withRoom).Store(content);
+}
+
+void Table::ReleaseLongValue(const Column& column, const StoredValue& head) {
+    const auto maps = m_definition.longValues.find(column.number);
+    if (head && maps != m_definition.longValues.end()) {
+        LongValueWriter(m_pages, m_allocator, maps->second.owned, maps->second.withRoom).Release(*head);
+    }
+}
+
+}  // namespace quorvane::access

@@ -26,6 +26,7 @@ public:
     UsageMap(Pages& pages, RowAddress address) : m_pages(&pages), m_address(address) {}
 
     bool Contains(PageNumber page) const;
+    std::vector<PageNumber> All() const { return MappedPages(*m_pages, m_address); }
     // The greatest page of the map below LIMIT.
     std::optional<PageNumber> LastBelow(PageNumber limit) const;
     void Add(PageNumber page, PageAllocator& allocator);

@@ -1,5 +1,6 @@
-// 1,000 updates through CLightingDatabase against the same statements run straight on the C library, on files
-// of the same content and under the same journal settings. Exits with 1 when the target is missed.
+// Submits through the data room against the same statements run straight on the C library, on files of the
+// same content and with the same promises: 5,000 light sources, and a factor table of 40 x 60. Each is also
+// compared with waiting for the disk after each statement. Exits with 1 when a target is missed.
 //
 // usage: bench_updates [FOLDER]. Without a folder the files lie in the system's folder for temporary files;
 // in one that is held in memory the cost of the program itself shows, which a disk hides.
@@ -13,7 +14,9 @@
 #include "benchmarks/report.h"
 #include "data/lighting_database.h"
 #include "data/store/sqlite_connection.h"
+#include "data/store/sqlite_submit.h"
 #include "data/store/store_factory.h"
+#include "data/utilization_factor_table.h"
 #include "tools/database_schema.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -21,11 +24,14 @@ using namespace quorvane;
 
 namespace {
 
-constexpr int kUpdates = 1000;
-constexpr int kRounds = 11;
-constexpr int kBlock = 50;  // the two take turns so often that a change of the disk's mood meets both
+constexpr int kRounds = 7;
+constexpr int kLightSources = 5000;
+constexpr int kFactors = 2400;
+// Waiting for the disk after each statement is measured with fewer statements: 5,000 would take minutes.
+constexpr int kWaitingStatements = 100;
 
 using Database = std::unique_ptr<sqlite3, SqliteCloser>;
+using Statements = std::vector<QByteArray>;
 
 void Require(bool condition, const char* what) {
     if (!condition) {
@@ -51,8 +57,12 @@ QString MakeDatabase(const QString& folder) {
     const Database database = OpenRaw(path);
     Run(database.get(), kDatabaseSchema);
     Run(database.get(),
-        "with recursive n(i) as (select 1 union all select i + 1 from n where i < 1000) "
-        "insert into 光源 select i, 1 + i % 10, 'TL5 28W/840', 2600, 28, '晨光照明', '直管荧光灯' from n");
+        "with recursive n(i) as (select 1 union all select i + 1 from n where i < 5000) "
+        "insert into 光源 select i, 1 + i % 10, 'TL5 28W/840', 2600, 28, '晨光照明', '直管荧光灯' from n;"
+        "with recursive r(i) as (select 0 union all select i + 1 from r where i < 39),"
+        "c(i) as (select 0 union all select i + 1 from c where i < 59) "
+        "insert into 利用系数 (LuminaireID,Pcc,Pw,Pf,RCR_RI,UtilizationFactor) "
+        "select 1, 60 - c.i, 50, 20, r.i * 0.25, 0.5 from c, r");
     return path;
 }
 
@@ -60,14 +70,69 @@ tagLAMPHOUSEINFO RecordOf(int id, int round) {
     return {id, 1 + id % 10, u"TL5 28W/840"_s, 2000.5 + id + round, 28.5, u"晨光照明"_s, u"直管荧光灯"_s};
 }
 
-// Written out here once more, so that the yardstick runs none of the code that is measured.
-QByteArray StatementOf(int id, int round) {
-    char text[400];
-    std::snprintf(text, sizeof text,
-                  "update 光源 set LamphouseType=%d,LamphouseModel='TL5 28W/840',LuminousFlux=%G,"
-                  "LamphousePower=%G,Factory='晨光照明',LamphouseName='直管荧光灯' where ID=%d",
-                  1 + id % 10, 2000.5 + id + round, 28.5, id);
-    return text;
+// The statements are written out here once more, so that the yardstick runs none of the code that is
+// measured.
+Statements LightSourceUpdates(int round) {
+    Statements statements;
+    for (int id = 1; id <= kLightSources; ++id) {
+        char text[400];
+        std::snprintf(text, sizeof text,
+                      "update 光源 set LamphouseType=%d,LamphouseModel='TL5 28W/840',LuminousFlux=%G,"
+                      "LamphousePower=%G,Factory='晨光照明',LamphouseName='直管荧光灯' where ID=%d",
+                      1 + id % 10, 2000.5 + id + round, 28.5, id);
+        statements.emplace_back(text);
+    }
+    return statements;
+}
+
+Statements FactorUpdates(int round) {
+    Statements statements;
+    for (int id = 1; id <= kFactors; ++id) {
+        char text[400];
+        std::snprintf(text, sizeof text,
+                      "update 利用系数 set LuminaireID=%d,Pcc=%d,Pw=%d,Pf=%d,RCR_RI=%G,UtilizationFactor=%G "
+                      "where ID=%d",
+                      1, 60 - (id - 1) / 40, 50, 20, (id - 1) % 40 * 0.25, 0.001 * round, id);
+        statements.emplace_back(text);
+    }
+    return statements;
+}
+
+void SubmitRaw(sqlite3* database, const Statements& statements) {
+    BeginSqliteSubmit(database);
+    for (const QByteArray& statement : statements) {
+        Run(database, statement.constData());
+    }
+    EndSqliteSubmit(database);
+}
+
+// What all statements take when each of them waits for the disk, scaled up from the first ones.
+double WaitingMilliseconds(sqlite3* database, const Statements& statements) {
+    const double time = Milliseconds([&] {
+        for (int index = 0; index < kWaitingStatements; ++index) {
+            Run(database, statements[static_cast<std::size_t>(index)].constData());
+        }
+    });
+    return time * static_cast<double>(statements.size()) / kWaitingStatements;
+}
+
+// submit(round) runs what is measured.
+template <typename Submit>
+bool Compare(const QByteArray& name, sqlite3* raw, Statements (*statementsOf)(int round), Submit submit) {
+    std::vector<double> measured;
+    std::vector<double> yardstick;
+    std::vector<double> waiting;
+    for (int round = 0; round < kRounds; ++round) {
+        const Statements statements = statementsOf(round);
+        measured.push_back(Milliseconds([&] { submit(round); }));
+        yardstick.push_back(Milliseconds([&] { SubmitRaw(raw, statements); }));
+        waiting.push_back(WaitingMilliseconds(raw, statements));
+    }
+    const bool isClose = Report((name + " against the C library").constData(), Median(measured),
+                                Median(yardstick), "ms", 1.25);
+    const bool isFaster = Report((name + " against waiting after each statement").constData(),
+                                 Median(measured), Median(waiting), "ms", 0.15);
+    return isClose && isFaster;
 }
 
 }  // namespace
@@ -80,34 +145,23 @@ int main(int argc, char* argv[]) {
     CLightingDatabase database(CreateStoreConnection, folder.filePath(u"measured/bin/quorvane"_s));
     Require(database.Connect(), "connecting");
     const Database raw = OpenRaw(MakeDatabase(folder.filePath(u"yardstick"_s)));
-    Run(raw.get(), kSqliteJournalSettings);
+    PrepareForWriting(raw.get());
 
-    std::vector<double> measured;
-    std::vector<double> yardstick;
-    for (int round = 0; round < kRounds; ++round) {
-        std::vector<tagLAMPHOUSEINFO> records;
-        std::vector<QByteArray> statements;
-        for (int id = 1; id <= kUpdates; ++id) {
-            records.push_back(RecordOf(id, round));
-            statements.push_back(StatementOf(id, round));
-        }
-        double measuredTime = 0;
-        double yardstickTime = 0;
-        for (int first = 0; first < kUpdates; first += kBlock) {
-            measuredTime += Milliseconds([&] {
-                for (int index = first; index < first + kBlock; ++index) {
-                    Require(database.UpdateLightSource(records[static_cast<std::size_t>(index)]),
-                            "an update");
-                }
-            });
-            yardstickTime += Milliseconds([&] {
-                for (int index = first; index < first + kBlock; ++index) {
-                    Run(raw.get(), statements[static_cast<std::size_t>(index)].constData());
-                }
-            });
-        }
-        measured.push_back(measuredTime);
-        yardstick.push_back(yardstickTime);
-    }
-    return Report("1,000 updates", Median(measured), Median(yardstick), "ms", 1.25) ? 0 : 1;
+    const bool lightSourcesMet =
+        Compare("submit of 5,000 light sources", raw.get(), LightSourceUpdates, [&](int round) {
+            SubmitScope submit(database);
+            for (int id = 1; id <= kLightSources; ++id) {
+                Require(database.UpdateLightSource(RecordOf(id, round)), "an update");
+            }
+            Require(submit.Finish(), "finishing");
+        });
+    UtilizationFactorTable table(database, [](const CString&) {});
+    table.Load(1);
+    Require(table.Factors().size() == kFactors, "loading the factors");
+    const bool factorsMet =
+        Compare("submit of a factor table of 40 x 60", raw.get(), FactorUpdates, [&](int /*round*/) {
+            table.Submit();
+            Require(table.UnwrittenCount() == 0, "writing the factors");
+        });
+    return lightSourcesMet && factorsMet ? 0 : 1;
 }

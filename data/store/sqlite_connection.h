@@ -8,9 +8,6 @@
 
 namespace quorvane {
 
-// How every connection of this driver writes; the reasons stand with the driver.
-extern const char* const kSqliteJournalSettings;
-
 // Whether a file that begins with these bytes is an SQLite database.
 bool IsSqliteFile(const QByteArray& head);
 
@@ -30,12 +27,15 @@ public:
               int options) override;
     // A statement whose text goes on after its end is refused.
     std::unique_ptr<Recordset> Execute(const CString& statement) override;
+    void BeginSubmit() override;
+    void EndSubmit() override;
     // Fails while a record set of this connection is still open.
     void Close() override;
 
 private:
     void LimitWaiting();
 
+    bool m_inSubmit = false;
     QElapsedTimer m_sinceWait;                          // for a lock
     std::unique_ptr<sqlite3, SqliteCloser> m_database;  // null: not open
 };

@@ -2,6 +2,7 @@
 
 #include <QStringDecoder>
 #include <algorithm>
+#include <limits>
 
 namespace quorvane {
 
@@ -51,6 +52,29 @@ CString TextValue(sqlite3_stmt* statement, int index) {
 
 void ThrowSqliteError(sqlite3* database) {
     throw ProviderError(QString::fromUtf8(sqlite3_errmsg(database)));
+}
+
+SqliteStatement PrepareSqlite(sqlite3* database, const CString& statement) {
+    const QByteArray text = statement.toUtf8();
+    if (text.size() > std::numeric_limits<int>::max()) {
+        throw ProviderError(QStringLiteral("the statement is too long"));
+    }
+    sqlite3_stmt* handle = nullptr;
+    const char* tail = nullptr;
+    const int result =
+        sqlite3_prepare_v2(database, text.constData(), static_cast<int>(text.size()), &handle, &tail);
+    SqliteStatement prepared(handle);
+    if (result != SQLITE_OK) {
+        ThrowSqliteError(database);
+    }
+    if (prepared == nullptr) {
+        throw ProviderError(QStringLiteral("there is no statement"));
+    }
+    const QByteArrayView rest(tail, text.constData() + text.size());
+    if (!rest.trimmed().isEmpty()) {
+        throw ProviderError(QStringLiteral("text follows the statement"));
+    }
+    return prepared;
 }
 
 SqliteRecordset::SqliteRecordset(SqliteStatement statement) : m_statement(std::move(statement)) {

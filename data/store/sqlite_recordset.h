@@ -17,6 +17,9 @@ using SqliteStatement = std::unique_ptr<sqlite3_stmt, SqliteFinalizer>;
 // Throws what SQLite has to say about its last failure.
 [[noreturn]] void ThrowSqliteError(sqlite3* database);
 
+// Prepares one statement on any database of the SQLite engine. Text after its end is a ProviderError.
+SqliteStatement PrepareSqlite(sqlite3* database, const CString& statement);
+
 class SqliteRecordset : public Recordset {
 public:
     // Runs the statement up to its first row, or to its end.

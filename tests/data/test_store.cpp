@@ -5,6 +5,7 @@
 #include <QProcess>
 #include <QTest>
 #include <cstdio>
+#include <optional>
 
 #include "data/lighting_database.h"
 #include "data/store/dialect.h"
@@ -35,14 +36,19 @@ bool Reads(CLightingDatabase& database) {
 }
 
 // Line n means that light source 1 has the luminous flux n and that n rows have been inserted besides it.
-int WriteUntilKilled(const QString& executablePath) {
+int WriteUntilKilled(const QString& executablePath, bool inSubmits) {
     CLightingDatabase database(CreateStoreConnection, executablePath);
     tagLAMPHOUSEINFO first;
     tagLAMPHOUSEINFO added;
     first.ID = 1;
     first.Factory = QString(5000, u'x');  // several pages a statement
     bool works = database.Connect();
+    std::optional<SubmitScope> submit;
     for (int done = 1; works; ++done) {
+        if (inSubmits && done % 8 == 1) {
+            submit.reset();
+            submit.emplace(database);
+        }
         first.LuminousFlux = done;
         works = database.InsertLightSource(added) && database.UpdateLightSource(first);
         if (works) {
@@ -180,7 +186,8 @@ private Q_SLOTS:
         for (int attempt = 0; attempt < 25; ++attempt) {
             init();
             QProcess writer;
-            writer.start(QCoreApplication::applicationFilePath(), {u"write"_s, m_file->ExecutablePath()});
+            const QString kind = attempt % 2 == 0 ? u"write"_s : u"submit"_s;
+            writer.start(QCoreApplication::applicationFilePath(), {kind, m_file->ExecutablePath()});
             QVERIFY(writer.waitForReadyRead());
             // Somewhere else in the course of a statement each time.
             QTest::qSleep(3 + attempt);
@@ -202,11 +209,42 @@ private Q_SLOTS:
             QVERIFY(first.LuminousFlux == done || first.LuminousFlux == done + 1);
             QVERIFY(inserted == done || inserted == done + 1);
             QVERIFY(database.UpdateLightSource(first));
+            QVERIFY(IsOneFile());
             QCOMPARE(m_file->Raw().Rows(u"PRAGMA integrity_check"_s), QStringList{u"'ok'"_s});
         }
     }
 
+    // Others that use the file hold up no submit and lose nothing.
+    void SubmitsBesideAnotherProgram() {
+        CLightingDatabase database = Database();
+        QVERIFY(database.Connect());
+        tagLAMPHOUSEINFO record;
+        record.ID = 1;
+        RawDatabase other = m_file->Raw();
+        for (const CString& use :
+             {u"select 1"_s, u"PRAGMA journal_mode=WAL"_s, u"begin; select * from 光源"_s}) {
+            other.Execute(use);
+            SubmitScope submit(database);
+            record.LuminousFlux += 1;
+            const bool updated = database.UpdateLightSource(record);
+            QVERIFY(updated || use.startsWith(u"begin"));
+            QVERIFY(submit.Finish());
+            QCOMPARE(other.Text(u"select LuminousFlux from 光源"_s),
+                     QByteArray::number(record.LuminousFlux - (updated ? 0 : 1), 'f', 1));
+        }
+        other.Execute(u"commit"_s);
+        QVERIFY(database.UpdateLightSource(record));
+        SubmitScope submit(database);
+        QVERIFY(database.UpdateLightSource(record) && submit.Finish() && IsOneFile());
+    }
+
 private:
+    // In rollback mode and without anything beside it.
+    bool IsOneFile() const {
+        QFile file(m_file->FilePath());
+        return file.open(QIODevice::ReadOnly) && file.read(19).back() == 1 &&
+               QDir(m_file->DatabaseFolder()).entryList(QDir::Files).size() == 1;
+    }
     CLightingDatabase Database() const { return {CreateStoreConnection, m_file->ExecutablePath()}; }
     std::shared_ptr<Connection> OpenConnection() const {
         const CString connectionString = u"Data Source = %1;"_s.arg(m_file->FilePath());
@@ -221,8 +259,8 @@ private:
 int main(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == u"write"_s) {
-        return WriteUntilKilled(arguments.value(2));
+    if (arguments.size() == 3) {
+        return WriteUntilKilled(arguments[2], arguments[1] == u"submit"_s);
     }
     TestStore test;
     return QTest::qExec(&test, argc, argv);

@@ -30,8 +30,12 @@ if(QUORVANE_SANITIZE)
 endif()
 
 # quorvane_room(NAME SOURCES ... LINK ...): the static library of one folder.
+# Where several sources are compiled as one unit (preset release), pages and dialogs stay alone, because they give
+# their constants the same names.
 function(quorvane_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;LINK" ${ARGN})
   qt_add_library(${name} STATIC ${ROOM_SOURCES})
+  list(FILTER ROOM_SOURCES INCLUDE REGEX "_(page|dialog)\\.cpp$")
+  set_source_files_properties(${ROOM_SOURCES} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   target_link_libraries(${name} PUBLIC quorvane_options ${ROOM_LINK})
 endfunction()

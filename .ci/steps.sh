@@ -49,8 +49,9 @@ readonly runPackages=(
     fonts-noto-color-emoji         # what a maker may put into a name
 )
 readonly screenPackages=(
-    xvfb openbox                   # a screen that needs no hardware, and a window manager on it
+    xvfb xauth openbox             # a screen that needs no hardware, and a window manager on it
     dbus-daemon at-spi2-core       # how the driver learns what the window shows, as a screen reader does
+    gir1.2-atspi-2.0               # the driver's way to the same
     python3 python3-gi             # the driver
     xdotool x11-xserver-utils      # keys and mouse; keys for Chinese characters
     scrot                          # pictures
@@ -105,9 +106,4 @@ build() {
     }
     step "building ($preset)"
     cmake --build --preset "$preset" ${1:+--target "$@"} || die "building failed; the reason stands above"
-}
-
-# onVirtualScreen COMMAND...: runs it with a screen, window manager and session bus of its own.
-onVirtualScreen() {
-    "$python" tests/e2e/virtual_screen.py "$@"
 }

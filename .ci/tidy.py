@@ -74,7 +74,9 @@ class Unit:
         self.names |= source.names
 
     def options(self):
-        return list(dict.fromkeys(option for source in self.sources for option in source.options))
+        """Those of all sources; of a macro that is defined in several ways the last."""
+        return list({option.split("=")[0] if option.startswith("-D") else option: option
+                     for source in self.sources for option in source.options}.values())
 
     def fingerprint(self, common):
         digest = hashlib.sha256(common + "\n".join(self.options()).encode())

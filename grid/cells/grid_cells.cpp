@@ -20,7 +20,8 @@ void GridCells::InsertColumns(int at, int count, unsigned format) {
         if (row == nullptr) {
             continue;
         }
-        Row wider = std::make_unique<Slot[]>(static_cast<std::size_t>(oldCount + count));
+        Row wider =
+            std::make_unique<Slot[]>(static_cast<std::size_t>(oldCount) + static_cast<std::size_t>(count));
         std::move(row.get(), row.get() + at, wider.get());
         std::move(row.get() + at, row.get() + oldCount, wider.get() + at + count);
         for (Slot* added = wider.get() + at; added != wider.get() + at + count; ++added) {

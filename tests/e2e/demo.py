@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """The demonstration: the real program on a virtual screen, driven by keys and mouse, checked in its file.
 
-    demo.py --build FOLDER --into FOLDER [--docs FOLDER]
+    virtual_screen demo.py --build FOLDER --into FOLDER [--docs FOLDER]
 
 Pictures go to the second folder as 01-start.png, 02-...; those that the documents show are copied to the third.
 
@@ -14,7 +14,8 @@ import shutil
 import sys
 from pathlib import Path
 
-from driver import ProgramFolder, VirtualScreen
+import screen
+from driver import ProgramFolder
 from road_factor_table import factor_table_road
 from road_light_sources import light_source_road
 from road_luminaires import luminaire_road
@@ -38,12 +39,6 @@ DOCUMENTED = {
 }
 
 
-def leave(story):
-    story.tell("leaving with 退出")
-    story.window.press_button("退出")
-    story.expect(story.program.wait_for_end() == 0, "the program ended with a failure")
-
-
 def copy_documented(pictures, docs):
     docs.mkdir(parents=True, exist_ok=True)
     for name, document in DOCUMENTED.items():
@@ -59,18 +54,19 @@ def main():
     given = arguments.parse_args()
 
     shutil.rmtree(given.into, ignore_errors=True)
-    with VirtualScreen() as screen:
-        try:
-            story = Story(screen, ProgramFolder(given.into, given.build / "bin"))
-            story.tell(f"started {story.folder.program}")
-            story.show("start")
-            for road in ROADS:
-                road(story)
-            leave(story)
-        except Exception as error:
-            screen.picture(given.into / "99-failure.png")
-            print(f"demo: {type(error).__name__}: {error}", file=sys.stderr, flush=True)
-            return 1
+    try:
+        story = Story(ProgramFolder(given.into, given.build / "bin"))
+        story.tell(f"started {story.folder.program}")
+        story.show("start")
+        for road in ROADS:
+            road(story)
+        story.tell("leaving with 退出")
+        story.window.press_button("退出")
+        story.expect(story.program.wait_for_end() == 0, "the program ended with a failure")
+    except Exception as error:
+        screen.picture(given.into / "99-failure.png")
+        print(f"demo: {type(error).__name__}: {error}", file=sys.stderr, flush=True)
+        return 1
     if given.docs:
         copy_documented(given.into, given.docs)
     print("demo: the file holds what was typed, and nothing else in it was changed")

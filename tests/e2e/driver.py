@@ -1,32 +1,85 @@
 """Drives the program from outside: finds things as a screen reader does, acts by keys and mouse alone.
 
-    with VirtualScreen() as screen:
-        folder = ProgramFolder(Path("somewhere"), Path("build/release/bin"))
-        window = Program(screen, folder).main_window()
-        window.choose("按光源类型显示", "直管荧光灯")
-        window.enter(0, "光通量", "2650")
-        window.press_button("提交")
-        print(folder.rows("光源"))
+    folder = ProgramFolder(Path("somewhere"), Path("build/release/bin"))
+    window = Program(folder).main_window()
+    window.choose("按光源类型显示", "直管荧光灯")
+    window.enter(0, "光通量", "2650")
+    window.press_button("提交")
+    print(folder.rows("光源"))
+
+What is found are objects of Debian's bindings to AT-SPI. It runs under tests/e2e/virtual_screen.
 """
 
+import re
 import shutil
 import sqlite3
 import subprocess
 import tempfile
 from pathlib import Path
 
-from accessible import Desktop, Gone, Table
-from virtual_screen import TimeLimit, VirtualScreen, wait_until
+import gi
 
-__all__ = ["MAIN_TITLE", "MainWindow", "Program", "ProgramFolder", "TimeLimit", "VirtualScreen", "wait_until"]
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402  (the version must be chosen first)
+
+import screen  # noqa: E402
+from screen import TimeLimit, wait_until  # noqa: E402
 
 MAIN_TITLE = "照度计算数据库维护"
+# Their children are counted in thousands; they are asked for one by one.
+LARGE_ROLES = ("table", "tree table", "tree", "list")
+
+Gone = GLib.Error  # the program answered no more, or the thing asked about is no longer there
+_focused = []
 
 
-def framed(rectangle):
-    """The rectangle of a window with the window manager's frame around it."""
-    left, top, width, height = rectangle
-    return left - 1, top - 21, width + 2, height + 22
+Atspi.set_timeout(20000, 20000)  # milliseconds; a program that writes to a slow disk answers late
+
+
+def _told_of_focus(event):
+    if event.detail1:
+        _focused[:] = [event.source]
+
+
+# Pop-ups stand in no window's tree; like a screen reader, one hears of them when they take the focus.
+_listener = Atspi.EventListener.new(_told_of_focus)
+
+
+def role(element):
+    return element.get_role().value_nick.replace("-", " ")
+
+
+def has(element, state):
+    return element.get_state_set().contains(getattr(Atspi.StateType, state))
+
+
+def caption(element):
+    """The name without the mark of an access key, which Chinese texts carry as "(Y)" at their end."""
+    return re.sub(r"\(.\)$", "", element.get_name())
+
+
+def children(element):
+    return [child for number in range(element.get_child_count()) if (child := element.get_child_at_index(number))]
+
+
+def rectangle(element):
+    """Left, top, width and height in pixels of the screen."""
+    place = Atspi.Component.get_extents(element, Atspi.CoordType.SCREEN)
+    return place.x, place.y, place.width, place.height
+
+
+def centre(element):
+    left, top, width, height = rectangle(element)
+    return left + width // 2, top + height // 2
+
+
+def find_all(element, wanted, name=None):
+    """Everything inside that shows, of that role and with that caption; the insides of tables and lists left out."""
+    found, level = [], [element]
+    while level:
+        found += [one for one in level if role(one) == wanted and has(one, "SHOWING") and name in (None, caption(one))]
+        level = [child for one in level if role(one) not in LARGE_ROLES for child in children(one)]
+    return found
 
 
 class ProgramFolder:
@@ -44,19 +97,17 @@ class ProgramFolder:
         subprocess.run([Path(binaries) / "quorvane-sample-database", self.database], check=True, timeout=120,
                        stdout=subprocess.DEVNULL)
 
-    def query(self, statement, *values):
+    def query(self, statement):
         """The rows of a statement as dictionaries, read past the program from its file. Ask while it is idle."""
-        # From a copy: a reader of the file itself could stand in the way of the program's writing, and could
-        # not roll back what a killed program left half done.
+        # From a copy: a reader of the file itself could stand in the way of the program's writing.
         with tempfile.TemporaryDirectory() as place:
             copy = shutil.copytree(self.database.parent, Path(place) / "copy",
                                    ignore=shutil.ignore_patterns("LuminairePhotoLib", "*-shm"))
             connection = sqlite3.connect(copy / self.database.name)
             connection.row_factory = sqlite3.Row
-            try:
-                return [dict(row) for row in connection.execute(statement, values)]
-            finally:
-                connection.close()
+            rows = [dict(row) for row in connection.execute(statement)]
+            connection.close()
+            return rows
 
     def first_category(self):
         """Id and name of the first category that the page offers and that has light sources."""
@@ -68,67 +119,59 @@ class ProgramFolder:
         library = self.database.parent / "LuminairePhotoLib"
         return {file.name: file.read_bytes() for file in sorted(library.iterdir())} if library.is_dir() else {}
 
-    def rows(self, table):
-        return self.query(f"select * from [{table}] order by ID")
-
     def everything(self):
         """Table name -> its rows."""
         tables = self.query("select name from sqlite_master where type = 'table' and name not like 'sqlite%'")
-        return {table["name"]: self.rows(table["name"]) for table in tables}
+        return {table["name"]: self.query(f"select * from [{table['name']}] order by ID") for table in tables}
 
 
 class Program:
     """One running copy of the program."""
 
-    def __init__(self, screen, folder, *arguments):
-        self.screen = screen
+    def __init__(self, folder, *arguments):
+        Atspi.get_desktop(0).set_cache_mask(Atspi.Cache.NONE)  # every question goes to the program anew
+        _listener.register("object:state-changed:focused")
         with open(folder.log, "ab") as log:
-            self.process = screen.start(folder.program, *arguments, stdout=log, stderr=log)
-        self._desktop = Desktop(screen.environment["DBUS_SESSION_BUS_ADDRESS"])
+            self.process = subprocess.Popen([folder.program, *arguments], stdin=subprocess.DEVNULL, stdout=log,
+                                            stderr=log)
 
     def windows(self):
         try:
-            application = self._desktop.application(self.process.pid)
-            return application.children() if application else []
+            return [window for application in children(Atspi.get_desktop(0))
+                    if application.get_process_id() == self.process.pid for window in children(application)]
         except Gone:
             return []
 
-    def _has_keys(self, window):
-        """Whether both the program and the window manager hold the window for the active one."""
-        return window.is_("active") and self.screen.active_process() == self.process.pid
-
-    def window(self, title):
-        """The window with that title, once it takes the keys."""
+    def _window_that(self, holds, what):
+        """The window for which holds(window), once both the program and the window manager give it the keys."""
         return self.wait_until(lambda: next((window for window in self.windows()
-                                             if window.name == title and self._has_keys(window)), None),
-                               f"a window “{title}”")
-
-    def main_window(self):
-        return MainWindow(self, self.window(MAIN_TITLE))
+                                             if holds(window) and has(window, "ACTIVE")
+                                             and screen.active_process() == self.process.pid), None), what)
 
     def dialog(self, title):
-        """The dialog with that title, once it takes the keys."""
-        return Window(self, self.window(title))
+        return Window(self, self._window_that(lambda window: window.get_name() == title, f"a window “{title}”"))
 
-    def focused(self, role):
-        """What has the focus, when it is of that role."""
-        element = self._desktop.focused()
-        return element if element and element.role == role and element.is_("showing") else None
-
-    def popup(self, role):
-        """The list that has dropped down, once it has the focus."""
-        return self.wait_until(lambda: self.focused(role), f"a {role} dropped down")
+    def main_window(self):
+        return self.dialog(MAIN_TITLE)
 
     def message(self, text):
-        """The message box that says the text, once it takes the keys."""
-        def says(window):
-            return self._has_keys(window) and any(text in label.name for label in window.find_all("label"))
-        return self.wait_until(lambda: next((Window(self, window) for window in self.windows() if says(window)), None),
-                               f"a message “{text}”")
+        """The message box that says the text."""
+        return Window(self, self._window_that(
+            lambda window: any(text in label.get_name() for label in find_all(window, "label")), f"a message “{text}”"))
+
+    def focused(self, wanted):
+        """What has the focus, when it is of that role."""
+        while GLib.MainContext.default().iteration(False):
+            pass
+        return next((element for element in _focused if role(element) == wanted and has(element, "SHOWING")), None)
+
+    def popup(self, wanted):
+        """The list that has dropped down, once it has the focus."""
+        return self.wait_until(lambda: self.focused(wanted), f"a {wanted} dropped down")
 
     def wait_until(self, condition, what, limit=30.0):
-        """As wait_until, but gives up at once when the program has ended, and goes on while it is not there yet or
-        is just changing what it shows."""
+        """As wait_until, but gives up at once when the program has ended, and goes on while it is just changing
+        what it shows."""
         def asked():
             try:
                 if (answer := condition()):
@@ -140,88 +183,93 @@ class Program:
             return None
         return wait_until(asked, what, limit)
 
-    def wait_for_end(self, limit=30.0):
+    def wait_for_end(self):
         """The status with which the program ends."""
-        wait_until(lambda: self.process.poll() is not None, "the end of the program", limit)
-        return self.process.returncode
-
-    def kill(self):
-        self.process.kill()
-        self.process.wait()
+        return self.process.wait(timeout=30)
 
 
 class Window:
     """A window, with its buttons, trees and lists, and the grid that shows in it."""
 
     def __init__(self, program, element):
-        self.program, self.screen, self.element = program, program.screen, element
+        self.program, self.element = program, element
 
-    def find(self, role, caption=None):
+    def find(self, wanted, name=None):
         """The thing of that role and caption, once it shows."""
-        return self.program.wait_until(lambda: self.element.find(role, caption),
-                                       f"a {role} “{caption or ''}” in a window")
+        return self.program.wait_until(lambda: next(iter(find_all(self.element, wanted, name)), None),
+                                       f"a {wanted} “{name or ''}” in a window")
 
-    def click(self, element, times=1):
-        self.screen.click(*element.centre, times=times)
-
-    def press_button(self, caption):
-        self.click(self.find("push button", caption))
-
-    def is_open(self):
-        return self.element in self.program.windows()
+    def press_button(self, name):
+        screen.click(*centre(self.find("push button", name)))
 
     def wait_until_closed(self):
-        wait_until(lambda: not self.is_open(), "the closing of a window")
+        wait_until(lambda: self.element not in self.program.windows(), "the closing of a window")
+
+    def show_tab(self, name):
+        screen.click(*centre(self.find("page tab", name)))
+        self.program.wait_until(lambda: self.shown_tab() == name, f"the tab “{name}” in front")
+
+    def shown_tab(self):
+        return self.find("page tab list").get_name()  # a bar of tabs is told under the name of the one in front
 
     # Lists ----------------------------------------------------------------------------------------------------
 
-    def list_beside(self, caption):
-        """The drop-down list to the right of the radio button or label with that caption, on the same line."""
-        label = next(element for role in ("radio button", "label") if (element := self.element.find(role, caption)))
-        height = label.centre[1]
-        lists = [(box.rectangle[0], box) for box in self.element.find_all("combo box")
-                 if box.rectangle[0] > label.rectangle[0]
-                 and box.rectangle[1] <= height <= box.rectangle[1] + box.rectangle[3]]
-        return min(lists, key=lambda pair: pair[0])[1]
-
-    def open_list(self, caption):
-        """Opens the list beside the caption with the mouse; returns its entries."""
-        box = self.list_beside(caption)
-        self.click(box)
-        entries = self.program.wait_until(lambda: box.children()[0], "the entries")
-        self.program.wait_until(lambda: entries.is_("showing") and entries.children(), "the opened list")
-        return entries
-
-    def choose(self, caption, entry):
-        """Chooses an entry of the list beside the caption, with the mouse."""
-        self._click_entry(self.open_list(caption), entry)
-        self.program.wait_until(lambda: self.list_beside(caption).name == entry, f"“{entry}” chosen")
+    def choose(self, beside, entry):
+        """Chooses an entry of the list to the right of the caption, on the same line."""
+        label = next(one for kind in ("radio button", "label") for one in find_all(self.element, kind, beside))
+        x, y = centre(label)
+        box = min((box for box in find_all(self.element, "combo box")
+                   if rectangle(box)[0] > x and abs(centre(box)[1] - y) < rectangle(box)[3]), key=rectangle)
+        screen.click(*centre(box))
+        entries = self.program.wait_until(lambda: children(box)[0], "the entries")
+        self.program.wait_until(lambda: has(entries, "SHOWING") and children(entries), "the opened list")
+        self._click_entry(entries, entry)
+        self.program.wait_until(lambda: box.get_name() == entry, f"“{entry}” chosen")
 
     def _click_entry(self, entries, name):
-        names = [child.name for child in entries.children()]
-        if name not in names:
-            raise LookupError(f"no entry “{name}” among {names}")
-        self._click_inside(entries, lambda: entries.children()[names.index(name)])
+        number = [child.get_name() for child in children(entries)].index(name)
+        self._click_inside(entries, lambda: entries.get_child_at_index(number))
 
     # The grid -------------------------------------------------------------------------------------------------
 
-    def grid(self):
-        return Table(self.find("table"))
+    def _heading_rows(self, grid):
+        return next(row for row in range(Atspi.Table.get_n_rows(grid) + 1)
+                    if row == Atspi.Table.get_n_rows(grid)
+                    or role(Atspi.Table.get_accessible_at(grid, row, 0)) not in ("column header", "table column header"))
+
+    def headings(self):
+        """A column's heading; where there are several heading rows, their texts joined by commas."""
+        grid = self.find("table")
+        return [",".join(filter(None, (Atspi.Table.get_accessible_at(grid, row, column).get_name()
+                                       for row in range(self._heading_rows(grid)))))
+                for column in range(Atspi.Table.get_n_columns(grid))]
+
+    def cell(self, row, heading):
+        """The cell under the heading, in a row counted from 0 on without the heading rows."""
+        grid = self.find("table")
+        return Atspi.Table.get_accessible_at(grid, row + self._heading_rows(grid), self.headings().index(heading))
+
+    def row_texts(self, row):
+        """Heading -> text of one row."""
+        return {heading: self.cell(row, heading).get_name() for heading in self.headings()}
+
+    def row_of(self, first_text):
+        """The number of the row that begins with the text."""
+        return next(row for row in range(self.append_row() + 1)
+                    if self.cell(row, self.headings()[0]).get_name() == first_text)
 
     def append_row(self):
-        """The number of the row “追加”, in which a new record is begun."""
-        return self.grid().row_count - 1
+        """The number of the last row, in which a new record is begun."""
+        grid = self.find("table")
+        return Atspi.Table.get_n_rows(grid) - self._heading_rows(grid) - 1
 
-    def click_cell(self, row, heading, times=1):
-        grid = self.grid()
-        cell = grid.cell(row, heading)
-        self._click_inside(grid.element, lambda: cell, times)
+    def click_cell(self, row, heading, times=1, from_right=None):
+        cell = self.cell(row, heading)
+        self._click_inside(self.find("table"), lambda: cell, times, from_right=from_right)
 
     def press_in_cell(self, row, heading):
         """Clicks the button of a cell, or the arrow of one with a list; it stands at the right edge."""
-        grid = self.grid()
-        cell = grid.cell(row, heading)
-        self._click_inside(grid.element, lambda: cell, from_right=8)
+        self.click_cell(row, heading, from_right=8)
 
     def choose_in_cell(self, row, heading, entry):
         """Chooses an entry of a cell's list, with the mouse."""
@@ -229,41 +277,52 @@ class Window:
         self._click_entry(self.program.popup("list"), entry)
         self.wait_for_cell(row, heading, entry)
 
-    def enter(self, row, heading, text, becomes=None):
+    def enter(self, row, heading, text):
         """Types a text over a cell's old one and ends it with Enter; waits until the cell shows it."""
         self.click_cell(row, heading, times=2)
         self._clear_sight()
-        self.screen.press("ctrl+a")
-        self.screen.type_text(text)
-        self.screen.press("Return")
-        self.wait_for_cell(row, heading, text if becomes is None else becomes)
+        screen.press("ctrl+a")
+        screen.type_text(text)
+        screen.press("Return")
+        self.wait_for_cell(row, heading, text)
 
     def type_along(self, row, texts):
         """Types texts (heading -> text) into cells that follow each other, from cell to cell with Tab."""
         self.click_cell(row, next(iter(texts)))
         self._clear_sight()
         for heading, text in texts.items():
-            self.screen.type_text(text)
-            self.screen.press("Tab")
+            screen.type_text(text)
+            screen.press("Tab")
             self.wait_for_cell(row, heading, text)
 
     def _clear_sight(self):
         """Moves the pointer off what is being typed."""
-        left, top, width, height = self.grid().element.rectangle
-        self.screen.move(left + width - 40, top + height - 40)
+        left, top, width, height = rectangle(self.find("table"))
+        screen.move(left + width - 40, top + height - 40)
 
     def wait_for_cell(self, row, heading, text):
-        self.program.wait_until(lambda: self.grid().cell(row, heading).name == text,
+        self.program.wait_until(lambda: self.cell(row, heading).get_name() == text,
                                 f"“{text}” in row {row} under “{heading}”")
+
+    def tick_categories(self, row, names, seen=lambda: None):
+        """Ticks just these names in the list that a click on the cell “灯具类别” drops down, and closes it."""
+        self.click_cell(row, "灯具类别")
+        for entry in children(self.program.popup("list")):
+            wanted = entry.get_name() in names
+            if has(entry, "CHECKED") != wanted:
+                screen.click(*centre(entry))
+                self.program.wait_until(lambda: has(entry, "CHECKED") == wanted, f"the tick of “{entry.get_name()}”")
+        seen()
+        screen.press("Return")
+        self.wait_for_cell(row, "灯具类别", ",".join(names))
 
     # Trees ----------------------------------------------------------------------------------------------------
 
     def tree_item(self, name):
         """The item of the tree that bears the name, once there is one; of several the last."""
-        def found():
-            items = [item for item in self.find("tree").children() if item.role == "cell" and item.name == name]
-            return items[-1] if items else None
-        return self.program.wait_until(found, f"“{name}” in a tree")
+        return self.program.wait_until(
+            lambda: next((item for item in reversed(children(self.find("tree"))) if item.get_name() == name), None),
+            f"“{name}” in a tree")
 
     def click_tree(self, name, button=1):
         self._click_inside(self.find("tree"), lambda: self.tree_item(name), button=button)
@@ -272,59 +331,34 @@ class Window:
         """Opens the items one after the other, each inside the one before."""
         for name in names:
             self.click_tree(name)
-            self.screen.press("Right")
+            screen.press("Right")
 
     def choose_from_menu(self, name, command, seen=lambda: None):
         """Chooses a command of the menu that a right click on an item of the tree opens."""
         self.click_tree(name, button=3)
         # A menu tells of itself only when one of its commands is reached; Down goes to the first enabled one.
-        self.screen.press("Down")
+        screen.press("Down")
         entry = self.program.popup("menu item")
         seen()
-        self.click(next(other for other in entry.parent.children() if other.name == command))
+        screen.click(*centre(next(one for one in children(entry.get_parent()) if one.get_name() == command)))
 
     def _click_inside(self, frame, item, times=1, button=1, from_right=None):
         """Turns the mouse wheel over frame until item() shows wholly inside it, and clicks it there."""
         for _ in range(300):
-            left, top, width, height = frame.rectangle
-            target = item()
-            item_left, item_top, item_width, item_height = target.rectangle
-            middle = item_left + item_width // 2
-            x, y = middle if from_right is None else item_left + item_width - from_right, item_top + item_height // 2
-            is_level = item_height and top <= item_top and item_top + item_height <= top + height
+            left, top, width, height = rectangle(frame)
+            item_left, item_top, item_width, item_height = rectangle(item())
+            y = item_top + item_height // 2
+            x = item_left + (item_width // 2 if from_right is None else item_width - from_right)
             # Wide things are clicked on what can be seen of them.
             if from_right is None and item_width > width // 2:
                 x = max(left + 4, min(x, left + width - 4))
-            if is_level and left <= x <= left + width - 2 and target.is_("showing"):
-                self.screen.click(x, y, button=button, times=times)
+            is_level = item_height and top <= item_top and item_top + item_height <= top + height
+            if is_level and left <= x <= left + width - 2 and has(item(), "SHOWING"):
+                screen.click(x, y, button=button, times=times)
                 return
             if is_level:
-                wheel, distance, size = (6 if x < left else 7), abs(x - left - width // 2), width
+                wheel, turns = (6 if x < left else 7), abs(x - left - width // 2) // width
             else:
-                wheel, distance, size = (4 if item_top < top else 5), abs(y - top - height // 2), height
-            self.screen.click(left + width // 2, top + height // 2, button=wheel,
-                              times=max(1, min(20, distance // size * 2)))
+                wheel, turns = (4 if item_top < top else 5), abs(y - top - height // 2) // height
+            screen.click(left + width // 2, top + height // 2, button=wheel, times=max(1, min(20, turns * 2)))
         raise TimeLimit("could not bring an item into sight")
-
-
-class MainWindow(Window):
-    """The main window and its tabs."""
-
-    def show_tab(self, caption):
-        self.click(self.find("page tab", caption))
-        self.program.wait_until(lambda: self.shown_tab() == caption, f"the tab “{caption}” in front")
-
-    def shown_tab(self):
-        return self.find("page tab list").name  # a bar of tabs is told under the name of the one in front
-
-    def tick_categories(self, row, names, seen=lambda: None):
-        """Ticks just these names in the list that a click on the cell “灯具类别” drops down, and closes it."""
-        self.click_cell(row, "灯具类别")
-        entries = self.program.popup("list")
-        for entry in entries.children():
-            if entry.is_("checked") != (entry.name in names):
-                wanted = entry.name in names
-                self.click(entry)
-                self.program.wait_until(lambda: entry.is_("checked") == wanted, f"the tick of “{entry.name}”")
-        seen()
-        self.screen.press("Return")

@@ -1,6 +1,6 @@
 """A luminaire's utilization factors: a heading and a row added in the tree, factors typed, submitted."""
 
-from story import Changes
+import screen
 
 CATEGORY = "T5直管荧光灯"
 NEW_HEADING = (60, 40, 20)
@@ -16,7 +16,7 @@ def factor_table_road(story):
     window.show_tab("灯具库")
     window.choose("灯具类型:", CATEGORY)
     window.wait_for_cell(0, "序号", "1")
-    luminaire = window.grid().row_texts(0)
+    luminaire = window.row_texts(0)
     story.show("luminaires")
     (stored,) = (row for row in before["灯具"] if row["LampModel"] == luminaire["灯具型号"])
     window.press_in_cell(0, "利用系数表")
@@ -42,29 +42,24 @@ def factor_table_road(story):
     table.press_button("确定")
     table.wait_until_closed()
 
-    after = folder.everything()
-    changes = Changes("利用系数", before["利用系数"], after["利用系数"])
-    changes.show()
-    story.expect(factors_of(stored["ID"], after) == expected(stored["ID"], before),
+    _, now, new = story.changes(before, "利用系数")["利用系数"]
+    story.expect(factors_of(stored["ID"], folder.everything()) == expected(stored["ID"], before),
                  "the factors of the luminaire are not those that were typed")
-    story.expect(all(row["LuminaireID"] == stored["ID"] for row in changes.new) and not changes.changed
-                 and not changes.gone, "other factors were changed")
-    story.expect_only(after, before, "利用系数")
+    story.expect(not now and all(row["LuminaireID"] == stored["ID"] for row in new), "other factors were changed")
 
 
 def new_label(story, table, root, command, text, label, picture=None):
     """Adds an entry below a root of the table's tree by its menu, and types its label."""
     table.choose_from_menu(root, command, seen=lambda: picture and story.show(picture))
     story.program.wait_until(lambda: story.program.focused("text"), "the label to type")
-    story.screen.press("ctrl+a")
-    story.screen.type_text(text)
-    story.screen.press("Return")
+    screen.press("ctrl+a")
+    screen.type_text(text)
+    screen.press("Return")
     table.tree_item(label)
 
 
 def type_factor(table, reflectances, ratio, factor):
-    grid = table.grid()
-    table.enter(grid.row_of(f"{ratio:.2f}"), ",".join(map(str, reflectances)), f"{factor}")
+    table.enter(table.row_of(f"{ratio:.2f}"), ",".join(map(str, reflectances)), f"{factor}")
 
 
 def factors_of(luminaire, tables):

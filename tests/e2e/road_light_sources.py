@@ -14,7 +14,7 @@ def light_source_road(story):
     window.choose("按光源类型显示", category["name"])
     story.show("category")
 
-    first = window.grid().row_texts(0)
+    first = window.row_texts(0)
     story.tell(f"typing {NEW_FLUX} lm over {first['光通量']} lm of {first['光源型号']}")
     window.enter(0, "光通量", f"{NEW_FLUX}")
     story.show("luminous-flux")
@@ -23,6 +23,5 @@ def light_source_road(story):
     headings = ("名    称", "光源型号", "光通量", "功  率", "厂    家")
     story.append_and_submit(headings, NEW_SOURCE.values(), before, ("append-row", "light-sources-submitted"))
     story.expect_one_changed_one_new(
-        "光源", before, beside=lambda row: row["LamphouseType"] == category["ID"],
-        changed=({"LamphouseModel": first["光源型号"]}, {"LuminousFlux": NEW_FLUX}),
+        "光源", before, told_by={"LamphouseModel": first["光源型号"]}, typed={"LuminousFlux": NEW_FLUX},
         added={**NEW_SOURCE, "LamphouseType": category["ID"]})

@@ -18,7 +18,7 @@ def requirement_road(story):
     window.wait_for_cell(0, "序号", "1")
     story.show("building-type")
 
-    first = window.grid().row_texts(0)
+    first = window.row_texts(0)
     story.tell(f"typing {NEW_ILLUMINANCE} lx over {first['照度标准值']} lx for {first['场所']}")
     window.enter(0, "照度标准值", f"{NEW_ILLUMINANCE}")
     story.show("illuminance")
@@ -26,6 +26,5 @@ def requirement_road(story):
     story.tell(f"filling the append row with {NEW_PLACE['Location']}")
     story.append_and_submit(HEADINGS, NEW_PLACE.values(), before, ("new-place", "requirements-submitted"))
     story.expect_one_changed_one_new(
-        "照度要求及功率密度", before, beside=lambda row: row["BuildingType"] == BUILDING,
-        changed=({"Location": first["场所"]}, {"IlluminanceStandard": NEW_ILLUMINANCE}),
+        "照度要求及功率密度", before, told_by={"Location": first["场所"]}, typed={"IlluminanceStandard": NEW_ILLUMINANCE},
         added={**NEW_PLACE, "Vocation": TRADE, "BuildingType": BUILDING})

@@ -1,50 +1,38 @@
 #!/usr/bin/python3
 """Whole roads through the real program on a virtual screen: starting and leaving.
 
-    QUORVANE_BINARIES=build/dev/bin test_roads.py [Roads.test_...]
+    virtual_screen test_roads.py BINARIES Roads.test_...
 """
 
-import functools
-import os
 import shutil
 import sys
 import tempfile
 import unittest
 from pathlib import Path
 
-from driver import Program, ProgramFolder, VirtualScreen
+import screen
+from driver import Program, ProgramFolder
 
-BINARIES = Path(os.environ.get("QUORVANE_BINARIES", "build/dev/bin")).resolve()
-QUESTION = "数据未提交,是否提交?"
+BINARIES = Path(sys.argv.pop(1)).resolve()
 
 
 class Roads(unittest.TestCase):
-    def __init__(self, name):
-        super().__init__(name)
-        test = getattr(self, name)
-        setattr(self, name, functools.partial(self._watched, test))
-
     def setUp(self):
-        place = Path(tempfile.mkdtemp(prefix="quorvane-e2e-"))
+        place = Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, place, ignore_errors=True)
         self.folder = ProgramFolder(place / "installed", BINARIES)
-        self.screen = self.enterContext(VirtualScreen())
 
-    def _watched(self, test):
-        """Runs the test; when it fails, keeps a picture of the screen and tells what the program said."""
-        try:
-            test()
-        except BaseException:
-            picture = BINARIES.parent / "e2e" / f"{test.__name__}.png"
-            picture.parent.mkdir(exist_ok=True)
-            self.screen.picture(picture)
-            print(f"picture: {picture}", self.folder.log.read_text(), sep="\n", file=sys.stderr)
-            raise
+    def run(self, result=None):
+        """When the test fails, keeps a picture of the screen."""
+        result = super().run(result)
+        if not result.wasSuccessful():
+            picture = BINARIES.parent / f"{self.id()}.png"
+            screen.picture(picture)
+            print("picture:", picture, file=sys.stderr)
+        return result
 
     def start(self, *arguments):
-        return Program(self.screen, self.folder, *arguments)
-
-    # Starting -------------------------------------------------------------------------------------------------
+        return Program(self.folder, *arguments)
 
     def test_second_start_ends_silently_while_the_first_runs(self):
         first = self.start()
@@ -52,13 +40,14 @@ class Roads(unittest.TestCase):
         second = self.start()
         self.assertEqual(second.wait_for_end(), 0)
         self.assertEqual(self.folder.log.read_text(), "")
-        first.kill()  # what it leaves behind must not stand in the way
+        first.process.kill()  # what it leaves behind must not stand in the way
+        first.wait_for_end()
         third = self.start()
         third.main_window().press_button("退出")
         self.assertEqual(third.wait_for_end(), 0)
 
     def test_last_argument_chooses_the_tab(self):
-        for arguments, tab in (([], "光源库"), (["灯具管理器"], "灯具库"), (["照度管理器"], "照度要求及功率密度"),
+        for arguments, tab in ((["灯具管理器"], "灯具库"), (["照度管理器"], "照度要求及功率密度"),
                                (["照度管理器", "其他"], "光源库"), (["照度管理器 "], "光源库")):
             program = self.start(*arguments)
             window = program.main_window()
@@ -72,43 +61,35 @@ class Roads(unittest.TestCase):
         program = self.start()
         message = program.message("数据库连接失败!")
         self.assertEqual(program.windows(), [message.element])
-        self.screen.press("Return")
+        screen.press("Return")
         program.wait_for_end()
         self.assertEqual(list(self.folder.database.parent.iterdir()), before)
-
-    # Leaving --------------------------------------------------------------------------------------------------
-
-    def edit_every_page(self, window):
-        """An edit on each page, not submitted. Changing between the pages asks nothing."""
-        window.choose("按光源类型显示", self.folder.first_category()["name"])
-        window.enter(0, "光通量", "4321")
-        window.show_tab("灯具库")
-        window.choose("灯具类型:", "混光灯")
-        window.enter(0, "灯具效率", "43.25")
-        window.show_tab("照度要求及功率密度")
-        window.expand("公共建筑")
-        window.click_tree("办公建筑")
-        window.wait_for_cell(0, "序号", "1")
-        window.enter(0, "照度标准值", "4327")
 
     def test_leaving_settles_the_edits_of_every_page(self):
         before = self.folder.everything()
         for answer in ("否", "是"):
+            self.assertEqual(self.folder.everything(), before)
             program = self.start()
             window = program.main_window()
-            self.edit_every_page(window)
+            window.choose("按光源类型显示", self.folder.first_category()["name"])
+            window.enter(0, "光通量", "4321")
+            window.show_tab("灯具库")  # changing between the pages asks nothing
+            window.choose("灯具类型:", "混光灯")
+            window.enter(0, "灯具效率", "43.25")
+            window.show_tab("照度要求及功率密度")
+            window.expand("公共建筑")
+            window.click_tree("办公建筑")
+            window.wait_for_cell(0, "序号", "1")
+            window.enter(0, "照度标准值", "4327")
             self.assertEqual(self.folder.everything(), before)
-            self.screen.press("alt+F4")  # the window manager's own way to close a window
-            program.message(QUESTION).press_button(answer)
+            screen.press("alt+F4")  # the window manager's own way to close a window
+            program.message("数据未提交,是否提交?").press_button(answer)
             self.assertEqual(program.wait_for_end(), 0)
-            if answer == "否":
-                self.assertEqual(self.folder.everything(), before)
         after = self.folder.everything()
         for table, column, value in (("光源", "LuminousFlux", 4321), ("灯具", "LuminaireEfficiency", 43.25),
                                      ("照度要求及功率密度", "IlluminanceStandard", 4327)):
             changed = [(old, new) for old, new in zip(before.pop(table), after.pop(table)) if old != new]
-            self.assertEqual(len(changed), 1, table)
-            self.assertEqual(changed[0][1], {**changed[0][0], column: value})
+            self.assertEqual([new for _, new in changed], [{**changed[0][0], column: value}], table)
         self.assertEqual(after, before)
 
 

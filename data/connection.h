@@ -33,11 +33,14 @@ public:
     virtual bool AtEnd() const = 0;
     // Steps to the next row, or to the end. Calling it at the end is a ProviderError.
     virtual void MoveNext() = 0;
-    // The value of a column of the present row, by its name in the result or by its index from 0. A name
-    // that stands twice in the result is qualified with its table ("光源.ID"). An unknown column, an index
-    // out of range and a read at the end are ProviderErrors.
-    virtual FieldValue Value(const CString& columnName) const = 0;
+    // The index from 0 of a column, by its name in the result. It is the same for all rows. A name that
+    // stands twice in the result is qualified with its table ("光源.ID"). An unknown column is a
+    // ProviderError.
+    virtual int Column(const CString& columnName) const = 0;
+    // The value of a column of the present row. An index out of range and a read at the end are
+    // ProviderErrors.
     virtual FieldValue Value(int index) const = 0;
+    FieldValue Value(const CString& columnName) const { return Value(Column(columnName)); }
 };
 
 class Connection {

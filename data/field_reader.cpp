@@ -3,6 +3,7 @@
 #include <QLocale>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace quorvane {
 
@@ -46,9 +47,9 @@ int ToIntegerField(const FieldValue& value) {
     return static_cast<int>(number);
 }
 
-CString ToTextField(const FieldValue& value) {
-    if (const auto* text = std::get_if<CString>(&value)) {
-        return *text;
+CString ToTextField(FieldValue value) {
+    if (auto* text = std::get_if<CString>(&value)) {
+        return std::move(*text);
     }
     if (const auto* integer = std::get_if<qint64>(&value)) {
         return QString::number(*integer);
@@ -57,6 +58,20 @@ CString ToTextField(const FieldValue& value) {
         return QString::number(*real, 'g', QLocale::FloatingPointShortest);
     }
     FailConversion("NULL stands where a text is expected");
+}
+
+int FieldReader::IndexOf(const char16_t* column) const {
+    for (std::size_t tried = 0; tried < m_columns.size(); ++tried) {
+        const KnownColumn& known = m_columns[m_next];
+        m_next = (m_next + 1) % m_columns.size();
+        if (known.name == column) {
+            return known.index;
+        }
+    }
+    const int index = m_rows.Column(QString::fromUtf16(column));
+    m_columns.push_back({column, index});
+    m_next = 0;
+    return index;
 }
 
 }  // namespace quorvane

@@ -23,43 +23,43 @@ void TraceFailure(const CString& diagnostic, const ProviderError& error) {
 }
 
 CString ReadFactory(const FieldReader& row) {
-    return row.Text(u"Factory"_s);
+    return row.Text(u"Factory");
 }
 
 // The statements differ in how they tell the ID and the category; head brings these two.
 tagLAMPHOUSEINFO ReadLightSource(const FieldReader& row, tagLAMPHOUSEINFO head) {
-    head.LamphouseModel = row.Text(u"LamphouseModel"_s);
-    head.LuminousFlux = row.Real(u"LuminousFlux"_s);
-    head.LamphousePower = row.Real(u"LamphousePower"_s);
+    head.LamphouseModel = row.Text(u"LamphouseModel");
+    head.LuminousFlux = row.Real(u"LuminousFlux");
+    head.LamphousePower = row.Real(u"LamphousePower");
     head.Factory = ReadFactory(row);
-    head.LamphouseName = row.Text(u"LamphouseName"_s);
+    head.LamphouseName = row.Text(u"LamphouseName");
     return head;
 }
 
 tagLAMPHOUSEINFO ReadWholeLightSource(const FieldReader& row) {
     tagLAMPHOUSEINFO head;
-    head.ID = row.Integer(u"ID"_s);
-    head.LamphouseType = row.Integer(u"LamphouseType"_s);
+    head.ID = row.Integer(u"ID");
+    head.LamphouseType = row.Integer(u"LamphouseType");
     return ReadLightSource(row, head);
 }
 
 tagLUMINAIREINFO ReadLuminaire(const FieldReader& row) {
     return {
-        .ID = row.Integer(u"ID"_s),
-        .LamphouseTypeID = row.Text(u"LamphouseTypeID"_s),
-        .LampName = row.Text(u"LampName"_s),
-        .LampModel = row.Text(u"LampModel"_s),
-        .LuminaireEfficiency = row.Real(u"LuminaireEfficiency"_s),
-        .UtilizationFactorType = row.Integer(u"UtilizationFactorType"_s),
-        .MaxLhAA = row.Real(u"MaxLhAA"_s),
-        .MaxLhBB = row.Real(u"MaxLhBB"_s),
+        .ID = row.Integer(u"ID"),
+        .LamphouseTypeID = row.Text(u"LamphouseTypeID"),
+        .LampName = row.Text(u"LampName"),
+        .LampModel = row.Text(u"LampModel"),
+        .LuminaireEfficiency = row.Real(u"LuminaireEfficiency"),
+        .UtilizationFactorType = row.Integer(u"UtilizationFactorType"),
+        .MaxLhAA = row.Real(u"MaxLhAA"),
+        .MaxLhBB = row.Real(u"MaxLhBB"),
         .Factory = ReadFactory(row),
-        .LamphouseCount = row.Text(u"LamphouseCount"_s),
-        .BallastCount = row.Integer(u"BallastCount"_s),
-        .BallastPower = row.Real(u"BallastPower"_s),
-        .DefaultLamphouse = row.Text(u"DefaultLamphouse"_s),
-        .UtilizationFactorFormat = row.Text(u"UtilizationFactorFormat"_s),
-        .LampPhoto = row.Text(u"LampPhoto"_s),
+        .LamphouseCount = row.Text(u"LamphouseCount"),
+        .BallastCount = row.Integer(u"BallastCount"),
+        .BallastPower = row.Real(u"BallastPower"),
+        .DefaultLamphouse = row.Text(u"DefaultLamphouse"),
+        .UtilizationFactorFormat = row.Text(u"UtilizationFactorFormat"),
+        .LampPhoto = row.Text(u"LampPhoto"),
     };
 }
 
@@ -150,6 +150,7 @@ bool CLightingDatabase::Load(std::vector<Element>& target, const Statement& stat
         for (const FieldReader row(rows); !rows.AtEnd(); rows.MoveNext()) {
             target.push_back(readRow(row));
         }
+        target.shrink_to_fit();
     });
 }
 
@@ -208,8 +209,8 @@ bool SubmitScope::Finish() {
 bool CLightingDatabase::LoadLampTypes(std::vector<tagLAMPHOUSETYPE>& types) {
     return Load(types, u"select ID, LamphouseType from 光源类别 order by LamphouseType"_s,
                 [](const FieldReader& row) {
-                    return tagLAMPHOUSETYPE{.ID = row.Integer(u"ID"_s),
-                                            .LamphouseType = row.Text(u"LamphouseType"_s)};
+                    return tagLAMPHOUSETYPE{.ID = row.Integer(u"ID"),
+                                            .LamphouseType = row.Text(u"LamphouseType")};
                 });
 }
 
@@ -219,7 +220,7 @@ bool CLightingDatabase::GetLampTypeName(int id, CString& name) {
     }
     name.clear();
     return ReadFirst(FormatStatement(u"select LamphouseType from 光源类别 where ID=%d", {id}),
-                     [&](const FieldReader& row) { name = row.Text(u"LamphouseType"_s); });
+                     [&](const FieldReader& row) { name = row.Text(u"LamphouseType"); });
 }
 
 bool CLightingDatabase::FindLampTypeID(const CString& name, int& id) {
@@ -228,7 +229,7 @@ bool CLightingDatabase::FindLampTypeID(const CString& name, int& id) {
     }
     id = 0;
     return ReadFirst(FormatStatement(u"select ID from 光源类别 where LamphouseType ='%s'", {name}),
-                     [&](const FieldReader& row) { id = row.Integer(u"ID"_s); });
+                     [&](const FieldReader& row) { id = row.Integer(u"ID"); });
 }
 
 // 光源
@@ -292,7 +293,7 @@ bool CLightingDatabase::LoadLightSourcesByType(int categoryId, std::vector<tagLA
                         {categoryId}),
         [&](const FieldReader& row) {
             tagLAMPHOUSEINFO head;
-            head.ID = row.Integer(u"ID"_s);
+            head.ID = row.Integer(u"ID");
             head.LamphouseType = categoryId;
             return ReadLightSource(row, head);
         });
@@ -308,8 +309,8 @@ bool CLightingDatabase::LoadLightSourcesByTypeName(const CString& categoryName,
                                 {categoryName}),
                 [](const FieldReader& row) {
                     tagLAMPHOUSEINFO head;
-                    head.ID = row.Integer(u"光源.ID"_s);
-                    head.LamphouseType = row.Integer(u"光源.LamphouseType"_s);
+                    head.ID = row.Integer(u"光源.ID");
+                    head.LamphouseType = row.Integer(u"光源.LamphouseType");
                     return ReadLightSource(row, head);
                 });
 }
@@ -319,7 +320,7 @@ bool CLightingDatabase::LoadLightSourceNamesByType(int categoryId, std::vector<C
                 FormatStatement(u"select LamphouseName from 光源 where  LamphouseType = %d"
                                 " order by LamphouseName",
                                 {categoryId}),
-                [](const FieldReader& row) { return row.Text(u"LamphouseName"_s); });
+                [](const FieldReader& row) { return row.Text(u"LamphouseName"); });
 }
 
 bool CLightingDatabase::FindLightSourceID(const CString& name, const CString& model, int& id) {
@@ -338,7 +339,7 @@ bool CLightingDatabase::FindLightSourceID(const CString& name, const CString& mo
             "\t\t\tLamphouseName ='%s' and LamphouseModel = '%s'",
             {name, model});
     }
-    return ReadFirst(statement, [&](const FieldReader& row) { id = row.Integer(u"ID"_s); });
+    return ReadFirst(statement, [&](const FieldReader& row) { id = row.Integer(u"ID"); });
 }
 
 bool CLightingDatabase::FindLightSourceTypeName(const CString& name, const CString& model,
@@ -360,7 +361,7 @@ bool CLightingDatabase::FindLightSourceTypeName(const CString& name, const CStri
         arguments.emplace_back(model);
     }
     return ReadFirst(FormatStatement(pattern, arguments),
-                     [&](const FieldReader& row) { typeName = row.Text(u"LamphouseType"_s); });
+                     [&](const FieldReader& row) { typeName = row.Text(u"LamphouseType"); });
 }
 
 // 灯具
@@ -452,13 +453,13 @@ bool CLightingDatabase::LoadUtilizationFactors(int luminaireId,
                         {luminaireId}),
         [&](const FieldReader& row) {
             return tagLUMINAIREUTILIZATIONFACTOR{
-                .ID = row.Integer(u"ID"_s),
+                .ID = row.Integer(u"ID"),
                 .LuminaireID = luminaireId,
-                .Pcc = row.Integer(u"Pcc"_s),
-                .Pw = row.Integer(u"Pw"_s),
-                .Pf = row.Integer(u"Pf"_s),
-                .RCR_RI = row.Real(u"RCR_RI"_s),
-                .UtilizationFactor = row.Real(u"UtilizationFactor"_s),
+                .Pcc = row.Integer(u"Pcc"),
+                .Pw = row.Integer(u"Pw"),
+                .Pf = row.Integer(u"Pf"),
+                .RCR_RI = row.Real(u"RCR_RI"),
+                .UtilizationFactor = row.Real(u"UtilizationFactor"),
             };
         });
 }
@@ -491,7 +492,7 @@ bool CLightingDatabase::DeleteIlluminanceStandard(int id) {
 
 bool CLightingDatabase::LoadVocations(std::vector<CString>& vocations) {
     return Load(vocations, u"select DISTINCT Vocation from 照度要求及功率密度 order by Vocation"_s,
-                [](const FieldReader& row) { return row.Text(u"Vocation"_s); });
+                [](const FieldReader& row) { return row.Text(u"Vocation"); });
 }
 
 bool CLightingDatabase::LoadBuildingTypes(const CString& vocation, std::vector<CString>& buildingTypes) {
@@ -499,7 +500,7 @@ bool CLightingDatabase::LoadBuildingTypes(const CString& vocation, std::vector<C
                 FormatStatement(u"select DISTINCT BuildingType from 照度要求及功率密度 Where Vocation='%s' "
                                 "\t\t\t\t\t order by BuildingType",
                                 {vocation}),
-                [](const FieldReader& row) { return row.Text(u"BuildingType"_s); });
+                [](const FieldReader& row) { return row.Text(u"BuildingType"); });
 }
 
 bool CLightingDatabase::LoadIlluminanceStandards(const CString& vocation, const CString& buildingType,
@@ -511,16 +512,16 @@ bool CLightingDatabase::LoadIlluminanceStandards(const CString& vocation, const 
                                 {vocation, buildingType}),
                 [&](const FieldReader& row) {
                     return tagILLUMINANCESTANDARD{
-                        .ID = row.Integer(u"ID"_s),
+                        .ID = row.Integer(u"ID"),
                         .Vocation = vocation,
                         .BuildingType = buildingType,
-                        .Location = row.Text(u"Location"_s),
-                        .ReferencePlane = row.Text(u"ReferencePlane"_s),
-                        .ActualLPD = row.Real(u"ActualLPD"_s),
-                        .ObjectiveLPD = row.Real(u"ObjectiveLPD"_s),
-                        .IlluminanceStandard = row.Integer(u"IlluminanceStandard"_s),
-                        .UGR = row.Integer(u"UGR"_s),
-                        .Ra = row.Integer(u"Ra"_s),
+                        .Location = row.Text(u"Location"),
+                        .ReferencePlane = row.Text(u"ReferencePlane"),
+                        .ActualLPD = row.Real(u"ActualLPD"),
+                        .ObjectiveLPD = row.Real(u"ObjectiveLPD"),
+                        .IlluminanceStandard = row.Integer(u"IlluminanceStandard"),
+                        .UGR = row.Integer(u"UGR"),
+                        .Ra = row.Integer(u"Ra"),
                     };
                 });
 }

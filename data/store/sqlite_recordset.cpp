@@ -2,7 +2,9 @@
 
 #include <QStringDecoder>
 #include <algorithm>
+#include <functional>
 #include <limits>
+#include <string_view>
 
 namespace quorvane {
 
@@ -30,22 +32,6 @@ std::vector<CString> ColumnNames(sqlite3_stmt* statement) {
         }
     }
     return qualified;
-}
-
-// A file may hold bytes that are no text at all. Showing something else in their place would write that back
-// with the row's next update, so they are refused. A byte order mark is a character like any other.
-CString TextValue(sqlite3_stmt* statement, int index) {
-    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, index));
-    if (bytes == nullptr) {
-        ThrowSqliteError(sqlite3_db_handle(statement));  // out of memory
-    }
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    CString text = decoder(QByteArrayView(bytes, sqlite3_column_bytes(statement, index)));
-    if (decoder.hasError()) {
-        throw ProviderError(QStringLiteral("column %1 holds bytes that are no text").arg(index));
-    }
-    return text;
 }
 
 }  // namespace
@@ -103,13 +89,13 @@ void SqliteRecordset::Step() {
     }
 }
 
-FieldValue SqliteRecordset::Value(const CString& columnName) const {
+int SqliteRecordset::Column(const CString& columnName) const {
     const auto column = std::find_if(m_columnNames.begin(), m_columnNames.end(),
                                      [&](const CString& name) { return SameName(name, columnName); });
     if (column == m_columnNames.end()) {
         throw ProviderError(QStringLiteral("the result has no column %1").arg(columnName));
     }
-    return Value(static_cast<int>(column - m_columnNames.begin()));
+    return static_cast<int>(column - m_columnNames.begin());
 }
 
 FieldValue SqliteRecordset::Value(int index) const {
@@ -128,10 +114,43 @@ FieldValue SqliteRecordset::Value(int index) const {
         case SQLITE_FLOAT:
             return sqlite3_column_double(row, index);
         case SQLITE_TEXT:
-            return TextValue(row, index);
+            return TextValue(index);
         default:
             throw ProviderError(QStringLiteral("column %1 holds neither number nor text").arg(index));
     }
+}
+
+// A file may hold bytes that are no text at all. Showing something else in their place would write that back
+// with the row's next update, so they are refused. A byte order mark is a character like any other.
+CString SqliteRecordset::TextValue(int index) const {
+    sqlite3_stmt* row = m_statement.get();
+    const auto* first = reinterpret_cast<const char*>(sqlite3_column_text(row, index));
+    if (first == nullptr) {
+        ThrowSqliteError(sqlite3_db_handle(row));  // out of memory
+    }
+    const std::string_view bytes(first, static_cast<std::size_t>(sqlite3_column_bytes(row, index)));
+    RecentText* recent = nullptr;
+    if (bytes.size() <= kLongestSharedText) {
+        m_recentTexts.resize(kRecentTexts);
+        recent = &m_recentTexts[std::hash<std::string_view>()(bytes) % kRecentTexts];
+        if (!recent->text.isNull() && recent->bytes == bytes) {
+            return recent->text;
+        }
+    }
+    m_decoded.resize(bytes.size() + 1);
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    const QChar* end = decoder.appendToBuffer(
+        m_decoded.data(), QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
+    if (decoder.hasError()) {
+        throw ProviderError(QStringLiteral("column %1 holds bytes that are no text").arg(index));
+    }
+    CString text(m_decoded.data(), end - m_decoded.data());
+    if (recent != nullptr) {
+        recent->bytes = bytes;
+        recent->text = text;
+    }
+    return text;
 }
 
 }  // namespace quorvane

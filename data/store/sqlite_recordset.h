@@ -3,6 +3,7 @@
 
 #include <sqlite3.h>
 
+#include <string>
 #include <vector>
 
 #include "data/connection.h"
@@ -27,14 +28,26 @@ public:
 
     bool AtEnd() const override { return m_statement == nullptr; }
     void MoveNext() override;
-    FieldValue Value(const CString& columnName) const override;
+    using Recordset::Value;
+    int Column(const CString& columnName) const override;
     FieldValue Value(int index) const override;
 
 private:
     void Step();
+    CString TextValue(int index) const;
+
+    // Rows repeat makers and names. An equal text that was read a moment ago is shared, not decoded again.
+    struct RecentText {
+        std::string bytes;
+        CString text;
+    };
+    static constexpr std::size_t kRecentTexts = 256;
+    static constexpr std::size_t kLongestSharedText = 128;  // bytes
 
     SqliteStatement m_statement;         // null: at the end, and every lock released
-    std::vector<CString> m_columnNames;  // as Value knows them
+    std::vector<CString> m_columnNames;  // as Column knows them
+    mutable std::vector<RecentText> m_recentTexts;
+    mutable std::vector<QChar> m_decoded;
 };
 
 }  // namespace quorvane

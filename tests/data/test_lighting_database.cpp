@@ -116,6 +116,22 @@ private Q_SLOTS:
         QCOMPARE(Ids(sources), (std::vector<int>{1, 3}));
     }
 
+    // More texts than the store keeps at hand, with makers coming back after a while.
+    void ReadsTheTextsOfEachRow() {
+        m_file->Raw().Execute(
+            u"with recursive n(i) as (select 4 union all select i + 1 from n where i < 3000) insert into "
+            u"光源 "
+            "select i, 9, 'M' || i, i, 1, 'F' || (i % 7), '' from n"_s);
+        LightSources loaded;
+        QVERIFY(m_database->LoadLightSourcesByType(9, loaded));
+        QCOMPARE(loaded.size(), std::size_t{2997});
+        for (const tagLAMPHOUSEINFO& record : loaded) {
+            const CString id = CString::number(record.ID);
+            QCOMPARE(record, (tagLAMPHOUSEINFO{record.ID, 9, u'M' + id, double(record.ID), 1,
+                                               u'F' + CString::number(record.ID % 7), u""_s}));
+        }
+    }
+
     void StoresTextAsTyped() {
         for (const QString& text :
              {u"%s %d %G %% %1 %n"_s, u"\"); delete from 光源; -- /* ` [x] ? :a @b $c \\"_s,

@@ -177,6 +177,11 @@ private Q_SLOTS:
         QCOMPARE(m_file->Raw().Text(u"select count(*) from 光源"_s), QByteArray("0"));
         QCOMPARE(ToSqliteDialect(u"delete * from 光源 where Factory='delete * from x'"_s),
                  u"delete from 光源 where Factory='delete * from x'"_s);
+        // The faster list of makers is the same list.
+        const CString makers = u"select DISTINCT Factory from 光源 order by Factory"_s;
+        m_file->Raw().Execute(u"insert into 光源 (Factory) values ('b'),('a'),(NULL),('A'),('照'),('B')"_s);
+        QVERIFY(ToSqliteDialect(makers) != makers);
+        QCOMPARE(m_file->Raw().Rows(ToSqliteDialect(makers)), m_file->Raw().Rows(makers));
         QCOMPARE(ToSqliteDialect(u"update 光源 set Factory='delete * from x'"_s),
                  u"update 光源 set Factory='delete * from x'"_s);
     }

@@ -20,9 +20,9 @@ public:
 
     bool AtEnd() const override { return m_row == m_result.rows.size(); }
     void MoveNext() override { ++m_row; }
-    FieldValue Value(const CString& columnName) const override {
+    int Column(const CString& columnName) const override {
         const auto column = std::find(m_result.columns.begin(), m_result.columns.end(), columnName);
-        return Value(static_cast<int>(column - m_result.columns.begin()));
+        return static_cast<int>(column - m_result.columns.begin());
     }
     FieldValue Value(int index) const override {
         return m_result.rows.at(m_row).at(static_cast<std::size_t>(index));

@@ -61,12 +61,13 @@ void CQuorvaneApp::Run() {
         ShowMessage(nullptr, QStringLiteral("数据库连接失败!"));
         return;
     }
+    ReferenceLists lists(m_database);
     CQuorvaneDlg dialog({
-                            .lightSources = [this](QWidget* parent) -> CPage* {
-                                return new CQuorvaneLamphouseDlg(m_database, parent);
+                            .lightSources = [&](QWidget* parent) -> CPage* {
+                                return new CQuorvaneLamphouseDlg(m_database, lists, parent);
                             },
-                            .luminaires = [this](QWidget* parent) -> CPage* {
-                                return new CQuorvaneLuminaireDlg(m_database, parent);
+                            .luminaires = [&](QWidget* parent) -> CPage* {
+                                return new CQuorvaneLuminaireDlg(m_database, lists, parent);
                             },
                             .requirements = [this](QWidget* parent) -> CPage* {
                                 return new CQuorvaneDemandDlg(m_database, parent);

@@ -3,7 +3,7 @@
 
 #include "app/application.h"
 #include "app/single_instance.h"
-#include "model/background.h"
+#include "model/async_reader.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ void RunProgram(int argc, char* argv[]) {
 int main(int argc, char* argv[]) {
     RunProgram(argc, argv);
     // What still waits for a drive may go on at any moment, and must not find the program half taken down.
-    if (!quorvane::Background::WaitForAll(std::chrono::milliseconds(100))) {
+    if (!quorvane::AsyncReader::WaitForAll(std::chrono::milliseconds(100))) {
         std::_Exit(EXIT_SUCCESS);
     }
     return EXIT_SUCCESS;

@@ -65,7 +65,7 @@ public:
             std::fprintf(stderr, "the database did not open\n");
             std::exit(2);
         }
-        m_page = std::make_unique<CQuorvaneLuminaireDlg>(m_database, nullptr);
+        m_page = std::make_unique<CQuorvaneLuminaireDlg>(m_database, m_lists, nullptr);
         m_page->resize(820, 520);
         m_page->show();
         QApplication::processEvents();
@@ -98,6 +98,7 @@ public:
 private:
     QTemporaryDir m_folder;
     CLightingDatabase m_database;
+    ReferenceLists m_lists{m_database};
     std::unique_ptr<CQuorvaneLuminaireDlg> m_page;
 };
 

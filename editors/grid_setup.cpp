@@ -2,41 +2,91 @@
 
 #include <QStyle>
 
-#include "data/number_text.h"
-#include "data/text_format.h"
-#include "model/text_checks.h"
-#include "widgets/message_box.h"
+#include "grid/cells/btn_data_base.h"
+#include "grid/cells/grid_btn_cell.h"
 
 namespace quorvane {
+namespace {
 
-CGridCtrl* CreateGrid(QWidget* parent, int gridId, const QRect& rect, std::span<const GridColumn> columns,
-                      SharesOf width) {
+constexpr unsigned kDropDownFormat = kCentred | CellFormat::WordBreak | CellFormat::EndEllipsis;
+
+void MakeDropDown(CGridCtrl& grid, CBtnDataBase& buttons, CCellID place, const CellChoices& choices) {
+    grid.SetCellType<CGridBtnCellCombo>(place.row, place.col);
+    auto* cell = dynamic_cast<CGridBtnCellCombo*>(grid.Cell(place.row, place.col));
+    if (cell == nullptr) {
+        return;
+    }
+    cell->SetComboStyle(CGridBtnCellCombo::DropDownList);
+    cell->SetState(cell->GetState() | CellState::DropDown);
+    cell->SetChoices(choices);
+    cell->SetBtnDataBase(&buttons);
+    cell->SetMargin(0);
+}
+
+void MakeButton(CGridCtrl& grid, CBtnDataBase& buttons, CCellID place, const CString& caption) {
+    grid.SetCellType<CGridBtnCell>(place.row, place.col);
+    auto* cell = dynamic_cast<CGridBtnCell*>(grid.Cell(place.row, place.col));
+    if (cell == nullptr) {
+        return;
+    }
+    cell->SetBtnDataBase(&buttons);
+    cell->SetMargin(CellAttributes::DefaultMargin);  // a drop-down list, which it may have been, has none
+    cell->SetupBtns(0, BtnType::Button, BtnState::PushButton, 0, 0, 0, caption);
+}
+
+unsigned StateOf(CellSetup::Kind kind) {
+    switch (kind) {
+        case CellSetup::ReadOnly:
+            return CellState::ReadOnly;
+        case CellSetup::Chooser:
+            return CellState::ReadOnly | CellState::DropDown;
+        default:
+            return 0;
+    }
+}
+
+}  // namespace
+
+CGridCtrl* CreateGrid(QWidget* parent, int gridId, const QRect& rect) {
     auto created = std::make_unique<CGridCtrl>();
     if (!created->Create(rect, parent, gridId)) {
         return nullptr;
     }
-    CGridCtrl* grid = created.release();
+    CGridCtrl* grid = created.release();  // now a child of parent
     grid->SetRowCount(1);
     grid->SetFixedRowCount(1);
-    const int frame = width == SharesOf::ClientWidth ? 2 * grid->frameWidth() : 0;
-    const int usableWidth =
-        grid->width() - frame - parent->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, grid) - 3;
-    for (const GridColumn& column : columns) {
-        const int index = grid->InsertColumn(CString::fromUtf16(column.heading), kCentred);
-        grid->SetColumnWidth(index, static_cast<int>(usableWidth * column.share));
-    }
     return grid;
 }
 
-void WriteCell(CGridCtrl& grid, int row, int column, const CString& text, unsigned format) {
-    grid.SetItem({.row = row,
-                  .col = column,
-                  .mask = ItemMask::Text | ItemMask::Format,
-                  .text = text,
-                  .format = format});
+int UsableWidth(const CGridCtrl& grid, SharesOf width) {
+    const int frame = width == SharesOf::ClientWidth ? 2 * grid.frameWidth() : 0;
+    return grid.width() - frame - grid.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &grid) - 3;
 }
 
-void WriteRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool unwritten) {
+void ShowCell(CGridCtrl& grid, CBtnDataBase& buttons, CCellID cell, const CellSetup& setup,
+              const CString& text, unsigned format) {
+    GridItem item{.row = cell.row,
+                  .col = cell.col,
+                  .mask = ItemMask::Text | ItemMask::Format,
+                  .text = text,
+                  .format = format};
+    switch (setup.kind) {
+        case CellSetup::DropDown:
+            MakeDropDown(grid, buttons, cell, setup.choices);
+            item.format = kDropDownFormat;
+            break;
+        case CellSetup::Button:
+            MakeButton(grid, buttons, cell, setup.caption);
+            break;
+        default:
+            item.mask |= ItemMask::State | ItemMask::BackColour;
+            item.state = StateOf(setup.kind);
+            item.backColour = item.state != 0 ? kReadOnlyColour : QColor();
+    }
+    grid.SetItem(item);
+}
+
+void ShowRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool isUnwritten) {
     grid.SetItem(
         {.row = row,
          .col = 0,
@@ -44,41 +94,8 @@ void WriteRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, b
          .text = text,
          .data = recordId,
          .state = CellState::ReadOnly,
-         .backColour = unwritten ? kUnwrittenColour : kReadOnlyColour,
+         .backColour = isUnwritten ? kUnwrittenColour : kReadOnlyColour,
          .format = kCentred});
-}
-
-double ReadReal(CGridCtrl& grid, int row, int column, double present) {
-    const CString text = grid.GetItemText(row, column);
-    if (text == FormatReal(present)) {
-        return present;
-    }
-    const std::optional<double> value = CheckReal(text);
-    if (!value) {
-        grid.SetItemText(row, column, FormatReal(0));
-    }
-    return value.value_or(0);
-}
-
-int ReadInteger(CGridCtrl& grid, int row, int column) {
-    const CString text = grid.GetItemText(row, column);
-    const int value = (text.isEmpty() ? std::nullopt : CheckInteger(text)).value_or(0);
-    grid.SetItemText(row, column, FormatInteger(value));
-    return value;
-}
-
-bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title) {
-    return ShowMessage(parent,
-                       FormatText(QStringLiteral("确定是否删除选中数据:第%d行,%s的全部信息?"), {row, title}),
-                       caption, MessageButtons::YesNo, MessageIcon::Question) == MessageAnswer::Yes;
-}
-
-void TellIncompleteLoad(QWidget* parent, const CString& caption) {
-    ShowMessage(parent, QStringLiteral("数据未能全部读出,显示的内容不完整。"), caption);
-}
-
-CString UnwrittenText(int count) {
-    return FormatText(QStringLiteral("有%d条数据未能写入数据库。\n"), {count});
 }
 
 }  // namespace quorvane

@@ -1,9 +1,11 @@
-// What every grid of the editors has in common, on a page or in a dialog: columns by shares, the looks of a
-// row, numbers read from cells, and the questions about rows.
+// How every grid of the editors is set up, on a page or in a dialog: columns by shares of the width, and the
+// kinds of cells.
 #pragma once
 
 #include <QColor>
+#include <memory>
 #include <span>
+#include <vector>
 
 #include "grid/grid_ctrl.h"
 
@@ -12,43 +14,45 @@ namespace quorvane {
 // Cell text alignments, each vertically centred on a single line.
 inline constexpr unsigned kCentred = CellFormat::Centre | CellFormat::VCentre | CellFormat::SingleLine;
 inline constexpr unsigned kLeft = CellFormat::Left | CellFormat::VCentre | CellFormat::SingleLine;
+inline constexpr unsigned kLeftEllipsis = kLeft | CellFormat::EndEllipsis;
 
 // Background of cells that are not edited: row numbers, the append row's marker, derived columns.
 inline const QColor kReadOnlyColour{255, 255, 128};
 // Background of the row number of a record that the last submit could not write.
 inline const QColor kUnwrittenColour{255, 150, 120};
 
-struct GridColumn {
-    const char16_t* heading;
-    double share;  // of the grid's usable width: that which SharesOf says, less a vertical scroll bar and 3
-                   // pixels
-};
-
+// Of which width of the grid a column's share is, less a vertical scroll bar and 3 pixels.
 enum class SharesOf {
     WindowWidth,  // the frame included
     ClientWidth,
 };
 
-// Makes a grid on that rectangle of parent, with one heading row and the given columns. Null when it cannot
-// be made.
-CGridCtrl* CreateGrid(QWidget* parent, int gridId, const QRect& rect, std::span<const GridColumn> columns,
-                      SharesOf width = SharesOf::WindowWidth);
+// Creates a grid on that rectangle of parent, with one heading row and no columns. Null on failure.
+CGridCtrl* CreateGrid(QWidget* parent, int gridId, const QRect& rect);
+// The width that the columns of the grid share, in pixels.
+int UsableWidth(const CGridCtrl& grid, SharesOf width);
 
-void WriteCell(CGridCtrl& grid, int row, int column, const CString& text, unsigned format);
-// Column 0: a row number or the append row's marker, and the record's ID as the row's item data.
-void WriteRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool unwritten = false);
+using CellChoices = std::shared_ptr<const std::vector<CString>>;
 
-// The number typed into a cell; a text that is none, or is empty, counts as 0 and is rewritten to "0". A text
-// that shows `present`, the value so far, is that value to the last digit, also in a form that may not be
-// typed. An integer is rewritten as it is understood: "+3", or one beyond the range.
-double ReadReal(CGridCtrl& grid, int row, int column, double present);
-int ReadInteger(CGridCtrl& grid, int row, int column);
+// How the user edits a cell.
+struct CellSetup {
+    enum Kind {
+        Text,      // typed into
+        ReadOnly,  // not at all
+        Chooser,   // in a list that the editor opens
+        DropDown,  // in a drop-down list of `choices`
+        Button,    // in a dialog that a push button with `caption` opens
+    };
+    Kind kind = Text;
+    CellChoices choices = {};
+    CString caption = {};
+};
 
-// Whether the row's record, which title names, is to go. The caption is that of the page or dialog that asks.
-bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title);
-void TellIncompleteLoad(QWidget* parent, const CString& caption);
-
-// A line that tells how many records or values a submit could not write.
-CString UnwrittenText(int count);
+// Makes the cell one of that kind and shows the text in it. A drop-down list shows also a text that is not
+// among its choices, and has a format of its own.
+void ShowCell(CGridCtrl& grid, CBtnDataBase& buttons, CCellID cell, const CellSetup& setup,
+              const CString& text, unsigned format);
+// Column 0: the row number or the append row's marker, and the record's ID as item data.
+void ShowRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool isUnwritten);
 
 }  // namespace quorvane

@@ -1,12 +1,15 @@
 #include "editors/light_source_page.h"
 
 #include <QRadioButton>
-#include <algorithm>
+#include <set>
 
-#include "data/number_text.h"
-#include "grid/cells/btn_data_base.h"
+#include "editors/filter_list.h"
+#include "editors/first_paint.h"
+#include "editors/submit.h"
 #include "model/light_source_categories.h"
 #include "widgets/dialog_template.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 namespace {
@@ -26,19 +29,18 @@ const DialogControl kTemplate[] = {
     {kGridFrame, ControlKind::Frame, u"", {7, 30, 456, 203}},
 };
 
-enum Column { Number, Category, Name, Model, Flux, Power, Maker };
+const CString kCaption = u"光源库"_s;
 
-const GridColumn kColumns[] = {
-    {u"序号", 0.06},  {u"光源类别", 0.14}, {u"名    称", 0.24}, {u"光源型号", 0.24},
-    {u"光通量", 0.1}, {u"功  率", 0.1},    {u"厂    家", 0.1},
-};
+bool IsBlank(const tagLAMPHOUSEINFO& record) {
+    return record.ID == 0 && record.LamphouseName.isEmpty() && record.LamphouseModel.isEmpty() &&
+           record.LuminousFlux == 0 && record.LamphousePower == 0;
+}
 
 }  // namespace
 
-CQuorvaneLamphouseDlg::CQuorvaneLamphouseDlg(CLightingDatabase& database, QWidget* parent)
-    : RecordPage(QStringLiteral("光源库"), parent),
-      m_database(database),
-      m_buttons(std::make_unique<CBtnDataBase>()) {
+CQuorvaneLamphouseDlg::CQuorvaneLamphouseDlg(CLightingDatabase& database, ReferenceLists& lists,
+                                             QWidget* parent)
+    : CPage(parent), m_database(database), m_lists(lists), m_grid(*this, m_records, Rules()) {
     CreateControls(this, kTemplate);
     m_byCategory = DialogItem<QRadioButton>(this, kByCategory);
     m_byMaker = DialogItem<QRadioButton>(this, kByMaker);
@@ -46,13 +48,9 @@ CQuorvaneLamphouseDlg::CQuorvaneLamphouseDlg(CLightingDatabase& database, QWidge
     m_makers = DialogItem<CEaseComboBox>(this, kMakerList);
     m_categories->setAccessibleName(m_byCategory->text());
     m_makers->setAccessibleName(m_byMaker->text());
-    const bool categoriesWhole = FillCategoryList();
-    const bool makersWhole = CompleteMakerList();
-    if (!categoriesWhole || !makersWhole) {
-        TellIncompleteLoadSoon();
-    }
-    CreateGrid(kGrid, DialogItem(this, kGridFrame)->geometry(), kColumns);
-    FillGrid();
+    FillCategoryList();
+    m_grid.Create(kGrid, DialogItem(this, kGridFrame)->geometry(), SharesOf::WindowWidth);
+    m_grid.Fill();
     ShowMode(Mode::ByCategory);
 
     connect(m_byCategory, &QRadioButton::clicked, this, [this] { ChooseMode(Mode::ByCategory); });
@@ -64,37 +62,98 @@ CQuorvaneLamphouseDlg::CQuorvaneLamphouseDlg(CLightingDatabase& database, QWidge
         CompleteMakerList();
     });
     connect(m_categories, &CEaseComboBox::SelectionChanged, this,
-            [this] { ChangeFilter(m_categories, m_lastCategory); });
+            [this] { ChangeFilter(*m_categories, m_lastCategory); });
     connect(m_makers, &CEaseComboBox::SelectionChanged, this,
-            [this] { ChangeFilter(m_makers, m_lastMaker); });
+            [this] { ChangeFilter(*m_makers, m_lastMaker); });
+    // Sorting out the makers of a large file takes longer than everything else here.
+    AfterFirstPaint(*this, [this] { FillMakerList(); });
 }
 
 CQuorvaneLamphouseDlg::~CQuorvaneLamphouseDlg() = default;
 
-bool CQuorvaneLamphouseDlg::FillCategoryList() {
-    std::vector<tagLAMPHOUSETYPE> types;
-    const bool whole = m_database.LoadLampTypes(types);
-    for (const tagLAMPHOUSETYPE& type : types) {
-        m_categoryNames.emplace(type.ID, type.LamphouseType);
-        if (type.LamphouseType != kMixedLight && type.LamphouseType != kCommonLuminaires) {
-            m_categories->AddString(type.LamphouseType);
-        }
-    }
-    m_categoryChoices = std::make_shared<const std::vector<CString>>(m_categories->Strings());
-    return whole;
+// ---- Columns
+
+RecordGridRules<tagLAMPHOUSEINFO> CQuorvaneLamphouseDlg::Rules() {
+    using Record = tagLAMPHOUSEINFO;
+    return {
+        .caption = kCaption,
+        .columns =
+            {
+                NumberColumn<Record>(0.06),
+                {.heading = u"光源类别",
+                 .share = 0.14,
+                 .show = [this](const Record& record) { return m_lists.CategoryName(record.LamphouseType); },
+                 .take = [this](const CString& text, Record& record) { TakeCategory(text, record); },
+                 .setup =
+                     [this](const Record&) {
+                         return CellSetup{.kind = CellSetup::DropDown, .choices = m_categoryChoices};
+                     }},
+                TextColumn(u"名    称", 0.24, &Record::LamphouseName, kLeft),
+                TextColumn(u"光源型号", 0.24, &Record::LamphouseModel, kLeft),
+                RealColumn(u"光通量", 0.1, &Record::LuminousFlux),
+                RealColumn(u"功  率", 0.1, &Record::LamphousePower),
+                TextColumn(u"厂    家", 0.1, &Record::Factory),
+            },
+        .title = [](const Record& record) { return record.LamphouseName; },
+        .isBlank = IsBlank,
+        .makeBlank = [this] { return MakeBlank(); }};
 }
 
-// Makers stored since the list was filled join it; none ever leaves.
+tagLAMPHOUSEINFO CQuorvaneLamphouseDlg::MakeBlank() {
+    tagLAMPHOUSEINFO blank;
+    CString category = m_categories->currentText();
+    if (category.isEmpty() && !m_categoryChoices->empty()) {
+        category = m_categoryChoices->front();
+    }
+    blank.LamphouseType = m_lists.CategoryId(category);
+    blank.Factory = m_makers->currentText();
+    return blank;
+}
+
+// Two categories may have the same name: the name of the present category does not change the category. Nor
+// does a name that is in the file no more.
+void CQuorvaneLamphouseDlg::TakeCategory(const CString& name, tagLAMPHOUSEINFO& record) {
+    if (name != m_lists.CategoryName(record.LamphouseType)) {
+        const int id = m_lists.CategoryId(name);
+        record.LamphouseType = id == 0 ? record.LamphouseType : id;
+    }
+}
+
+// ---- Lists
+
+void CQuorvaneLamphouseDlg::FillCategoryList() {
+    for (const CString& name : m_lists.LightSourceCategoryNames()) {
+        m_categories->AddString(name);
+    }
+    m_categoryChoices = std::make_shared<const std::vector<CString>>(m_categories->Strings());
+    if (!m_lists.HasAllCategories()) {
+        TellIncompleteLoadSoon(this, kCaption);
+    }
+}
+
+void CQuorvaneLamphouseDlg::FillMakerList() {
+    if (!m_isMakerListFilled && !CompleteMakerList()) {
+        TellIncompleteLoad(this, kCaption);
+    }
+}
+
+// Adds the makers that have been stored since the list was filled. No maker is ever removed. False when not
+// all makers could be read.
 bool CQuorvaneLamphouseDlg::CompleteMakerList() {
+    m_isMakerListFilled = true;
     std::vector<CString> makers;
-    const bool whole = m_database.LoadLightSourceFactories(makers);
+    const bool complete = m_database.LoadLightSourceFactories(makers);
+    const std::vector<CString> listed = m_makers->Strings();
+    const std::set<CString> held(listed.begin(), listed.end());
     for (const CString& maker : makers) {
-        if (!m_makers->Holds(maker)) {
+        if (!held.contains(maker)) {
             m_makers->AddString(maker);
         }
     }
-    return whole;
+    return complete;
 }
+
+// ---- What is shown
 
 void CQuorvaneLamphouseDlg::ShowMode(Mode mode) {
     m_mode = mode;
@@ -113,107 +172,51 @@ void CQuorvaneLamphouseDlg::ChooseMode(Mode mode) {
         ShowMode(m_mode);
         return;
     }
+    FillMakerList();
     ShowMode(mode);
     (mode == Mode::ByCategory ? m_makers : m_categories)->ClearSelection();
     (mode == Mode::ByCategory ? m_lastMaker : m_lastCategory).clear();
-    Working().BeginLoad().clear();
-    FillGrid();
+    m_records.TakeLoaded({});
+    m_grid.Fill();
 }
 
-void CQuorvaneLamphouseDlg::ChangeFilter(CEaseComboBox* list, CString& lastText) {
-    if (SettleChoice(*list, lastText)) {
+bool CQuorvaneLamphouseDlg::SettleChanges() {
+    return m_grid.SettleChanges([this] {
+        Submit();
+        return !m_records.HasUnwritten();
+    });
+}
+
+void CQuorvaneLamphouseDlg::ChangeFilter(CEaseComboBox& list, CString& lastText) {
+    if (SettleChoice(list, lastText, [this] { return SettleChanges(); })) {
         Load();
     }
 }
 
 void CQuorvaneLamphouseDlg::Load() {
-    std::vector<tagLAMPHOUSEINFO>& records = Working().BeginLoad();
-    const bool whole = m_mode == Mode::ByCategory
-                           ? m_database.LoadLightSourcesByTypeName(m_categories->currentText(), records)
-                           : m_database.LoadLightSourcesByFactory(m_makers->currentText(), records);
-    FillGrid();
-    if (!whole) {
-        (m_mode == Mode::ByCategory ? m_categories : m_makers)->ForgetChoice();
-        TellIncompleteLoad();
+    const bool byCategory = m_mode == Mode::ByCategory;
+    std::vector<tagLAMPHOUSEINFO> records;
+    const bool complete = byCategory
+                              ? m_database.LoadLightSourcesByTypeName(m_categories->currentText(), records)
+                              : m_database.LoadLightSourcesByFactory(m_makers->currentText(), records);
+    m_records.TakeLoaded(std::move(records));
+    m_grid.Fill();
+    if (!complete) {
+        (byCategory ? m_categories : m_makers)->ForgetChoice();
+        TellIncompleteLoad(this, kCaption);
     }
 }
 
-void CQuorvaneLamphouseDlg::WriteRow(int row, const tagLAMPHOUSEINFO& record) {
-    const CString category = CategoryName(record.LamphouseType);
-    SetUpComboCell(Grid(), *m_buttons, row, Category, m_categoryChoices, category);
-    Grid().SetItemText(row, Category, category);  // also one that is not among the choices
-    WriteCell(row, Name, record.LamphouseName, kLeft);
-    WriteCell(row, Model, record.LamphouseModel, kLeft);
-    WriteCell(row, Flux, FormatReal(record.LuminousFlux), kCentred);
-    WriteCell(row, Power, FormatReal(record.LamphousePower), kCentred);
-    WriteCell(row, Maker, record.Factory, kCentred);
-}
-
-void CQuorvaneLamphouseDlg::WriteAppendRow(int row) {
-    SetUpComboCell(Grid(), *m_buttons, row, Category, m_categoryChoices, m_categories->currentText());
-    WriteCell(row, Name, {}, kLeft);
-    WriteCell(row, Model, {}, kLeft);
-    WriteCell(row, Flux, FormatReal(0), kCentred);
-    WriteCell(row, Power, FormatReal(0), kCentred);
-    WriteCell(row, Maker, m_makers->currentText(), kCentred);
-}
-
-void CQuorvaneLamphouseDlg::ReadCell(int row, int column, tagLAMPHOUSEINFO& record) {
-    const CString text = Grid().GetItemText(row, column);
-    switch (column) {
-        case Category:
-            record.LamphouseType = CategoryId(text, record.LamphouseType);
-            break;
-        case Name:
-            record.LamphouseName = text;
-            break;
-        case Model:
-            record.LamphouseModel = text;
-            break;
-        case Flux:
-            record.LuminousFlux = ReadReal(row, column, record.LuminousFlux);
-            break;
-        case Power:
-            record.LamphousePower = ReadReal(row, column, record.LamphousePower);
-            break;
-        case Maker:
-            record.Factory = text;
-            break;
-        default:
-            break;
-    }
-}
-
-bool CQuorvaneLamphouseDlg::IsBlank(const tagLAMPHOUSEINFO& record) const {
-    return record.ID == 0 && record.LamphouseName.isEmpty() && record.LamphouseModel.isEmpty() &&
-           record.LuminousFlux == 0 && record.LamphousePower == 0;
-}
-
-CString CQuorvaneLamphouseDlg::CategoryName(int categoryId) {
-    const auto known = m_categoryNames.find(categoryId);
-    if (known != m_categoryNames.end()) {
-        return known->second;
-    }
-    CString name;
-    if (m_database.GetLampTypeName(categoryId, name)) {
-        m_categoryNames.emplace(categoryId, name);
-    }
-    return name;
-}
-
-// A name that is the present category's own leaves the category as it is: two may bear the same name. When
-// the database does not know it or does not answer, the categories read earlier do.
-int CQuorvaneLamphouseDlg::CategoryId(const CString& name, int present) {
-    if (CategoryName(present) == name) {
-        return present;
-    }
-    int id = 0;
-    if (m_database.FindLampTypeID(name, id) && id != 0) {
-        return id;
-    }
-    const auto known = std::find_if(m_categoryNames.begin(), m_categoryNames.end(),
-                                    [&name](const auto& entry) { return entry.second == name; });
-    return known == m_categoryNames.end() ? present : known->first;
+bool CQuorvaneLamphouseDlg::Submit() {
+    const RecordStatements<tagLAMPHOUSEINFO> statements = {
+        .isBlank = IsBlank,
+        .insert = [this](tagLAMPHOUSEINFO& record) { return m_database.InsertLightSource(record); },
+        .update = [this](tagLAMPHOUSEINFO& record) { return m_database.UpdateLightSource(record); },
+        .remove = [this](int id) { return m_database.DeleteLightSource(id); }};
+    RunSubmit(this, kCaption, m_database,
+              [&](const ProgressCallback& progress) { return m_records.Submit(statements, progress); });
+    m_lists.Invalidate();
+    return true;
 }
 
 }  // namespace quorvane

@@ -1,49 +1,49 @@
-// CQuorvaneLamphouseDlg: the page "光源库", on which light sources are edited, one category or one maker at a
-// time.
+// CQuorvaneLamphouseDlg: the page "光源库", on which the light sources of one category or of one maker are
+// edited.
 #pragma once
 
-#include <map>
-
 #include "data/lighting_database.h"
-#include "editors/cell_setup.h"
-#include "editors/record_page.h"
+#include "editors/page.h"
+#include "editors/record_grid.h"
+#include "model/reference_lists.h"
 #include "widgets/ease_combo_box.h"
 
 class QRadioButton;
 
 namespace quorvane {
 
-class CQuorvaneLamphouseDlg : public RecordPage<tagLAMPHOUSEINFO> {
+class CQuorvaneLamphouseDlg : public CPage {
 public:
-    CQuorvaneLamphouseDlg(CLightingDatabase& database, QWidget* parent);
+    // Both arguments outlive the page.
+    CQuorvaneLamphouseDlg(CLightingDatabase& database, ReferenceLists& lists, QWidget* parent);
     ~CQuorvaneLamphouseDlg() override;
 
-protected:
-    void WriteRow(int row, const tagLAMPHOUSEINFO& record) override;
-    void WriteAppendRow(int row) override;
-    void ReadCell(int row, int column, tagLAMPHOUSEINFO& record) override;
-    bool IsBlank(const tagLAMPHOUSEINFO& record) const override;
-    CString Title(const tagLAMPHOUSEINFO& record) const override { return record.LamphouseName; }
-    bool Insert(tagLAMPHOUSEINFO& record) override { return m_database.InsertLightSource(record); }
-    bool Update(tagLAMPHOUSEINFO& record) override { return m_database.UpdateLightSource(record); }
-    bool Delete(int id) override { return m_database.DeleteLightSource(id); }
+    bool IsModified() const override { return m_records.IsModified(); }
+    void EndEditing() override { m_grid.EndEditing(); }
+    bool Submit() override;
+    void Refresh() override { m_grid.Refresh(); }
+    bool DeleteSelected() override { return m_grid.DeleteSelected(); }
 
 private:
     enum class Mode { ByCategory, ByMaker };
 
-    // Both say whether the whole list could be read.
-    bool FillCategoryList();
+    RecordGridRules<tagLAMPHOUSEINFO> Rules();
+    tagLAMPHOUSEINFO MakeBlank();
+    void TakeCategory(const CString& name, tagLAMPHOUSEINFO& record);
+
+    void FillCategoryList();
+    void FillMakerList();
     bool CompleteMakerList();
     void ChooseMode(Mode mode);
     void ShowMode(Mode mode);
-    void ChangeFilter(CEaseComboBox* list, CString& lastText);
+    bool SettleChanges();
+    void ChangeFilter(CEaseComboBox& list, CString& lastText);
     void Load();
 
-    CString CategoryName(int categoryId);
-    int CategoryId(const CString& name, int present);
-
     CLightingDatabase& m_database;
-    std::unique_ptr<CBtnDataBase> m_buttons;
+    ReferenceLists& m_lists;
+    WorkingRecords<tagLAMPHOUSEINFO> m_records;
+    RecordGrid<tagLAMPHOUSEINFO> m_grid;
     QRadioButton* m_byCategory;
     QRadioButton* m_byMaker;
     CEaseComboBox* m_categories;
@@ -51,7 +51,7 @@ private:
     CString m_lastCategory;
     CString m_lastMaker;
     CellChoices m_categoryChoices;
-    std::map<int, CString> m_categoryNames;  // of every category met, so that a fill asks once for each
+    bool m_isMakerListFilled = false;
     Mode m_mode = Mode::ByCategory;
 };
 

@@ -4,8 +4,10 @@
 #include <QSignalBlocker>
 #include <QTreeWidget>
 
-#include "data/number_text.h"
+#include "editors/submit.h"
 #include "widgets/dialog_template.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 namespace {
@@ -19,48 +21,79 @@ const DialogControl kTemplate[] = {
     {kGridFrame, ControlKind::Frame, u"", {93, 7, 370, 226}},
 };
 
-enum Column { Number, Location, Plane, ActualLPD, ObjectiveLPD, Illuminance, UGR, Ra };
+const CString kCaption = u"照度要求"_s;
 
-const GridColumn kColumns[] = {
-    {u"序号", 0.08},         {u"场所", 0.2},        {u"参考平面", 0.16},   {u"现行功率密度", 0.16},
-    {u"目标功率密度", 0.16}, {u"照度标准值", 0.14}, {u"统一眩光值", 0.14}, {u"显色指数", 0.12},
-};
+bool IsBlank(const tagILLUMINANCESTANDARD& record) {
+    return record.ID == 0 && record.Location.isEmpty() && record.ReferencePlane.isEmpty() &&
+           record.ActualLPD == 0 && record.ObjectiveLPD == 0 && record.IlluminanceStandard == 0 &&
+           record.UGR == 0 && record.Ra == 0;
+}
 
 }  // namespace
 
 CQuorvaneDemandDlg::CQuorvaneDemandDlg(CLightingDatabase& database, QWidget* parent)
-    : RecordPage(QStringLiteral("照度要求"), parent), m_database(database) {
+    : CPage(parent), m_database(database), m_grid(*this, m_records, Rules()) {
     CreateControls(this, kTemplate);
     m_tree = DialogItem<QTreeWidget>(this, kTree);
-    m_tree->setAccessibleName(QStringLiteral("行业和建筑类型"));
+    m_tree->setAccessibleName(u"行业和建筑类型"_s);
     m_tree->setHeaderHidden(true);
     m_tree->header()->setStretchLastSection(false);
     m_tree->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    CreateGrid(kGrid, DialogItem(this, kGridFrame)->geometry(), kColumns);
+    m_grid.Create(kGrid, DialogItem(this, kGridFrame)->geometry(), SharesOf::WindowWidth);
+    m_grid.SetHasAppendRow(false);
     FillTree();
     connect(m_tree, &QTreeWidget::itemSelectionChanged, this,
             [this] { ChangeBuildingType(m_tree->selectedItems().value(0)); });
 }
 
+RecordGridRules<tagILLUMINANCESTANDARD> CQuorvaneDemandDlg::Rules() {
+    using Record = tagILLUMINANCESTANDARD;
+    return {.caption = kCaption,
+            .columns =
+                {
+                    NumberColumn<Record>(0.08),
+                    TextColumn(u"场所", 0.2, &Record::Location, kLeftEllipsis),
+                    TextColumn(u"参考平面", 0.16, &Record::ReferencePlane),
+                    RealColumn(u"现行功率密度", 0.16, &Record::ActualLPD),
+                    RealColumn(u"目标功率密度", 0.16, &Record::ObjectiveLPD),
+                    IntegerColumn(u"照度标准值", 0.14, &Record::IlluminanceStandard),
+                    IntegerColumn(u"统一眩光值", 0.14, &Record::UGR),
+                    IntegerColumn(u"显色指数", 0.12, &Record::Ra),
+                },
+            .title = [](const Record& record) { return record.Location; },
+            .isBlank = IsBlank,
+            .makeBlank =
+                [this] {
+                    Record blank;
+                    blank.Vocation = m_vocation;
+                    blank.BuildingType = m_buildingType;
+                    return blank;
+                }};
+}
+
 void CQuorvaneDemandDlg::FillTree() {
     std::vector<CString> vocations;
-    bool whole = m_database.LoadVocations(vocations);
+    bool complete = m_database.LoadVocations(vocations);
     for (const CString& vocation : vocations) {
         auto* trade = new QTreeWidgetItem(m_tree, {vocation});
         std::vector<CString> buildingTypes;
-        whole = m_database.LoadBuildingTypes(vocation, buildingTypes) && whole;
+        complete = m_database.LoadBuildingTypes(vocation, buildingTypes) && complete;
         for (const CString& buildingType : buildingTypes) {
             new QTreeWidgetItem(trade, {buildingType});
         }
     }
-    if (!whole) {
-        TellIncompleteLoadSoon();
+    if (!complete) {
+        TellIncompleteLoadSoon(this, kCaption);
     }
 }
 
-// A trade itself has no parent: its rows are asked for with an empty trade and match none.
+// A trade itself has no parent item: its rows are loaded with an empty trade, which no row has.
 void CQuorvaneDemandDlg::ChangeBuildingType(QTreeWidgetItem* item) {
-    if (!SettleChanges()) {
+    const bool settled = m_grid.SettleChanges([this] {
+        Submit();
+        return !m_records.HasUnwritten();
+    });
+    if (!settled) {
         const QSignalBlocker blocker(m_tree);
         m_tree->setCurrentItem(m_shownItem);
         return;
@@ -69,80 +102,29 @@ void CQuorvaneDemandDlg::ChangeBuildingType(QTreeWidgetItem* item) {
     const QTreeWidgetItem* trade = item == nullptr ? nullptr : item->parent();
     m_vocation = trade == nullptr ? CString() : trade->text(0);
     m_buildingType = item == nullptr ? CString() : item->text(0);
-    m_isBuildingTypeShown = trade != nullptr;
-    const bool whole = m_database.LoadIlluminanceStandards(m_vocation, m_buildingType, Working().BeginLoad());
-    // A grid that could not be refreshed still shows other rows: nothing may be typed there.
-    Grid().setEnabled(whole);
-    if (whole) {
-        FillGrid();
+    m_grid.SetHasAppendRow(trade != nullptr);
+    std::vector<tagILLUMINANCESTANDARD> records;
+    const bool complete = m_database.LoadIlluminanceStandards(m_vocation, m_buildingType, records);
+    m_records.TakeLoaded(std::move(records));
+    // After a failed load the grid still shows the former rows: nothing may be typed there.
+    m_grid.Control().setEnabled(complete);
+    if (complete) {
+        m_grid.Fill();
     } else {
-        TellIncompleteLoad();
+        TellIncompleteLoad(this, kCaption);
     }
 }
 
-void CQuorvaneDemandDlg::WriteRow(int row, const tagILLUMINANCESTANDARD& record) {
-    WriteCell(row, Location, record.Location, kLeft | CellFormat::EndEllipsis);
-    WriteCell(row, Plane, record.ReferencePlane, kCentred);
-    WriteCell(row, ActualLPD, FormatReal(record.ActualLPD), kCentred);
-    WriteCell(row, ObjectiveLPD, FormatReal(record.ObjectiveLPD), kCentred);
-    WriteCell(row, Illuminance, FormatInteger(record.IlluminanceStandard), kCentred);
-    WriteCell(row, UGR, FormatInteger(record.UGR), kCentred);
-    WriteCell(row, Ra, FormatInteger(record.Ra), kCentred);
-}
-
-void CQuorvaneDemandDlg::WriteAppendRow(int row) {
-    WriteRow(row, {});
-    for (const int column : {Illuminance, UGR}) {
-        Grid().SetItemFormat(row, column, kCentred | CellFormat::EndEllipsis);
-    }
-}
-
-void CQuorvaneDemandDlg::ReadCell(int row, int column, tagILLUMINANCESTANDARD& record) {
-    switch (column) {
-        case Location:
-            record.Location = Grid().GetItemText(row, column);
-            break;
-        case Plane:
-            record.ReferencePlane = Grid().GetItemText(row, column);
-            break;
-        case ActualLPD:
-            record.ActualLPD = ReadReal(row, column, record.ActualLPD);
-            break;
-        case ObjectiveLPD:
-            record.ObjectiveLPD = ReadReal(row, column, record.ObjectiveLPD);
-            break;
-        case Illuminance:
-            record.IlluminanceStandard = ReadInteger(row, column);
-            break;
-        case UGR:
-            record.UGR = ReadInteger(row, column);
-            break;
-        case Ra:
-            record.Ra = ReadInteger(row, column);
-            break;
-        default:
-            break;
-    }
-    record.Vocation = m_vocation;
-    record.BuildingType = m_buildingType;
-}
-
-bool CQuorvaneDemandDlg::IsBlank(const tagILLUMINANCESTANDARD& record) const {
-    return record.ID == 0 && record.Location.isEmpty() && record.ReferencePlane.isEmpty() &&
-           record.ActualLPD == 0 && record.ObjectiveLPD == 0 && record.IlluminanceStandard == 0 &&
-           record.UGR == 0 && record.Ra == 0;
-}
-
-bool CQuorvaneDemandDlg::Insert(tagILLUMINANCESTANDARD& record) {
-    return m_database.InsertIlluminanceStandard(record);
-}
-
-bool CQuorvaneDemandDlg::Update(tagILLUMINANCESTANDARD& record) {
-    return m_database.UpdateIlluminanceStandard(record);
-}
-
-bool CQuorvaneDemandDlg::Delete(int id) {
-    return m_database.DeleteIlluminanceStandard(id);
+bool CQuorvaneDemandDlg::Submit() {
+    using Record = tagILLUMINANCESTANDARD;
+    const RecordStatements<Record> statements = {
+        .isBlank = IsBlank,
+        .insert = [this](Record& record) { return m_database.InsertIlluminanceStandard(record); },
+        .update = [this](Record& record) { return m_database.UpdateIlluminanceStandard(record); },
+        .remove = [this](int id) { return m_database.DeleteIlluminanceStandard(id); }};
+    RunSubmit(this, kCaption, m_database,
+              [&](const ProgressCallback& progress) { return m_records.Submit(statements, progress); });
+    return true;
 }
 
 }  // namespace quorvane

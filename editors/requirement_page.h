@@ -1,41 +1,40 @@
 // CQuorvaneDemandDlg: the page "照度要求及功率密度", on which the illuminance requirements and lighting power
-// densities of one building type of one trade are edited at a time.
+// densities of one building type of one trade are edited.
 #pragma once
 
 #include "data/lighting_database.h"
-#include "editors/record_page.h"
+#include "editors/page.h"
+#include "editors/record_grid.h"
 
 class QTreeWidget;
 class QTreeWidgetItem;
 
 namespace quorvane {
 
-class CQuorvaneDemandDlg : public RecordPage<tagILLUMINANCESTANDARD> {
+class CQuorvaneDemandDlg : public CPage {
 public:
+    // The database outlives the page.
     CQuorvaneDemandDlg(CLightingDatabase& database, QWidget* parent);
 
-protected:
-    void WriteRow(int row, const tagILLUMINANCESTANDARD& record) override;
-    void WriteAppendRow(int row) override;
-    bool HasAppendRow() const override { return m_isBuildingTypeShown; }
-    void ReadCell(int row, int column, tagILLUMINANCESTANDARD& record) override;
-    bool IsBlank(const tagILLUMINANCESTANDARD& record) const override;
-    CString Title(const tagILLUMINANCESTANDARD& record) const override { return record.Location; }
-    bool Insert(tagILLUMINANCESTANDARD& record) override;
-    bool Update(tagILLUMINANCESTANDARD& record) override;
-    bool Delete(int id) override;
+    bool IsModified() const override { return m_records.IsModified(); }
+    void EndEditing() override { m_grid.EndEditing(); }
+    bool Submit() override;
+    void Refresh() override { m_grid.Refresh(); }
+    bool DeleteSelected() override { return m_grid.DeleteSelected(); }
 
 private:
+    RecordGridRules<tagILLUMINANCESTANDARD> Rules();
     void FillTree();
     void ChangeBuildingType(QTreeWidgetItem* item);
 
     CLightingDatabase& m_database;
+    WorkingRecords<tagILLUMINANCESTANDARD> m_records;
+    RecordGrid<tagILLUMINANCESTANDARD> m_grid;
     QTreeWidget* m_tree;
-    QTreeWidgetItem* m_shownItem = nullptr;  // what is loaded, where the tree goes back to
-    // What is loaded: new records belong there, whatever the tree has gone on to.
+    QTreeWidgetItem* m_shownItem = nullptr;  // the tree returns to it when changes cannot be settled
+    // What is shown; new records belong there, whatever is selected in the tree meanwhile.
     CString m_vocation;
     CString m_buildingType;
-    bool m_isBuildingTypeShown = false;  // false at first and when a trade itself is selected
 };
 
 }  // namespace quorvane

@@ -1,7 +1,7 @@
-// How light sources are written in one text: name, ":" and model; several of them joined by ",".
+// How light sources are written as text: name, ":" and model; several light sources are joined by ",".
 //
-// The way back is not always the same: the name ends at the first ":", so one that holds a ":" is cut there,
-// and a "," may stand in a name or a model. Those who know the light sources find such texts as a whole.
+// A text cannot always be split again: a name may hold a ":", and a name or model may hold a ",".
+// ReferenceLists therefore looks up such a text as a whole.
 #pragma once
 
 #include <vector>
@@ -18,7 +18,7 @@ struct LightSourceParts {
 };
 
 CString LightSourceText(const tagLAMPHOUSEINFO& lightSource);
-// Cuts at the first ":"; a text without one is all name.
+// Splits at the first ":". A text without ":" is a name.
 LightSourceParts SplitLightSourceText(const CString& text);
 
 // The pieces joined by ",".

@@ -35,6 +35,14 @@ std::optional<int> CheckInteger(const CString& text) {
     return ToInteger(text);
 }
 
+double TypedReal(const CString& text, double present) {
+    return text == FormatReal(present) ? present : CheckReal(text).value_or(0);
+}
+
+int TypedInteger(const CString& text) {
+    return CheckInteger(text).value_or(0);
+}
+
 std::vector<CString> Split(const CString& text, QChar separator) {
     std::vector<CString> pieces;
     qsizetype start = 0;

@@ -1,14 +1,20 @@
-// WorkingRecords: the records that a page shows, as the user has changed them since they were loaded.
+// WorkingRecords: the records that an editor shows, as the user has changed them since they were loaded.
 //
-// A stored record has an ID above 0. One added on the page has a provisional ID below 0 (-1, -2, …, from -1
-// again after every load) until it is stored. Nothing here touches a screen or a database: Submit is handed
-// the three statements to run.
+// A stored record has an ID above 0. A record added by the user has a provisional ID below 0 (-1, -2, …, from
+// -1 again after every load) until it is stored. Nothing here touches a screen or a database: Submit is given
+// the statements to run. Finding, adding and removing a record takes a time that does not grow with their
+// number, or with its logarithm only.
 #pragma once
 
+#include <QHash>
 #include <algorithm>
+#include <functional>
+#include <optional>
 #include <set>
 #include <utility>
 #include <vector>
+
+#include "model/slot_order.h"
 
 namespace quorvane {
 
@@ -20,137 +26,233 @@ struct SubmitFailures {
     bool None() const { return writes == 0 && deletes == 0; }
 };
 
+// Called during a submit, after each of `total` statements.
+using ProgressCallback = std::function<void(int done, int total)>;
+
+// The statements that write one kind of record. Each returns whether it ran.
+template <typename Record>
+struct RecordStatements {
+    std::function<bool(const Record&)> isBlank;  // such a record is not written
+    std::function<bool(Record&)> insert;         // stores the new ID into the record
+    std::function<bool(Record&)> update;
+    std::function<bool(int id)> remove;
+};
+
+// Which IDs new records get: provisional ones, or the next above the highest (records without a database).
+enum class NewIds { Provisional, Serial };
+
 template <typename Record>
 class WorkingRecords {
 public:
-    const std::vector<Record>& Records() const { return m_records; }
+    explicit WorkingRecords(NewIds newIds = NewIds::Provisional) : m_newIds(newIds) {}
+
+    // One change of one record. An insertion has no `before`, a removal no `after`. The slot keeps its number
+    // until the next load.
+    struct Change {
+        int slot;
+        std::optional<Record> before;
+        std::optional<Record> after;
+    };
+
+    int Count() const { return m_order.FilledCount(); }
+    // The record at a position, counted from 0. Valid until records are added or removed.
+    const Record& At(int position) const { return Slot(m_order.SlotAt(position)); }
+    // The record with that ID, or null. Valid until records are added or removed.
+    const Record* Find(int id) const {
+        const int slot = SlotOf(id);
+        return slot < 0 ? nullptr : &Slot(slot);
+    }
+    // Calls visit(record) for every record in order.
+    template <typename Visit>
+    void ForEach(Visit visit) const {
+        for (int slot = 0; slot < m_order.SlotCount(); ++slot) {
+            if (m_order.IsFilled(slot)) {
+                visit(Slot(slot));
+            }
+        }
+    }
 
     bool IsModified() const { return m_modified; }
     void SetModified(bool modified = true) { m_modified = modified; }
 
-    // The record with that ID, or null. Valid until records are added or removed.
-    const Record* Find(int id) const {
-        const auto found = Place(id);
-        return found == m_records.end() ? nullptr : &*found;
-    }
-
-    // Appends a record under the next provisional ID, which it returns.
+    // Appends the record under the next new ID, which is returned.
     int Append(Record record) {
-        record.ID = --m_lastProvisionalId;
-        m_records.push_back(std::move(record));
+        const int id = m_newIds == NewIds::Serial ? ++m_lastNewId : --m_lastNewId;
+        record.ID = id;
+        Apply({.slot = m_order.SlotCount(), .before = {}, .after = std::move(record)});
         m_modified = true;
-        return m_lastProvisionalId;
+        return id;
     }
 
-    // Overwrites the record of the same ID. A record that says nothing new leaves the modified flag alone.
+    // Overwrites the record of the same ID. Overwriting with an equal record does not set the modified flag;
+    // an unknown ID does.
     void Replace(const Record& record) {
-        const auto found = Place(record.ID);
-        if (found == m_records.end()) {
-            m_modified = true;
-        } else if (!(*found == record)) {
-            m_records[static_cast<size_t>(found - m_records.begin())] = record;
-            m_modified = true;
+        const int slot = SlotOf(record.ID);
+        if (slot >= 0 && Slot(slot) == record) {
+            return;
         }
+        if (slot >= 0) {
+            Apply({.slot = slot, .before = Slot(slot), .after = record});
+        }
+        m_modified = true;
     }
 
-    // Takes the record with that ID out, to be deleted at the next submit. The modified flag is the caller's.
+    // Removes the record with that ID; the next submit deletes it. Leaves the modified flag to the caller.
     void Remove(int id) {
-        const auto found = Place(id);
-        if (found != m_records.end()) {
-            m_deleted.push_back(*found);
-            m_records.erase(found);
+        const int slot = SlotOf(id);
+        if (slot >= 0) {
+            Apply({.slot = slot, .before = Slot(slot), .after = {}});
         }
     }
 
-    // Forgets pending deletions and the modified flag; what is shown is about to be loaded anew.
+    // Drops pending deletions and the modified flag; the caller is about to load other records.
     void DiscardChanges() {
         m_deleted.clear();
         m_modified = false;
     }
 
-    // Starts a load: the modified flag is cleared and provisional IDs begin again. Deletions of stored
-    // records that were confirmed before stay pending; HideDeleted keeps them off the screen. Returns the
-    // array to load into.
-    std::vector<Record>& BeginLoad() {
+    // Replaces all records by loaded ones. Clears the modified flag and starts the provisional IDs again.
+    // Pending deletions of stored records stay pending, and loaded records among them are left out.
+    void TakeLoaded(std::vector<Record> records) {
         std::erase_if(m_deleted, [](const Record& record) { return record.ID < 0; });
-        m_modified = false;
+        std::set<int> deleted;
+        for (const Record& record : m_deleted) {
+            deleted.insert(record.ID);
+        }
+        if (!deleted.empty()) {
+            std::erase_if(records, [&deleted](const Record& record) { return deleted.contains(record.ID); });
+        }
+        m_records = std::move(records);
+        m_records.shrink_to_fit();
+        m_order.Reset(static_cast<int>(m_records.size()));
+        m_slotById.reset();
         m_unwritten.clear();
-        m_lastProvisionalId = 0;
-        return m_records;
+        m_modified = false;
+        m_lastNewId = 0;
+        if (m_newIds == NewIds::Serial) {
+            ForEach([this](const Record& record) { m_lastNewId = std::max(m_lastNewId, record.ID); });
+        }
     }
 
-    // Takes loaded records out again that are to be deleted at the next submit.
-    void HideDeleted() {
-        std::erase_if(m_records, [this](const Record& record) {
-            return std::any_of(m_deleted.begin(), m_deleted.end(),
-                               [&record](const Record& deleted) { return deleted.ID == record.ID; });
-        });
-    }
-
-    // Whether the last submit could not write this record.
+    // Whether the last submit could not write or delete this record, or any record.
     bool IsUnwritten(int id) const { return m_unwritten.contains(id); }
-
-    // Whether the last submit left anything undone.
     bool HasUnwritten() const { return !m_unwritten.empty(); }
 
-    // Writes the record with that ID, which must be there, at once and leaves what is pending as it is.
-    // Returns its ID from now on, which a new record has been given even when its writing then failed.
-    struct OneWritten {
+    // Writes the record with that ID, which must exist, at once, and leaves everything else pending. The
+    // result holds the record's ID from now on: a new record may have been inserted before a later statement
+    // failed.
+    struct Saved {
         int id;
         bool written;
+
+        // The ID to which other rows of the database may refer, or 0 for a record that was not written.
+        int StoredId() const { return written ? id : 0; }
     };
-    template <typename Insert, typename Update>
-    OneWritten SubmitOne(int id, Insert insert, Update update) {
+    Saved SubmitOne(int id, const RecordStatements<Record>& statements) {
         m_unwritten.erase(id);
-        Record& record = m_records[static_cast<size_t>(Place(id) - m_records.begin())];
-        const bool written = Write(record, insert, update);
-        return {record.ID, written};
+        const int slot = SlotOf(id);
+        const bool written = Write(slot, statements);
+        return {Slot(slot).ID, written};
     }
 
-    // Writes every record that isBlank does not skip (insert for a provisional ID, update otherwise), then
-    // runs the deletions in their order, and clears what was pending. insert stores the new ID into its
-    // record. A failed statement stops nothing: it is counted, its record is remembered as unwritten, and one
-    // that could not be deleted comes back at the end, for it still stands in the file.
-    template <typename IsBlank, typename Insert, typename Update, typename Delete>
-    SubmitFailures Submit(IsBlank isBlank, Insert insert, Update update, Delete erase) {
+    // Writes every record that is not blank (insert for a provisional ID, otherwise update), then runs the
+    // pending deletions in their order, and clears what was pending. A failed statement stops nothing: it is
+    // counted and its record is remembered as unwritten. A stored record that could not be deleted is
+    // appended again, for it is still in the file.
+    SubmitFailures Submit(const RecordStatements<Record>& statements, const ProgressCallback& progress = {}) {
         SubmitFailures failures;
         m_unwritten.clear();
-        for (Record& record : m_records) {
-            if (isBlank(record)) {
-                continue;
+        const int total = Count() + static_cast<int>(m_deleted.size());
+        int done = 0;
+        const auto tell = [&] {
+            ++done;
+            if (progress) {
+                progress(done, total);
             }
-            failures.writes += Write(record, insert, update) ? 0 : 1;
+        };
+        for (int slot = 0; slot < m_order.SlotCount(); ++slot) {
+            if (m_order.IsFilled(slot)) {
+                const bool written = statements.isBlank(Slot(slot)) || Write(slot, statements);
+                failures.writes += written ? 0 : 1;
+                tell();
+            }
         }
         for (Record& record : m_deleted) {
-            if (!erase(record.ID) && record.ID > 0) {
+            if (!statements.remove(record.ID) && record.ID > 0) {
                 ++failures.deletes;
                 m_unwritten.insert(record.ID);
-                m_records.push_back(std::move(record));
+                Add(std::move(record));
             }
+            tell();
         }
         DiscardChanges();
         return failures;
     }
 
 private:
-    template <typename Insert, typename Update>
-    bool Write(Record& record, Insert insert, Update update) {
-        const bool written = record.ID < 0 ? insert(record) : update(record);
+    // Every change that the user makes goes through here.
+    void Apply(Change change) {
+        if (!change.before) {
+            Add(std::move(*change.after));
+        } else if (change.after) {
+            Slot(change.slot) = std::move(*change.after);
+        } else {
+            m_order.Empty(change.slot);
+            Slot(change.slot) = {};
+            if (m_slotById) {
+                m_slotById->remove(change.before->ID);
+            }
+            m_deleted.push_back(std::move(*change.before));
+        }
+    }
+
+    void Add(Record record) {
+        const int slot = m_order.Append();
+        if (m_slotById) {
+            m_slotById->insert(record.ID, slot);
+        }
+        m_records.push_back(std::move(record));
+    }
+
+    bool Write(int slot, const RecordStatements<Record>& statements) {
+        Record& record = Slot(slot);
+        const int id = record.ID;
+        const bool written = id < 0 ? statements.insert(record) : statements.update(record);
         if (!written) {
             m_unwritten.insert(record.ID);
+        }
+        if (record.ID != id && m_slotById) {
+            m_slotById->remove(id);
+            m_slotById->insert(record.ID, slot);
         }
         return written;
     }
 
-    auto Place(int id) const {
-        return std::find_if(m_records.begin(), m_records.end(),
-                            [id](const Record& record) { return record.ID == id; });
+    Record& Slot(int slot) { return m_records[static_cast<size_t>(slot)]; }
+    const Record& Slot(int slot) const { return m_records[static_cast<size_t>(slot)]; }
+
+    // The slot of the record with that ID, or -1. Many records are loaded and only looked at, so the index is
+    // built when the first ID is asked for.
+    int SlotOf(int id) const {
+        if (!m_slotById) {
+            m_slotById.emplace();
+            m_slotById->reserve(m_order.FilledCount());
+            for (int slot = m_order.SlotCount() - 1; slot >= 0; --slot) {
+                if (m_order.IsFilled(slot)) {
+                    m_slotById->insert(Slot(slot).ID, slot);
+                }
+            }
+        }
+        return m_slotById->value(id, -1);
     }
 
-    std::vector<Record> m_records;
+    NewIds m_newIds;
+    std::vector<Record> m_records;  // by slot; an emptied slot holds an empty record
+    SlotOrder m_order;
+    mutable std::optional<QHash<int, int>> m_slotById;
     std::vector<Record> m_deleted;  // in order of deletion
-    std::set<int> m_unwritten;      // IDs that the last submit failed to write
-    int m_lastProvisionalId = 0;
+    std::set<int> m_unwritten;      // IDs that the last submit failed to write or delete
+    int m_lastNewId = 0;
     bool m_modified = false;
 };
 

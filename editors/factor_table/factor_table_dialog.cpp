@@ -9,7 +9,7 @@
 
 #include "data/number_text.h"
 #include "editors/factor_table/factor_table_grid.h"
-#include "editors/grid_setup.h"
+#include "editors/messages.h"
 #include "model/text_checks.h"
 #include "widgets/dialog_template.h"
 #include "widgets/image_button.h"

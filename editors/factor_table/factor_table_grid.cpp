@@ -6,7 +6,7 @@
 
 #include "data/number_text.h"
 #include "editors/factor_table/moved_place.h"
-#include "editors/grid_page.h"
+#include "editors/grid_setup.h"
 #include "grid/cells/cell_attributes.h"
 
 namespace quorvane {

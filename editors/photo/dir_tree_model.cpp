@@ -44,7 +44,7 @@ void DirTreeModel::Clear(const TreeContent& content, const FolderReader& reader)
     m_top = std::make_unique<Node>();
     m_content = content;
     m_read = reader;
-    m_reading = std::make_unique<Background>(kReadAtOnce);
+    m_reading = std::make_unique<AsyncReader>(kReadAtOnce);
     endResetModel();
 }
 

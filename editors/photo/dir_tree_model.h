@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "editors/photo/folder_reader.h"
-#include "model/background.h"
+#include "model/async_reader.h"
 
 namespace quorvane {
 
@@ -64,7 +64,7 @@ private:
     TreeContent m_content;
     std::array<QIcon, 3> m_icons;
     FolderReader m_read;
-    std::unique_ptr<Background> m_reading;  // another one after each Clear: results for what is gone are lost
+    std::unique_ptr<AsyncReader> m_reading;  // another one after each Clear: results for what is gone are lost
 };
 
 }  // namespace quorvane

@@ -7,7 +7,7 @@
 
 #include "data/records.h"
 #include "editors/photo/folder_reader.h"
-#include "model/background.h"
+#include "model/async_reader.h"
 
 namespace quorvane {
 
@@ -66,7 +66,7 @@ private:
     DirTreeModel* m_model;
     QStringList m_extensions;
     QPersistentModelIndex m_root;      // the one root folder, unless all drives are shown
-    Background m_checks;               // of whether the path to select exists
+    AsyncReader m_checks;               // of whether the path to select exists
     CString m_pathToSelect;            // while it is being checked
     bool m_walking = false;            // on the way to the path to select
     QPersistentModelIndex m_walkedTo;  // how far it is

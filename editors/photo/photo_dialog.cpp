@@ -9,7 +9,7 @@
 #include "editors/photo/drives.h"
 #include "editors/photo/folder_reader.h"
 #include "editors/photo/picture_preview.h"
-#include "model/background.h"
+#include "model/async_reader.h"
 #include "widgets/dialog_template.h"
 #include "widgets/ease_combo_box.h"
 #include "widgets/image_button.h"
@@ -68,7 +68,7 @@ bool IsReadableFile(const CString& path) {
 // take away the luminaire's photo without a word.
 CString KeptPath(const CString& path) {
     const bool kept = !path.isEmpty() &&
-                      Background::Within(kPatience, [path] { return IsReadableFile(path); }).value_or(true);
+                      AsyncReader::Within(kPatience, [path] { return IsReadableFile(path); }).value_or(true);
     return kept ? QDir::toNativeSeparators(path) : CString();
 }
 

@@ -5,7 +5,7 @@
 #include <QImage>
 
 #include "data/records.h"
-#include "model/background.h"
+#include "model/async_reader.h"
 
 namespace quorvane {
 
@@ -27,7 +27,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    Background m_loading;
+    AsyncReader m_loading;
     int m_request = 0;  // the last one counts
     QImage m_picture;
 };

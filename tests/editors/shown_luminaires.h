@@ -7,7 +7,6 @@
 #include <QListWidget>
 #include <functional>
 
-#include "editors/luminaire/luminaire_columns.h"
 #include "editors/luminaire/luminaire_page.h"
 #include "tests/support/shown_page.h"
 
@@ -15,7 +14,23 @@ namespace quorvane {
 
 enum Control { Ok = 1, Cancel = 2, Filter = 1006, CopyButton = 1022, PasteButton = 1023 };
 enum PhotoControl { PhotoPath = 1025, PhotoClear = 1026 };
-using namespace luminaire_columns;
+enum {
+    Number,
+    Name,
+    Model,
+    Efficiency,
+    MaxLhAA,
+    MaxLhBB,
+    Categories,
+    LightSources,
+    LightSourceCount,
+    BallastCount,
+    BallastPower,
+    Maker,
+    Photo,
+    FactorKind,
+    FactorTable,
+};
 
 // Light sources whose names hold a colon, a comma, or nothing at all; a category whose name holds a comma.
 inline const QString kLists =
@@ -52,9 +67,7 @@ inline void PressIn(QWidget* dialog, int id) {
 
 struct ShownLuminaires : ShownPage {
     explicit ShownLuminaires(const QString& rows)
-        : ShownPage(rows, [](CLightingDatabase& opened, QWidget* parent) {
-              return new CQuorvaneLuminaireDlg(opened, parent);
-          }) {}
+        : ShownPage(rows, MakePage<CQuorvaneLuminaireDlg>) {}
 
     void ChooseCategory(const QString& name) {
         const std::vector<CString> names = DialogItem<CEaseComboBox>(page, Filter)->Strings();

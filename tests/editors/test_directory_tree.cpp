@@ -52,7 +52,7 @@ private Q_SLOTS:
         m_folder = std::make_unique<QTemporaryDir>();
         m_tree = std::make_unique<Tree>();
         m_chosen.clear();
-        QVERIFY(Background::WaitForAll(5s));
+        QVERIFY(AsyncReader::WaitForAll(5s));
         connect(m_tree.get(), &CDirTreeCtrl::FileChosen, this,
                 [this](const CString& path) { m_chosen += path; });
     }
@@ -157,7 +157,7 @@ private Q_SLOTS:
         m_tree->SelectPath(Path(u"live/a.jpg"_qs));
         QTRY_COMPARE_WITH_TIMEOUT(m_tree->SelectedPath(), Path(u"live/a.jpg"_qs), 500);
         m_tree->letGo->release(5);
-        QVERIFY(Background::WaitForAll(5s));
+        QVERIFY(AsyncReader::WaitForAll(5s));
         QTest::qWait(10);
         QCOMPARE(Names(model.index(0, 0)), QStringList(u"a.jpg"_qs));
         // The tree goes before its folder answers.
@@ -165,7 +165,7 @@ private Q_SLOTS:
         const auto letGo = m_tree->letGo;
         m_tree.reset();
         letGo->release();
-        QVERIFY(Background::WaitForAll(5s));
+        QVERIFY(AsyncReader::WaitForAll(5s));
     }
 
     void TellsWhatIsMissing() {

@@ -12,7 +12,7 @@ constexpr int kByMaker = 1008;
 constexpr int kCategoryList = 1004;
 constexpr int kMakerList = 1005;
 
-enum Column { Number, Category, Name, Model, Flux, Power, Maker };
+enum { Number, Category, Name, Model, Flux, Power, Maker };
 
 // By pinyin the category list reads 白炽灯, 荧光灯.
 const QString kFile =

@@ -465,7 +465,8 @@ void TestLuminairePage::FillingAsksOnceForAll() {
         },
         file.ExecutablePath());
     QVERIFY(database.Connect());
-    CQuorvaneLuminaireDlg page(database, nullptr);
+    ReferenceLists lists(database);
+    CQuorvaneLuminaireDlg page(database, lists, nullptr);
     page.show();
     counter->statements.clear();
     QTest::keyClick(DialogItem(&page, Filter), Qt::Key_Down);

@@ -8,7 +8,7 @@ using namespace quorvane;
 namespace {
 
 enum Control { Ok = 1, Cancel = 2, Delete = 1015 };
-enum Column { Number, Category, LightSource, Count };
+enum { Number, Category, LightSource, Count };
 
 const QString kRows =
     uR"(
@@ -22,7 +22,7 @@ const QString kAppendRow = u"追加|||0"_qs;
 
 struct Fixture : ShownGrid {
     explicit Fixture(const QString& lightSources, const QString& counts, const QString& rows = kRows)
-        : ShownGrid(rows), dialog(database, lightSources, counts, nullptr) {
+        : ShownGrid(rows), dialog(database, lists, lightSources, counts, nullptr) {
         Show(&dialog);
     }
 

@@ -67,7 +67,7 @@ private Q_SLOTS:
     void ALatePictureIsNotShown() {
         Open(Path(u"a.png.bmp"_qs));
         Press(Clear);
-        QVERIFY(Background::WaitForAll(std::chrono::seconds(5)));
+        QVERIFY(AsyncReader::WaitForAll(std::chrono::seconds(5)));
         QTest::qWait(10);
         QVERIFY(Item<PicturePreview>(Preview)->IsBlank());
     }

@@ -8,7 +8,7 @@ using namespace quorvane;
 
 namespace {
 
-enum Column { Number, Location, Plane, ActualLPD, ObjectiveLPD, Illuminance, Glare, Ra };
+enum { Number, Location, Plane, ActualLPD, ObjectiveLPD, Illuminance, Glare, Ra };
 
 const QString kFile =
     u"insert into 照度要求及功率密度 values "
@@ -17,7 +17,9 @@ const QString kFile =
     "(5,'居住','住宅','卧室','地面',7,6,75,0,80);"_qs;
 
 struct Fixture : ShownPage {
-    explicit Fixture(const QString& rows = kFile) : ShownPage(rows, MakePage<CQuorvaneDemandDlg>) {
+    explicit Fixture(const QString& rows = kFile) : ShownPage(rows, [](ShownGrid& shown, QWidget* parent) {
+              return new CQuorvaneDemandDlg(shown.database, parent);
+          }) {
         tree = page->findChild<QTreeWidget*>();
         tree->expandAll();
     }
@@ -64,7 +66,7 @@ private Q_SLOTS:
         fixture.Type(1, ActualLPD, u"-1"_qs);
         fixture.Type(1, ObjectiveLPD, u" 6.5 "_qs);
         fixture.Type(1, Ra, u" 8"_qs);
-        QCOMPARE(fixture.Row(1), u"1|办公室|桌面|0| 6.5 |0|-1|0"_qs);
+        QCOMPARE(fixture.Row(1), u"1|办公室|桌面|0|6.5|0|-1|0"_qs);
         fixture.page->Submit();
         fixture.Type(4, Ra, u"0"_qs);
         QVERIFY(!fixture.page->IsModified());

@@ -11,6 +11,7 @@
 #include "data/store/store_factory.h"
 #include "editors/page.h"
 #include "grid/grid_ctrl.h"
+#include "model/reference_lists.h"
 #include "tests/support/message_answers.h"
 #include "tests/support/temporary_lighting_database.h"
 #include "widgets/dialog_template.h"
@@ -102,6 +103,7 @@ struct ShownGrid {
 
     TemporaryLightingDatabase file;
     CLightingDatabase database;
+    ReferenceLists lists{database};
     MessageAnswers answers;
     CGridCtrl* grid = nullptr;
 
@@ -110,16 +112,16 @@ private:
 };
 
 template <typename Page>
-CPage* MakePage(CLightingDatabase& database, QWidget* parent) {
-    return new Page(database, parent);
+CPage* MakePage(ShownGrid& grid, QWidget* parent) {
+    return new Page(grid.database, grid.lists, parent);
 }
 
 struct ShownPage : ShownGrid {
-    // Shows the page that make returns for its parent.
+    // Shows the page that make(*this, parent) returns.
     template <typename Make>
     ShownPage(const QString& rows, Make make) : ShownGrid(rows) {
         window.resize(820, 520);
-        page = make(database, &window);
+        page = make(*this, &window);
         page->setGeometry(window.rect());
         Show(&window);
     }

@@ -1,4 +1,4 @@
-#include "model/photo_store.h"
+#include "model/photo_library.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,15 +8,17 @@
 #include <utility>
 
 #include "data/database_path.h"
-#include "model/background.h"
+#include "model/async_reader.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 namespace {
 
-const CString kLibrary = QStringLiteral("\\Vexal\\LuminairePhotoLib\\");
+const CString kLibraryFolder = u"\\Vexal\\LuminairePhotoLib\\"_s;
 constexpr qsizetype kBlock = 1 << 20;  // bytes copied at a time
 
-// From the last "." on, or the whole path when it has none.
+// The text from the last "." on, or the whole path when it has none.
 CString Extension(const CString& path) {
     return path.mid(std::max<qsizetype>(path.lastIndexOf(u'.'), 0));
 }
@@ -26,8 +28,7 @@ bool IsFileName(const CString& name) {
                         [](QChar c) { return c == u'\\' || c == u'/' || c == u':'; });
 }
 
-// A whole copy beside its target, whose place it takes, on the disk, at commit(). Null when it cannot be
-// made.
+// A complete copy beside its target, which it replaces on commit(). Null when it cannot be made.
 std::unique_ptr<QSaveFile> CopyBeside(const CString& source, const CString& target) {
     QFile from(source);
     if (!QFileInfo(source).isFile() || !from.open(QIODevice::ReadOnly)) {
@@ -48,75 +49,76 @@ std::unique_ptr<QSaveFile> CopyBeside(const CString& source, const CString& targ
     return read == 0 && copy->flush() ? std::move(copy) : nullptr;
 }
 
-// Also by another way, such as a link. One that takes long leads to a drive that does not answer.
+// True also when the two paths reach one folder in different ways, such as through a link. A path that takes
+// long to look up is on a drive that does not answer, and never the library.
 bool IsSameFolder(const QString& folder, const QString& other) {
     constexpr std::chrono::milliseconds patience(200);
-    return folder.compare(other, Qt::CaseInsensitive) == 0 || Background::Within(patience, [folder, other] {
+    return folder.compare(other, Qt::CaseInsensitive) == 0 || AsyncReader::Within(patience, [folder, other] {
                                                                   return QDir(folder) == QDir(other);
                                                               }).value_or(false);
 }
 
 }  // namespace
 
-PhotoStore::PhotoStore(CString baseFolder) : m_baseFolder(std::move(baseFolder)) {}
+PhotoLibrary::PhotoLibrary(CString baseFolder) : m_baseFolder(std::move(baseFolder)) {}
 
-CString PhotoStore::FilePath(const CString& photo) const {
+CString PhotoLibrary::FilePath(const CString& photo) const {
     return photo.startsWith(u'\\') ? NativePath(m_baseFolder + photo) : photo;
 }
 
-CString PhotoStore::Folder() const {
-    return FilePath(kLibrary);
+CString PhotoLibrary::Folder() const {
+    return FilePath(kLibraryFolder);
 }
 
-PhotoStore::StagedPhoto PhotoStore::Stage(int luminaireID, const CString& source) const {
+PhotoLibrary::PreparedPhoto PhotoLibrary::Prepare(int luminaireID, const CString& source) const {
     if (source.isEmpty()) {
         return {};
     }
     const CString name = CString::number(luminaireID) + Extension(source);
-    CString relative = kLibrary + name;
+    CString relative = kLibraryFolder + name;
     const CString target = FilePath(relative);
     const bool isOwn = source == relative || NativePath(source) == target;
-    // What follows a "." in a folder's name is no extension: such a copy would leave the library.
+    // An "extension" that comes from a "." in a folder's name would put the copy outside the library.
     const bool isName = IsFileName(name);
     if (!isOwn && isName && !m_baseFolder.isEmpty()) {
         if (auto copy = CopyBeside(FilePath(source), target)) {
             CString old = OldPicture(luminaireID, name);
-            return {.photo = relative, .copy = std::move(copy), .old = old.isEmpty() ? relative : old};
+            return {.photo = relative, .copy = std::move(copy), .fallback = old.isEmpty() ? relative : old};
         }
     }
     CString old = isOwn && QFile::exists(target) ? CString() : OldPicture(luminaireID);
-    return {.photo = old.isEmpty() && isName ? relative : old, .copy = nullptr, .old = {}};
+    return {.photo = old.isEmpty() && isName ? relative : old, .copy = nullptr, .fallback = {}};
 }
 
-bool PhotoStore::Place(int luminaireID, const StagedPhoto& staged) {
-    if (staged.copy != nullptr) {
-        if (!staged.copy->commit()) {
+bool PhotoLibrary::Commit(int luminaireID, const PreparedPhoto& prepared) {
+    if (prepared.copy != nullptr) {
+        if (!prepared.copy->commit()) {
             return false;
         }
         if (m_listing) {
-            m_listing->insert(QFileInfo(staged.copy->fileName()).fileName());
+            m_listing->insert(QFileInfo(prepared.copy->fileName()).fileName());
         }
     }
-    if (staged.copy != nullptr || staged.photo.isEmpty()) {
-        DeleteOthers(luminaireID, staged.photo);
+    if (prepared.copy != nullptr || prepared.photo.isEmpty()) {
+        DeleteOthers(luminaireID, prepared.photo);
     }
     return true;
 }
 
-void PhotoStore::DeleteOthers(int luminaireID, const CString& photo) {
+void PhotoLibrary::DeleteOthers(int luminaireID, const CString& photo) {
     const QFileInfo kept(FilePath(photo));
     for (const CString& name : FileNames(luminaireID)) {
         const CString file = Folder() + name;
-        // Compared as files: where case does not count, "12.JPG" is "12.jpg".
+        // Files are compared, not names: on a file system without case, "12.JPG" is "12.jpg".
         if ((photo.isEmpty() || QFileInfo(file) != kept) && QFile::remove(file) && m_listing) {
             m_listing->erase(name);
         }
     }
 }
 
-PhotoStore::KeptPicture PhotoStore::Keep(int luminaireID, const CString& source) const {
+PhotoLibrary::PictureCopy PhotoLibrary::CopyPicture(int luminaireID, const CString& source) const {
     const CString ownStart = CString::number(luminaireID) + u'.';
-    if (m_baseFolder.isEmpty() || source.isEmpty() || source.startsWith(kLibrary + ownStart)) {
+    if (m_baseFolder.isEmpty() || source.isEmpty() || source.startsWith(kLibraryFolder + ownStart)) {
         return {};
     }
     const QFileInfo file(QDir::cleanPath(FilePath(source)));
@@ -124,16 +126,16 @@ PhotoStore::KeptPicture PhotoStore::Keep(int luminaireID, const CString& source)
         !file.isFile()) {
         return {};
     }
-    KeptPicture kept{.file = {}, .folder = std::make_shared<QTemporaryDir>()};
-    const CString target = kept.folder->filePath(file.fileName());
-    const auto copy = kept.folder->isValid() ? CopyBeside(file.filePath(), target) : nullptr;
+    PictureCopy picture{.file = {}, .folder = std::make_shared<QTemporaryDir>()};
+    const CString target = picture.folder->filePath(file.fileName());
+    const auto copy = picture.folder->isValid() ? CopyBeside(file.filePath(), target) : nullptr;
     if (copy != nullptr && copy->commit()) {
-        kept.file = target;
+        picture.file = target;
     }
-    return kept;
+    return picture;
 }
 
-PhotoStore::Names PhotoStore::AllNames() const {
+PhotoLibrary::Names PhotoLibrary::AllNames() const {
     if (m_baseFolder.isEmpty()) {
         return {};
     }
@@ -141,7 +143,7 @@ PhotoStore::Names PhotoStore::AllNames() const {
     return {names.begin(), names.end()};
 }
 
-std::vector<CString> PhotoStore::FileNames(int luminaireID) const {
+std::vector<CString> PhotoLibrary::FileNames(int luminaireID) const {
     const CString start = CString::number(luminaireID) + u'.';
     const Names read = m_listing ? Names() : AllNames();
     const Names& all = m_listing ? *m_listing : read;
@@ -152,11 +154,11 @@ std::vector<CString> PhotoStore::FileNames(int luminaireID) const {
     return names;
 }
 
-// A name with a second "." is no picture but, for instance, what an interrupted copy left behind.
-CString PhotoStore::OldPicture(int luminaireID, const CString& newName) const {
+// A name with a second "." is no picture, but for instance the rest of an interrupted copy.
+CString PhotoLibrary::OldPicture(int luminaireID, const CString& newName) const {
     for (const CString& name : FileNames(luminaireID)) {
         if (name != newName && name.count(u'.') == 1) {
-            return kLibrary + name;
+            return kLibraryFolder + name;
         }
     }
     return {};

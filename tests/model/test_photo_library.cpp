@@ -3,7 +3,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "model/photo_store.h"
+#include "model/photo_library.h"
 
 using namespace quorvane;
 
@@ -35,17 +35,17 @@ struct Disk {
     }
     // As a page stores the photo of a luminaire whose record can be written.
     QString Store(int id, const QString& source) {
-        const PhotoStore::StagedPhoto staged = store.Stage(id, source);
-        return store.Place(id, staged) ? staged.photo : u"not placed"_qs;
+        const PhotoLibrary::PreparedPhoto prepared = library.Prepare(id, source);
+        return library.Commit(id, prepared) ? prepared.photo : u"not placed"_qs;
     }
 
     QTemporaryDir folder;
-    PhotoStore store{folder.path()};
+    PhotoLibrary library{folder.path()};
 };
 
 }  // namespace
 
-class TestPhotoStore : public QObject {
+class TestPhotoLibrary : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -56,7 +56,7 @@ private Q_SLOTS:
     void KeepsTheLibrarysPictures();
 };
 
-void TestPhotoStore::StoresUnderTheId_data() {
+void TestPhotoLibrary::StoresUnderTheId_data() {
     QTest::addColumn<QStringList>("before");  // beside "7.jpg", which must stay
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("photo");    // its name in the library
@@ -87,7 +87,7 @@ void TestPhotoStore::StoresUnderTheId_data() {
     add("cannot be put in place", old + u" L/12.png/in_the_way"_qs, "B/blocked.png", "12.gif", kept);
 }
 
-void TestPhotoStore::StoresUnderTheId() {
+void TestPhotoLibrary::StoresUnderTheId() {
     QFETCH(QStringList, before);
     QFETCH(QString, source);
     QFETCH(QString, photo);
@@ -99,7 +99,7 @@ void TestPhotoStore::StoresUnderTheId() {
     QVERIFY(!QFile::exists(disk.Path(u"B/escaped"_qs)));
 }
 
-void TestPhotoStore::FailedFirstCopyKeepsThePathItWouldHave() {
+void TestPhotoLibrary::FailedFirstCopyKeepsThePathItWouldHave() {
     Disk disk;
     QCOMPARE(disk.Store(12, u"\\Vexal\\LuminairePhotoLib\\7.jpg"_qs),
              u"\\Vexal\\LuminairePhotoLib\\12.jpg"_qs);
@@ -108,47 +108,48 @@ void TestPhotoStore::FailedFirstCopyKeepsThePathItWouldHave() {
 }
 
 // The folder is read only once: what was placed meanwhile is known, what was deleted is not.
-void TestPhotoStore::NothingChangesBeforeItIsPlaced() {
+void TestPhotoLibrary::NothingChangesBeforeItIsPlaced() {
     Disk disk;
     disk.Write({u"L/12.bmp"_qs, u"L/7.bmp"_qs, u"B/.JPG"_qs, u"B/b.bmp"_qs});
-    const PhotoStore::OneListing listing(disk.store);
-    QCOMPARE(disk.store.Stage(12, disk.Path(u"B/b.bmp"_qs)).photo, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
-    QCOMPARE(disk.store.Stage(7, {}).photo, QString());
+    const PhotoLibrary::CachedListing listing(disk.library);
+    QCOMPARE(disk.library.Prepare(12, disk.Path(u"B/b.bmp"_qs)).photo,
+             u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
+    QCOMPARE(disk.library.Prepare(7, {}).photo, QString());
     QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_qs);
     {
-        const PhotoStore::StagedPhoto unplaceable = disk.store.Stage(12, disk.Path(u"B/.JPG"_qs));
+        const PhotoLibrary::PreparedPhoto unplaceable = disk.library.Prepare(12, disk.Path(u"B/.JPG"_qs));
         QVERIFY(QDir().mkdir(disk.Path(u"L/12.JPG"_qs)));
-        QVERIFY(!disk.store.Place(12, unplaceable));
-        QCOMPARE(unplaceable.old, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
+        QVERIFY(!disk.library.Commit(12, unplaceable));
+        QCOMPARE(unplaceable.fallback, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
         QVERIFY(QDir().rmdir(disk.Path(u"L/12.JPG"_qs)));
     }
     QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_qs);
     disk.Store(12, disk.Path(u"B/.JPG"_qs));
     QCOMPARE(disk.Library(), u"12.JPG=B/.JPG 7.bmp"_qs);
-    disk.store.Delete(12);
+    disk.library.DeletePhotos(12);
     QCOMPARE(disk.Library(), u"7.bmp"_qs);
 }
 
-void TestPhotoStore::KeepsTheLibrarysPictures() {
+void TestPhotoLibrary::KeepsTheLibrarysPictures() {
     Disk disk;
     disk.Write({u"L/12.bmp"_qs, u"L/7.bmp"_qs, u"B/a.jpg"_qs});
     for (const QString& none : {u"B/a.jpg"_qs, u"L/12.bmp"_qs, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs,
                                 u"\\Vexal\\LuminairePhotoLib\\8.bmp"_qs, QString()}) {
-        QVERIFY(disk.store.Keep(12, disk.Path(none)).file.isEmpty());
+        QVERIFY(disk.library.CopyPicture(12, disk.Path(none)).file.isEmpty());
     }
-    PhotoStore::KeptPicture seven = disk.store.Keep(12, u"\\Vexal\\LuminairePhotoLib\\7.bmp"_qs);
-    const PhotoStore::KeptPicture twelve = disk.store.Keep(7, disk.Path(u"L/12.bmp"_qs));
+    PhotoLibrary::PictureCopy seven = disk.library.CopyPicture(12, u"\\Vexal\\LuminairePhotoLib\\7.bmp"_qs);
+    const PhotoLibrary::PictureCopy twelve = disk.library.CopyPicture(7, disk.Path(u"L/12.bmp"_qs));
     disk.Store(7, twelve.file);
     disk.Store(12, seven.file);
     QCOMPARE(disk.Library(), u"12.bmp=L/7.bmp 7.bmp=L/12.bmp"_qs);
 #ifdef Q_OS_UNIX
     QVERIFY(QFile::link(disk.Path(u"B/Vexal"_qs), disk.Path(u"B/link"_qs)));
-    QVERIFY(!disk.store.Keep(12, disk.Path(u"B/link/LuminairePhotoLib/7.bmp"_qs)).file.isEmpty());
+    QVERIFY(!disk.library.CopyPicture(12, disk.Path(u"B/link/LuminairePhotoLib/7.bmp"_qs)).file.isEmpty());
 #endif
     const QString file = seven.file;
     seven = {};
     QVERIFY(!QFile::exists(file) && QFile::exists(twelve.file));
 }
 
-QTEST_GUILESS_MAIN(TestPhotoStore)
-#include "test_photo_store.moc"
+QTEST_GUILESS_MAIN(TestPhotoLibrary)
+#include "test_photo_library.moc"

@@ -1,4 +1,4 @@
-#include "model/background.h"
+#include "model/async_reader.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -12,48 +12,48 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// After that long, work is taken to wait for something that may never come.
+// A read that takes longer is assumed to hang; another one may start in its place.
 constexpr std::chrono::milliseconds kPatience = 1s;
-// So many threads one object never exceeds, even when all of them hang.
+// The most threads of one object, even when all of them hang.
 constexpr int kMostThreads = 64;
 
-// Never destroyed, since threads that hang may count down after all else has ended.
+// Threads of the program that have not ended. Never destroyed: a hanging thread may count down very late.
 std::atomic<int> underWay = 0;
 static_assert(std::is_trivially_destructible_v<decltype(underWay)>);
 
 }  // namespace
 
-struct Background::Link {
+struct AsyncReader::Link {
     std::mutex mutex;
-    Background* target;  // null once it has gone
+    AsyncReader* target;  // null once destroyed
 };
 
-Background::Background(int atOnce) : m_link(std::make_shared<Link>()), m_atOnce(atOnce) {
+AsyncReader::AsyncReader(int atOnce) : m_link(std::make_shared<Link>()), m_atOnce(atOnce) {
     m_link->target = this;
 }
 
-Background::~Background() {
+AsyncReader::~AsyncReader() {
     const std::lock_guard lock(m_link->mutex);
     m_link->target = nullptr;
 }
 
-void Background::Begin() {
+void AsyncReader::StartWaiting() {
     while (!m_waiting.empty() && m_counted < m_atOnce && m_threads < kMostThreads) {
-        const auto goOn = [this, counts = std::make_shared<bool>(true)] {
+        const auto stopCounting = [this, counts = std::make_shared<bool>(true)] {
             m_counted -= std::exchange(*counts, false) ? 1 : 0;
-            Begin();
+            StartWaiting();
         };
         ++m_counted;
         ++m_threads;
-        QTimer::singleShot(kPatience, this, goOn);
-        BeginThread([link = m_link, work = std::move(m_waiting.front()), goOn] {
+        QTimer::singleShot(kPatience, this, stopCounting);
+        StartThread([link = m_link, work = std::move(m_waiting.front()), stopCounting] {
             const Delivery deliver = work();
             const std::lock_guard lock(link->mutex);
-            if (Background* target = link->target) {
-                const auto arrive = [target, goOn, deliver] {
+            if (AsyncReader* target = link->target) {
+                const auto arrive = [target, stopCounting, deliver] {
                     --target->m_threads;
-                    goOn();
-                    deliver();  // last, as it may destroy the target
+                    stopCounting();
+                    deliver();  // last: it may destroy the target
                 };
                 QMetaObject::invokeMethod(target, arrive, Qt::QueuedConnection);
             }
@@ -62,7 +62,7 @@ void Background::Begin() {
     }
 }
 
-void Background::BeginThread(std::function<void()> work) {
+void AsyncReader::StartThread(std::function<void()> work) {
     ++underWay;
     std::thread([work = std::move(work)]() mutable {
         work();
@@ -71,7 +71,7 @@ void Background::BeginThread(std::function<void()> work) {
     }).detach();
 }
 
-bool Background::WaitForAll(std::chrono::milliseconds time) {
+bool AsyncReader::WaitForAll(std::chrono::milliseconds time) {
     const QDeadlineTimer deadline(time);
     while (underWay > 0 && !deadline.hasExpired()) {
         QThread::msleep(1);

@@ -1,0 +1,64 @@
+// Column<Record>: everything that an editor knows of one column of its grid, in one place.
+#pragma once
+
+#include <functional>
+
+#include "data/number_text.h"
+#include "editors/grid_setup.h"
+#include "model/text_checks.h"
+
+namespace quorvane {
+
+template <typename Record>
+struct Column {
+    const char16_t* heading;
+    double share;  // of the grid's usable width
+    unsigned format = kCentred;
+    // The text that the record shows in this column.
+    std::function<CString(const Record&)> show = {};
+    // Takes what the user typed or chose into the record. Never writes a cell: a cell that then shows the
+    // record differently is rewritten by the grid. None: the cell takes no text.
+    std::function<void(const CString& text, Record&)> take = {};
+    // How the cell is edited. None: it is typed into.
+    std::function<CellSetup(const Record&)> setup = {};
+    // What the button or the chooser of a cell opens. None: nothing.
+    std::function<void(CCellID cell)> open = {};
+    // Whether this cell must be shown again after another cell of the row has been edited.
+    bool dependsOnRecord = false;
+};
+
+// The row numbers, which every grid has in column 0.
+template <typename Record>
+Column<Record> NumberColumn(double share) {
+    return {.heading = u"序号", .share = share};
+}
+
+template <typename Record>
+Column<Record> TextColumn(const char16_t* heading, double share, CString Record::*field,
+                          unsigned format = kCentred) {
+    return {.heading = heading,
+            .share = share,
+            .format = format,
+            .show = [field](const Record& record) { return record.*field; },
+            .take = [field](const CString& text, Record& record) { record.*field = text; }};
+}
+
+// A text that is no number is taken as 0.
+template <typename Record>
+Column<Record> RealColumn(const char16_t* heading, double share, double Record::*field) {
+    return {.heading = heading,
+            .share = share,
+            .show = [field](const Record& record) { return FormatReal(record.*field); },
+            .take = [field](const CString& text,
+                            Record& record) { record.*field = TypedReal(text, record.*field); }};
+}
+
+template <typename Record>
+Column<Record> IntegerColumn(const char16_t* heading, double share, int Record::*field) {
+    return {.heading = heading,
+            .share = share,
+            .show = [field](const Record& record) { return FormatInteger(record.*field); },
+            .take = [field](const CString& text, Record& record) { record.*field = TypedInteger(text); }};
+}
+
+}  // namespace quorvane

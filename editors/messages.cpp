@@ -1,0 +1,52 @@
+#include "editors/messages.h"
+
+#include <QTimer>
+#include <QWidget>
+
+#include "data/text_format.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quorvane {
+namespace {
+
+bool Ask(QWidget* parent, const CString& caption, const CString& question) {
+    return ShowMessage(parent, question, caption, MessageButtons::YesNo, MessageIcon::Question) ==
+           MessageAnswer::Yes;
+}
+
+}  // namespace
+
+bool AskToSubmit(QWidget* parent, const CString& caption) {
+    return Ask(parent, caption, u"数据已经修改是否提交?"_s);
+}
+
+bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title) {
+    return Ask(parent, caption, FormatText(u"确定是否删除选中数据:第%d行,%s的全部信息?"_s, {row, title}));
+}
+
+void TellIncompleteLoad(QWidget* parent, const CString& caption) {
+    ShowMessage(parent, u"数据未能全部读出,显示的内容不完整。"_s, caption);
+}
+
+void TellIncompleteLoadSoon(QWidget* parent, const CString& caption) {
+    QTimer::singleShot(0, parent, [parent, caption] { TellIncompleteLoad(parent, caption); });
+}
+
+void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures) {
+    CString text;
+    if (failures.writes > 0) {
+        text += UnwrittenText(failures.writes);
+    }
+    if (failures.deletes > 0) {
+        text += FormatText(u"有%d条数据未能从数据库删除。\n"_s, {failures.deletes});
+    }
+    text += u"可能的原因:数据库文件只读或被其他程序占用,或文字中含有单引号。"_s;
+    ShowMessage(parent, text, caption);
+}
+
+CString UnwrittenText(int count) {
+    return FormatText(u"有%d条数据未能写入数据库。\n"_s, {count});
+}
+
+}  // namespace quorvane

@@ -1,0 +1,23 @@
+// What the editors ask and tell in message boxes. parent is the page or dialog that asks, caption its name.
+#pragma once
+
+#include "data/records.h"
+#include "model/working_records.h"
+#include "widgets/message_box.h"
+
+namespace quorvane {
+
+// Whether changes are to be submitted before other records are shown.
+bool AskToSubmit(QWidget* parent, const CString& caption);
+// Whether the row's record, which `title` names, is to be deleted.
+bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title);
+// Tells that something could not be read completely.
+void TellIncompleteLoad(QWidget* parent, const CString& caption);
+// The same from the event loop, for a page that is not shown yet.
+void TellIncompleteLoadSoon(QWidget* parent, const CString& caption);
+// Tells what a submit could not write.
+void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures);
+// A line that tells how many records or values a submit could not write.
+CString UnwrittenText(int count);
+
+}  // namespace quorvane

@@ -1,0 +1,318 @@
+// RecordGrid: shows working records in a grid, one row a record, and takes the user's edits into them.
+//
+// A row finds its record by the record ID that is the item data of column 0. The append row, always the last,
+// has 0 there; its entries are collected in a blank record, which becomes a new record once it is not blank
+// any more.
+#pragma once
+
+#include <QScrollBar>
+#include <functional>
+#include <utility>
+#include <vector>
+
+#include "editors/column.h"
+#include "editors/messages.h"
+#include "grid/cells/btn_data_base.h"
+#include "model/slot_order.h"
+#include "model/working_records.h"
+
+namespace quorvane {
+
+// What a RecordGrid has to know of its records.
+template <typename Record>
+struct RecordGridRules {
+    CString caption;  // of every question
+    std::vector<Column<Record>> columns;
+    std::function<CString(const Record&)> title;  // what a question calls a record
+    std::function<bool(const Record&)> isBlank;   // whether nothing has been entered in the append row
+    std::function<Record()> makeBlank;            // what a fresh append row holds
+};
+
+template <typename Record>
+class RecordGrid {
+public:
+    // Both outlive the grid; the widget becomes the parent of the control.
+    RecordGrid(QWidget& parent, WorkingRecords<Record>& records, RecordGridRules<Record> rules)
+        : m_parent(parent), m_records(records), m_rules(std::move(rules)) {}
+
+    // Creates the control with its heading row. False on failure.
+    bool Create(int gridId, const QRect& rect, SharesOf width) {
+        m_grid = CreateGrid(&m_parent, gridId, rect);
+        if (m_grid == nullptr) {
+            return false;
+        }
+        m_grid->setAccessibleName(m_rules.caption);
+        const int usableWidth = UsableWidth(*m_grid, width);
+        for (const Column<Record>& column : m_rules.columns) {
+            const int index = m_grid->InsertColumn(CString::fromUtf16(column.heading), kCentred);
+            m_grid->SetColumnWidth(index, static_cast<int>(usableWidth * column.share));
+        }
+        m_grid->SetRowMaker([this](int row) { MakeRow(row); });
+        QObject::connect(m_grid, &CGridCtrl::EndLabelEdit, &m_parent,
+                         [this](int row, int column) { TakeCell(row, column); });
+        QObject::connect(m_grid, &CGridCtrl::ButtonClicked, &m_parent, [this](int row, int column) {
+            Open({row, column});
+        });
+        QObject::connect(m_grid, &CGridCtrl::CellClicked, &m_parent, [this](int row, int column) {
+            OpenChooser({row, column});
+        });
+        return true;
+    }
+    CGridCtrl& Control() { return *m_grid; }
+
+    void SetHasAppendRow(bool hasAppendRow) { m_hasAppendRow = hasAppendRow; }
+
+    // Takes a text that is still being typed, as if its cell had been left.
+    void EndEditing() {
+        if (m_grid != nullptr) {
+            m_grid->EndEdit();
+        }
+    }
+
+    // Opens the list of a cell of the kind Chooser. False for any other cell.
+    bool OpenChooser(CCellID cell) {
+        const bool isChooser =
+            cell.row > 0 && SetupOf(cell.col, RecordAt(cell.row)).kind == CellSetup::Chooser;
+        if (isChooser) {
+            Open(cell);
+        }
+        return isChooser;
+    }
+
+    // ---- Showing
+
+    // Shows the working records anew, from the first row on.
+    void Fill() {
+        m_ownHeads.clear();
+        m_numberedRows = m_records.Count();
+        m_rowNumbers.Reset(m_records.Count());
+        m_blank = m_rules.makeBlank();
+        m_grid->DeleteNonFixedRows();
+        m_grid->SetRowCount(1 + m_records.Count() + (m_hasAppendRow ? 1 : 0));
+        m_grid->Refresh();
+    }
+    // The same, but keeps the focus and the scroll position, and shows the first unwritten record.
+    void Refresh() {
+        const CCellID focus = m_grid->GetFocusCell();
+        const int left = m_grid->horizontalScrollBar()->value();
+        const int top = m_grid->verticalScrollBar()->value();
+        Fill();
+        if (focus.IsValid() && focus.row < m_grid->GetRowCount()) {
+            m_grid->SetFocusCell(focus);
+        }
+        m_grid->horizontalScrollBar()->setValue(left);
+        m_grid->verticalScrollBar()->setValue(top);
+        PointOutUnwritten();
+    }
+    // Shows all rows anew, because what they show beside their records has changed.
+    void RemakeRows() { m_grid->RemakeRows(); }
+    // Numbers all rows but the append row by their position.
+    void NumberRows() {
+        m_ownHeads.clear();
+        m_rowNumbers.Reset(m_records.Count());
+        for (int row = 1; row <= m_records.Count(); ++row) {
+            m_grid->SetItemText(row, 0, FormatInteger(row));
+        }
+    }
+
+    // ---- Rows and records
+
+    // The ID of the row's record, or 0 for the append row.
+    int IdAt(int row) const { return m_grid->GetItemData(row, 0); }
+    // The row's record, or the blank record of the append row.
+    Record RecordAt(int row) const {
+        const int id = IdAt(row);
+        const Record* known = id == 0 ? nullptr : m_records.Find(id);
+        Record record = known == nullptr ? m_blank : *known;
+        record.ID = id;
+        return record;
+    }
+    // Takes a record, as RecordAt gave it and an editor has changed it, into the row.
+    void Put(int row, Record record) {
+        Take(row, record);
+        ShowRow(row, record);
+    }
+    // What the append row holds, for a caller that then remakes the rows.
+    Record& Blank() { return m_blank; }
+    // Adds a fresh append row, because the present one has become the row of an appended record.
+    void AddAppendRow() {
+        m_rowNumbers.Append();
+        m_blank = m_rules.makeBlank();
+        m_grid->InsertRow({});
+    }
+    // The row's record was written on its own, or could not be written: shows it. A record that had no stored
+    // ID before gets the next row number.
+    void ShowSaved(int row, int id, bool isWritten) {
+        const int oldId = IdAt(row);
+        CString head = m_grid->GetItemText(row, 0);
+        if (oldId <= 0 && id > 0) {
+            head = FormatInteger(++m_numberedRows);
+        }
+        m_ownHeads.remove(oldId);
+        m_ownHeads.insert(id, head);
+        ShowRowHead(*m_grid, row, head, id, !isWritten);
+        ShowRow(row, *m_records.Find(id));
+    }
+
+    // ---- Deleting
+
+    // Deletes the selected rows, asking for each. False when nothing was selected or an answer was No.
+    bool DeleteSelected() {
+        const CCellRange selected = m_grid->GetSelectedCellRange();
+        if (!m_grid->IsValid(selected)) {
+            return false;
+        }
+        bool removed = false;
+        for (int round = 0; round < selected.RowCount(); ++round) {
+            switch (DeleteRow(selected.minRow)) {
+                case Deletion::Refused:
+                    return false;
+                case Deletion::Done:
+                    removed = true;
+                    break;
+                case Deletion::NoRecord:
+                    break;
+            }
+        }
+        if (removed) {
+            m_records.SetModified();
+        }
+        m_grid->Refresh();
+        return true;
+    }
+    // Deletes one row after asking. Leaves the modified flag to the caller.
+    enum class Deletion { Done, Refused, NoRecord };
+    Deletion DeleteRow(int row) {
+        const int id = IdAt(row);
+        const Record* record = id == 0 ? nullptr : m_records.Find(id);
+        if (record == nullptr) {
+            return Deletion::NoRecord;
+        }
+        if (!AskToDelete(&m_parent, m_rules.caption, row, m_rules.title(*record))) {
+            return Deletion::Refused;
+        }
+        m_records.Remove(id);
+        m_rowNumbers.Empty(m_rowNumbers.SlotAt(row - 1));
+        m_grid->DeleteRow(row);
+        return Deletion::Done;
+    }
+
+    // ---- Submitting
+
+    // Before other records are shown: submits or drops the changes, as the user wishes. submit() returns
+    // whether the user need not see the records again. False when they must: unwritten records are marked
+    // then, so that nothing typed is lost unseen.
+    bool SettleChanges(const std::function<bool()>& submit) {
+        EndEditing();
+        if (!m_records.IsModified()) {
+            return true;
+        }
+        if (!AskToSubmit(&m_parent, m_rules.caption)) {
+            m_records.DiscardChanges();
+            return true;
+        }
+        if (submit()) {
+            return true;
+        }
+        Fill();
+        PointOutUnwritten();
+        return false;
+    }
+
+private:
+    static CString AppendMarker() { return QStringLiteral("追加"); }
+
+    // Fills the cells of a row, which the grid calls for when the row is first shown or touched.
+    void MakeRow(int row) {
+        const bool isAppendRow = row > m_records.Count();
+        const Record& record = isAppendRow ? m_blank : m_records.At(row - 1);
+        const CString head =
+            isAppendRow ? AppendMarker() : m_ownHeads.value(record.ID, FormatInteger(NumberOf(row)));
+        ShowRowHead(*m_grid, row, head, isAppendRow ? 0 : record.ID, m_records.IsUnwritten(record.ID));
+        ShowRow(row, record);
+    }
+    void ShowRow(int row, const Record& record) {
+        for (int column = 1; column < ColumnCount(); ++column) {
+            ShowCellOf(row, column, record);
+        }
+    }
+    void ShowCellOf(int row, int number, const Record& record) {
+        const Column<Record>& column = At(number);
+        ShowCell(*m_grid, m_buttons, {row, number}, SetupOf(number, record), column.show(record),
+                 column.format);
+    }
+    CellSetup SetupOf(int column, const Record& record) const {
+        return At(column).setup ? At(column).setup(record) : CellSetup{};
+    }
+    // The number that the row got when the grid was filled.
+    int NumberOf(int row) const { return m_rowNumbers.SlotAt(row - 1) + 1; }
+
+    void Open(CCellID cell) {
+        if (At(cell.col).open) {
+            At(cell.col).open(cell);
+        }
+    }
+
+    void TakeCell(int row, int number) {
+        const Column<Record>& column = At(number);
+        if (!column.take) {
+            return;
+        }
+        Record record = RecordAt(row);
+        const CString text = m_grid->GetItemText(row, number);
+        column.take(text, record);
+        Take(row, record);
+        const CString shown = column.show(record);
+        if (shown != text) {
+            m_grid->SetItemText(row, number, shown);
+        }
+        for (int other = 1; other < ColumnCount(); ++other) {
+            if (other != number && At(other).dependsOnRecord) {
+                ShowCellOf(row, other, record);
+            }
+        }
+    }
+    void Take(int row, Record& record) {
+        if (record.ID != 0) {
+            m_records.Replace(record);
+        } else if (m_rules.isBlank(record)) {
+            m_blank = record;
+        } else {
+            record.ID = m_records.Append(record);
+            m_ownHeads.insert(record.ID, AppendMarker());  // until the grid is filled again
+            m_grid->SetItemData(row, 0, record.ID);
+            AddAppendRow();
+        }
+    }
+
+    // What the last submit could not write is still to be written: the records count as modified, and the
+    // first marked row number becomes visible.
+    void PointOutUnwritten() {
+        if (!m_records.HasUnwritten()) {
+            return;
+        }
+        m_records.SetModified();
+        for (int row = 1; row <= m_records.Count(); ++row) {
+            if (m_records.IsUnwritten(m_records.At(row - 1).ID)) {
+                m_grid->EnsureVisible(row, 0);
+                return;
+            }
+        }
+    }
+
+    int ColumnCount() const { return static_cast<int>(m_rules.columns.size()); }
+    const Column<Record>& At(int column) const { return m_rules.columns[static_cast<size_t>(column)]; }
+
+    QWidget& m_parent;
+    WorkingRecords<Record>& m_records;
+    RecordGridRules<Record> m_rules;
+    CBtnDataBase m_buttons;
+    CGridCtrl* m_grid = nullptr;  // child of m_parent
+    Record m_blank = {};
+    bool m_hasAppendRow = true;
+    SlotOrder m_rowNumbers;          // the rows since the grid was filled; deleted ones leave gaps
+    QHash<int, CString> m_ownHeads;  // by record ID: the row heads that are not such a number
+    int m_numberedRows = 0;
+};
+
+}  // namespace quorvane

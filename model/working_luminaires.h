@@ -1,0 +1,86 @@
+// WorkingLuminaires: the luminaires that are being edited, with everything that is stored together with a
+// luminaire: its photo in the photo library and its utilization factors.
+//
+// A record is written first, then its photo is put into the library, then pasted factors replace those in the
+// database. The first failure stops this, and what has not been written is kept for the next submit.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <vector>
+
+#include "data/lighting_database.h"
+#include "model/photo_library.h"
+#include "model/reference_lists.h"
+#include "model/working_records.h"
+
+namespace quorvane {
+
+// What a luminaire without any entry is: no luminaire to write or to copy. A photo alone makes no luminaire.
+tagLUMINAIREINFO EmptyLuminaire();
+bool IsEmptyLuminaire(const tagLUMINAIREINFO& luminaire);
+
+class WorkingLuminaires {
+public:
+    using Saved = WorkingRecords<tagLUMINAIREINFO>::Saved;
+
+    // The photo library is that of the database.
+    WorkingLuminaires(CLightingDatabase& database, ReferenceLists& lists);
+
+    WorkingRecords<tagLUMINAIREINFO>& Records() { return m_records; }
+    const WorkingRecords<tagLUMINAIREINFO>& Records() const { return m_records; }
+    const PhotoLibrary& Photos() const { return m_photos; }
+
+    // Loads the luminaires whose categories hold that text. Unsaved photos and factors of the former
+    // luminaires are dropped. False when not all of them could be read.
+    bool Load(const CString& categoryText);
+
+    // Writes all records and deletes the removed ones with their photos.
+    SubmitFailures Submit(const ProgressCallback& progress = {});
+    // Writes the record with that ID, which must exist, at once.
+    Saved Save(int id);
+    // The written luminaires without a category: no filter finds them.
+    int CountWithoutCategory() const;
+
+    // Copies a record with its photo and its factors, unsaved ones included. False when the factors could not
+    // be read completely; nothing can be pasted then, since a part of a table would replace a whole one.
+    bool Copy(const tagLUMINAIREINFO& luminaire);
+    bool CanPaste() const { return !IsEmptyLuminaire(m_copied.luminaire); }
+    // Puts the copy in the place of the record with that ID, or appends it for ID 0, and writes it at once.
+    // The modified flag changes only when the copy could not be written.
+    Saved Paste(int id);
+
+private:
+    using Factors = std::vector<tagLUMINAIREUTILIZATIONFACTOR>;
+
+    struct CopyBuffer {
+        tagLUMINAIREINFO luminaire;  // empty: nothing copied
+        PhotoLibrary::PictureCopy picture;
+        Factors factors;
+    };
+
+    // What is written together with a record.
+    struct Unsaved {
+        CString photo;                      // while this is the record's photo,
+        PhotoLibrary::PictureCopy picture;  // this is its picture, if there is one
+        std::optional<Factors> factors;     // pasted ones, which replace those in the database
+    };
+
+    RecordStatements<tagLUMINAIREINFO> Statements();
+    bool Insert(tagLUMINAIREINFO& record);
+    bool Update(tagLUMINAIREINFO& record);
+    bool Delete(int id);
+    bool WriteWithPhoto(tagLUMINAIREINFO& record);
+    bool ReplaceFactors(int luminaireId, const Factors& factors);
+    void CopyUsedPictures();
+    PhotoLibrary::PictureCopy PictureOf(const tagLUMINAIREINFO& record) const;
+
+    CLightingDatabase& m_database;
+    ReferenceLists& m_lists;
+    PhotoLibrary m_photos;
+    WorkingRecords<tagLUMINAIREINFO> m_records;
+    std::map<int, Unsaved> m_unsaved;  // by record ID
+    CopyBuffer m_copied;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,234 @@
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+#include "model/working_luminaires.h"
+#include "tests/support/failing_connection.h"
+#include "tests/support/temporary_lighting_database.h"
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quorvane;
+
+namespace {
+
+const QString kFile =
+    u"insert into 光源类别 values (1,'荧光灯'),(2,'白炽灯');"
+    "insert into 光源 values (11,1,'T8',3350,36,'','直管');"
+    "insert into 灯具 values "
+    "(31,'1','筒灯','D1',75,1,0,0,'','2',1,4,'11','f','\\Vexal\\LuminairePhotoLib\\31.jpg'),"
+    "(32,'1','台灯','D2',60,0,0,0,'','1',0,0,'直管:T8','','');"
+    "insert into 利用系数 values (1,31,70,50,20,1,0.5),(2,31,70,50,20,2,0.25),(3,32,80,50,20,1,0.125);"_s;
+
+// Luminaires 31 (with a photo and two factors) and 32 (with one factor), loaded from a file of their own.
+struct Place {
+    Place() : database(FailingConnection::Factory(log), file.ExecutablePath()) {
+        file.Raw().Execute(kFile);
+        if (!database.Connect() || !luminaires.Load(u"1"_s)) {
+            qFatal("the database did not open");
+        }
+        Write(Library() + u"31.jpg"_s, "old");
+    }
+
+    QString Library() const { return file.Folder() + u"/Vexal/LuminairePhotoLib/"_s; }
+    QString Write(const QString& path, const QByteArray& content) const {
+        QDir().mkpath(QFileInfo(path).path());
+        QFile written(path);
+        return written.open(QIODevice::WriteOnly) && written.write(content) > 0 ? path : QString();
+    }
+    // "31.jpg=old 32.bmp=new": every file of the library.
+    QString Photos() const {
+        QStringList photos;
+        for (const QString& name : QDir(Library()).entryList(QDir::Files, QDir::Name)) {
+            QFile photo(Library() + name);
+            photos += name + u'=' + QString(photo.open(QIODevice::ReadOnly) ? photo.readAll() : QByteArray());
+        }
+        return photos.join(u' ');
+    }
+    // "31:0.5 31:0.25": luminaire and value of every factor.
+    QString Factors() const {
+        return file.Raw()
+            .Rows(u"select LuminaireID||':'||UtilizationFactor from 利用系数 order by LuminaireID, ID"_s)
+            .join(u' ')
+            .remove(u'\'');
+    }
+    QString Field(const char* field, int id) const {
+        return file.Raw().Text(u"select %1 from 灯具 where ID=%2"_s.arg(QLatin1String(field)).arg(id));
+    }
+    void SetPhoto(int id, const QString& photo) {
+        tagLUMINAIREINFO record = *luminaires.Records().Find(id);
+        record.LampPhoto = photo;
+        luminaires.Records().Replace(record);
+    }
+    bool Copy(int id) { return luminaires.Copy(*luminaires.Records().Find(id)); }
+    QString Picture() const { return Write(file.Folder() + u"/p.bmp"_s, "new"); }
+
+    TemporaryLightingDatabase file;
+    StatementLog log;
+    CLightingDatabase database;
+    ReferenceLists lists{database};
+    WorkingLuminaires luminaires{database, lists};
+};
+
+}  // namespace
+
+class TestWorkingLuminaires : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    // Wherever the writing of a pasted luminaire fails, the row counts as unwritten, and the next submit
+    // writes the rest without doubling anything.
+    void APasteIsWrittenWholeOrTriedAgain() {
+        for (const QString& failing : {u""_s, u"insert into 灯具"_s, u"update 灯具"_s,
+                                       u"delete * from 利用系数"_s, u"0.5)"_s, u"0.25)"_s}) {
+            for (const int target : {0, 32}) {
+                Place place;
+                QVERIFY(!place.luminaires.CanPaste() && place.Copy(31) && place.luminaires.CanPaste());
+                place.log.failing = failing.isEmpty() ? QStringList() : QStringList(failing);
+                const WorkingLuminaires::Saved saved = place.luminaires.Paste(target);
+                const bool fails = !failing.isEmpty() && (target == 0 || !failing.startsWith(u"insert"));
+                QCOMPARE(saved.written, !fails);
+                QCOMPARE(saved.StoredId() != 0, !fails);
+                QCOMPARE(place.luminaires.Records().IsModified(), fails);
+                QCOMPARE(place.luminaires.Records().IsUnwritten(saved.id), fails);
+                place.log.failing.clear();
+                QVERIFY(place.luminaires.Submit().None());
+                const int id = target == 0 ? 33 : 32;
+                QCOMPARE(place.Factors(), (target == 0 ? u"31:0.5 31:0.25 32:0.125 %1:0.5 %1:0.25"_s
+                                                       : u"31:0.5 31:0.25 %1:0.5 %1:0.25"_s)
+                                              .arg(id));
+                QCOMPARE(place.Photos(), u"31.jpg=old %1.jpg=old"_s.arg(id));
+                QCOMPARE(place.Field("LampName||UtilizationFactorFormat", id), u"筒灯f"_s);
+            }
+        }
+    }
+
+    void APasteLeavesOtherEditsPending() {
+        Place place;
+        place.SetPhoto(31, {});
+        place.Copy(32);
+        QVERIFY(place.luminaires.Paste(0).written);
+        QVERIFY(place.luminaires.Records().IsModified());
+        QCOMPARE(place.Photos(), u"31.jpg=old"_s);
+    }
+
+    // What has been pasted and not written is copied, not what stands in the file.
+    void ACopyIncludesWhatIsUnsaved() {
+        Place place;
+        place.Copy(31);
+        place.log.failing = QStringList{u"update 灯具"_s};
+        place.luminaires.Paste(32);
+        place.file.Raw().Execute(u"delete from 利用系数"_s);
+        QVERIFY(QFile::remove(place.Library() + u"31.jpg"_s));
+        QVERIFY(place.Copy(32));
+        place.log.failing.clear();
+        QCOMPARE(place.luminaires.Paste(0).StoredId(), 33);
+        QCOMPARE(place.Factors(), u"33:0.5 33:0.25"_s);
+        QCOMPARE(place.Photos(), u"33.jpg=old"_s);
+    }
+
+    void ACopyNeedsAllFactors() {
+        Place place;
+        place.Copy(32);
+        place.file.Raw().Execute(u"update 利用系数 set UtilizationFactor=null where ID=2"_s);
+        QVERIFY(!place.Copy(31) && !place.luminaires.CanPaste());
+    }
+
+    // The next new luminaire gets the same provisional ID as one that was given up.
+    void ALoadDropsWhatIsUnsaved() {
+        Place place;
+        place.Copy(31);
+        place.log.failing = QStringList{u"insert into 灯具"_s};
+        QCOMPARE(place.luminaires.Paste(0).id, -1);
+        place.log.failing.clear();
+        place.luminaires.Load(u"1"_s);
+        tagLUMINAIREINFO added = EmptyLuminaire();
+        added.LampName = u"新灯"_s;
+        added.LampPhoto = u"\\Vexal\\LuminairePhotoLib\\31.jpg"_s;
+        QVERIFY(QFile::remove(place.Library() + u"31.jpg"_s));
+        QCOMPARE(place.luminaires.Records().Append(added), -1);
+        QVERIFY(place.luminaires.Submit().None());
+        QCOMPARE(place.Factors(), u"31:0.5 31:0.25 32:0.125"_s);
+        QCOMPARE(place.Photos(), QString());
+    }
+
+    void ANewLuminairesPhotoBearsItsId() {
+        Place place;
+        tagLUMINAIREINFO added = EmptyLuminaire();
+        added.LampPhoto = place.Picture();
+        place.luminaires.Records().Append(added);
+        QVERIFY(place.luminaires.Submit().None());
+        QCOMPARE(place.Field("LampPhoto", 33), u"\\Vexal\\LuminairePhotoLib\\33.bmp"_s);
+        QCOMPARE(place.luminaires.Records().Find(33)->LampPhoto, place.Field("LampPhoto", 33));
+        QCOMPARE(place.Photos(), u"31.jpg=old 33.bmp=new"_s);
+        QVERIFY(!place.log.statements.filter(u"insert into 灯具"_s).constFirst().contains(u"p.bmp"_s));
+        QCOMPARE(place.luminaires.CountWithoutCategory(), 1);
+    }
+
+    void AFailedUpdateKeepsTheOldPhoto() {
+        Place place;
+        const QString picture = place.Picture();
+        place.SetPhoto(31, picture);
+        place.SetPhoto(32, picture);
+        place.log.failing = QStringList{u"update 灯具"_s};
+        QCOMPARE(place.luminaires.Submit().writes, 2);
+        QCOMPARE(place.Photos(), u"31.jpg=old"_s);
+        QCOMPARE(place.luminaires.Records().Find(31)->LampPhoto, picture);
+        QCOMPARE(place.luminaires.CountWithoutCategory(), 0);
+        place.log.failing.clear();
+        // A picture that cannot take its place leaves the luminaire its old one.
+        QVERIFY(QDir().mkpath(place.Library() + u"31.bmp"_s));
+        QVERIFY(place.luminaires.Submit().None());
+        QCOMPARE(place.Photos(), u"31.jpg=old 32.bmp=new"_s);
+        QCOMPARE(place.Field("LampPhoto", 31), u"\\Vexal\\LuminairePhotoLib\\31.jpg"_s);
+    }
+
+    void PicturesChangeHandsInOneSubmit() {
+        for (const bool oneFirst : {false, true}) {
+            Place place;
+            place.SetPhoto(32, place.Picture());
+            place.luminaires.Submit();
+            place.SetPhoto(31, place.Library() + u"32.bmp"_s);
+            place.SetPhoto(32, u"\\Vexal\\LuminairePhotoLib\\31.jpg"_s);
+            if (oneFirst) {
+                QVERIFY(place.luminaires.Save(31).written);
+            }
+            QVERIFY(place.luminaires.Submit().None());
+            QCOMPARE(place.Photos(), u"31.bmp=new 32.jpg=old"_s);
+        }
+    }
+
+    void ADeletedLuminaireTakesItsPhotoAlong() {
+        Place place;
+        place.Copy(31);
+        place.luminaires.Records().Remove(31);
+        place.log.failing = QStringList{u"delete * from 灯具"_s};
+        QCOMPARE(place.luminaires.Submit().deletes, 1);
+        QCOMPARE(place.Photos(), u"31.jpg=old"_s);
+        place.luminaires.Records().Remove(31);
+        place.log.failing.clear();
+        QVERIFY(place.luminaires.Submit().None());
+        QCOMPARE(place.Photos(), QString());
+        QCOMPARE(place.Factors(), u"32:0.125"_s);
+        // What was copied outlives it.
+        QCOMPARE(place.luminaires.Paste(0).StoredId(), 33);
+        QCOMPARE(place.Photos(), u"33.jpg=old"_s);
+    }
+
+    // A light source whose ID was not known when it was chosen.
+    void TextsBecomeIdsWhenWritten() {
+        Place place;
+        QVERIFY(place.luminaires.Submit().None());
+        QCOMPARE(place.Field("DefaultLamphouse", 32), u"11"_s);
+    }
+
+    void AnEmptyLuminaireHasNoEntryButAPhoto() {
+        tagLUMINAIREINFO luminaire = EmptyLuminaire();
+        luminaire.LampPhoto = u"p"_s;
+        QVERIFY(IsEmptyLuminaire(luminaire));
+        luminaire.UtilizationFactorFormat = u"f"_s;
+        QVERIFY(!IsEmptyLuminaire(luminaire));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestWorkingLuminaires)
+#include "test_working_luminaires.moc"

@@ -57,8 +57,9 @@ LockFile::LockFile(FileSystem& files, const QString& databasePath)
     }
     auto file = files.Open(m_path, FileSystem::Mode::Read);
     const QByteArray found = ReadSlots(*file);
-    // Empty when the program was killed before it had written its slot. While it lives it holds the file.
-    if ((found.isEmpty() || found == slot) && file->Lock()) {
+    // Not whole when the program ended before its slot was on the disk. While it lives it holds the file.
+    const bool isOurs = slot.startsWith(found) || found.count('\0') == found.size();
+    if (isOurs && file->Lock()) {
         m_file = std::move(file);
         return;
     }

@@ -1,6 +1,7 @@
 #include "data/store/access/redo_log.h"
 
 #include <QRandomGenerator>
+#include <algorithm>
 #include <bit>
 #include <utility>
 
@@ -218,14 +219,17 @@ void RedoLog::AppendRecord(quint8 kind, const QByteArray& body) {
 FoundLog ReadLog(const File& file) {
     const qint64 size = file.Stamp().size;
     FoundLog log;
-    if (size == 0) {
-        return log;  // made, but never written
-    }
-    if (size < kHeadSize || size > kGreatestLog) {
-        ThrowDamaged(QStringLiteral("its log has no head"));
+    if (size > kGreatestLog) {
+        ThrowDamaged(QStringLiteral("its log is too long"));
     }
     QByteArray bytes(size, Qt::Uninitialized);
     file.Read(0, ByteSpan(bytes.data(), static_cast<std::size_t>(size)));
+    // The program or the power went before the head was written; nothing can have been built on such a log.
+    const QByteArrayView head = QByteArrayView(bytes).first(std::min<qsizetype>(size, kHeadSize));
+    if (head.size() < kHeadSize ||
+        std::all_of(head.begin(), head.end(), [](char byte) { return byte == 0; })) {
+        return log;
+    }
     Reader reader(bytes);
     quint64 chain = Fingerprint(QByteArrayView(bytes).first(kHeadSize - 8));
     const bool ours = reader.Next(kMagic.size()) == kMagic;

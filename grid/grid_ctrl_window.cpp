@@ -1,185 +1,86 @@
-// The window side of CGridCtrl: scrolling, geometry and colours, and its events, each of which goes to the
-// unit that knows what to do with it.
-#include <QApplication>
-#include <QCoreApplication>
-#include <QDebug>
-#include <QFontMetrics>
+// The events of CGridCtrl; each goes to the unit that knows what it means.
 #include <QHelpEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QScrollBar>
 #include <QToolTip>
-#include <algorithm>
 
-#include "grid/accessibility/grid_announcer.h"
 #include "grid/cells/cell_text.h"
+#include "grid/grid_controller.h"
 #include "grid/grid_ctrl.h"
 #include "grid/grid_painter.h"
-#include "grid/input/grid_keys.h"
-#include "grid/input/grid_mouse.h"
-#include "grid/input/in_place_edit.h"
 
 namespace quorvane {
 
-// ---- Scrolling
+using namespace Qt::Literals::StringLiterals;
 
-void CGridCtrl::SizesChanged() {
-    // The scroll bars follow at the end of the present event. So emptying and refilling the grid does not
-    // lose the place that the user has scrolled to, and many changes cost no more than one.
-    if (!m_isSyncDue) {
-        m_isSyncDue = true;
-        QCoreApplication::postEvent(this, new QEvent(QEvent::LayoutRequest));
-    }
-    m_edit->Place();
-    RedrawAll();
-}
+// ---- Painting and sizes
 
-void CGridCtrl::SyncScrollBars() {
-    m_isSyncDue = false;
-    m_layout.SetViewSize(viewport()->size());
-    const QSize room = maximumViewportSize();
-    // Without this each scroll bar might stand there only because the other one takes its room.
-    const bool fits = m_layout.rows.Start(GetRowCount()) <= room.height() &&
-                      m_layout.columns.Start(GetColumnCount()) <= room.width();
-    const auto sync = [fits](QScrollBar& bar, const GridAxis& axis, int step) {
-        bar.setRange(0, fits ? 0 : axis.MaxScroll());
-        bar.setPageStep(std::max(1, axis.ViewLength() - axis.FixedLength()));
-        bar.setSingleStep(step);
-    };
-    sync(*verticalScrollBar(), m_layout.rows, m_layout.rows.DefaultSize());
-    sync(*horizontalScrollBar(), m_layout.columns, QFontMetrics(font()).horizontalAdvance(u'0') * 3);
+void CGridCtrl::paintEvent(QPaintEvent* event) {
+    m_controller->Painted();
+    const GridMouse& mouse = m_controller->Mouse();
+    const GridLooks looks{.palette = palette(),
+                          .background = m_background,
+                          .enabled = isEnabled(),
+                          .hasFocus = hasFocus(),
+                          .pressedCell = mouse.PressedCell(),
+                          .pressedButton = mouse.PressedButton(),
+                          .widget = this,
+                          .images = &m_images};
+    QPainter painter(viewport());
+    GridPainter(Core(), looks, painter).Paint(event->rect());
 }
 
 void CGridCtrl::resizeEvent(QResizeEvent* event) {
     QAbstractScrollArea::resizeEvent(event);
-    SyncScrollBars();
-    m_edit->Place();
+    m_controller->SyncScrollBars();
+    m_controller->PlaceEditor();
 }
 
 void CGridCtrl::scrollContentsBy(int /*dx*/, int /*dy*/) {
-    m_layout.rows.SetScroll(verticalScrollBar()->value());
-    m_layout.columns.SetScroll(horizontalScrollBar()->value());
-    m_edit->Place();
-    RedrawAll();
+    m_controller->FollowScrollBars();
+}
+
+void CGridCtrl::changeEvent(QEvent* event) {
+    QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        m_controller->FollowFont();
+    }
 }
 
 QSize CGridCtrl::sizeHint() const {
-    constexpr int Columns = 6;
-    constexpr int Rows = 10;
-    return {m_layout.columns.DefaultSize() * Columns, m_layout.rows.DefaultSize() * Rows};
-}
-
-// ---- Looks and geometry
-
-void CGridCtrl::SetBackgroundColour(const QColor& colour) {
-    m_background = colour;
-    RedrawAll();
-}
-
-QColor CGridCtrl::GetBackgroundColour() const {
-    return m_background.isValid() ? m_background : palette().color(QPalette::Base);
-}
-
-QColor CGridCtrl::GetFixedBackgroundColour() const {
-    return palette().color(QPalette::Button);
-}
-
-QColor CGridCtrl::GetGridLineColour() const {
-    return {0xC0, 0xC0, 0xC0};
-}
-
-QColor CGridCtrl::GetShadowColour() const {
-    return palette().color(QPalette::Dark);
-}
-
-QFont CGridCtrl::FontOf(const CGridCellBase& cell) const {
-    return cell.GetFont().value_or(font());
-}
-
-void CGridCtrl::Refresh() {
-    SyncScrollBars();
-    RedrawAll();
-}
-
-void CGridCtrl::RedrawAll() {
-    if (!m_isRedrawDue) {
-        m_isRedrawDue = true;
-        viewport()->update();
-    }
-}
-
-void CGridCtrl::RedrawCell(int row, int column) {
-    if (m_isRedrawDue) {
-        return;
-    }
-    const QRect rect = CellRect(row, column) & viewport()->rect();
-    if (!rect.isEmpty()) {
-        viewport()->update(rect);
-    }
-}
-
-QRect CGridCtrl::CellRect(int row, int column) const {
-    return m_layout.Holds(CCellID{row, column}) ? m_layout.BlockRect(MergeExtent(row, column)) : QRect();
-}
-
-CCellID CGridCtrl::CellAt(const QPoint& position) const {
-    const CCellID cell = m_layout.CellAt(position);
-    return cell.IsValid() ? MergeOrigin(cell.row, cell.col) : cell;
-}
-
-void CGridCtrl::EnsureVisible(int row, int column) {
-    if (!m_layout.Holds(CCellID{row, column})) {
-        return;
-    }
-    SyncScrollBars();
-    const CCellRange block = MergeExtent(row, column);
-    verticalScrollBar()->setValue(m_layout.rows.ScrollToShow(block.minRow, block.maxRow));
-    horizontalScrollBar()->setValue(m_layout.columns.ScrollToShow(block.minCol, block.maxCol));
-}
-
-void CGridCtrl::TraceCellPosition(int row, int column) const {
-    const QRect rect = CellRect(row, column);
-    const int number = row * GetColumnCount() + column;
-    qDebug().noquote() << QString::asprintf("\n第%d个单元格位置：left=%d，right=%d", number, rect.left(),
-                                            rect.left() + rect.width());
-}
-
-// ---- Painting
-
-void CGridCtrl::paintEvent(QPaintEvent* event) {
-    m_isRedrawDue = false;
-    QPainter painter(viewport());
-    GridPainter(*this, painter).Paint(event->rect());
+    constexpr int kColumns = 6;
+    constexpr int kRows = 10;
+    return {Core().Layout().columns.DefaultSize() * kColumns, Core().Layout().rows.DefaultSize() * kRows};
 }
 
 void CGridCtrl::ShowTip(const QPoint& position, const QPoint& globalPosition) {
     const CCellID id = CellAt(position);
-    const CGridCellBase* cell = m_cells.At(id.row, id.col);
-    const QRect rect = CellRect(id.row, id.col);
-    const bool shows =
-        cell != nullptr && !cell->GetTipText().isEmpty() &&
-        !CellTextFits(FontOf(*cell), cell->TextRect(rect.adjusted(0, 0, -1, -1), FontOf(*cell)).size(),
-                      cell->GetTipText(), cell->GetFormat());
-    if (!shows) {
+    const CGridCellBase* cell = Core().Cell(id);
+    const QRect rect = Core().CellRect(id);
+    const auto isCut = [&] {
+        const QFont font = Core().FontOf(*cell);
+        const QSize room = cell->TextRect(rect.adjusted(0, 0, -1, -1), font).size();
+        return !CellTextFits(font, room, cell->GetTipText(), cell->GetFormat());
+    };
+    if (cell == nullptr || cell->GetTipText().isEmpty() || !isCut()) {
         QToolTip::hideText();
         return;
     }
-    constexpr qsizetype MostCharacters = 2000;
+    constexpr qsizetype kMostCharacters = 2000;
     // Escaped, so that a text that looks like markup is shown as it was typed.
-    const CString text = cell->GetTipText().left(MostCharacters).toHtmlEscaped();
-    QToolTip::showText(globalPosition, QStringLiteral("<div style='white-space:pre-wrap'>%1</div>").arg(text),
-                       viewport(), rect);
+    const CString text = cell->GetTipText().left(kMostCharacters).toHtmlEscaped();
+    QToolTip::showText(globalPosition, u"<div style='white-space:pre-wrap'>%1</div>"_s.arg(text), viewport(),
+                       rect);
 }
 
 // ---- Keys and input methods
 
 bool CGridCtrl::event(QEvent* event) {
     if (event->type() == QEvent::LayoutRequest) {
-        SyncScrollBars();
-        m_edit->Refresh();
+        m_controller->FollowLayout();
     }
     if (event->type() == QEvent::KeyPress) {
         // Tab reaches keyPressEvent only after it has moved the focus out of the grid.
@@ -189,26 +90,24 @@ bool CGridCtrl::event(QEvent* event) {
             const bool back = key.key() == Qt::Key_Backtab || (key.modifiers() & Qt::ShiftModifier) != 0;
             return focusNextPrevChild(!back);
         }
-        if (tab && !IsEditing() && m_keys->Press(key)) {
-            return true;
+        const GridCommand command = tab && !IsEditing() ? CommandOfKey(Core(), key) : GridCommand{};
+        if (command.kind != GridCommand::Kind::PassOn) {
+            return m_controller->Execute(command);
         }
     }
     return QAbstractScrollArea::event(event);
 }
 
 void CGridCtrl::keyPressEvent(QKeyEvent* event) {
-    // Keys come here with an editor open only when the editor has no use for them.
-    const QPointer<CGridCtrl> alive(this);
-    const bool handled = !IsEditing() && m_keys->Press(*event);
-    if (!alive.isNull()) {
-        event->setAccepted(handled);
-    }
+    // While an editor is open, only keys that it has no use for come here.
+    event->setAccepted(!IsEditing() && m_controller->Execute(CommandOfKey(Core(), *event), event));
 }
 
 void CGridCtrl::inputMethodEvent(QInputMethodEvent* event) {
     const bool types = !event->preeditString().isEmpty() || !event->commitString().isEmpty();
     const bool editable = EditingOf(GetFocusCell()) == CellEditing::Text;
-    event->setAccepted(types && editable && !IsEditing() && BeginEditByTyping(*event));
+    event->setAccepted(types && editable && !IsEditing() &&
+                       m_controller->Execute({GridCommand::Kind::Type, GetFocusCell()}, event));
 }
 
 QVariant CGridCtrl::inputMethodQuery(Qt::InputMethodQuery query) const {
@@ -217,7 +116,7 @@ QVariant CGridCtrl::inputMethodQuery(Qt::InputMethodQuery query) const {
         case Qt::ImEnabled:
             return EditingOf(focus) == CellEditing::Text;
         case Qt::ImCursorRectangle:
-            return CellRect(focus.row, focus.col).translated(viewport()->pos());
+            return Core().CellRect(focus).translated(viewport()->pos());
         case Qt::ImFont:
             return font();
         default:
@@ -227,17 +126,17 @@ QVariant CGridCtrl::inputMethodQuery(Qt::InputMethodQuery query) const {
 
 void CGridCtrl::focusInEvent(QFocusEvent* event) {
     QAbstractScrollArea::focusInEvent(event);
+    m_controller->Redraw();
+    m_controller->Announcer().FocusCame();
     const bool byKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
     if (byKey && !GetFocusCell().IsValid()) {
-        m_keys->ShowFocus();
+        MutableCore().FocusWithoutSelecting(FirstVisible(Core()));
     }
-    RedrawAll();
-    m_announcer->FocusCame();
 }
 
 void CGridCtrl::focusOutEvent(QFocusEvent* event) {
     QAbstractScrollArea::focusOutEvent(event);
-    RedrawAll();
+    m_controller->Redraw();
 }
 
 // ---- Mouse
@@ -255,19 +154,19 @@ bool CGridCtrl::viewportEvent(QEvent* event) {
 }
 
 void CGridCtrl::mousePressEvent(QMouseEvent* event) {
-    m_mouse->Press(*event);
+    m_controller->MousePress(*event);
 }
 
 void CGridCtrl::mouseMoveEvent(QMouseEvent* event) {
-    m_mouse->Move(*event);
+    m_controller->MouseMove(*event);
 }
 
 void CGridCtrl::mouseReleaseEvent(QMouseEvent* event) {
-    m_mouse->Release(*event);
+    m_controller->MouseRelease(*event);
 }
 
 void CGridCtrl::mouseDoubleClickEvent(QMouseEvent* event) {
-    m_mouse->DoubleClick(*event);
+    m_controller->MouseDoubleClick(*event);
 }
 
 }  // namespace quorvane

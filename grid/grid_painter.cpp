@@ -1,14 +1,13 @@
 #include "grid/grid_painter.h"
 
-#include <QPalette>
 #include <algorithm>
 
-#include "grid/grid_ctrl.h"
+#include "grid/grid_core.h"
 
 namespace quorvane {
 namespace {
 
-// Part of `over` in the mixture is percent.
+// A mixture with `percent` parts of a hundred of `over`.
 QColor Mix(const QColor& under, const QColor& over, int percent) {
     const auto channel = [=](int a, int b) { return (a * (100 - percent) + b * percent) / 100; };
     return {channel(under.red(), over.red()), channel(under.green(), over.green()),
@@ -17,15 +16,13 @@ QColor Mix(const QColor& under, const QColor& over, int percent) {
 
 }  // namespace
 
-GridPainter::GridPainter(const CGridCtrl& grid, QPainter& painter) : m_grid(grid), m_painter(painter) {}
-
 void GridPainter::Paint(const QRect& area) {
-    const GridLayout& layout = m_grid.Layout();
+    const GridLayout& layout = m_core.Layout();
     const QRect scrolling = layout.ScrollingArea();
     const int fixedRight = scrolling.left() - 1;
     const int fixedBottom = scrolling.top() - 1;
 
-    m_painter.fillRect(area, m_grid.GetBackgroundColour());
+    m_painter.fillRect(area, m_looks.Background());
     const auto fixedRows = layout.rows.VisibleFixed(area.top(), area.bottom());
     const auto fixedColumns = layout.columns.VisibleFixed(area.left(), area.right());
     const auto rows = layout.rows.VisibleScrolling(area.top(), area.bottom());
@@ -49,7 +46,7 @@ void GridPainter::PaintPart(const GridAxis::Lines& rows, const GridAxis::Lines& 
     for (int row = rows.first; row <= rows.last; ++row) {
         for (int column = columns.first; column <= columns.last; ++column) {
             // A merged block is painted once, at the first of its cells that this part shows.
-            const CCellRange block = m_grid.MergeExtent(row, column);
+            const CCellRange block = m_core.Extent({row, column});
             if (row == std::max(block.minRow, rows.first) &&
                 column == std::max(block.minCol, columns.first)) {
                 PaintBlock(block);
@@ -60,24 +57,24 @@ void GridPainter::PaintPart(const GridAxis::Lines& rows, const GridAxis::Lines& 
 }
 
 QColor GridPainter::BackColour(CCellID cell, bool fixed) const {
-    const QColor own = m_grid.Cell(cell.row, cell.col)->GetBackColour();
+    const QColor own = m_core.Cell(cell)->GetBackColour();
     if (fixed) {
-        return own.isValid() ? own : m_grid.GetFixedBackgroundColour();
+        return own.isValid() ? own : m_looks.FixedBackground();
     }
-    const QColor back = own.isValid() ? own : m_grid.GetBackgroundColour();
-    // Mixed, so that the meaning of a cell's own colour is not lost while it is selected.
-    constexpr int SelectedPercent = 35;
-    return m_grid.IsSelected(cell.row, cell.col)
-               ? Mix(back, m_grid.palette().color(QPalette::Highlight), SelectedPercent)
+    const QColor back = own.isValid() ? own : m_looks.Background();
+    // Mixed, so that a cell's own colour can still be told while the cell is selected.
+    constexpr int kSelectedPercent = 35;
+    return m_core.Selection().IsSelected(cell)
+               ? Mix(back, m_looks.palette.color(QPalette::Highlight), kSelectedPercent)
                : back;
 }
 
 void GridPainter::PaintBackground(CCellID cell, const QRect& rect, const QColor& back, bool fixed) {
     m_painter.fillRect(rect, back);
-    const QColor line = fixed ? m_grid.GetShadowColour() : m_grid.GetGridLineColour();
+    const QColor line = fixed ? m_looks.Shadow() : GridLooks::kGridLine;
     m_painter.fillRect(QRect(rect.right(), rect.top(), 1, rect.height()), line);
     m_painter.fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), line);
-    if (fixed && cell == m_grid.MergeOrigin(cell.row, cell.col)) {
+    if (fixed && cell == m_core.Origin(cell)) {
         m_painter.fillRect(QRect(rect.left(), rect.top(), rect.width() - 1, 1), back.lighter(110));
         m_painter.fillRect(QRect(rect.left(), rect.top(), 1, rect.height() - 1), back.lighter(110));
     }
@@ -85,41 +82,42 @@ void GridPainter::PaintBackground(CCellID cell, const QRect& rect, const QColor&
 
 void GridPainter::PaintBlock(const CCellRange& block) {
     const CCellID cell{block.minRow, block.minCol};
-    const CGridCellBase* source = m_grid.Cell(cell.row, cell.col);
-    const QRect rect = m_grid.Layout().BlockRect(block);
+    const CGridCellBase* source = m_core.Cell(cell);
+    const QRect rect = m_core.Layout().BlockRect(block);
     if (source == nullptr || rect.isEmpty()) {
         return;
     }
-    const bool fixed = m_grid.Layout().IsFixed(cell);
+    const bool fixed = m_core.Layout().IsFixed(cell);
     PaintBackground(cell, rect, BackColour(cell, fixed), fixed);
 
     CellLook look;
     look.rect = rect.adjusted(0, 0, -1, -1);
-    look.font = source->GetFont().value_or(m_grid.font());
+    look.font = m_core.FontOf(*source);
     look.textColour = source->GetTextColour();
-    look.enabled = m_grid.isEnabled();
+    look.enabled = m_looks.enabled;
     if (!look.textColour.isValid() || !look.enabled) {
-        look.textColour = m_grid.palette().color(fixed ? QPalette::ButtonText : QPalette::Text);
+        look.textColour = m_looks.palette.color(fixed ? QPalette::ButtonText : QPalette::Text);
     }
-    look.pressedButton = m_grid.PressedButton(cell);
-    look.widget = &m_grid;
+    look.pressedButton = m_looks.pressedCell == cell ? m_looks.pressedButton : -1;
+    look.widget = m_looks.widget;
+    look.images = m_looks.images;
     source->Paint(m_painter, look);
 }
 
 void GridPainter::PaintFocus(const QRect& clip) {
-    const CCellID focus = m_grid.GetFocusCell();
+    const CCellID focus = m_core.Focus();
     if (!focus.IsValid() || clip.isEmpty()) {
         return;
     }
     m_painter.save();
     m_painter.setClipRect(clip);
-    const QPalette::ColorGroup group = m_grid.hasFocus() ? QPalette::Active : QPalette::Inactive;
-    QColor colour = m_grid.palette().color(group, QPalette::Highlight);
-    if (m_grid.hasFocus()) {
+    const QPalette::ColorGroup group = m_looks.hasFocus ? QPalette::Active : QPalette::Inactive;
+    QColor colour = m_looks.palette.color(group, QPalette::Highlight);
+    if (m_looks.hasFocus) {
         colour = colour.darker(140);
     }
     m_painter.setPen(QPen(colour, 2, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    m_painter.drawRect(m_grid.CellRect(focus.row, focus.col).adjusted(1, 1, -2, -2));
+    m_painter.drawRect(m_core.CellRect(focus).adjusted(1, 1, -2, -2));
     m_painter.restore();
 }
 

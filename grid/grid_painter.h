@@ -1,19 +1,43 @@
 // Paints the visible cells of a grid; the cost depends on the window's size, not on the number of rows.
 #pragma once
 
+#include <QIcon>
 #include <QPainter>
+#include <QPalette>
 #include <QRect>
+#include <vector>
 
 #include "grid/grid_types.h"
 #include "grid/layout/grid_axis.h"
 
+class QWidget;
+
 namespace quorvane {
 
-class CGridCtrl;
+class GridCore;
+
+// The colours and the state of the window that a grid is painted in.
+struct GridLooks {
+    static constexpr QColor kGridLine{0xC0, 0xC0, 0xC0};
+
+    QPalette palette = {};
+    QColor background = {};  // invalid: the palette's
+    bool enabled = true;
+    bool hasFocus = false;
+    CCellID pressedCell = {};  // whose button is held down
+    int pressedButton = -1;
+    const QWidget* widget = nullptr;             // for the style; may be null
+    const std::vector<QIcon>* images = nullptr;  // what the cells' image numbers mean; may be null
+
+    QColor Background() const { return background.isValid() ? background : palette.color(QPalette::Base); }
+    QColor FixedBackground() const { return palette.color(QPalette::Button); }
+    QColor Shadow() const { return palette.color(QPalette::Dark); }
+};
 
 class GridPainter {
 public:
-    GridPainter(const CGridCtrl& grid, QPainter& painter);
+    GridPainter(const GridCore& core, const GridLooks& looks, QPainter& painter)
+        : m_core(core), m_looks(looks), m_painter(painter) {}
 
     // Paints everything inside area (window coordinates).
     void Paint(const QRect& area);
@@ -26,7 +50,8 @@ private:
     void PaintFocus(const QRect& clip);
     QColor BackColour(CCellID cell, bool fixed) const;
 
-    const CGridCtrl& m_grid;
+    const GridCore& m_core;
+    const GridLooks& m_looks;
     QPainter& m_painter;
 };
 

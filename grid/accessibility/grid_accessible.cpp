@@ -1,8 +1,7 @@
 #include "grid/accessibility/grid_accessible.h"
 
 #include "grid/accessibility/grid_announcer.h"
-#include "grid/grid_ctrl.h"
-#include "grid/input/combo_list.h"
+#include "grid/grid_controller.h"
 
 namespace quorvane {
 namespace {
@@ -15,40 +14,18 @@ QAccessibleInterface* MakeInterface(const QString& className, QObject* object) {
     return grid != nullptr ? new GridAccessible(*grid) : nullptr;
 }
 
-CString Joined(const CString& text, const CString& further) {
-    return text.isEmpty() || further.isEmpty() ? text + further : text + u' ' + further;
-}
-
 }  // namespace
-
-CString RowHeadingText(const CGridCtrl& grid, int row) {
-    CString text;
-    for (int column = 0; column < grid.GetFixedColumnCount(); ++column) {
-        const CCellID origin = grid.MergeOrigin(row, column);
-        if (origin.col == column) {
-            text = Joined(text, grid.GetItemText(origin.row, origin.col));
-        }
-    }
-    return text;
-}
-
-CString ColumnHeadingText(const CGridCtrl& grid, int column) {
-    CString text;
-    for (int row = 0; row < grid.GetFixedRowCount(); ++row) {
-        const CCellID origin = grid.MergeOrigin(row, column);
-        if (origin.row == row) {
-            text = Joined(text, grid.GetItemText(origin.row, origin.col));
-        }
-    }
-    return text;
-}
 
 void GridAccessible::MakeKnown() {
     QAccessible::installFactory(MakeInterface);
 }
 
 GridAccessible::GridAccessible(CGridCtrl& grid)
-    : QAccessibleWidget(&grid, QAccessible::Table), m_announcer(&grid.Announcer()) {}
+    : QAccessibleWidget(&grid, QAccessible::Table), m_announcer(&grid.Controller().Announcer()) {}
+
+const GridCore& GridAccessible::Core() const {
+    return m_announcer->Core();
+}
 
 CGridCtrl& GridAccessible::Grid() const {
     return m_announcer->Grid();
@@ -90,9 +67,8 @@ QAccessibleInterface* GridAccessible::OpenForEdit() const {
     if (Grid().IsEditing()) {
         return QAccessible::queryAccessibleInterface(Grid().viewport());
     }
-    auto* choices = Grid().findChild<ComboList*>();
-    return choices != nullptr && choices->isVisible() ? QAccessible::queryAccessibleInterface(choices)
-                                                      : nullptr;
+    ComboList* list = Grid().Controller().OpenList();
+    return list != nullptr ? QAccessible::queryAccessibleInterface(list) : nullptr;
 }
 
 int GridAccessible::childCount() const {
@@ -129,7 +105,7 @@ QAccessibleInterface* GridAccessible::childAt(int x, int y) const {
     }
     QWidget* editor = Grid().viewport()->childAt(position);
     return editor != nullptr ? QAccessible::queryAccessibleInterface(editor)
-                             : m_announcer->CellInterface(Grid().CellAt(position));
+                             : m_announcer->CellInterface(Core().CellAt(position));
 }
 
 QAccessibleInterface* GridAccessible::focusChild() const {
@@ -140,17 +116,17 @@ QAccessibleInterface* GridAccessible::focusChild() const {
     if (focus != nullptr && focus != &Grid() && Grid().isAncestorOf(focus)) {
         return QAccessible::queryAccessibleInterface(focus);
     }
-    return focus == &Grid() ? m_announcer->CellInterface(Grid().GetFocusCell()) : nullptr;
+    return focus == &Grid() ? m_announcer->CellInterface(Core().Focus()) : nullptr;
 }
 
 // ---- Table
 
 int GridAccessible::rowCount() const {
-    return isValid() ? Grid().GetRowCount() : 0;
+    return isValid() ? Core().RowCount() : 0;
 }
 
 int GridAccessible::columnCount() const {
-    return isValid() ? Grid().GetColumnCount() : 0;
+    return isValid() ? Core().ColumnCount() : 0;
 }
 
 QAccessibleInterface* GridAccessible::cellAt(int row, int column) const {
@@ -158,22 +134,22 @@ QAccessibleInterface* GridAccessible::cellAt(int row, int column) const {
 }
 
 QString GridAccessible::rowDescription(int row) const {
-    return row >= 0 && row < rowCount() ? RowHeadingText(Grid(), row) : QString();
+    return row >= 0 && row < rowCount() ? Core().RowHeadingText(row) : QString();
 }
 
 QString GridAccessible::columnDescription(int column) const {
-    return column >= 0 && column < columnCount() ? ColumnHeadingText(Grid(), column) : QString();
+    return column >= 0 && column < columnCount() ? Core().ColumnHeadingText(column) : QString();
 }
 
 // ---- Selection
 
 QList<CCellID> GridAccessible::SelectedPlaces() const {
     QList<CCellID> places;
-    const CCellRange bounds = isValid() ? Grid().GetSelectedCellRange() : CCellRange{};
+    const CCellRange bounds = isValid() ? Core().SelectedRange() : CCellRange{};
     for (int row = bounds.minRow; row <= bounds.maxRow; ++row) {
         for (int column = bounds.minCol; column <= bounds.maxCol; ++column) {
             const CCellID cell{row, column};
-            if (Grid().IsSelected(row, column) && Grid().MergeOrigin(row, column) == cell) {
+            if (Core().Selection().IsSelected({row, column}) && Core().Origin(cell) == cell) {
                 places.append(cell);
             }
         }
@@ -194,31 +170,24 @@ QList<QAccessibleInterface*> GridAccessible::selectedCells() const {
 }
 
 CCellRange GridAccessible::RowRange(int row) const {
-    CCellRange range = isValid() ? Grid().Layout().ScrollingCells() : CCellRange{};
+    CCellRange range = isValid() ? Core().Layout().ScrollingCells() : CCellRange{};
     const bool inside = row >= range.minRow && row <= range.maxRow;
     range.minRow = range.maxRow = row;
     return inside ? range : CCellRange{};
 }
 
 CCellRange GridAccessible::ColumnRange(int column) const {
-    CCellRange range = isValid() ? Grid().Layout().ScrollingCells() : CCellRange{};
+    CCellRange range = isValid() ? Core().Layout().ScrollingCells() : CCellRange{};
     const bool inside = column >= range.minCol && column <= range.maxCol;
     range.minCol = range.maxCol = column;
     return inside ? range : CCellRange{};
 }
 
 bool GridAccessible::IsWholeSelected(const CCellRange& range) const {
-    if (!isValid() || !Grid().IsValid(range)) {
+    if (!isValid() || !Core().Layout().Holds(range)) {
         return false;
     }
-    for (int row = range.minRow; row <= range.maxRow; ++row) {
-        for (int column = range.minCol; column <= range.maxCol; ++column) {
-            if (!Grid().IsSelected(row, column)) {
-                return false;
-            }
-        }
-    }
-    return true;
+    return Core().Selection().Covers(range);
 }
 
 bool GridAccessible::isRowSelected(int row) const {
@@ -231,7 +200,7 @@ bool GridAccessible::isColumnSelected(int column) const {
 
 QList<int> GridAccessible::selectedRows() const {
     QList<int> rows;
-    const CCellRange bounds = isValid() ? Grid().GetSelectedCellRange() : CCellRange{};
+    const CCellRange bounds = isValid() ? Core().SelectedRange() : CCellRange{};
     for (int row = bounds.minRow; row <= bounds.maxRow; ++row) {
         if (isRowSelected(row)) {
             rows.append(row);
@@ -242,7 +211,7 @@ QList<int> GridAccessible::selectedRows() const {
 
 QList<int> GridAccessible::selectedColumns() const {
     QList<int> columns;
-    const CCellRange bounds = isValid() ? Grid().GetSelectedCellRange() : CCellRange{};
+    const CCellRange bounds = isValid() ? Core().SelectedRange() : CCellRange{};
     for (int column = bounds.minCol; column <= bounds.maxCol; ++column) {
         if (isColumnSelected(column)) {
             columns.append(column);
@@ -260,18 +229,18 @@ int GridAccessible::selectedColumnCount() const {
 }
 
 bool GridAccessible::SelectBesides(const CCellRange& range) {
-    if (!isValid() || !Grid().IsValid(range)) {
+    if (!isValid() || !Core().Layout().Holds(range)) {
         return false;
     }
-    Grid().SelectLines(range, Qt::ControlModifier);
+    Grid().Controller().Execute({GridCommand::Kind::SelectLines, {}, 0, range, Qt::ControlModifier});
     return true;
 }
 
 bool GridAccessible::Unselect(const CCellRange& range) {
-    if (!IsWholeSelected(range) || Grid().GetSelectedCellRange() != range) {
+    if (!IsWholeSelected(range) || Core().SelectedRange() != range) {
         return false;
     }
-    Grid().ClearSelection();
+    Grid().Controller().Execute({GridCommand::Kind::ClearSelection});
     return true;
 }
 

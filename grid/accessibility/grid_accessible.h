@@ -10,10 +10,11 @@ namespace quorvane {
 
 class CGridCtrl;
 class GridAnnouncer;
+class GridCore;
 
 // Rows and columns are numbered as in the grid, the fixed ones first. A merged block is one cell, found at
-// every place that it covers. The children are the places row by row and, while an edit is on, the window
-// that holds the editor.
+// every place that it covers. The children are the places row by row and, during an edit, the window that
+// holds the editor.
 class GridAccessible : public QAccessibleWidget, public QAccessibleTableInterface {
 public:
     // Has the toolkit make these for grids. May be called any number of times.
@@ -60,6 +61,7 @@ public:
 
 private:
     CGridCtrl& Grid() const;
+    const GridCore& Core() const;
     int CellCount() const;
     // What is open for an edit, or null.
     QAccessibleInterface* OpenForEdit() const;
@@ -73,10 +75,5 @@ private:
 
     QPointer<GridAnnouncer> m_announcer;  // dies with the grid, before the toolkit knows of its end
 };
-
-// Texts of the headings of a row or a column, a heading that spans several lines once; empty without
-// headings.
-CString RowHeadingText(const CGridCtrl& grid, int row);
-CString ColumnHeadingText(const CGridCtrl& grid, int column);
 
 }  // namespace quorvane

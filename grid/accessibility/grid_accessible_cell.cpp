@@ -3,13 +3,13 @@
 #include <QWindow>
 #include <algorithm>
 
-#include "grid/grid_ctrl.h"
-#include "grid/input/combo_list.h"
+#include "grid/cells/grid_btn_cell.h"
+#include "grid/grid_controller.h"
 
 namespace quorvane {
 
 bool GridAccessibleCell::isValid() const {
-    return m_announcer != nullptr && Grid().Layout().Holds(m_place);
+    return m_announcer != nullptr && Core().Layout().Holds(m_place);
 }
 
 QWindow* GridAccessibleCell::window() const {
@@ -21,15 +21,15 @@ QAccessibleInterface* GridAccessibleCell::parent() const {
 }
 
 CCellRange GridAccessibleCell::Extent() const {
-    return Grid().MergeExtent(m_place.row, m_place.col);
+    return Core().Extent(m_place);
 }
 
 bool GridAccessibleCell::IsFixed() const {
-    return Grid().Layout().IsFixed(m_place);
+    return Core().Layout().IsFixed(m_place);
 }
 
 const CGridBtnCellBase* GridAccessibleCell::ButtonCell() const {
-    return dynamic_cast<const CGridBtnCellBase*>(Grid().Cell(m_place.row, m_place.col));
+    return dynamic_cast<const CGridBtnCellBase*>(Core().Cell(m_place));
 }
 
 bool GridAccessibleCell::HasButton() const {
@@ -51,7 +51,7 @@ QString GridAccessibleCell::text(QAccessible::Text text) const {
     if (!isValid() || !known) {
         return {};
     }
-    const CString& content = Grid().Cell(m_place.row, m_place.col)->GetText();
+    const CString& content = Core().Cell(m_place)->GetText();
     const CGridBtnCellBase* cell = ButtonCell();
     return content.isEmpty() && cell != nullptr ? cell->GetBtn(0).caption : content;
 }
@@ -60,15 +60,8 @@ void GridAccessibleCell::setText(QAccessible::Text text, const QString& value) {
     if (!isValid() || text != QAccessible::Value) {
         return;
     }
-    const CellEditing editing = Grid().EditingOf(m_place);
-    if (editing == CellEditing::Choice) {
-        const auto* combo = dynamic_cast<const CGridBtnCellCombo*>(ButtonCell());
-        if (combo == nullptr || std::ranges::find(combo->Choices(), value) == combo->Choices().end()) {
-            return;
-        }
-    }
-    if (editing != CellEditing::None) {
-        Grid().TakeEditedText(m_place, value);
+    if (Core().Takes(m_place, value)) {
+        Grid().Controller().TakeText(m_place, value);
     }
 }
 
@@ -78,7 +71,7 @@ QRect GridAccessibleCell::rect() const {
     if (!isValid()) {
         return {};
     }
-    const QRect rect = Grid().CellRect(m_place.row, m_place.col);
+    const QRect rect = Core().CellRect(m_place);
     return {Grid().viewport()->mapToGlobal(rect.topLeft()), rect.size()};
 }
 
@@ -86,7 +79,8 @@ QAccessible::Role GridAccessibleCell::role() const {
     if (!isValid() || !IsFixed()) {
         return QAccessible::Cell;
     }
-    return m_place.row < Grid().GetFixedRowCount() ? QAccessible::ColumnHeader : QAccessible::RowHeader;
+    return m_place.row < Core().Layout().rows.FixedCount() ? QAccessible::ColumnHeader
+                                                           : QAccessible::RowHeader;
 }
 
 QAccessible::State GridAccessibleCell::state() const {
@@ -96,8 +90,8 @@ QAccessible::State GridAccessibleCell::state() const {
         return state;
     }
     CGridCtrl& grid = Grid();
-    const QRect rect = grid.CellRect(m_place.row, m_place.col);
-    const QRect area = IsFixed() ? grid.viewport()->rect() : grid.Layout().ScrollingArea();
+    const QRect rect = Core().CellRect(m_place);
+    const QRect area = IsFixed() ? grid.viewport()->rect() : Core().Layout().ScrollingArea();
     state.disabled = !grid.isEnabled();
     state.invisible = !grid.isVisible() || rect.isEmpty();
     state.offscreen = !rect.intersects(area);
@@ -106,18 +100,17 @@ QAccessible::State GridAccessibleCell::state() const {
         return state;
     }
     state.focusable = true;
-    state.focused = grid.hasFocus() && grid.GetFocusCell() == m_place;
+    state.focused = grid.hasFocus() && Core().Focus() == m_place;
     state.selectable = true;
     state.multiSelectable = true;
-    state.selected = grid.IsSelected(m_place.row, m_place.col);
-    const CellEditing editing = grid.EditingOf(m_place);
+    state.selected = Core().Selection().IsSelected(m_place);
+    const CellEditing editing = Core().EditingOf(m_place);
     state.editable = editing == CellEditing::Text;
     state.readOnly = editing == CellEditing::None;
     if (editing == CellEditing::Choice) {
-        const auto* list = grid.findChild<ComboList*>();
         state.hasPopup = true;
         state.expandable = true;
-        state.expanded = list != nullptr && list->isVisible() && grid.GetFocusCell() == m_place;
+        state.expanded = grid.Controller().OpenList() != nullptr && Core().Focus() == m_place;
         state.collapsed = !state.expanded;
     }
     if (HasCheckBox()) {
@@ -140,7 +133,7 @@ void* GridAccessibleCell::interface_cast(QAccessible::InterfaceType type) {
 // ---- Table cell
 
 bool GridAccessibleCell::isSelected() const {
-    return isValid() && Grid().IsSelected(m_place.row, m_place.col);
+    return isValid() && Core().Selection().IsSelected(m_place);
 }
 
 int GridAccessibleCell::rowExtent() const {
@@ -168,14 +161,14 @@ QList<QAccessibleInterface*> GridAccessibleCell::columnHeaderCells() const {
     if (!isValid()) {
         return {};
     }
-    return Headings({0, Extent().minCol, Grid().GetFixedRowCount() - 1, Extent().maxCol});
+    return Headings({0, Extent().minCol, Core().Layout().rows.FixedCount() - 1, Extent().maxCol});
 }
 
 QList<QAccessibleInterface*> GridAccessibleCell::rowHeaderCells() const {
     if (!isValid()) {
         return {};
     }
-    return Headings({Extent().minRow, 0, Extent().maxRow, Grid().GetFixedColumnCount() - 1});
+    return Headings({Extent().minRow, 0, Extent().maxRow, Core().Layout().columns.FixedCount() - 1});
 }
 
 // ---- Actions
@@ -185,7 +178,7 @@ QStringList GridAccessibleCell::actionNames() const {
         return {};
     }
     QStringList names;
-    if (Grid().EditingOf(m_place) == CellEditing::Choice) {
+    if (Core().EditingOf(m_place) == CellEditing::Choice) {
         names << showMenuAction() << pressAction();
     } else if (HasButton()) {
         names << (HasCheckBox() ? toggleAction() : pressAction());
@@ -197,19 +190,13 @@ void GridAccessibleCell::doAction(const QString& name) {
     if (!actionNames().contains(name)) {
         return;
     }
-    // Moving the focus ends edits, and whoever is told of that may move this cell, take it away, or the grid.
+    // Moving the focus ends edits, and whoever is told of that may move this cell or take it away.
     const QAccessible::Id id = QAccessible::uniqueId(this);
-    Grid().setFocus(Qt::OtherFocusReason);
-    const auto* self = dynamic_cast<const GridAccessibleCell*>(QAccessible::accessibleInterface(id));
-    if (self == nullptr || !self->isValid()) {
-        return;
-    }
-    const CCellID place = self->m_place;
-    const QPointer<CGridCtrl> grid(&self->Grid());
-    grid->SetFocusCell(place);
-    if (name != setFocusAction() && !grid.isNull() && grid->GetFocusCell() == place) {
-        grid->PressButton(place, 0);
-    }
+    const auto place = [id] {
+        const auto* cell = dynamic_cast<const GridAccessibleCell*>(QAccessible::accessibleInterface(id));
+        return cell != nullptr && cell->isValid() ? cell->m_place : CCellID{};
+    };
+    Grid().Controller().FocusAndPress(place, name != setFocusAction());
 }
 
 }  // namespace quorvane

@@ -5,10 +5,11 @@
 #include <QPointer>
 
 #include "grid/accessibility/grid_announcer.h"
-#include "grid/cells/grid_btn_cell.h"
 #include "grid/grid_types.h"
 
 namespace quorvane {
+
+class CGridBtnCellBase;
 
 // Its name and its value are the cell's text; a cell without text bears the caption of its first button.
 // Owned by the toolkit's register of interfaces.
@@ -56,8 +57,9 @@ public:
     QStringList keyBindingsForAction(const QString& /*name*/) const override { return {}; }
 
 private:
-    // All three only while it is valid.
+    // All only while it is valid.
     CGridCtrl& Grid() const { return m_announcer->Grid(); }
+    const GridCore& Core() const { return m_announcer->Core(); }
     CCellRange Extent() const;
     bool IsFixed() const;
     const CGridBtnCellBase* ButtonCell() const;

@@ -6,6 +6,7 @@
 
 #include "grid/accessibility/grid_accessible.h"
 #include "grid/accessibility/grid_accessible_cell.h"
+#include "grid/grid_core.h"
 #include "grid/grid_ctrl.h"
 #include "grid/layout/line_shift.h"
 
@@ -17,7 +18,7 @@ GridAccessibleCell* CellOf(QAccessible::Id id) {
 }
 
 void DeleteLater(std::vector<QAccessible::Id> interfaces) {
-    // Without an application its end has destroyed them already.
+    // At the end of the application the toolkit has destroyed them already.
     if (!interfaces.empty() && QCoreApplication::instance() != nullptr) {
         QTimer::singleShot(0, QCoreApplication::instance(), [gone = std::move(interfaces)] {
             for (const QAccessible::Id id : gone) {
@@ -29,7 +30,7 @@ void DeleteLater(std::vector<QAccessible::Id> interfaces) {
 
 }  // namespace
 
-GridAnnouncer::GridAnnouncer(CGridCtrl& grid) : m_grid(grid) {
+GridAnnouncer::GridAnnouncer(CGridCtrl& grid, const GridCore& core) : m_grid(grid), m_core(core) {
     GridAccessible::MakeKnown();
     connect(&grid, &CGridCtrl::FocusCellChanged, this, &GridAnnouncer::TellFocus);
     connect(&grid, &CGridCtrl::SelectionChanged, this, &GridAnnouncer::TellSelection);
@@ -48,10 +49,10 @@ void GridAnnouncer::Tell(QAccessibleEvent& event) const {
 }
 
 QAccessibleInterface* GridAnnouncer::CellInterface(CCellID cell) {
-    if (!m_grid.Layout().Holds(cell)) {
+    if (!m_core.Layout().Holds(cell)) {
         return nullptr;
     }
-    const CCellID origin = m_grid.MergeOrigin(cell.row, cell.col);
+    const CCellID origin = m_core.Origin(cell);
     QAccessible::Id& id = m_cells[{origin.row, origin.col}];
     if (id == 0 || QAccessible::accessibleInterface(id) == nullptr) {
         id = QAccessible::registerAccessibleInterface(new GridAccessibleCell(*this, origin));
@@ -72,7 +73,7 @@ void GridAnnouncer::FollowCells(int fromRow, Change change) {
         }
         CCellID now{place.first, place.second};
         change(now);
-        if (m_grid.Layout().Holds(now) && m_grid.MergeOrigin(now.row, now.col) == now) {
+        if (m_core.Layout().Holds(now) && m_core.Origin(now) == now) {
             cell->SetPlace(now);
             m_cells.emplace(Place(now.row, now.col), id);
         } else {
@@ -83,16 +84,16 @@ void GridAnnouncer::FollowCells(int fromRow, Change change) {
     DeleteLater(std::move(gone));
 }
 
-void GridAnnouncer::LinesInserted(int CCellID::*line, int at, int count) {
-    const bool rows = line == &CCellID::row;
-    FollowCells(rows ? at : 0, [=](CCellID& cell) { ShiftForInsert(cell, line, at, count); });
-    TellLines(rows ? ModelChange::RowsInserted : ModelChange::ColumnsInserted, line, at, count);
+void GridAnnouncer::LinesInserted(Qt::Orientation lines, int at, int count) {
+    const bool rows = lines == Qt::Vertical;
+    FollowCells(rows ? at : 0, [=](CCellID& cell) { ShiftForInsert(cell, lines, at, count); });
+    TellLines(rows ? ModelChange::RowsInserted : ModelChange::ColumnsInserted, lines, at, count);
 }
 
-void GridAnnouncer::LinesRemoved(int CCellID::*line, int at, int count) {
-    const bool rows = line == &CCellID::row;
-    FollowCells(rows ? at : 0, [=](CCellID& cell) { ShiftForRemove(cell, line, at, count); });
-    TellLines(rows ? ModelChange::RowsRemoved : ModelChange::ColumnsRemoved, line, at, count);
+void GridAnnouncer::LinesRemoved(Qt::Orientation lines, int at, int count) {
+    const bool rows = lines == Qt::Vertical;
+    FollowCells(rows ? at : 0, [=](CCellID& cell) { ShiftForRemove(cell, lines, at, count); });
+    TellLines(rows ? ModelChange::RowsRemoved : ModelChange::ColumnsRemoved, lines, at, count);
 }
 
 void GridAnnouncer::BlocksChanged() {
@@ -100,20 +101,20 @@ void GridAnnouncer::BlocksChanged() {
 }
 
 void GridAnnouncer::RowsChanged(int first, int last) {
-    TellLines(ModelChange::DataChanged, &CCellID::row, first, last - first + 1);
-    const CCellID focus = m_grid.GetFocusCell();
+    TellLines(ModelChange::DataChanged, Qt::Vertical, first, last - first + 1);
+    const CCellID focus = m_core.Focus();
     if (focus.row >= first && focus.row <= last) {
         QMetaObject::invokeMethod(
-            this, [this] { TextChanged(m_grid.GetFocusCell()); }, Qt::QueuedConnection);
+            this, [this] { TextChanged(m_core.Focus()); }, Qt::QueuedConnection);
     }
 }
 
-void GridAnnouncer::TellLines(ModelChange::ModelChangeType change, int CCellID::*line, int at, int count) {
+void GridAnnouncer::TellLines(ModelChange::ModelChangeType change, Qt::Orientation lines, int at, int count) {
     if (!IsHeard()) {
         return;
     }
     ModelChange event(&m_grid, change);
-    if (line == &CCellID::row) {
+    if (lines == Qt::Vertical) {
         event.setFirstRow(at);
         event.setLastRow(at + count - 1);
     } else {
@@ -124,10 +125,10 @@ void GridAnnouncer::TellLines(ModelChange::ModelChangeType change, int CCellID::
 }
 
 void GridAnnouncer::TextChanged(CCellID cell) {
-    if (!IsHeard() || !m_grid.Layout().Holds(cell)) {
+    if (!IsHeard() || !m_core.Layout().Holds(cell)) {
         return;
     }
-    if (cell != m_grid.GetFocusCell() && !m_cells.contains({cell.row, cell.col})) {
+    if (cell != m_core.Focus() && !m_cells.contains({cell.row, cell.col})) {
         return;
     }
     QAccessibleEvent event(CellInterface(cell), QAccessible::NameChanged);
@@ -144,7 +145,7 @@ void GridAnnouncer::TellFocus() {
     if (!IsHeard() || !m_grid.hasFocus()) {
         return;
     }
-    if (QAccessibleInterface* cell = CellInterface(m_grid.GetFocusCell())) {
+    if (QAccessibleInterface* cell = CellInterface(m_core.Focus())) {
         QAccessibleEvent event(cell, QAccessible::Focus);
         Tell(event);
     }

@@ -21,9 +21,9 @@ public:
     const CellAttributes& At(quint32 number) const { return m_values[number]; }
 
     quint32 NumberOf(const CellAttributes& attributes) {
-        // The columns of a table being filled take turns, so the few latest ones are looked at first.
+        // While a table is filled its columns take turns, so the few latest ones are looked at first.
         quint32& recent =
-            m_recent[(attributes.format ^ attributes.state ^ attributes.backColour.rgba()) % RecentCount];
+            m_recent[(attributes.format ^ attributes.state ^ attributes.backColour.rgba()) % kRecentCount];
         if (attributes != m_values[recent]) {
             recent = LookUp(attributes);
         }
@@ -31,7 +31,7 @@ public:
     }
 
 private:
-    static constexpr unsigned RecentCount = 16;
+    static constexpr unsigned kRecentCount = 16;
 
     quint32 LookUp(const CellAttributes& attributes) {
         const size_t hash = HashOf(attributes);
@@ -49,7 +49,7 @@ private:
 
     std::deque<CellAttributes> m_values;
     std::unordered_multimap<size_t, quint32> m_numbers;
-    std::array<quint32, RecentCount> m_recent = {};  // numbers; 0 is always one
+    std::array<quint32, kRecentCount> m_recent = {};  // numbers; 0 is always one
 };
 
 AttributesTable& Table() {

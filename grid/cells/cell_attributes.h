@@ -18,18 +18,18 @@ struct CellAttributes {
     unsigned format = DefaultFormat;
     unsigned state = 0;
     int margin = DefaultMargin;  // pixels left and right of the text
-    int image = -1;
-    int secondImage = -1;
-    QColor textColour = {};  // invalid: the grid's
+    int image = -1;              // at the left of the text; index into the grid's images, -1 = none
+    int secondImage = -1;        // at the right of it
+    QColor textColour = {};      // invalid: the grid's
     QColor backColour = {};
     std::optional<QFont> font = {};
 
     bool operator==(const CellAttributes&) const = default;
 };
 
-// A cell's reference to its attributes: four bytes, so that a plain cell costs little more than its text.
-// The values live as long as the program; a program has a handful of different ones. Only the thread of the
-// user interface may use them.
+// A cell's reference to its attributes: four bytes, so that a plain cell costs little more than its text. The
+// values live as long as the program, which has a handful of different ones. Only the thread of the user
+// interface may use them.
 class SharedAttributes {
 public:
     const CellAttributes& operator*() const;

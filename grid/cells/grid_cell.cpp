@@ -7,52 +7,43 @@
 
 namespace quorvane {
 
-void CGridCellBase::SetImage(int image) {
+template <typename Value>
+void CGridCellBase::SetAttribute(Value CellAttributes::*attribute, const Value& value) {
     CellAttributes changed = *m_attributes;
-    changed.image = image;
+    changed.*attribute = value;
     m_attributes = changed;
+}
+
+void CGridCellBase::SetImage(int image) {
+    SetAttribute(&CellAttributes::image, image);
 }
 
 void CGridCellBase::SetSecondImage(int image) {
-    CellAttributes changed = *m_attributes;
-    changed.secondImage = image;
-    m_attributes = changed;
+    SetAttribute(&CellAttributes::secondImage, image);
 }
 
 void CGridCellBase::SetState(unsigned state) {
-    CellAttributes changed = *m_attributes;
-    changed.state = state;
-    m_attributes = changed;
+    SetAttribute(&CellAttributes::state, state);
 }
 
 void CGridCellBase::SetFormat(unsigned format) {
-    CellAttributes changed = *m_attributes;
-    changed.format = format;
-    m_attributes = changed;
+    SetAttribute(&CellAttributes::format, format);
 }
 
 void CGridCellBase::SetTextColour(const QColor& colour) {
-    CellAttributes changed = *m_attributes;
-    changed.textColour = colour;
-    m_attributes = changed;
+    SetAttribute(&CellAttributes::textColour, colour);
 }
 
 void CGridCellBase::SetBackColour(const QColor& colour) {
-    CellAttributes changed = *m_attributes;
-    changed.backColour = colour;
-    m_attributes = changed;
+    SetAttribute(&CellAttributes::backColour, colour);
 }
 
 void CGridCellBase::SetFont(const std::optional<QFont>& font) {
-    CellAttributes changed = *m_attributes;
-    changed.font = font;
-    m_attributes = changed;
+    SetAttribute(&CellAttributes::font, font);
 }
 
 void CGridCellBase::SetMargin(int pixels) {
-    CellAttributes changed = *m_attributes;
-    changed.margin = std::max(0, pixels);
-    m_attributes = changed;
+    SetAttribute(&CellAttributes::margin, std::max(0, pixels));
 }
 
 void CGridCellBase::Set(const GridItem& item) {
@@ -90,7 +81,22 @@ QRect CGridCellBase::FreeRect(const QRect& cell, const QFont& /*font*/) const {
 }
 
 QRect CGridCellBase::TextRect(const QRect& cell, const QFont& font) const {
-    return FreeRect(cell, font).adjusted(GetMargin(), 0, -GetMargin(), 0);
+    const auto besideText = [this](int image) { return GetMargin() + (image >= 0 ? kImageRoom : 0); };
+    return FreeRect(cell, font).adjusted(besideText(GetImage()), 0, -besideText(GetSecondImage()), 0);
+}
+
+void CGridCellBase::PaintImages(QPainter& painter, const CellLook& look) const {
+    const QRect text = TextRect(look.rect, look.font);
+    const QRect place(0, text.top(), kImageSide, text.height());
+    const auto paint = [&](int image, int left) {
+        if (look.images != nullptr && image >= 0 && image < static_cast<int>(look.images->size())) {
+            (*look.images)[static_cast<std::size_t>(image)].paint(
+                &painter, place.translated(left, 0), Qt::AlignCenter,
+                look.enabled ? QIcon::Normal : QIcon::Disabled);
+        }
+    };
+    paint(GetImage(), text.left() - kImageRoom);
+    paint(GetSecondImage(), text.right() + 1 + kImageRoom - kImageSide);
 }
 
 int CGridCellBase::ContentWidth(const QFont& font, int limit) const {
@@ -102,6 +108,7 @@ int CGridCellBase::ContentWidth(const QFont& font, int limit) const {
 void CGridCellBase::Paint(QPainter& painter, const CellLook& look) const {
     painter.setFont(look.font);
     painter.setPen(look.textColour);
+    PaintImages(painter, look);
     DrawCellText(painter, TextRect(look.rect, look.font), m_text, GetFormat());
 }
 

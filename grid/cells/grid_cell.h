@@ -4,8 +4,10 @@
 //                  └─ CGridBtnCellBase ── CGridBtnCell ── CGridBtnCellCombo   (grid_btn_cell.h)
 #pragma once
 
+#include <QIcon>
 #include <QPoint>
 #include <QRect>
+#include <vector>
 
 #include "grid/cells/cell_attributes.h"
 #include "grid/grid_types.h"
@@ -15,23 +17,28 @@ class QWidget;
 
 namespace quorvane {
 
-// What a cell has to know of its surroundings to draw itself.
+// What a cell needs to know to draw itself.
 struct CellLook {
     QRect rect;  // the cell without its grid lines, window coordinates
     QFont font;  // its own or the grid's
     QColor textColour;
     bool enabled = true;
     int pressedButton = -1;
-    const QWidget* widget = nullptr;  // for the style; may be null
+    const QWidget* widget = nullptr;             // for the style; may be null
+    const std::vector<QIcon>* images = nullptr;  // what the cell's image numbers mean; may be null
 };
 
-// How the text of a cell is changed by the user.
+// How the user changes the text of a cell.
 enum class CellEditing { None, Text, Choice };
 
-// Attributes and drawing of a cell. A cell does not know its grid: changes made here are not redrawn by
-// themselves, the setters of CGridCtrl do that.
+// Attributes and drawing of a cell. A cell does not know its grid: the setters of CGridCtrl redraw what they
+// change, those of the cell do not.
 class CGridCellBase {
 public:
+    // An image is a square beside the text, with some pixels between the two.
+    static constexpr int kImageSide = 16;
+    static constexpr int kImageRoom = kImageSide + 4;
+
     virtual ~CGridCellBase() = default;
 
     virtual void SetText(const CString& text) { m_text = text; }
@@ -69,7 +76,7 @@ public:
     virtual CellEditing Editing() const = 0;
     // Draws everything but background, grid lines and focus frame.
     virtual void Paint(QPainter& painter, const CellLook& look) const;
-    // Where the text stands in a cell of this rectangle, margins taken off.
+    // Where the text stands in a cell of this rectangle, without margins, images and buttons.
     QRect TextRect(const QRect& cell, const QFont& font) const;
     // Pixels that the whole content needs side by side, not more than limit.
     int ContentWidth(const QFont& font, int limit) const;
@@ -86,10 +93,14 @@ protected:
     CGridCellBase& operator=(const CGridCellBase&) = default;
     CGridCellBase& operator=(CGridCellBase&&) = default;
 
-    // The cell without what buttons take of it.
+    // The part of the cell that its buttons leave.
     virtual QRect FreeRect(const QRect& cell, const QFont& font) const;
 
 private:
+    template <typename Value>
+    void SetAttribute(Value CellAttributes::*attribute, const Value& value);
+    void PaintImages(QPainter& painter, const CellLook& look) const;
+
     CString m_text;
     qint32 m_data = 0;
     SharedAttributes m_attributes;

@@ -15,13 +15,13 @@ void GridCells::RemoveRows(int at, int count) {
 
 void GridCells::InsertColumns(int at, int count, unsigned format) {
     const int oldCount = ColumnCount();
+    const auto newCount = static_cast<std::size_t>(oldCount) + static_cast<std::size_t>(count);
     for (int i = 0; i < m_rows.Count(); ++i) {
         Row& row = m_rows[i];
         if (row == nullptr) {
             continue;
         }
-        Row wider =
-            std::make_unique<Slot[]>(static_cast<std::size_t>(oldCount) + static_cast<std::size_t>(count));
+        Row wider = std::make_unique<Slot[]>(newCount);
         std::move(row.get(), row.get() + at, wider.get());
         std::move(row.get() + at, row.get() + oldCount, wider.get() + at + count);
         for (Slot* added = wider.get() + at; added != wider.get() + at + count; ++added) {
@@ -34,12 +34,13 @@ void GridCells::InsertColumns(int at, int count, unsigned format) {
 
 void GridCells::RemoveColumns(int at, int count) {
     const int oldCount = ColumnCount();
+    const auto newCount = static_cast<std::size_t>(oldCount) - static_cast<std::size_t>(count);
     for (int i = 0; i < m_rows.Count(); ++i) {
         Row& row = m_rows[i];
         if (row == nullptr) {
             continue;
         }
-        Row narrower = std::make_unique<Slot[]>(static_cast<std::size_t>(oldCount - count));
+        Row narrower = std::make_unique<Slot[]>(newCount);
         std::move(row.get(), row.get() + at, narrower.get());
         std::move(row.get() + at + count, row.get() + oldCount, narrower.get() + at);
         row = std::move(narrower);

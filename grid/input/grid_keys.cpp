@@ -1,15 +1,17 @@
 #include "grid/input/grid_keys.h"
 
-#include <QApplication>
-#include <QPointer>
 #include <algorithm>
 
-#include "grid/grid_ctrl.h"
-#include "grid/input/in_place_edit.h"
-#include "grid/output/grid_clipboard.h"
+#include "grid/grid_core.h"
 
 namespace quorvane {
 namespace {
+
+using Kind = GridCommand::Kind;
+
+bool HasCommandModifier(const QKeyEvent& event) {
+    return (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
+}
 
 bool IsTyping(const QKeyEvent& event) {
     const Qt::KeyboardModifiers command =
@@ -18,10 +20,6 @@ bool IsTyping(const QKeyEvent& event) {
     const bool isCommand = command != Qt::NoModifier && command != (Qt::ControlModifier | Qt::AltModifier);
     const CString text = event.text();
     return !isCommand && !text.isEmpty() && (text.at(0).isPrint() || text.at(0).isSurrogate());
-}
-
-bool HasCommandModifier(const QKeyEvent& event) {
-    return (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
 }
 
 // The next line in a direction that is neither fixed nor hidden, or -1.
@@ -34,58 +32,24 @@ int NextLine(const GridAxis& axis, int line, int direction) {
     return -1;
 }
 
-}  // namespace
-
-CCellID GridKeys::FirstCell() const {
-    const GridLayout& layout = m_grid.Layout();
-    const CCellID cell{NextLine(layout.rows, layout.rows.FixedCount() - 1, 1),
-                       NextLine(layout.columns, layout.columns.FixedCount() - 1, 1)};
-    return cell.IsValid() ? m_grid.MergeOrigin(cell.row, cell.col) : CCellID{};
+CCellID OriginOrNone(const GridCore& core, CCellID cell) {
+    return cell.IsValid() ? core.Origin(cell) : CCellID{};
 }
 
-CCellID GridKeys::LastCell() const {
-    const GridLayout& layout = m_grid.Layout();
-    const CCellID cell{NextLine(layout.rows, layout.rows.Count(), -1),
-                       NextLine(layout.columns, layout.columns.Count(), -1)};
-    return cell.IsValid() ? m_grid.MergeOrigin(cell.row, cell.col) : CCellID{};
+CCellID FirstCell(const GridCore& core) {
+    const GridLayout& layout = core.Layout();
+    return OriginOrNone(core, {NextLine(layout.rows, layout.rows.FixedCount() - 1, 1),
+                               NextLine(layout.columns, layout.columns.FixedCount() - 1, 1)});
 }
 
-CCellID GridKeys::FirstVisible() const {
-    const QRect area = m_grid.Layout().ScrollingArea();
-    const CCellID cell = m_grid.Layout().CellAt(area.topLeft());
-    return cell.IsValid() && !m_grid.Layout().IsFixed(cell) ? m_grid.MergeOrigin(cell.row, cell.col)
-                                                            : FirstCell();
+CCellID LastCell(const GridCore& core) {
+    const GridLayout& layout = core.Layout();
+    return OriginOrNone(core, {NextLine(layout.rows, layout.rows.Count(), -1),
+                               NextLine(layout.columns, layout.columns.Count(), -1)});
 }
 
-CCellID GridKeys::Step(CCellID from, Move move) const {
-    if (!m_grid.Layout().Holds(from)) {
-        return {};
-    }
-    if (move == Move::NextEditable || move == Move::PreviousEditable) {
-        return NextEditable(from, move == Move::NextEditable ? 1 : -1);
-    }
-    const GridLayout& layout = m_grid.Layout();
-    const CCellRange block = m_grid.MergeExtent(from.row, from.col);
-    CCellID target = from;
-    switch (move) {
-        case Move::Up:
-            target.row = NextLine(layout.rows, block.minRow, -1);
-            break;
-        case Move::Down:
-            target.row = NextLine(layout.rows, block.maxRow, 1);
-            break;
-        case Move::Left:
-            target.col = NextLine(layout.columns, block.minCol, -1);
-            break;
-        default:
-            target.col = NextLine(layout.columns, block.maxCol, 1);
-            break;
-    }
-    return target.IsValid() ? m_grid.MergeOrigin(target.row, target.col) : CCellID{};
-}
-
-CCellID GridKeys::NextEditable(CCellID from, int direction) const {
-    const GridLayout& layout = m_grid.Layout();
+CCellID NextEditable(const GridCore& core, CCellID from, int direction) {
+    const GridLayout& layout = core.Layout();
     int row = from.row;
     int column = from.col;
     while (row >= 0) {
@@ -96,205 +60,208 @@ CCellID GridKeys::NextEditable(CCellID from, int direction) const {
             continue;
         }
         const CCellID cell{row, column};
-        const bool isFilled = m_grid.EditingOf(cell) != CellEditing::None ||
-                              (m_grid.GetItemState(row, column) & CellState::DropDown) != 0;
-        if (m_grid.MergeOrigin(row, column) == cell && isFilled) {
+        const CGridCellBase* source = core.Cell(cell);
+        const bool hasList = source != nullptr && (source->GetState() & CellState::DropDown) != 0;
+        if (core.Origin(cell) == cell && (hasList || core.EditingOf(cell) != CellEditing::None)) {
             return cell;
         }
     }
     return {};
 }
 
-// Where a table that is typed column by column goes on after its foot (down) or its head (up).
-CCellID GridKeys::NextColumn(CCellID from, Move move) const {
-    if (!m_grid.TypesByColumns()) {
-        return {};
-    }
-    if (move == Move::Down && from.col + 1 < m_grid.GetColumnCount()) {
-        return {m_grid.GetFixedRowCount(), from.col + 1};
-    }
-    if (move == Move::Up && from.col > m_grid.GetFixedColumnCount()) {
-        return {m_grid.GetRowCount() - 1, from.col - 1};
-    }
-    return {};
-}
-
-void GridKeys::GoOnEditing(CCellID edited, Move move) {
-    // Whoever was told of the edit may have inserted or removed rows, which moves the focus with its cell; or
-    // have refilled the grid, which clears it.
-    const CCellID from = m_grid.GetFocusCell().IsValid() ? m_grid.GetFocusCell() : edited;
-    if (!m_grid.Layout().Holds(from)) {
-        return;
-    }
-    const CCellID step = Step(from, move);
-    const CCellID target = step.IsValid() ? step : NextColumn(from, move);
-    const QPointer<CGridCtrl> grid(&m_grid);
-    m_grid.SetFocusCell(target.IsValid() ? target : from);
-    if (!grid.isNull() && m_grid.GetFocusCell() == target && m_grid.EditingOf(target) == CellEditing::Text) {
-        m_grid.BeginEdit(target.row, target.col);
-    }
-}
-
-void GridKeys::ShowFocus() {
-    m_grid.FocusWithoutSelecting(FirstVisible());
-}
-
-bool GridKeys::Press(const QKeyEvent& event) {
-    if (event.matches(QKeySequence::SelectAll)) {
-        m_grid.SelectAllCells();
-        return true;
-    }
-    if (event.matches(QKeySequence::Copy)) {
-        return CopySelection(m_grid);
-    }
-    if (event.matches(QKeySequence::Paste)) {
-        return PasteAtFocus(m_grid);
-    }
-    const CCellID focus = m_grid.GetFocusCell();
-    if (focus.IsValid()) {
-        return PressWithFocus(event, focus);
-    }
-    const bool moves = KeyTarget(event, FirstVisible()).IsValid();
-    if (moves && !HasCommandModifier(event)) {
-        m_grid.SetFocusCell(FirstVisible());
-    }
-    return moves;
-}
-
-bool GridKeys::PressWithFocus(const QKeyEvent& event, CCellID focus) {
-    switch (event.key()) {
-        case Qt::Key_Tab:
-        case Qt::Key_Backtab:
-            return PressTab(event, focus);
-        case Qt::Key_Return:
-        case Qt::Key_Enter: {
-            if (HasCommandModifier(event)) {
-                return false;
-            }
-            const bool up = (event.modifiers() & Qt::ShiftModifier) != 0;
-            const CCellID target = Step(focus, up ? Move::Up : Move::Down);
-            if (target.IsValid()) {
-                m_grid.SetFocusCell(target);
-            }
-            return true;  // also at the end: Enter in a table must not press a dialog's default button
-        }
-        case Qt::Key_F2:
-            return OpenChoices(focus) || m_grid.BeginEditAtEnd(focus.row, focus.col);
-        case Qt::Key_F4:
-            return OpenChoices(focus);
-        case Qt::Key_Space:
-            return PressSpace(event, focus);
-        case Qt::Key_Delete:
-            return ClearText(focus);
-        case Qt::Key_Down:
-            if ((event.modifiers() & Qt::AltModifier) != 0) {
-                return OpenChoices(focus);
-            }
-            return MoveByKey(event, focus);
-        default:
-            return MoveByKey(event, focus) || TypeInto(event, focus);
-    }
-}
-
-CCellID GridKeys::PageTarget(CCellID focus, int direction) const {
-    const GridAxis& rows = m_grid.Layout().rows;
+CCellID PageTarget(const GridCore& core, CCellID focus, int direction) {
+    const GridAxis& rows = core.Layout().rows;
     const qint64 page = std::max(1, rows.ViewLength() - rows.FixedLength() - rows.DefaultSize());
     const qint64 position = rows.Start(focus.row) + direction * page;
     const int row =
         rows.LineAt(std::clamp<qint64>(position, rows.FixedLength(), rows.Start(rows.Count()) - 1));
-    if (row < 0) {
-        return {};
-    }
-    return m_grid.MergeOrigin(row, focus.col);
+    return row < 0 ? CCellID{} : core.Origin({row, focus.col});
 }
 
-CCellID GridKeys::KeyTarget(const QKeyEvent& event, CCellID focus) const {
+// The cell that a key moves to, which is the focus cell at an edge; none when the key moves nothing.
+CCellID KeyTarget(const GridCore& core, const QKeyEvent& event, CCellID focus) {
     const bool far = (event.modifiers() & Qt::ControlModifier) != 0;
     if (!focus.IsValid() || (event.modifiers() & (Qt::AltModifier | Qt::MetaModifier)) != 0) {
         return {};
     }
-    const auto step = [&](Move move) {
-        const CCellID next = Step(focus, move);
+    const auto step = [&](GridMove move) {
+        const CCellID next = Step(core, focus, move);
         return next.IsValid() ? next : focus;
     };
     switch (event.key()) {
         case Qt::Key_Up:
-            return far ? m_grid.MergeOrigin(FirstCell().row, focus.col) : step(Move::Up);
+            return far ? core.Origin({FirstCell(core).row, focus.col}) : step(GridMove::Up);
         case Qt::Key_Down:
-            return far ? m_grid.MergeOrigin(LastCell().row, focus.col) : step(Move::Down);
+            return far ? core.Origin({LastCell(core).row, focus.col}) : step(GridMove::Down);
         case Qt::Key_Left:
-            return far ? m_grid.MergeOrigin(focus.row, FirstCell().col) : step(Move::Left);
+            return far ? core.Origin({focus.row, FirstCell(core).col}) : step(GridMove::Left);
         case Qt::Key_Right:
-            return far ? m_grid.MergeOrigin(focus.row, LastCell().col) : step(Move::Right);
+            return far ? core.Origin({focus.row, LastCell(core).col}) : step(GridMove::Right);
         case Qt::Key_Home:
-            return far ? FirstCell() : m_grid.MergeOrigin(focus.row, FirstCell().col);
+            return far ? FirstCell(core) : core.Origin({focus.row, FirstCell(core).col});
         case Qt::Key_End:
-            return far ? LastCell() : m_grid.MergeOrigin(focus.row, LastCell().col);
+            return far ? LastCell(core) : core.Origin({focus.row, LastCell(core).col});
         case Qt::Key_PageUp:
-            return far ? CCellID{} : PageTarget(focus, -1);
+            return far ? CCellID{} : PageTarget(core, focus, -1);
         case Qt::Key_PageDown:
-            return far ? CCellID{} : PageTarget(focus, 1);
+            return far ? CCellID{} : PageTarget(core, focus, 1);
         default:
             return {};
     }
 }
 
-bool GridKeys::MoveByKey(const QKeyEvent& event, CCellID focus) {
-    const CCellID target = KeyTarget(event, focus);
+GridCommand MoveByKey(const GridCore& core, const QKeyEvent& event, CCellID focus) {
+    const CCellID target = KeyTarget(core, event, focus);
     if (!target.IsValid()) {
-        return false;
+        return {};
     }
-    if ((event.modifiers() & Qt::ShiftModifier) != 0) {
-        m_grid.ExtendSelectionTo(target);
-    } else {
-        m_grid.SetFocusCell(target);
-    }
-    return true;
+    return {(event.modifiers() & Qt::ShiftModifier) != 0 ? Kind::Extend : Kind::Focus, target};
 }
 
-bool GridKeys::PressTab(const QKeyEvent& event, CCellID focus) {
+GridCommand PressTab(const GridCore& core, const QKeyEvent& event, CCellID focus) {
     if (HasCommandModifier(event)) {
-        return false;
+        return {};
     }
     const bool back = event.key() == Qt::Key_Backtab || (event.modifiers() & Qt::ShiftModifier) != 0;
-    CCellID target = Step(focus, back ? Move::Left : Move::Right);
-    if (!target.IsValid()) {
-        const CCellID other = Step(focus, back ? Move::Up : Move::Down);
-        if (!other.IsValid()) {
-            return false;  // at the end the key leaves the grid
-        }
-        target = m_grid.MergeOrigin(other.row, back ? LastCell().col : FirstCell().col);
+    const CCellID beside = Step(core, focus, back ? GridMove::Left : GridMove::Right);
+    if (beside.IsValid()) {
+        return {Kind::Focus, beside};
     }
-    m_grid.SetFocusCell(target);
-    return true;
+    const CCellID other = Step(core, focus, back ? GridMove::Up : GridMove::Down);
+    if (!other.IsValid()) {
+        return {};  // at the end the key leaves the grid
+    }
+    return {Kind::Focus, core.Origin({other.row, back ? LastCell(core).col : FirstCell(core).col})};
 }
 
-bool GridKeys::TypeInto(const QKeyEvent& event, CCellID focus) {
-    if (!IsTyping(event) || m_grid.EditingOf(focus) != CellEditing::Text) {
-        return false;
+// Enter is used up even at the end: in a table it must not press a dialog's default button.
+GridCommand PressEnter(const GridCore& core, const QKeyEvent& event, CCellID focus) {
+    if (HasCommandModifier(event)) {
+        return {};
     }
-    return m_grid.BeginEditByTyping(event);
+    const bool up = (event.modifiers() & Qt::ShiftModifier) != 0;
+    const CCellID target = Step(core, focus, up ? GridMove::Up : GridMove::Down);
+    return {target.IsValid() ? Kind::Focus : Kind::Nothing, target};
 }
 
-bool GridKeys::OpenChoices(CCellID focus) {
-    return m_grid.EditingOf(focus) == CellEditing::Choice && m_grid.BeginEdit(focus.row, focus.col);
+GridCommand TypeInto(const GridCore& core, const QKeyEvent& event, CCellID focus) {
+    const bool types = IsTyping(event) && core.EditingOf(focus) == CellEditing::Text;
+    return {types ? Kind::Type : Kind::PassOn, focus};
 }
 
-bool GridKeys::PressSpace(const QKeyEvent& event, CCellID focus) {
-    if (m_grid.EditingOf(focus) == CellEditing::Text) {
-        return TypeInto(event, focus);
-    }
-    return !HasCommandModifier(event) && (OpenChoices(focus) || m_grid.PressButton(focus, 0));
+GridCommand OpenChoices(const GridCore& core, CCellID focus) {
+    return {core.EditingOf(focus) == CellEditing::Choice ? Kind::Edit : Kind::PassOn, focus};
 }
 
-bool GridKeys::ClearText(CCellID focus) {
-    const CCellRange selected = m_grid.GetSelectedCellRange();
-    if (m_grid.EditingOf(focus) != CellEditing::Text ||
-        selected != m_grid.MergeExtent(focus.row, focus.col)) {
-        return false;
+GridCommand PressF2(const GridCore& core, CCellID focus) {
+    return {core.EditingOf(focus) == CellEditing::None ? Kind::PassOn : Kind::EditAtEnd, focus};
+}
+
+GridCommand PressSpace(const GridCore& core, const QKeyEvent& event, CCellID focus) {
+    switch (core.EditingOf(focus)) {
+        case CellEditing::Text:
+            return TypeInto(core, event, focus);
+        case CellEditing::Choice:
+            return {HasCommandModifier(event) ? Kind::PassOn : Kind::Edit, focus};
+        default:
+            return {HasCommandModifier(event) ? Kind::PassOn : Kind::PressButton, focus};
     }
-    m_grid.TakeEditedText(focus, {});
-    return true;
+}
+
+GridCommand PressDelete(const GridCore& core, CCellID focus) {
+    const bool clears =
+        core.EditingOf(focus) == CellEditing::Text && core.SelectedRange() == core.Extent(focus);
+    return {clears ? Kind::ClearText : Kind::PassOn, focus};
+}
+
+GridCommand PressWithFocus(const GridCore& core, const QKeyEvent& event, CCellID focus) {
+    switch (event.key()) {
+        case Qt::Key_Tab:
+        case Qt::Key_Backtab:
+            return PressTab(core, event, focus);
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            return PressEnter(core, event, focus);
+        case Qt::Key_F2:
+            return PressF2(core, focus);
+        case Qt::Key_F4:
+            return OpenChoices(core, focus);
+        case Qt::Key_Space:
+            return PressSpace(core, event, focus);
+        case Qt::Key_Delete:
+            return PressDelete(core, focus);
+        case Qt::Key_Down:
+            return (event.modifiers() & Qt::AltModifier) != 0 ? OpenChoices(core, focus)
+                                                              : MoveByKey(core, event, focus);
+        default:
+            break;
+    }
+    const GridCommand move = MoveByKey(core, event, focus);
+    return move.kind != Kind::PassOn ? move : TypeInto(core, event, focus);
+}
+
+}  // namespace
+
+GridCommand CommandOfKey(const GridCore& core, const QKeyEvent& event) {
+    if (event.matches(QKeySequence::SelectAll)) {
+        return {Kind::SelectAll};
+    }
+    if (event.matches(QKeySequence::Copy)) {
+        return {Kind::Copy};
+    }
+    if (event.matches(QKeySequence::Paste)) {
+        return {Kind::Paste};
+    }
+    if (core.Focus().IsValid()) {
+        return PressWithFocus(core, event, core.Focus());
+    }
+    // The first key of movement gives the focus to a cell.
+    const CCellID first = FirstVisible(core);
+    if (!KeyTarget(core, event, first).IsValid()) {
+        return {};
+    }
+    return {HasCommandModifier(event) ? Kind::Nothing : Kind::Focus, first};
+}
+
+CCellID Step(const GridCore& core, CCellID from, GridMove move) {
+    const GridLayout& layout = core.Layout();
+    if (!layout.Holds(from)) {
+        return {};
+    }
+    const CCellRange block = core.Extent(from);
+    switch (move) {
+        case GridMove::Up:
+            return OriginOrNone(core, {NextLine(layout.rows, block.minRow, -1), from.col});
+        case GridMove::Down:
+            return OriginOrNone(core, {NextLine(layout.rows, block.maxRow, 1), from.col});
+        case GridMove::Left:
+            return OriginOrNone(core, {from.row, NextLine(layout.columns, block.minCol, -1)});
+        case GridMove::Right:
+            return OriginOrNone(core, {from.row, NextLine(layout.columns, block.maxCol, 1)});
+        case GridMove::NextEditable:
+            return NextEditable(core, from, 1);
+        default:
+            return NextEditable(core, from, -1);
+    }
+}
+
+CCellID NextAfterEdit(const GridCore& core, CCellID from, GridMove move) {
+    const CCellID step = Step(core, from, move);
+    if (step.IsValid() || !core.typesByColumns) {
+        return step;
+    }
+    if (move == GridMove::Down && from.col + 1 < core.ColumnCount()) {
+        return {core.Layout().rows.FixedCount(), from.col + 1};
+    }
+    if (move == GridMove::Up && from.col > core.Layout().columns.FixedCount()) {
+        return {core.RowCount() - 1, from.col - 1};
+    }
+    return {};
+}
+
+CCellID FirstVisible(const GridCore& core) {
+    const CCellID cell = core.CellAt(core.Layout().ScrollingArea().topLeft());
+    return core.IsSelectable(cell) ? cell : FirstCell(core);
 }
 
 }  // namespace quorvane

@@ -1,48 +1,28 @@
-// What the keys do in a grid: moving the focus, extending the selection, starting edits, pressing buttons.
+// What the keys mean in a grid: moving the focus, extending the selection, starting edits, pressing buttons.
 #pragma once
 
 #include <QKeyEvent>
 
-#include "grid/grid_types.h"
+#include "grid/input/grid_command.h"
 
 namespace quorvane {
 
-class CGridCtrl;
+class GridCore;
 
-class GridKeys {
-public:
-    enum class Move { Up, Down, Left, Right, NextEditable, PreviousEditable };
+enum class GridMove { Up, Down, Left, Right, NextEditable, PreviousEditable };
 
-    explicit GridKeys(CGridCtrl& grid) : m_grid(grid) {}
+// What a key asks for while no editor is open.
+GridCommand CommandOfKey(const GridCore& core, const QKeyEvent& event);
 
-    // False when the key means nothing here and is to be passed on.
-    bool Press(const QKeyEvent& event);
-    // The cell that a step leads to; none when there is no further one. Merged blocks count as one cell;
-    // hidden rows and columns and fixed cells are stepped over.
-    CCellID Step(CCellID from, Move move) const;
-    CCellID NextColumn(CCellID from, Move move) const;
-    // Gives a grid without a focus cell one, the first in view, and selects nothing.
-    void ShowFocus();
-    // After an edit in `edited` has ended: moves the focus on and, where the next cell is one of plain
-    // editable text, opens it for typing.
-    void GoOnEditing(CCellID edited, Move move);
+// The cell that a step leads to; none when there is no further one. A merged block counts as one cell; hidden
+// and fixed rows and columns are stepped over.
+CCellID Step(const GridCore& core, CCellID from, GridMove move);
 
-private:
-    bool PressWithFocus(const QKeyEvent& event, CCellID focus);
-    bool MoveByKey(const QKeyEvent& event, CCellID focus);
-    bool PressTab(const QKeyEvent& event, CCellID focus);
-    bool TypeInto(const QKeyEvent& event, CCellID focus);
-    bool OpenChoices(CCellID focus);
-    bool PressSpace(const QKeyEvent& event, CCellID focus);
-    bool ClearText(CCellID focus);
-    CCellID KeyTarget(const QKeyEvent& event, CCellID focus) const;
-    CCellID PageTarget(CCellID focus, int direction) const;
-    CCellID FirstVisible() const;
-    CCellID FirstCell() const;
-    CCellID LastCell() const;
-    CCellID NextEditable(CCellID from, int direction) const;
+// The cell that follows after an edit has ended in `from`; none when there is no further one. A table that is
+// typed by columns goes on at the head of the next column.
+CCellID NextAfterEdit(const GridCore& core, CCellID from, GridMove move);
 
-    CGridCtrl& m_grid;
-};
+// The first cell in view that is not fixed.
+CCellID FirstVisible(const GridCore& core);
 
 }  // namespace quorvane

@@ -1,256 +1,202 @@
 #include "grid/input/grid_mouse.h"
 
-#include <QApplication>
-#include <QPointer>
-#include <QScrollBar>
 #include <algorithm>
-#include <chrono>
 
-#include "grid/grid_ctrl.h"
+#include "grid/grid_core.h"
 
 namespace quorvane {
 
-GridMouse::GridMouse(CGridCtrl& grid) : m_grid(grid) {
-    m_scrollTimer.setInterval(std::chrono::milliseconds(40));
-    connect(&m_scrollTimer, &QTimer::timeout, this, &GridMouse::ScrollOn);
-}
+using Kind = GridCommand::Kind;
 
 void GridMouse::Reset() {
-    m_scrollTimer.stop();
     m_action = Action::None;
     m_button = -1;
     m_pressed = {};
 }
 
-CCellID GridMouse::OriginAt(const QPoint& position) const {
-    const CCellID cell = m_grid.Layout().CellAt(position);
-    return cell.IsValid() ? m_grid.MergeOrigin(cell.row, cell.col) : cell;
-}
-
 std::optional<int> GridMouse::EdgeAt(const QPoint& position) const {
-    constexpr int Reach = 3;
-    const GridLayout& layout = m_grid.Layout();
+    constexpr int kReach = 3;
+    const GridLayout& layout = m_core.Layout();
     // Left of the edge first, so that of several edges at one place the last visible column's is taken.
-    for (const int x : {position.x() + Reach, position.x() - Reach, position.x()}) {
+    for (const int x : {position.x() + kReach, position.x() - kReach, position.x()}) {
         const CCellID cell = layout.CellAt({x, position.y()});
         if (!cell.IsValid() || cell.row >= layout.rows.FixedCount()) {
             continue;
         }
         const GridAxis::Span span = layout.columns.ScreenSpan(cell.col, cell.col);
-        const bool wholeBlock = m_grid.MergeExtent(cell.row, cell.col).maxCol == cell.col;
-        if (wholeBlock && std::abs(span.start + span.length - position.x()) <= Reach) {
+        const bool endsBlock = m_core.Extent(cell).maxCol == cell.col;
+        if (endsBlock && std::abs(span.start + span.length - position.x()) <= kReach) {
             return cell.col;
         }
     }
     return std::nullopt;
 }
 
-void GridMouse::Press(const QMouseEvent& event) {
-    const QPointer<CGridCtrl> grid(&m_grid);
-    m_grid.EndEdit();
-    if (grid.isNull()) {
-        return;
-    }
-    const QPoint position = event.position().toPoint();
-    m_last = position;
+int GridMouse::ButtonAt(CCellID cell, const QPoint& position) const {
+    const CGridCellBase* source = m_core.Cell(cell);
+    return source == nullptr ? -1
+                             : source->BtnAt(m_core.CellRect(cell).adjusted(0, 0, -1, -1),
+                                             m_core.FontOf(*source), position);
+}
+
+// ---- Pressing
+
+GridCommand GridMouse::Press(const QMouseEvent& event) {
+    m_last = event.position().toPoint();
     m_clickDone = false;
     if (event.button() == Qt::LeftButton) {
-        PressLeft(event, position);
-    } else if (event.button() == Qt::RightButton) {
-        // A context menu is about what lies under the mouse, unless that is selected already.
-        const CCellID cell = OriginAt(position);
-        if (cell.IsValid() && !m_grid.Layout().IsFixed(cell) && !m_grid.IsSelected(cell.row, cell.col)) {
-            m_grid.SetFocusCell(cell);
-        }
+        return PressLeft(event);
     }
+    // A context menu is about what lies under the mouse, unless that is selected already.
+    const CCellID cell = m_core.CellAt(m_last);
+    const bool selects = event.button() == Qt::RightButton && m_core.IsSelectable(cell) &&
+                         !m_core.Selection().IsSelected(cell);
+    return {selects ? Kind::Focus : Kind::Nothing, cell};
 }
 
-void GridMouse::PressLeft(const QMouseEvent& event, const QPoint& position) {
+GridCommand GridMouse::PressLeft(const QMouseEvent& event) {
     Reset();
-    if (const std::optional<int> edge = EdgeAt(position)) {
-        const GridAxis::Span span = m_grid.Layout().columns.ScreenSpan(*edge, *edge);
+    if (const std::optional<int> edge = EdgeAt(m_last)) {
+        const GridAxis::Span span = m_core.Layout().columns.ScreenSpan(*edge, *edge);
         m_action = Action::ColumnEdge;
         m_edgeColumn = *edge;
-        m_edgeOffset = span.start + span.length - position.x();
-        return;
+        m_edgeOffset = span.start + span.length - m_last.x();
+        return {Kind::Nothing};
     }
-    const CCellID cell = OriginAt(position);
+    const CCellID cell = m_core.CellAt(m_last);
     if (!cell.IsValid()) {
-        return;
+        return {Kind::Nothing};
     }
-    if (m_grid.Layout().IsFixed(cell)) {
-        PressHeading(cell, event.modifiers());
-    } else {
-        PressCell(cell, event);
-    }
+    return m_core.Layout().IsFixed(cell) ? PressHeading(cell, event.modifiers()) : PressCell(cell, event);
 }
 
-void GridMouse::PressHeading(CCellID cell, Qt::KeyboardModifiers modifiers) {
-    const bool rowFixed = cell.row < m_grid.GetFixedRowCount();
-    const bool columnFixed = cell.col < m_grid.GetFixedColumnCount();
-    if (rowFixed && columnFixed) {
-        m_grid.SelectAllCells();
-        return;
+GridCommand GridMouse::PressHeading(CCellID cell, Qt::KeyboardModifiers modifiers) {
+    const GridLayout& layout = m_core.Layout();
+    const bool rowFixed = cell.row < layout.rows.FixedCount();
+    if (rowFixed && cell.col < layout.columns.FixedCount()) {
+        return {Kind::SelectAll};
     }
-    m_action = rowFixed ? Action::Columns : Action::Rows;
-    SelectLines(cell, modifiers);
-}
-
-void GridMouse::SelectLines(CCellID cell, Qt::KeyboardModifiers modifiers) {
-    const CCellRange all = m_grid.Layout().ScrollingCells();
-    const CCellRange block = m_grid.MergeExtent(cell.row, cell.col);
-    CCellRange lines = all;
-    if (m_action == Action::Rows) {
-        lines.minRow = block.minRow;
-        lines.maxRow = block.maxRow;
-    } else {
+    const CCellRange block = m_core.Extent(cell);
+    CCellRange lines = layout.ScrollingCells();
+    if (rowFixed) {
         lines.minCol = block.minCol;
         lines.maxCol = block.maxCol;
+    } else {
+        lines.minRow = block.minRow;
+        lines.maxRow = block.maxRow;
     }
-    if (!m_grid.IsValid(lines)) {
-        m_action = Action::None;
-        return;
+    if (!layout.Holds(lines)) {
+        return {Kind::Nothing};
     }
+    m_action = rowFixed ? Action::Columns : Action::Rows;
     m_pressed = {lines.minRow, lines.minCol};
-    m_grid.SelectLines(lines, modifiers);
+    return {Kind::SelectLines, m_pressed, 0, lines, modifiers};
 }
 
-void GridMouse::PressCell(CCellID cell, const QMouseEvent& event) {
-    m_hadFocus = m_grid.GetFocusCell() == cell;
+GridCommand GridMouse::PressCell(CCellID cell, const QMouseEvent& event) {
+    m_hadFocus = m_core.Focus() == cell;
     m_pressed = cell;
-    m_button = m_grid.ButtonAt(cell, event.position().toPoint());
+    m_button = ButtonAt(cell, m_last);
     m_isInside = m_button >= 0;
     m_action = m_isInside ? Action::Button : Action::Cells;
-    if (m_isInside) {
-        m_grid.SetFocusCell(cell);
-    } else if ((event.modifiers() & Qt::ShiftModifier) != 0) {
-        m_grid.ExtendSelectionTo(cell);
-    } else if ((event.modifiers() & Qt::ControlModifier) != 0) {
-        m_grid.AddToSelection(cell);
-    } else {
-        m_grid.SetFocusCell(cell);
+    if (!m_isInside && (event.modifiers() & Qt::ShiftModifier) != 0) {
+        return {Kind::Extend, cell};
     }
+    if (!m_isInside && (event.modifiers() & Qt::ControlModifier) != 0) {
+        return {Kind::Add, cell};
+    }
+    return {Kind::Focus, cell};
 }
 
-void GridMouse::Move(const QMouseEvent& event) {
-    const QPoint position = event.position().toPoint();
-    if ((event.buttons() & Qt::LeftButton) == 0) {
-        m_grid.viewport()->setCursor(EdgeAt(position) ? Qt::SplitHCursor : Qt::ArrowCursor);
-        return;
-    }
-    if ((position - m_last).isNull()) {
-        return;
-    }
+// ---- Dragging
+
+GridCommand GridMouse::Drag(const QPoint& position) {
     m_last = position;
-    if (m_action == Action::ColumnEdge) {
-        DragEdge(position.x());
-    } else if (m_action == Action::Button) {
-        m_isInside = OriginAt(position) == m_pressed && m_grid.ButtonAt(m_pressed, position) == m_button;
-        m_grid.viewport()->update(m_grid.CellRect(m_pressed.row, m_pressed.col));
-    } else if (m_action != Action::None) {
-        const bool outside = !m_grid.Layout().ScrollingArea().contains(position);
-        if (outside && !m_scrollTimer.isActive()) {
-            m_scrollTimer.start();
-        } else if (!outside) {
-            m_scrollTimer.stop();
+    switch (m_action) {
+        case Action::None:
+            return {Kind::Nothing};
+        case Action::ColumnEdge: {
+            const int start = m_core.Layout().columns.ScreenSpan(m_edgeColumn, m_edgeColumn).start;
+            return {Kind::ColumnWidth, CCellID{0, m_edgeColumn},
+                    std::max(kSmallestColumn, position.x() + m_edgeOffset - start)};
         }
-        DragTo(position);
+        case Action::Button:
+            m_isInside = m_core.CellAt(position) == m_pressed && ButtonAt(m_pressed, position) == m_button;
+            return {Kind::Redraw, m_pressed};
+        default:
+            return DragSelection();
     }
 }
 
-void GridMouse::DragEdge(int x) {
-    const int start = m_grid.Layout().columns.ScreenSpan(m_edgeColumn, m_edgeColumn).start;
-    m_grid.SetColumnWidth(m_edgeColumn, std::max(SmallestColumn, x + m_edgeOffset - start));
-}
-
-void GridMouse::DragTo(const QPoint& position) {
-    const GridLayout& layout = m_grid.Layout();
+GridCommand GridMouse::DragSelection() const {
+    const GridLayout& layout = m_core.Layout();
     const QRect area = layout.ScrollingArea();
     const qint64 bottom = layout.rows.Start(layout.rows.Count()) - layout.rows.Scroll() - 1;
     const qint64 right = layout.columns.Start(layout.columns.Count()) - layout.columns.Scroll() - 1;
     if (area.isEmpty() || bottom < area.top() || right < area.left()) {
-        return;
+        return {Kind::Nothing};
     }
-    const int x =
-        std::clamp(position.x(), area.left(), static_cast<int>(std::min<qint64>(right, area.right())));
-    const int y =
-        std::clamp(position.y(), area.top(), static_cast<int>(std::min<qint64>(bottom, area.bottom())));
-    CCellID cell = layout.CellAt({x, y});
+    const auto inside = [](int position, int first, qint64 end, int last) {
+        return std::clamp(position, first, static_cast<int>(std::min<qint64>(end, last)));
+    };
+    CCellID cell = layout.CellAt({inside(m_last.x(), area.left(), right, area.right()),
+                                  inside(m_last.y(), area.top(), bottom, area.bottom())});
     if (!cell.IsValid()) {
-        return;
+        return {Kind::Nothing};
     }
-    const CCellRange all = layout.ScrollingCells();
     if (m_action == Action::Rows) {
-        cell.col = all.maxCol;
+        cell.col = layout.columns.Count() - 1;
     } else if (m_action == Action::Columns) {
-        cell.row = all.maxRow;
+        cell.row = layout.rows.Count() - 1;
     }
-    if (cell != m_pressed || m_grid.GetSelectedCellRange().RowCount() > 1 ||
-        m_grid.GetSelectedCellRange().ColumnCount() > 1) {
-        m_grid.DragSelectionTo(cell);
-    }
+    const CCellRange selected = m_core.SelectedRange();
+    const bool hasMoved = cell != m_pressed || selected.RowCount() > 1 || selected.ColumnCount() > 1;
+    return {hasMoved ? Kind::Drag : Kind::Nothing, cell};
 }
 
-void GridMouse::ScrollOn() {
-    const QRect area = m_grid.Layout().ScrollingArea();
+QPoint GridMouse::Overshoot() const {
+    const bool selects = m_action == Action::Cells || m_action == Action::Rows || m_action == Action::Columns;
+    if (!selects) {
+        return {};
+    }
+    const QRect area = m_core.Layout().ScrollingArea();
     const auto beyond = [](int position, int first, int last) {
         return position < first ? position - first : std::max(0, position - last);
     };
-    const int across = m_action == Action::Rows ? 0 : beyond(m_last.x(), area.left(), area.right());
-    const int down = m_action == Action::Columns ? 0 : beyond(m_last.y(), area.top(), area.bottom());
-    m_grid.horizontalScrollBar()->setValue(m_grid.horizontalScrollBar()->value() + across);
-    m_grid.verticalScrollBar()->setValue(m_grid.verticalScrollBar()->value() + down);
-    DragTo(m_last);
+    return {m_action == Action::Rows ? 0 : beyond(m_last.x(), area.left(), area.right()),
+            m_action == Action::Columns ? 0 : beyond(m_last.y(), area.top(), area.bottom())};
 }
 
-void GridMouse::Release(const QMouseEvent& event) {
+// ---- Releasing
+
+GridCommand GridMouse::Release(const QMouseEvent& event) {
     if (event.button() != Qt::LeftButton) {
-        return;
+        return {Kind::Nothing};
     }
     const QPoint position = event.position().toPoint();
-    const Action action = m_action;
-    const CCellID pressed = m_pressed;
-    const int button = m_button;
-    const bool isInside = m_isInside;
+    const GridMouse was = *this;
     Reset();
-    if (action == Action::Button) {
-        m_grid.viewport()->update(m_grid.CellRect(pressed.row, pressed.col));
-        if (isInside) {
-            m_grid.PressButton(pressed, button);
-        }
-    } else if (action == Action::Cells && OriginAt(position) == pressed && !m_clickDone &&
-               (event.modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) == 0) {
-        Click(pressed);
+    if (was.m_action == Action::Button) {
+        return {was.m_isInside ? Kind::PressButton : Kind::Redraw, was.m_pressed, was.m_button};
     }
+    const bool clicks = was.m_action == Action::Cells && m_core.CellAt(position) == was.m_pressed &&
+                        !m_clickDone && (event.modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) == 0;
+    m_opensChoices = clicks && m_hadFocus && m_core.EditingOf(was.m_pressed) == CellEditing::Choice;
+    return {clicks ? Kind::Click : Kind::Nothing, was.m_pressed};
 }
 
-void GridMouse::Click(CCellID cell) {
-    const bool opensChoices = m_hadFocus && m_grid.EditingOf(cell) == CellEditing::Choice;
-    const QPointer<CGridCtrl> grid(&m_grid);
-    Q_EMIT m_grid.CellClicked(cell.row, cell.col);
-    if (opensChoices && !grid.isNull() && m_grid.GetFocusCell() == cell) {
-        m_grid.BeginEdit(cell.row, cell.col);
-    }
-}
-
-void GridMouse::DoubleClick(const QMouseEvent& event) {
-    const QPoint position = event.position().toPoint();
-    const std::optional<int> edge = EdgeAt(position);
-    if (event.button() == Qt::LeftButton && edge) {
-        m_grid.AutoSizeColumn(*edge);
-        return;
-    }
-    const QPointer<CGridCtrl> grid(&m_grid);
-    Press(event);
-    if (grid.isNull() || event.button() != Qt::LeftButton || m_action != Action::Cells) {
-        return;
+GridCommand GridMouse::DoubleClick(const QMouseEvent& event) {
+    if (event.button() != Qt::LeftButton || m_action != Action::Cells) {
+        return {Kind::Nothing};
     }
     const CCellID cell = m_pressed;
-    m_clickDone = m_grid.EditingOf(cell) != CellEditing::Choice;
-    if (m_grid.EditingOf(cell) == CellEditing::Text) {
-        Reset();
-        m_grid.BeginEdit(cell.row, cell.col);
+    const CellEditing editing = m_core.EditingOf(cell);
+    m_clickDone = editing != CellEditing::Choice;
+    if (editing != CellEditing::Text) {
+        return {Kind::Nothing};
     }
+    Reset();
+    return {Kind::Edit, cell};
 }
 
 }  // namespace quorvane

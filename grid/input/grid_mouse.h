@@ -1,63 +1,62 @@
-// What the mouse does in a grid: selecting, pressing buttons in cells, opening edits, dragging column edges.
+// What the mouse means in a grid: selecting, pressing buttons in cells, opening edits, dragging column edges.
 #pragma once
 
 #include <QMouseEvent>
-#include <QObject>
-#include <QTimer>
 #include <optional>
 
-#include "grid/grid_types.h"
+#include "grid/input/grid_command.h"
 
 namespace quorvane {
 
-class CGridCtrl;
+class GridCore;
 
-class GridMouse : public QObject {
-    Q_OBJECT
-
+// Remembers what was pressed until it is released. Positions are pixels of the grid's window.
+class GridMouse {
 public:
-    static constexpr int SmallestColumn = 8;  // pixels a column keeps when its edge is dragged
+    static constexpr int kSmallestColumn = 8;  // pixels a column keeps when its edge is dragged
 
-    explicit GridMouse(CGridCtrl& grid);
+    explicit GridMouse(const GridCore& core) : m_core(core) {}
 
-    // Positions are in window coordinates. The grid may be gone when one of these returns.
-    void Press(const QMouseEvent& event);
-    void Move(const QMouseEvent& event);
-    void Release(const QMouseEvent& event);
-    void DoubleClick(const QMouseEvent& event);
+    GridCommand Press(const QMouseEvent& event);
+    // With the left button down.
+    GridCommand Drag(const QPoint& position);
+    GridCommand Release(const QMouseEvent& event);
+    // After Press of the same event: opens an edit where a cell of text was pressed.
+    GridCommand DoubleClick(const QMouseEvent& event);
     // Forgets what was pressed: the mouse was taken away or the cells have changed.
     void Reset();
 
     // The cell button that is held down with the mouse on it, and its cell.
     CCellID PressedCell() const { return m_action == Action::Button && m_isInside ? m_pressed : CCellID{}; }
     int PressedButton() const { return m_button; }
+    // Whether the click that was just released drops down the list of its cell.
+    bool OpensChoices() const { return m_opensChoices; }
+    // How many pixels a selecting drag has gone beyond the area in which cells scroll.
+    QPoint Overshoot() const;
+    QPoint LastPosition() const { return m_last; }
+    // The column whose right edge is at a position in a heading.
+    std::optional<int> EdgeAt(const QPoint& position) const;
 
 private:
     enum class Action { None, Cells, Rows, Columns, Button, ColumnEdge };
 
-    void PressLeft(const QMouseEvent& event, const QPoint& position);
-    void PressHeading(CCellID cell, Qt::KeyboardModifiers modifiers);
-    void PressCell(CCellID cell, const QMouseEvent& event);
-    void SelectLines(CCellID cell, Qt::KeyboardModifiers modifiers);
-    void DragTo(const QPoint& position);
-    void ScrollOn();
-    void DragEdge(int x);
-    void Click(CCellID cell);
-    // The column whose right edge, in a heading, is at a position; none elsewhere.
-    std::optional<int> EdgeAt(const QPoint& position) const;
-    CCellID OriginAt(const QPoint& position) const;
+    GridCommand PressLeft(const QMouseEvent& event);
+    GridCommand PressHeading(CCellID cell, Qt::KeyboardModifiers modifiers);
+    GridCommand PressCell(CCellID cell, const QMouseEvent& event);
+    GridCommand DragSelection() const;
+    int ButtonAt(CCellID cell, const QPoint& position) const;
 
-    CGridCtrl& m_grid;
+    const GridCore& m_core;
     Action m_action = Action::None;
     CCellID m_pressed;
     int m_button = -1;
-    bool m_isInside = false;   // the mouse is over the pressed button
-    bool m_hadFocus = false;   // the pressed cell had the focus before
-    bool m_clickDone = false;  // the second press of a double click is no second click
+    bool m_isInside = false;      // the mouse is over the pressed button
+    bool m_hadFocus = false;      // the pressed cell had the focus before
+    bool m_clickDone = false;     // the second press of a double click is no second click
+    bool m_opensChoices = false;  // see OpensChoices
     int m_edgeColumn = -1;
     int m_edgeOffset = 0;  // from the mouse to the edge it holds
     QPoint m_last;
-    QTimer m_scrollTimer;
 };
 
 }  // namespace quorvane

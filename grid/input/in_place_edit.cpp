@@ -4,24 +4,25 @@
 #include <limits>
 #include <utility>
 
-#include "grid/accessibility/grid_accessible.h"
 #include "grid/cells/cell_text.h"
-#include "grid/grid_ctrl.h"
+#include "grid/grid_controller.h"
+#include "grid/layout/line_shift.h"
 
 namespace quorvane {
 
-InPlaceEdit::InPlaceEdit(CGridCtrl& grid) : m_grid(grid) {}
+using namespace Qt::Literals::StringLiterals;
 
 void InPlaceEdit::Begin(CCellID cell, Start start) {
-    const CGridCellBase& source = *m_grid.Cell(cell.row, cell.col);
+    const GridCore& core = m_controller.Core();
+    const CGridCellBase& source = *core.Cell(cell);
     m_cell = cell;
     m_isRemade = false;
-    m_editor = new QLineEdit(m_grid.viewport());
-    m_editor->setObjectName(QStringLiteral("gridInPlaceEdit"));
-    m_editor->setAccessibleName(ColumnHeadingText(m_grid, cell.col));
+    m_editor = new QLineEdit(m_controller.Grid().viewport());
+    m_editor->setObjectName(u"gridInPlaceEdit"_s);
+    m_editor->setAccessibleName(core.ColumnHeadingText(cell.col));
     m_editor->setFrame(false);
     m_editor->setMaxLength(std::numeric_limits<int>::max());
-    m_editor->setFont(source.GetFont().value_or(m_grid.font()));
+    m_editor->setFont(core.FontOf(source));
     m_editor->setAlignment(CellTextAlignment(source.GetFormat()) & ~Qt::AlignAbsolute);
     if (start != Start::Empty) {
         m_editor->setText(source.GetText());
@@ -35,12 +36,40 @@ void InPlaceEdit::Begin(CCellID cell, Start start) {
     }
 }
 
+std::optional<CString> InPlaceEdit::Close() {
+    Refresh();
+    if (!IsOn()) {
+        return std::nullopt;
+    }
+    // A line editor cannot hold every text, so one that was not changed is taken from the cell.
+    CString text = m_editor->isModified() ? m_editor->text() : m_controller.Core().Text(m_cell);
+    Cancel();
+    return text;
+}
+
+void InPlaceEdit::Cancel() {
+    if (!IsOn()) {
+        return;
+    }
+    QLineEdit* editor = m_editor;
+    m_editor.clear();
+    editor->removeEventFilter(this);
+    // Without its name nobody finds an editor that only waits to be destroyed.
+    editor->setObjectName(CString());
+    CGridCtrl& grid = m_controller.Grid();
+    if (grid.window()->focusWidget() == editor) {
+        grid.setFocus();
+    }
+    editor->hide();
+    editor->deleteLater();
+}
+
 void InPlaceEdit::Place() {
     if (!IsOn()) {
         return;
     }
-    const QRect rect = m_grid.CellRect(m_cell.row, m_cell.col).adjusted(0, 0, -1, -1);
-    const QRect visible = rect & m_grid.Layout().ScrollingArea();
+    const QRect rect = m_controller.Core().CellRect(m_cell).adjusted(0, 0, -1, -1);
+    const QRect visible = rect & m_controller.Core().Layout().ScrollingArea();
     m_editor->setGeometry(rect);
     if (visible.isEmpty()) {
         m_editor->move(-rect.width() - 1, -rect.height() - 1);  // an empty mask would show it whole
@@ -52,11 +81,24 @@ void InPlaceEdit::Place() {
     }
 }
 
+void InPlaceEdit::FollowInsert(Qt::Orientation lines, int at, int count) {
+    CCellID cell = m_cell;
+    ShiftForInsert(cell, lines, at, count);
+    FollowCell(cell);
+}
+
+void InPlaceEdit::FollowRemove(Qt::Orientation lines, int at, int count) {
+    CCellID cell = m_cell;
+    ShiftForRemove(cell, lines, at, count);
+    FollowCell(cell);
+}
+
+void InPlaceEdit::FollowFixed() {
+    FollowCell(m_controller.Core().Layout().IsFixed(m_cell) ? CCellID{} : m_cell);
+}
+
 void InPlaceEdit::FollowCell(CCellID cell) {
-    if (!IsOn() || cell == m_cell) {
-        return;
-    }
-    if (cell.IsValid()) {
+    if (IsOn() && cell.IsValid()) {
         m_cell = cell;
     } else {
         Cancel();
@@ -72,69 +114,18 @@ void InPlaceEdit::Refresh() {
         return;
     }
     if (std::exchange(m_isRemade, false)) {
-        if (m_grid.EditingOf(m_cell) != CellEditing::Text) {
+        if (m_controller.Core().EditingOf(m_cell) != CellEditing::Text) {
             Cancel();
             return;
         }
         if (!m_editor->isModified()) {
-            m_editor->setText(m_grid.GetItemText(m_cell.row, m_cell.col));
+            m_editor->setText(m_controller.Core().Text(m_cell));
         }
     }
     Place();
 }
 
-CString InPlaceEdit::Text() const {
-    return m_editor->isModified() ? m_editor->text() : m_grid.GetItemText(m_cell.row, m_cell.col);
-}
-
-void InPlaceEdit::Close() {
-    QLineEdit* editor = m_editor;
-    m_editor.clear();
-    editor->removeEventFilter(this);
-    // The name goes too, so that nobody finds an editor that only waits to be destroyed.
-    editor->setObjectName(QString());
-    if (m_grid.window()->focusWidget() == editor) {
-        m_grid.setFocus();
-    }
-    editor->hide();
-    editor->deleteLater();
-}
-
-void InPlaceEdit::End() {
-    Refresh();
-    if (!IsOn()) {
-        return;
-    }
-    const CString text = Text();
-    Close();
-    m_grid.TakeEditedText(m_cell, text);
-}
-
-void InPlaceEdit::Cancel() {
-    if (IsOn()) {
-        Close();
-    }
-}
-
-void InPlaceEdit::EndAndMove(GridKeys::Move move, bool goOn) {
-    const QPointer<CGridCtrl> grid(&m_grid);
-    const CCellID edited = m_cell;
-    End();
-    if (grid.isNull() || grid->IsEditing()) {
-        return;
-    }
-    if (goOn) {
-        grid->Keys().GoOnEditing(edited, move);
-        return;
-    }
-    const CCellID target = grid->Keys().Step(grid->GetFocusCell(), move);
-    if (target.IsValid()) {
-        grid->SetFocusCell(target);
-    }
-}
-
 bool InPlaceEdit::PressKey(const QKeyEvent& event) {
-    using Move = GridKeys::Move;
     const bool shift = (event.modifiers() & Qt::ShiftModifier) != 0;
     if ((event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0) {
         return false;
@@ -142,19 +133,19 @@ bool InPlaceEdit::PressKey(const QKeyEvent& event) {
     switch (event.key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            EndAndMove(shift ? Move::Up : Move::Down, true);
+            m_controller.EndEditAndGoOn(shift ? GridMove::Up : GridMove::Down);
             return true;
         case Qt::Key_Tab:
         case Qt::Key_Backtab: {
             const bool back = shift || event.key() == Qt::Key_Backtab;
-            EndAndMove(back ? Move::PreviousEditable : Move::NextEditable, true);
+            m_controller.EndEditAndGoOn(back ? GridMove::PreviousEditable : GridMove::NextEditable);
             return true;
         }
         case Qt::Key_Up:
-            EndAndMove(Move::Up, false);
+            m_controller.EndEditAndMove(GridMove::Up);
             return true;
         case Qt::Key_Down:
-            EndAndMove(Move::Down, false);
+            m_controller.EndEditAndMove(GridMove::Down);
             return true;
         case Qt::Key_Escape:
             Cancel();
@@ -182,9 +173,9 @@ bool InPlaceEdit::eventFilter(QObject* watched, QEvent* event) {
     }
     if (event->type() == QEvent::FocusOut &&
         static_cast<const QFocusEvent&>(*event).reason() != Qt::PopupFocusReason) {
-        // The editor itself must see the event, too, or its caret would go on blinking.
+        // The editor itself needs the event too, or its caret would go on blinking.
         const bool handled = m_editor->event(event);
-        End();
+        m_controller.EndEdit();
         return handled;
     }
     return false;

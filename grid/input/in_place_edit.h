@@ -1,16 +1,16 @@
-// The line editor that opens inside a cell: opening, following the cell, and every way of ending.
+// The line editor that opens inside a cell: opening, following its cell, and closing.
 #pragma once
 
 #include <QLineEdit>
 #include <QObject>
 #include <QPointer>
+#include <optional>
 
 #include "grid/grid_types.h"
-#include "grid/input/grid_keys.h"
 
 namespace quorvane {
 
-class CGridCtrl;
+class GridController;
 
 class InPlaceEdit : public QObject {
     Q_OBJECT
@@ -18,7 +18,7 @@ class InPlaceEdit : public QObject {
 public:
     enum class Start { AllSelected, CaretAtEnd, Empty };
 
-    explicit InPlaceEdit(CGridCtrl& grid);
+    explicit InPlaceEdit(GridController& controller) : m_controller(controller) {}
 
     // Opens the editor in a cell of editable text, which has the focus already.
     void Begin(CCellID cell, Start start);
@@ -26,20 +26,24 @@ public:
     CCellID Cell() const { return m_cell; }
     QLineEdit* Editor() const { return m_editor; }
 
-    // Closes the editor and hands its text to the grid. The grid and this object may be gone afterwards.
-    void End();
-    // Closes the editor and leaves the cell as it was.
+    // Closes the editor. Gives the text for the cell; none when no edit was on or its cell is no longer one
+    // of editable text.
+    std::optional<CString> Close();
+    // Closes the editor; its text is lost.
     void Cancel();
+
     // Puts the editor over its cell again after scrolling or a change of sizes; what would cover headings is
     // masked off.
     void Place();
-    // The rows or columns of the grid have changed; the edit goes with its cell or, if that is gone, ends
-    // without taking the text.
-    void FollowCell(CCellID cell);
+    // The edit goes with its cell. When the cell is removed or becomes fixed the editor closes and its text
+    // is lost.
+    void FollowInsert(Qt::Orientation lines, int at, int count);
+    void FollowRemove(Qt::Orientation lines, int at, int count);
+    void FollowFixed();
     // The cells of some rows are made anew when they are next touched.
     void RowsRemade(int first, int last);
-    // Puts the editor over its cell and, when the cell was made anew, goes by what the cell is and holds now:
-    // a text that the user has not changed is replaced, and an edit in a cell without editable text ends.
+    // Puts the editor over its cell. When the cell was made anew, a text that the user has not changed is
+    // replaced by the cell's, and an edit in a cell without editable text ends.
     void Refresh();
 
 protected:
@@ -47,12 +51,9 @@ protected:
 
 private:
     bool PressKey(const QKeyEvent& event);
-    void EndAndMove(GridKeys::Move move, bool goOn);
-    // The text to store: what stands in the cell, byte for byte, when nothing was typed.
-    CString Text() const;
-    void Close();
+    void FollowCell(CCellID cell);
 
-    CGridCtrl& m_grid;
+    GridController& m_controller;
     QPointer<QLineEdit> m_editor;
     CCellID m_cell;
     bool m_isRemade = false;

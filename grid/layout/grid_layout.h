@@ -15,6 +15,8 @@ struct GridLayout {
     GridAxis rows;
     GridAxis columns;
 
+    GridAxis& Axis(Qt::Orientation lines) { return lines == Qt::Vertical ? rows : columns; }
+
     void SetViewSize(const QSize& size);
     // True when all four edges lie in the grid and in order.
     bool Holds(const CCellRange& range) const;

@@ -82,19 +82,19 @@ void GridMerges::ChangeAll(Change change) {
     }
 }
 
-bool GridMerges::Reaches(int CCellID::*line, int at) const {
-    return line == &CCellID::row ? at <= m_lastRow : !m_blocks.empty();
+bool GridMerges::Reaches(Qt::Orientation lines, int at) const {
+    return lines == Qt::Vertical ? at <= m_lastRow : !m_blocks.empty();
 }
 
-void GridMerges::InsertLines(int CCellID::*line, int at, int count) {
-    if (Reaches(line, at)) {
-        ChangeAll([=](CCellRange& block) { ShiftForInsert(block, line, at, count); });
+void GridMerges::InsertLines(Qt::Orientation lines, int at, int count) {
+    if (Reaches(lines, at)) {
+        ChangeAll([=](CCellRange& block) { ShiftForInsert(block, lines, at, count); });
     }
 }
 
-void GridMerges::RemoveLines(int CCellID::*line, int at, int count) {
-    if (Reaches(line, at)) {
-        ChangeAll([=](CCellRange& block) { ShiftForRemove(block, line, at, count); });
+void GridMerges::RemoveLines(Qt::Orientation lines, int at, int count) {
+    if (Reaches(lines, at)) {
+        ChangeAll([=](CCellRange& block) { ShiftForRemove(block, lines, at, count); });
     }
 }
 

@@ -21,8 +21,8 @@ public:
 
     // A block into which rows or columns are inserted grows; one that loses some shrinks; one of which a
     // single cell is left is dissolved.
-    void InsertLines(int CCellID::*line, int at, int count);
-    void RemoveLines(int CCellID::*line, int at, int count);
+    void InsertLines(Qt::Orientation lines, int at, int count);
+    void RemoveLines(Qt::Orientation lines, int at, int count);
 
 private:
     using Corner = std::pair<int, int>;  // row, column
@@ -30,7 +30,7 @@ private:
     // Adds a block that overlaps no other; nothing for a range of fewer than two cells.
     void Put(const CCellRange& range);
     // Whether rows or columns from that one on hold a part of a block.
-    bool Reaches(int CCellID::*line, int at) const;
+    bool Reaches(Qt::Orientation lines, int at) const;
     template <typename Change>
     void ChangeAll(Change change);
 

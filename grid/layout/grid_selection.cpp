@@ -11,6 +11,25 @@ bool GridSelection::IsSelected(CCellID cell) const {
                        [&](const CCellRange& range) { return range.Contains(cell); });
 }
 
+bool GridSelection::Covers(const CCellRange& range) const {
+    const CCellID first{range.minRow, range.minCol};
+    const CCellID last{range.maxRow, range.maxCol};
+    if (std::ranges::any_of(m_ranges, [&](const CCellRange& selected) {
+            return selected.Contains(first) && selected.Contains(last);
+        })) {
+        return true;
+    }
+    // Several selected ranges may cover it together.
+    for (int row = range.minRow; row <= range.maxRow; ++row) {
+        for (int column = range.minCol; column <= range.maxCol; ++column) {
+            if (!IsSelected({row, column})) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 CCellRange GridSelection::Bounds(int rows, int columns) const {
     CCellRange bounds{rows, columns, -1, -1};
     for (const CCellRange& range : m_ranges) {
@@ -65,19 +84,19 @@ void GridSelection::DropEmptyRanges() {
                   [](const CCellRange& range) { return range.RowCount() < 1 || range.ColumnCount() < 1; });
 }
 
-void GridSelection::InsertLines(int CCellID::*line, int at, int count) {
-    ShiftForInsert(m_focus, line, at, count);
-    ShiftForInsert(m_anchor, line, at, count);
+void GridSelection::InsertLines(Qt::Orientation lines, int at, int count) {
+    ShiftForInsert(m_focus, lines, at, count);
+    ShiftForInsert(m_anchor, lines, at, count);
     for (CCellRange& range : m_ranges) {
-        ShiftForInsert(range, line, at, count);
+        ShiftForInsert(range, lines, at, count);
     }
 }
 
-void GridSelection::RemoveLines(int CCellID::*line, int at, int count) {
-    ShiftForRemove(m_focus, line, at, count);
-    ShiftForRemove(m_anchor, line, at, count);
+void GridSelection::RemoveLines(Qt::Orientation lines, int at, int count) {
+    ShiftForRemove(m_focus, lines, at, count);
+    ShiftForRemove(m_anchor, lines, at, count);
     for (CCellRange& range : m_ranges) {
-        ShiftForRemove(range, line, at, count);
+        ShiftForRemove(range, lines, at, count);
     }
     DropEmptyRanges();
 }

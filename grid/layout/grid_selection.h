@@ -15,6 +15,8 @@ public:
     CCellID Anchor() const { return m_anchor; }
     const std::vector<CCellRange>& Ranges() const { return m_ranges; }
     bool IsSelected(CCellID cell) const;
+    // Whether all cells of range are selected.
+    bool Covers(const CCellRange& range) const;
     // The smallest range that holds all selected cells; (rows, columns, -1, -1) when none is.
     CCellRange Bounds(int rows, int columns) const;
 
@@ -30,8 +32,8 @@ public:
     void LeaveFixed(const CCellRange& allowed);
 
     // Cells that move take focus and selection with them, cells that go away leave them.
-    void InsertLines(int CCellID::*line, int at, int count);
-    void RemoveLines(int CCellID::*line, int at, int count);
+    void InsertLines(Qt::Orientation lines, int at, int count);
+    void RemoveLines(Qt::Orientation lines, int at, int count);
 
 private:
     void DropEmptyRanges();

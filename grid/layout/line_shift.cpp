@@ -4,36 +4,40 @@
 #include <utility>
 
 namespace quorvane {
-
 namespace {
 
+int& LineOf(CCellID& cell, Qt::Orientation lines) {
+    return lines == Qt::Vertical ? cell.row : cell.col;
+}
+
 // The first and the last line of a range.
-std::pair<int&, int&> LinesOf(CCellRange& range, int CCellID::*line) {
-    const bool rows = line == &CCellID::row;
+std::pair<int&, int&> LinesOf(CCellRange& range, Qt::Orientation lines) {
+    const bool rows = lines == Qt::Vertical;
     return {rows ? range.minRow : range.minCol, rows ? range.maxRow : range.maxCol};
 }
 
 }  // namespace
 
-void ShiftForInsert(CCellID& cell, int CCellID::*line, int at, int count) {
-    if (cell.IsValid() && cell.*line >= at) {
-        cell.*line += count;
+void ShiftForInsert(CCellID& cell, Qt::Orientation lines, int at, int count) {
+    if (cell.IsValid() && LineOf(cell, lines) >= at) {
+        LineOf(cell, lines) += count;
     }
 }
 
-void ShiftForRemove(CCellID& cell, int CCellID::*line, int at, int count) {
-    if (!cell.IsValid() || cell.*line < at) {
+void ShiftForRemove(CCellID& cell, Qt::Orientation lines, int at, int count) {
+    int& line = LineOf(cell, lines);
+    if (!cell.IsValid() || line < at) {
         return;
     }
-    if (cell.*line < at + count) {
+    if (line < at + count) {
         cell = CCellID{};
     } else {
-        cell.*line -= count;
+        line -= count;
     }
 }
 
-void ShiftForInsert(CCellRange& range, int CCellID::*line, int at, int count) {
-    const auto [first, last] = LinesOf(range, line);
+void ShiftForInsert(CCellRange& range, Qt::Orientation lines, int at, int count) {
+    const auto [first, last] = LinesOf(range, lines);
     if (at <= first) {
         first += count;
     }
@@ -42,9 +46,9 @@ void ShiftForInsert(CCellRange& range, int CCellID::*line, int at, int count) {
     }
 }
 
-void ShiftForRemove(CCellRange& range, int CCellID::*line, int at, int count) {
+void ShiftForRemove(CCellRange& range, Qt::Orientation lines, int at, int count) {
     const auto newPlace = [=](int number) { return number < at ? number : std::max(at, number - count); };
-    const auto [first, last] = LinesOf(range, line);
+    const auto [first, last] = LinesOf(range, lines);
     const bool lastRemoved = last >= at && last < at + count;
     first = newPlace(first);
     last = lastRemoved ? at - 1 : newPlace(last);

@@ -1,22 +1,48 @@
-// Copying the cells of a grid to the clipboard and pasting text into them.
+// The cells of a grid as text for the clipboard, and text from the clipboard put into cells.
 #pragma once
 
-#include "grid/grid_types.h"
+#include <optional>
+
+#include "grid/output/tab_text.h"
 
 namespace quorvane {
 
-class CGridCtrl;
+class GridCore;
 
-// Puts the selected cells, or the focus cell when none is selected, on the clipboard as tab-separated text.
-// Rows and columns with nothing selected in them are left out; a merged block has its text at its first cell.
-// False, and the clipboard is left alone, when there is nothing to copy.
-bool CopySelection(const CGridCtrl& grid);
+// The selected cells, or the focus cell when none is selected, as tab-separated text. Rows and columns with
+// nothing selected in them are left out; a merged block has its text at its first cell. Nothing without a
+// selection and a focus.
+std::optional<CString> CopiedText(const GridCore& core);
 
-// Pastes tab-separated text from the clipboard cell by cell, from the focus cell on to the right and down.
-// Each cell that the user could edit takes its text as an ended edit; of a list of choices only a choice is
-// taken; all others are passed over. The grid gets no rows or columns by it. Whoever is told of a cell may
-// change the grid: the rest goes on where the focus cell has gone, and ends when that is lost. False without
-// a focus cell or text.
-bool PasteAtFocus(CGridCtrl& grid);
+// Pastes tab-separated text cell by cell, from the focus cell on to the right and down. Cells that the user
+// could not give this text are passed over; the grid gets no rows or columns. Between two cells others may
+// change the grid: the rest goes on where the focus cell has gone, and pasting ends when the focus is lost or
+// moved.
+class GridPaste {
+public:
+    struct Target {
+        CCellID cell;
+        CString text;
+    };
+
+    GridPaste(const GridCore& core, const CString& text);
+
+    // Also when there was no text or no focus cell from the beginning.
+    bool IsDone() const { return m_row >= static_cast<int>(m_table.size()); }
+    // The next cell that takes its text; none when no further one does.
+    std::optional<Target> Next();
+
+private:
+    bool FollowFocus();
+
+    const GridCore& m_core;
+    TextTable m_table;
+    int m_row = 0;  // in m_table, of the next text
+    int m_column = 0;
+    // The grid when the last text was given out.
+    CCellID m_start;
+    int m_rowCount;
+    int m_columnCount;
+};
 
 }  // namespace quorvane

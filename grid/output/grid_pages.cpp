@@ -2,33 +2,33 @@
 
 #include <algorithm>
 
-#include "grid/grid_ctrl.h"
+#include "grid/grid_core.h"
 
 namespace quorvane {
 namespace {
 
 // Whether a block is cut when one page ends with the line before `line`.
-using Cuts = bool (*)(const CGridCtrl& grid, int line);
+using Cuts = bool (*)(const GridCore& core, int line);
 
-bool CutsRows(const CGridCtrl& grid, int row) {
-    for (int column = 0; column < grid.GetColumnCount(); ++column) {
-        if (grid.MergeExtent(row, column).minRow < row) {
+bool CutsRows(const GridCore& core, int row) {
+    for (int column = 0; column < core.ColumnCount(); ++column) {
+        if (core.Extent({row, column}).minRow < row) {
             return true;
         }
     }
     return false;
 }
 
-bool CutsColumns(const CGridCtrl& grid, int column) {
-    for (int row = 0; row < grid.GetRowCount(); ++row) {
-        if (grid.MergeExtent(row, column).minCol < column) {
+bool CutsColumns(const GridCore& core, int column) {
+    for (int row = 0; row < core.RowCount(); ++row) {
+        if (core.Extent({row, column}).minCol < column) {
             return true;
         }
     }
     return false;
 }
 
-std::vector<GridAxis::Lines> Split(const CGridCtrl& grid, const GridAxis& axis, int length, Cuts cuts) {
+std::vector<GridAxis::Lines> Split(const GridCore& core, const GridAxis& axis, int length, Cuts cuts) {
     std::vector<GridAxis::Lines> parts;
     const int room = length - axis.FixedLength();
     for (int first = axis.FixedCount(); first < axis.Count();) {
@@ -37,7 +37,7 @@ std::vector<GridAxis::Lines> Split(const CGridCtrl& grid, const GridAxis& axis, 
             ++next;
         }
         int whole = next;
-        while (whole > first && whole < axis.Count() && cuts(grid, whole)) {
+        while (whole > first && whole < axis.Count() && cuts(core, whole)) {
             --whole;
         }
         next = whole > first ? whole : next;
@@ -52,8 +52,8 @@ std::vector<GridAxis::Lines> Split(const CGridCtrl& grid, const GridAxis& axis, 
 
 }  // namespace
 
-GridPages::GridPages(const CGridCtrl& grid, const QSize& room)
-    : m_rows(Split(grid, grid.Layout().rows, room.height(), CutsRows)),
-      m_columns(Split(grid, grid.Layout().columns, room.width(), CutsColumns)) {}
+GridPages::GridPages(const GridCore& core, const QSize& room)
+    : m_rows(Split(core, core.Layout().rows, room.height(), CutsRows)),
+      m_columns(Split(core, core.Layout().columns, room.width(), CutsColumns)) {}
 
 }  // namespace quorvane

@@ -10,14 +10,14 @@
 
 namespace quorvane {
 
-class CGridCtrl;
+class GridCore;
 
 // Each page shows the fixed rows and columns and a part of the others. Pages go down the rows first, then to
 // the right. A merged block is cut only where it is longer than a page.
 class GridPages {
 public:
-    // room: what a page offers, in the pixels that the grid's rows and columns are measured in.
-    GridPages(const CGridCtrl& grid, const QSize& room);
+    // room: the size of a page in the pixels in which rows and columns are measured.
+    GridPages(const GridCore& core, const QSize& room);
 
     // At least one as soon as the grid has a cell.
     int Count() const { return static_cast<int>(m_rows.size() * m_columns.size()); }

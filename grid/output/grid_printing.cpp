@@ -5,13 +5,14 @@
 #include <algorithm>
 
 #include "grid/cells/cell_text.h"
-#include "grid/grid_ctrl.h"
+#include "grid/grid_core.h"
+#include "grid/grid_painter.h"
 
 namespace quorvane {
 namespace {
 
-constexpr double SmallestScale = 0.6;
-constexpr int FooterHeight = 32;  // pixels of the screen
+constexpr double kSmallestScale = 0.6;
+constexpr int kFooterHeight = 32;  // pixels of the screen
 
 // Sizes in points would follow the printer's resolution, the grid's sizes do not.
 QFont InPixels(QFont font) {
@@ -29,22 +30,22 @@ int Offset(const GridAxis& axis, int from, int to) {
 
 }  // namespace
 
-GridPrinting::GridPrinting(const CGridCtrl& grid, const QSizeF& paper)
-    : m_grid(grid), m_paper(paper), m_pages(grid, Room()) {}
+GridPrinting::GridPrinting(const GridCore& core, const GridLooks& looks, const QSizeF& paper)
+    : m_core(core), m_looks(looks), m_paper(paper), m_pages(core, Room()) {}
 
 double GridPrinting::Scale() const {
-    const GridAxis& columns = m_grid.Layout().columns;
+    const GridAxis& columns = m_core.Layout().columns;
     const double width = static_cast<double>(columns.Start(columns.Count())) + 1;
-    return std::clamp(m_paper.width() / width, SmallestScale, 1.0);
+    return std::clamp(m_paper.width() / width, kSmallestScale, 1.0);
 }
 
 QSize GridPrinting::Room() const {
     return {static_cast<int>(m_paper.width() / Scale()),
-            static_cast<int>((m_paper.height() - FooterHeight) / Scale())};
+            static_cast<int>((m_paper.height() - kFooterHeight) / Scale())};
 }
 
 void GridPrinting::DrawPage(QPainter& painter, int page) const {
-    const GridLayout& layout = m_grid.Layout();
+    const GridLayout& layout = m_core.Layout();
     const GridAxis::Lines headingRows{0, layout.rows.FixedCount() - 1};
     const GridAxis::Lines headingColumns{0, layout.columns.FixedCount() - 1};
     const QPoint body(layout.columns.FixedLength(), layout.rows.FixedLength());
@@ -59,8 +60,8 @@ void GridPrinting::DrawPage(QPainter& painter, int page) const {
     painter.restore();
 
     painter.save();
-    painter.setFont(InPixels(m_grid.font()));
-    painter.drawText(QRectF(0, m_paper.height() - FooterHeight, m_paper.width(), FooterHeight),
+    painter.setFont(InPixels(m_core.Font()));
+    painter.drawText(QRectF(0, m_paper.height() - kFooterHeight, m_paper.width(), kFooterHeight),
                      Qt::AlignHCenter | Qt::AlignBottom,
                      QString::asprintf("Page %d of %d", page + 1, PageCount()));
     painter.restore();
@@ -71,14 +72,14 @@ void GridPrinting::DrawPart(QPainter& painter, const GridAxis::Lines& rows, cons
     if (rows.IsEmpty() || columns.IsEmpty()) {
         return;
     }
-    const GridLayout& layout = m_grid.Layout();
+    const GridLayout& layout = m_core.Layout();
     painter.save();
     painter.setClipRect(QRect(at.x(), at.y(), static_cast<int>(Length(layout.columns, columns)) + 1,
                               static_cast<int>(Length(layout.rows, rows)) + 1),
                         Qt::IntersectClip);
     for (int row = rows.first; row <= rows.last; ++row) {
         for (int column = columns.first; column <= columns.last; ++column) {
-            const CCellRange block = m_grid.MergeExtent(row, column);
+            const CCellRange block = m_core.Extent({row, column});
             if (row != std::max(block.minRow, rows.first) ||
                 column != std::max(block.minCol, columns.first)) {
                 continue;
@@ -94,27 +95,27 @@ void GridPrinting::DrawPart(QPainter& painter, const GridAxis::Lines& rows, cons
 }
 
 void GridPrinting::DrawCell(QPainter& painter, CCellID cell, const QRect& rect) const {
-    const CGridCellBase* source = m_grid.Cell(cell.row, cell.col);
+    const CGridCellBase* source = m_core.Cell(cell);
     if (source == nullptr || rect.isEmpty()) {
         return;
     }
     const QColor own = source->GetBackColour();
-    const bool fixed = m_grid.Layout().IsFixed(cell);
+    const bool fixed = m_core.Layout().IsFixed(cell);
     if (own.isValid() || fixed) {
-        painter.fillRect(rect, own.isValid() ? own : m_grid.GetFixedBackgroundColour());
+        painter.fillRect(rect, own.isValid() ? own : m_looks.FixedBackground());
     }
-    painter.setPen(fixed ? m_grid.GetShadowColour() : m_grid.GetGridLineColour());
+    painter.setPen(fixed ? m_looks.Shadow() : GridLooks::kGridLine);
     painter.drawRect(rect);  // its right and lower lines are the next cells' left and upper ones
     painter.setPen(source->GetTextColour().isValid() ? source->GetTextColour() : QColor(Qt::black));
-    painter.setFont(InPixels(source->GetFont().value_or(m_grid.font())));
+    painter.setFont(InPixels(m_core.FontOf(*source)));
     // The text alone: buttons are of no use on paper.
     const int margin = std::max(1, source->GetMargin());
     DrawCellText(painter, rect.adjusted(margin, 1, -margin, -1), source->GetText(), source->GetFormat());
 }
 
-bool PrintGrid(const CGridCtrl& grid, QPrinter& printer) {
-    const double unit = static_cast<double>(printer.resolution()) / grid.logicalDpiY();
-    const GridPrinting printing(grid, printer.pageRect(QPrinter::DevicePixel).size() / unit);
+bool PrintGrid(const GridCore& core, const GridLooks& looks, int screenDpi, QPrinter& printer) {
+    const double unit = static_cast<double>(printer.resolution()) / screenDpi;
+    const GridPrinting printing(core, looks, printer.pageRect(QPrinter::DevicePixel).size() / unit);
     const bool all = printer.printRange() != QPrinter::PageRange || printer.fromPage() < 1;
     const int first = all ? 0 : printer.fromPage() - 1;
     const int end = all ? printing.PageCount() : std::min(printing.PageCount(), printer.toPage());

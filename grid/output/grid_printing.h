@@ -9,18 +9,20 @@ class QPainter;
 
 namespace quorvane {
 
-class CGridCtrl;
+class GridCore;
+struct GridLooks;
 
 // Prints the pages that the printer is set to print. False when there is nothing to print or the printer (or
-// the file that it prints into) refuses.
-bool PrintGrid(const CGridCtrl& grid, QPrinter& printer);
+// the file that it prints into) refuses. screenDpi: pixels an inch of the screen that the sizes are meant
+// for.
+bool PrintGrid(const GridCore& core, const GridLooks& looks, int screenDpi, QPrinter& printer);
 
-// Draws the pages of a grid, which must stay as it is meanwhile.
+// Draws the pages of a grid that does not change meanwhile.
 class GridPrinting {
 public:
-    // paper: the printable area in pixels of the screen. A grid that is too wide is made smaller, but not so
-    // small that it cannot be read; what is still too wide goes on further pages.
-    GridPrinting(const CGridCtrl& grid, const QSizeF& paper);
+    // paper: the printable area in pixels of the screen. A grid that is too wide is made smaller, down to a
+    // size that can still be read; the columns that do not fit then go on further pages.
+    GridPrinting(const GridCore& core, const GridLooks& looks, const QSizeF& paper);
 
     int PageCount() const { return m_pages.Count(); }
     const GridPages& Pages() const { return m_pages; }
@@ -34,7 +36,8 @@ private:
                   const QPoint& at) const;
     void DrawCell(QPainter& painter, CCellID cell, const QRect& rect) const;
 
-    const CGridCtrl& m_grid;
+    const GridCore& m_core;
+    const GridLooks& m_looks;
     QSizeF m_paper;
     GridPages m_pages;
 };

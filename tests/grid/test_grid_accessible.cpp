@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "grid/accessibility/grid_announcer.h"
+#include "grid/grid_controller.h"
 #include "shown_grid.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -82,7 +82,7 @@ private Q_SLOTS:
 
     void TellsWhatChanges() {
         Show(5, 3, 1, 0);
-        m_grid->Announcer().SendTo(Keep);
+        m_grid->Controller().Announcer().SendTo(Keep);
         m_grid->SetFocusCell({1, 0});
         g_told.clear();
         QTest::keyClick(m_grid, Qt::Key_Down);

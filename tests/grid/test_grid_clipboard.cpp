@@ -5,6 +5,7 @@
 #include <QTest>
 #include <memory>
 
+#include "grid/grid_controller.h"
 #include "grid/output/tab_text.h"
 #include "shown_grid.h"
 
@@ -38,7 +39,7 @@ private Q_SLOTS:
 
     void CopiesWhatIsSelected() {
         QCOMPARE(Copied(), u"before"_s);
-        m_grid->FocusWithoutSelecting({2, 2});
+        m_grid->Controller().Core().FocusWithoutSelecting({2, 2});
         QCOMPARE(Copied(), u"2,2"_s);
         m_grid->MergeCells(3, 1, 1, 1);
         m_grid->SetItemText(3, 1, u"a\nb"_s);

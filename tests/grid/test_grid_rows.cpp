@@ -9,6 +9,7 @@
 #include <functional>
 #include <vector>
 
+#include "grid/grid_controller.h"
 #include "shown_grid.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -52,7 +53,7 @@ private Q_SLOTS:
             [](CGridCtrl& grid) { grid.IsCellEditable(7, 1); },
             [](CGridCtrl& grid) { grid.BeginEdit(7, 1); },
             [](CGridCtrl& grid) {
-                grid.FocusWithoutSelecting({7, 1});
+                grid.Controller().Core().FocusWithoutSelecting({7, 1});
                 QTest::keySequence(&grid, QKeySequence(QKeySequence::Copy));
             },
             [](CGridCtrl& grid) {
@@ -76,7 +77,7 @@ private Q_SLOTS:
         const LazyGrid lazy(grid, 50'000);
         grid.InsertColumn(u"heading"_s, CellFormat::Right, 1);
         grid.InsertRow({}, 5);
-        grid.SelectAllCells();
+        grid.SetSelectedRange({1, 0, grid.GetRowCount() - 1, 3});
         grid.MergeCells(3, 0, 1, 1);
         grid.SetRowHeight(9, 40);
         grid.DeleteRow(7);

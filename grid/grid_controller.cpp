@@ -1,0 +1,514 @@
+#include "grid/grid_controller.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFontMetrics>
+#include <QScrollBar>
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "grid/cells/cell_text.h"
+#include "grid/cells/grid_btn_cell.h"
+#include "grid/output/grid_clipboard.h"
+
+namespace quorvane {
+namespace {
+
+int DefaultRowHeight(const QFont& font) {
+    constexpr int kAroundText = 6;
+    return QFontMetrics(font).height() + kAroundText;
+}
+
+int DefaultColumnWidth(const QFont& font) {
+    constexpr int kDigits = 10;
+    return QFontMetrics(font).horizontalAdvance(u'0') * kDigits;
+}
+
+}  // namespace
+
+GridController::GridController(CGridCtrl& grid)
+    : m_grid(grid),
+      m_core(DefaultRowHeight(grid.font()), DefaultColumnWidth(grid.font())),
+      m_mouse(m_core),
+      m_edit(*this),
+      m_announcer(grid, m_core) {
+    m_core.SetFont(grid.font());
+    m_core.SetListener(this);
+    m_scrollTimer.setInterval(std::chrono::milliseconds(40));
+    QObject::connect(&m_scrollTimer, &QTimer::timeout, &m_scrollTimer, [this] { ScrollOn(); });
+}
+
+GridController::~GridController() {
+    m_core.SetListener(nullptr);
+    m_edit.Cancel();
+}
+
+// ---- Signals
+
+bool GridController::EndStep(const QPointer<CGridCtrl>& alive) {
+    if (alive.isNull()) {
+        return false;
+    }
+    m_isInStep = false;
+    const std::vector<Notice> notices = std::exchange(m_notices, {});
+    for (const Notice& notice : notices) {
+        EmitNotice(notice);
+        if (alive.isNull()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void GridController::EmitNotice(const Notice& notice) {
+    if (notice.cell != nullptr) {
+        (m_grid.*notice.cell)(notice.place.row, notice.place.col);
+    } else if (notice.button >= 0) {
+        Q_EMIT m_grid.ButtonClicked(notice.place.row, notice.place.col, notice.button);
+    } else {
+        Q_EMIT m_grid.SelectionChanged();
+    }
+}
+
+// ---- Changes of the core
+
+void GridController::LinesInserted(Qt::Orientation lines, int at, int count) {
+    m_announcer.LinesInserted(lines, at, count);
+    ForgetPointer();
+    m_edit.FollowInsert(lines, at, count);
+    SizesChanged();
+}
+
+void GridController::LinesRemoved(Qt::Orientation lines, int at, int count) {
+    m_announcer.LinesRemoved(lines, at, count);
+    ForgetPointer();
+    m_edit.FollowRemove(lines, at, count);
+    SizesChanged();
+}
+
+void GridController::FixedLinesChanged() {
+    ForgetPointer();
+    m_edit.FollowFixed();
+    SizesChanged();
+}
+
+void GridController::RowsRemade(int first, int last) {
+    CloseList();
+    m_edit.RowsRemade(first, last);
+    SizesChanged();
+    m_announcer.RowsChanged(first, last);
+}
+
+void GridController::BlocksChanged() {
+    m_announcer.BlocksChanged();
+    SizesChanged();
+}
+
+void GridController::CellChanged(CCellID cell) {
+    if (!m_isRedrawDue) {
+        const QRect rect = m_core.CellRect(cell) & m_grid.viewport()->rect();
+        if (!rect.isEmpty()) {
+            m_grid.viewport()->update(rect);
+        }
+    }
+}
+
+void GridController::SelectionChanged(bool focus, bool ranges) {
+    Redraw();
+    Perform([&] {
+        if (focus) {
+            m_notices.push_back({&CGridCtrl::FocusCellChanged, m_core.Focus()});
+        }
+        if (ranges) {
+            m_notices.push_back({});
+        }
+    });
+}
+
+void GridController::SizesChanged() {
+    // The scroll bars follow at the end of the present event. So emptying and refilling the grid keeps the
+    // place that the user has scrolled to, and many changes cost no more than one.
+    if (!std::exchange(m_isSyncDue, true)) {
+        QCoreApplication::postEvent(&m_grid, new QEvent(QEvent::LayoutRequest));
+    }
+    m_edit.Place();
+    Redraw();
+}
+
+void GridController::ForgetPointer() {
+    m_mouse.Reset();
+    m_scrollTimer.stop();
+    CloseList();
+}
+
+void GridController::CloseList() {
+    if (m_choices != nullptr) {
+        m_choices->close();
+    }
+}
+
+// ---- Window
+
+void GridController::Redraw() {
+    if (!std::exchange(m_isRedrawDue, true)) {
+        m_grid.viewport()->update();
+    }
+}
+
+void GridController::FollowFont() {
+    m_core.SetFont(m_grid.font());
+    m_core.Layout().rows.SetDefaultSize(DefaultRowHeight(m_grid.font()));
+    SizesChanged();
+}
+
+void GridController::ResetSizes() {
+    m_core.Layout().rows.ResetSizes();
+    m_core.Layout().columns.ResetSizes();
+    FollowFont();
+}
+
+void GridController::FollowScrollBars() {
+    m_core.Layout().rows.SetScroll(m_grid.verticalScrollBar()->value());
+    m_core.Layout().columns.SetScroll(m_grid.horizontalScrollBar()->value());
+    m_edit.Place();
+    Redraw();
+}
+
+void GridController::SyncScrollBars() {
+    m_isSyncDue = false;
+    GridLayout& layout = m_core.Layout();
+    layout.SetViewSize(m_grid.viewport()->size());
+    const QSize room = m_grid.maximumViewportSize();
+    // Without this each scroll bar might stand there only because the other one takes its room.
+    const bool fits = layout.rows.Start(layout.rows.Count()) <= room.height() &&
+                      layout.columns.Start(layout.columns.Count()) <= room.width();
+    const auto sync = [fits](QScrollBar& bar, const GridAxis& axis, int step) {
+        bar.setRange(0, fits ? 0 : axis.MaxScroll());
+        bar.setPageStep(std::max(1, axis.ViewLength() - axis.FixedLength()));
+        bar.setSingleStep(step);
+    };
+    sync(*m_grid.verticalScrollBar(), layout.rows, layout.rows.DefaultSize());
+    sync(*m_grid.horizontalScrollBar(), layout.columns,
+         QFontMetrics(m_grid.font()).horizontalAdvance(u'0') * 3);
+}
+
+void GridController::FollowLayout() {
+    SyncScrollBars();
+    m_edit.Refresh();
+}
+
+void GridController::EnsureVisible(CCellID cell) {
+    if (m_core.Layout().Holds(cell)) {
+        SyncScrollBars();
+        const CCellRange block = m_core.Extent(cell);
+        const GridLayout& layout = m_core.Layout();
+        m_grid.verticalScrollBar()->setValue(layout.rows.ScrollToShow(block.minRow, block.maxRow));
+        m_grid.horizontalScrollBar()->setValue(layout.columns.ScrollToShow(block.minCol, block.maxCol));
+    }
+}
+
+void GridController::AutoSizeColumn(int column) {
+    const int widest = std::max(m_grid.viewport()->width(), GridMouse::kSmallestColumn);
+    int width = GridMouse::kSmallestColumn;
+    const auto takeIn = [&](int row) {
+        const CGridCellBase& cell = *m_core.Cell({row, column});
+        const CCellRange block = m_core.Extent({row, column});
+        if (block.ColumnCount() == 1 && block.minRow == row) {
+            width = std::max(width, cell.ContentWidth(m_core.FontOf(cell), widest) + AverageCharWidth());
+        }
+    };
+    const GridAxis& rows = m_core.Layout().rows;
+    for (int row = 0; row < rows.FixedCount(); ++row) {
+        takeIn(row);
+    }
+    const GridAxis::Lines visible = rows.VisibleScrolling(0, m_grid.viewport()->height());
+    for (int row = visible.first; row <= visible.last; ++row) {
+        takeIn(row);
+    }
+    m_core.SetSize(Qt::Horizontal, column, std::min(width, widest));
+}
+
+// ---- Operations
+
+bool GridController::Execute(const GridCommand& command, const QEvent* event) {
+    using Kind = GridCommand::Kind;
+    const CCellID cell = command.cell;
+    switch (command.kind) {
+        case Kind::PassOn:
+            return false;
+        case Kind::Focus:
+            SetFocusCell(cell);
+            return true;
+        case Kind::Extend:
+            EnsureVisible(m_core.IsSelectable(cell) ? cell : CCellID{});
+            m_core.ExtendSelection(cell, true);
+            return true;
+        case Kind::Drag:
+            m_core.ExtendSelection(cell, false);
+            return true;
+        case Kind::Add:
+            m_core.AddToSelection(cell);
+            return true;
+        case Kind::SelectLines:
+            m_core.SelectLines(command.lines, command.modifiers);
+            return true;
+        case Kind::SelectAll:
+            m_core.SelectRange(m_core.Layout().ScrollingCells());
+            return true;
+        case Kind::ClearSelection:
+            m_core.ClearSelection();
+            return true;
+        case Kind::Edit:
+            return BeginEdit(cell, InPlaceEdit::Start::AllSelected);
+        case Kind::EditAtEnd:
+            return BeginEdit(cell, InPlaceEdit::Start::CaretAtEnd);
+        case Kind::Type:
+            return BeginEdit(cell, InPlaceEdit::Start::Empty, event);
+        case Kind::PressButton:
+            return PressButton(cell, command.number);
+        case Kind::Click:
+            Click(cell);
+            return true;
+        case Kind::ClearText:
+            TakeText(cell, {});
+            return true;
+        case Kind::Copy:
+            return Copy();
+        case Kind::Paste:
+            return Paste();
+        case Kind::ColumnWidth:
+            m_core.SetSize(Qt::Horizontal, cell.col, command.number);
+            return true;
+        case Kind::Redraw:
+            CellChanged(cell);
+            return true;
+        default:
+            return true;
+    }
+}
+
+void GridController::SetFocusCell(CCellID cell) {
+    EnsureVisible(m_core.IsSelectable(cell) ? m_core.Origin(cell) : CCellID{});
+    m_core.SetFocus(cell);
+}
+
+bool GridController::BeginEdit(CCellID cell, InPlaceEdit::Start start, const QEvent* typed) {
+    bool opened = false;
+    // Between the steps others are told, who may do anything.
+    const auto mayOpen = [=, this] { return !m_edit.IsOn() && m_core.EditingOf(cell) != CellEditing::None; };
+    if (m_core.EditingOf(cell) == CellEditing::None) {
+        return false;
+    }
+    Perform([this] { EndEdit(); },
+            [=, this] {
+                if (mayOpen() && m_core.Focus() != cell) {
+                    SetFocusCell(cell);
+                }
+            },
+            [=, this, &opened] {
+                if (mayOpen() && m_core.Focus() == cell) {
+                    opened = true;
+                    OpenAt(cell, start, typed);
+                }
+            });
+    return opened;
+}
+
+void GridController::OpenAt(CCellID cell, InPlaceEdit::Start start, const QEvent* typed) {
+    EnsureVisible(cell);
+    if (m_core.EditingOf(cell) == CellEditing::Choice) {
+        DropDown(cell);
+        return;
+    }
+    m_edit.Begin(cell, start);
+    if (typed != nullptr) {
+        const std::unique_ptr<QEvent> copy(typed->clone());
+        QCoreApplication::sendEvent(m_edit.Editor(), copy.get());
+    }
+}
+
+void GridController::DropDown(CCellID cell) {
+    const auto* combo = dynamic_cast<const CGridBtnCellCombo*>(m_core.Cell(cell));
+    if (combo == nullptr) {
+        return;
+    }
+    CloseList();
+    m_choices = new ComboList(combo->Choices(), combo->GetText(), &m_grid);
+    m_choices->setAccessibleName(m_core.ColumnHeadingText(cell.col));
+    QObject::connect(m_choices, &ComboList::Chosen, &m_grid, [this, cell](const CString& text) {
+        m_choices.clear();
+        TakeText(cell, text);
+    });
+    const QRect rect = m_core.CellRect(cell) & m_grid.viewport()->rect();
+    m_choices->DropFrom(QRect(m_grid.viewport()->mapToGlobal(rect.topLeft()), rect.size()));
+}
+
+void GridController::EndEdit() {
+    Perform([this] {
+        const CCellID cell = m_edit.Cell();
+        if (const std::optional<CString> text = m_edit.Close()) {
+            TakeText(cell, *text);
+        }
+    });
+}
+
+void GridController::TakeText(CCellID cell, const CString& text) {
+    Perform([&] {
+        if (m_core.SetText(cell, text)) {
+            m_notices.push_back({&CGridCtrl::EndLabelEdit, cell});
+        }
+    });
+}
+
+void GridController::EndEditAndMove(GridMove move) {
+    Perform([this] { EndEdit(); },
+            [=, this] {
+                const CCellID target = m_edit.IsOn() ? CCellID{} : Step(m_core, m_core.Focus(), move);
+                if (target.IsValid()) {
+                    SetFocusCell(target);
+                }
+            });
+}
+
+void GridController::EndEditAndGoOn(GridMove move) {
+    const CCellID edited = m_edit.Cell();
+    CCellID target;
+    Perform([this] { EndEdit(); },
+            [=, this, &target] {
+                // Whoever was told of the edit may have inserted or removed rows, which moves the focus with
+                // its cell; or have refilled the grid, which clears it.
+                const CCellID from = m_core.Focus().IsValid() ? m_core.Focus() : edited;
+                if (!m_edit.IsOn() && m_core.Layout().Holds(from)) {
+                    target = NextAfterEdit(m_core, from, move);
+                    SetFocusCell(target.IsValid() ? target : from);
+                }
+            },
+            [=, this, &target] {
+                const bool opens = target.IsValid() && m_core.Focus() == target && !m_edit.IsOn();
+                if (opens && m_core.EditingOf(target) == CellEditing::Text) {
+                    OpenAt(target, InPlaceEdit::Start::AllSelected, nullptr);
+                }
+            });
+}
+
+bool GridController::PressButton(CCellID cell, int button) {
+    const CGridCellBase* source = m_core.IsSelectable(cell) ? m_core.Cell(cell) : nullptr;
+    if (source != nullptr && source->Editing() == CellEditing::Choice) {
+        return BeginEdit(cell, InPlaceEdit::Start::AllSelected);
+    }
+    return Do([&] {
+        const bool pressed = m_core.PressBtn(cell, button);
+        if (pressed) {
+            m_notices.push_back({nullptr, cell, button});
+        }
+        return pressed;
+    });
+}
+
+void GridController::FocusAndPress(const std::function<CCellID()>& place, bool press) {
+    CCellID target;
+    Perform([this] { m_grid.setFocus(Qt::OtherFocusReason); },
+            [&, this] {
+                target = place();
+                if (m_core.IsSelectable(target)) {
+                    SetFocusCell(target);
+                }
+            },
+            [&, this] {
+                if (press && target.IsValid() && m_core.Focus() == target) {
+                    PressButton(target, 0);
+                }
+            });
+}
+
+void GridController::Click(CCellID cell) {
+    const bool opensChoices = m_mouse.OpensChoices();
+    Perform(
+        [=, this] {
+            m_notices.push_back({&CGridCtrl::CellClicked, cell});
+        },
+        [=, this] {
+            const bool opens = opensChoices && !m_edit.IsOn() && m_core.Focus() == cell;
+            if (opens && m_core.EditingOf(cell) == CellEditing::Choice) {
+                OpenAt(cell, InPlaceEdit::Start::AllSelected, nullptr);
+            }
+        });
+}
+
+bool GridController::Copy() {
+    const std::optional<CString> text = CopiedText(m_core);
+    if (text) {
+        QApplication::clipboard()->setText(*text);
+    }
+    return text.has_value();
+}
+
+bool GridController::Paste() {
+    GridPaste paste(m_core, QApplication::clipboard()->text());
+    if (paste.IsDone()) {
+        return false;
+    }
+    const QPointer<CGridCtrl> alive(&m_grid);
+    const auto step = [&] {
+        if (const auto next = paste.Next()) {
+            TakeText(next->cell, next->text);
+        }
+    };
+    while (!paste.IsDone() && !m_edit.IsOn() && RunStep(step, alive)) {
+    }
+    return true;
+}
+
+// ---- Mouse
+
+void GridController::MousePress(const QMouseEvent& event) {
+    Perform([this] { EndEdit(); }, [&, this] { Execute(m_mouse.Press(event)); });
+}
+
+void GridController::MouseMove(const QMouseEvent& event) {
+    const QPoint position = event.position().toPoint();
+    if ((event.buttons() & Qt::LeftButton) == 0) {
+        const bool onEdge = m_mouse.EdgeAt(position).has_value();
+        m_grid.viewport()->setCursor(onEdge ? Qt::SplitHCursor : Qt::ArrowCursor);
+        return;
+    }
+    if (position == m_mouse.LastPosition()) {
+        return;
+    }
+    const GridCommand command = m_mouse.Drag(position);
+    if (m_mouse.Overshoot().isNull()) {
+        m_scrollTimer.stop();
+    } else if (!m_scrollTimer.isActive()) {
+        m_scrollTimer.start();
+    }
+    Execute(command);
+}
+
+void GridController::ScrollOn() {
+    const QPoint overshoot = m_mouse.Overshoot();
+    QScrollBar& across = *m_grid.horizontalScrollBar();
+    QScrollBar& down = *m_grid.verticalScrollBar();
+    across.setValue(across.value() + overshoot.x());
+    down.setValue(down.value() + overshoot.y());
+    Execute(m_mouse.Drag(m_mouse.LastPosition()));
+}
+
+void GridController::MouseRelease(const QMouseEvent& event) {
+    m_scrollTimer.stop();
+    const GridCommand command = m_mouse.Release(event);
+    CellChanged(command.cell);
+    Execute(command);
+}
+
+void GridController::MouseDoubleClick(const QMouseEvent& event) {
+    const std::optional<int> edge = m_mouse.EdgeAt(event.position().toPoint());
+    if (event.button() == Qt::LeftButton && edge) {
+        AutoSizeColumn(*edge);
+        return;
+    }
+    Perform([this] { EndEdit(); }, [&, this] { Execute(m_mouse.Press(event)); },
+            [&, this] { Execute(m_mouse.DoubleClick(event)); });
+}
+
+}  // namespace quorvane

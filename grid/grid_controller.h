@@ -1,0 +1,147 @@
+// GridController: what happens in a grid's window. It carries out what keys, mouse, assistive technology and
+// the public operations ask for, shows the changes of the core, and emits the grid's signals.
+#pragma once
+
+#include <QIcon>
+#include <QPointer>
+#include <QTimer>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "grid/accessibility/grid_announcer.h"
+#include "grid/grid_core.h"
+#include "grid/grid_ctrl.h"
+#include "grid/input/combo_list.h"
+#include "grid/input/grid_keys.h"
+#include "grid/input/grid_mouse.h"
+#include "grid/input/in_place_edit.h"
+
+namespace quorvane {
+
+// Signals are emitted in one place, at the end of a step. Whoever receives one may change or destroy the
+// grid, so an operation that goes on afterwards is written as several steps, and no step runs when the grid
+// is gone.
+class GridController : private GridListener {
+public:
+    explicit GridController(CGridCtrl& grid);
+    ~GridController();
+    GridController(const GridController&) = delete;
+    GridController& operator=(const GridController&) = delete;
+
+    CGridCtrl& Grid() const { return m_grid; }
+    GridCore& Core() { return m_core; }
+    const GridCore& Core() const { return m_core; }
+    GridAnnouncer& Announcer() { return m_announcer; }
+    const InPlaceEdit& Edit() const { return m_edit; }
+    const GridMouse& Mouse() const { return m_mouse; }
+    // The list that is dropped down from a cell; null when none is.
+    ComboList* OpenList() const {
+        return m_choices != nullptr && m_choices->isVisible() ? m_choices.data() : nullptr;
+    }
+
+    // Runs the steps one after another; what a step changed is told before the next one begins. Steps that
+    // are run within a step are part of it.
+    template <typename... Steps>
+    void Perform(Steps... steps) {
+        const QPointer<CGridCtrl> alive(&m_grid);
+        static_cast<void>((RunStep(steps, alive) && ...));
+    }
+    // One step, and what it returns.
+    template <typename Work>
+    auto Do(Work work) {
+        decltype(work()) result{};
+        Perform([&] { result = work(); });
+        return result;
+    }
+
+    // ---- Operations
+    // False for a command that the event is to be passed on for.
+    bool Execute(const GridCommand& command, const QEvent* event = nullptr);
+    void SetFocusCell(CCellID cell);
+    bool BeginEdit(CCellID cell, InPlaceEdit::Start start, const QEvent* typed = nullptr);
+    void EndEdit();
+    void CancelEdit() { m_edit.Cancel(); }
+    // Ends the edit and moves the focus; or goes on in the next cell, which is opened when its text can be
+    // edited.
+    void EndEditAndMove(GridMove move);
+    void EndEditAndGoOn(GridMove move);
+    // What every ended edit does: puts the text into the cell and notifies.
+    void TakeText(CCellID cell, const CString& text);
+    bool PressButton(CCellID cell, int button);
+    // Gives the focus to the cell that place finds once the grid has the keyboard; then presses its button or
+    // drops down its list.
+    void FocusAndPress(const std::function<CCellID()>& place, bool press);
+
+    void MousePress(const QMouseEvent& event);
+    void MouseMove(const QMouseEvent& event);
+    void MouseRelease(const QMouseEvent& event);
+    void MouseDoubleClick(const QMouseEvent& event);
+
+    // ---- Window
+    void FollowFont();
+    // All rows and columns take the default sizes.
+    void ResetSizes();
+    void FollowScrollBars();
+    void SyncScrollBars();
+    // The end of an event in which shape, sizes or cells have changed.
+    void FollowLayout();
+    void PlaceEditor() { m_edit.Place(); }
+    void EnsureVisible(CCellID cell);
+    void SizesChanged() override;
+    void Redraw();
+    void Painted() { m_isRedrawDue = false; }
+
+private:
+    struct Notice {
+        void (CGridCtrl::*cell)(int, int) = nullptr;  // a signal about a cell; else one of the others
+        CCellID place = {};
+        int button = -1;
+    };
+
+    template <typename Step>
+    bool RunStep(Step& step, const QPointer<CGridCtrl>& alive) {
+        const bool outermost = !m_isInStep;
+        m_isInStep = true;
+        step();
+        return outermost ? EndStep(alive) : !alive.isNull();
+    }
+    // Emits what the step has recorded. False when the grid is gone.
+    bool EndStep(const QPointer<CGridCtrl>& alive);
+    void EmitNotice(const Notice& notice);
+
+    void LinesInserted(Qt::Orientation lines, int at, int count) override;
+    void LinesRemoved(Qt::Orientation lines, int at, int count) override;
+    void FixedLinesChanged() override;
+    void RowsRemade(int first, int last) override;
+    void BlocksChanged() override;
+    void CellChanged(CCellID cell) override;
+    void TextChanged(CCellID cell) override { m_announcer.TextChanged(cell); }
+    void SelectionChanged(bool focus, bool ranges) override;
+
+    void ForgetPointer();
+    void CloseList();
+    void MoveAfterEdit(CCellID target);
+    void OpenAt(CCellID cell, InPlaceEdit::Start start, const QEvent* typed);
+    void DropDown(CCellID cell);
+    void Click(CCellID cell);
+    bool Copy();
+    bool Paste();
+    void ScrollOn();
+    // Makes a column as wide as its headings and its texts in view need.
+    void AutoSizeColumn(int column);
+
+    CGridCtrl& m_grid;
+    GridCore m_core;
+    GridMouse m_mouse;
+    InPlaceEdit m_edit;
+    GridAnnouncer m_announcer;
+    QPointer<ComboList> m_choices;
+    QTimer m_scrollTimer;  // while a selecting drag is beyond the window
+    std::vector<Notice> m_notices;
+    bool m_isInStep = false;
+    bool m_isSyncDue = false;    // of the scroll bars, at the end of the present event
+    bool m_isRedrawDue = false;  // of the whole window; single cells need not ask then
+};
+
+}  // namespace quorvane

@@ -56,6 +56,9 @@ readonly screenPackages=(
     xdotool x11-xserver-utils      # keys and mouse; keys for Chinese characters
     scrot                          # pictures
 )
+readonly benchPackages=(
+    sqlitebrowser                  # the yardstick: a program that shows the same file
+)
 readonly checkPackages=(
     clang-format clang-tidy
     locales                        # sources of a locale with a decimal comma, for the tests

@@ -30,12 +30,19 @@ if(QUORVANE_SANITIZE)
 endif()
 
 # quorvane_room(NAME SOURCES ... LINK ...): the static library of one folder.
-# Where several sources are compiled as one unit (preset release), pages and dialogs stay alone, because they give
-# their constants the same names.
+# The preset release compiles these sources ten at a time as one unit, all but pages and dialogs, which use the same
+# names for their own constants. Sources that target_sources adds later are compiled alone.
 function(quorvane_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;LINK" ${ARGN})
   qt_add_library(${name} STATIC ${ROOM_SOURCES})
-  list(FILTER ROOM_SOURCES INCLUDE REGEX "_(page|dialog)\\.cpp$")
-  set_source_files_properties(${ROOM_SOURCES} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   target_link_libraries(${name} PUBLIC quorvane_options ${ROOM_LINK})
+  set_target_properties(${name} PROPERTIES UNITY_BUILD_MODE GROUP)
+  list(FILTER ROOM_SOURCES INCLUDE REGEX "\\.cpp$")
+  list(FILTER ROOM_SOURCES EXCLUDE REGEX "_(page|dialog)\\.cpp$")
+  set(number 0)
+  foreach(source ${ROOM_SOURCES})
+    math(EXPR unit "${number} / 10")
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP unit${unit})
+    math(EXPR number "${number} + 1")
+  endforeach()
 endfunction()

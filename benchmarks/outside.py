@@ -1,0 +1,215 @@
+#!/usr/bin/python3
+"""Measures the release program from outside, against a minimal dialog and against DB Browser for SQLite.
+
+    tests/e2e/virtual_screen benchmarks/outside.py BINARIES PICTURES
+
+A time runs from a start, key or click to the last change of the screen before it stands still. The pixels are read
+from the file in which the screen keeps them. All programs take turns; each figure is a median. A picture of what the
+screen showed when it stood still is left in the folder PICTURES for each figure.
+"""
+
+import mmap
+import os
+import shutil
+import sqlite3
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tests" / "e2e"))
+
+import driver  # noqa: E402
+import screen  # noqa: E402
+
+BINARIES, PICTURES = (Path(argument).resolve() for argument in sys.argv[1:])
+ROUNDS = 5
+ROWS = 100_000
+STILL = 0.45  # seconds without a change; a text cursor blinks every 0.5 s
+
+_file = open(os.environ["SCREEN_FILE"], "rb")
+_pixels = mmap.mmap(_file.fileno(), 0, access=mmap.ACCESS_READ)
+
+
+def settle(begun):
+    """Waits until the screen has changed and then stands still; milliseconds from `begun` to its last change."""
+    shown, last = settle.shown, None
+    while not last or time.perf_counter() - last < STILL:
+        if (now := _pixels[:]) != shown:
+            shown, last = now, time.perf_counter()
+        elif not last and time.perf_counter() - begun > 30:
+            raise screen.TimeLimit("nothing was painted")
+        time.sleep(0.001)
+    settle.shown = shown
+    return (last - begun) * 1000
+
+
+settle.shown = b""
+
+
+class Running:
+    """A program that was started; its time until its window stands still is `start`."""
+
+    def __init__(self, *command):
+        environment = {name: value for name, value in os.environ.items() if "ACCESSIBILITY" not in name}
+        settle.shown = _pixels[:]
+        begun = time.perf_counter()
+        self.process = subprocess.Popen(command, env=environment, stderr=subprocess.DEVNULL)
+        self.start = settle(begun)
+
+    def keys(self, *names):
+        """Milliseconds from these keys to a picture that stands still."""
+        settle.shown = _pixels[:]
+        begun = time.perf_counter()
+        subprocess.run(["xdotool", "key", *names], check=True)
+        return settle(begun)
+
+    def click(self, place):
+        """Milliseconds from a click to a picture that stands still. The pointer has come to rest before."""
+        screen.move(*place)
+        while (now := _pixels[:]) != settle.shown:
+            settle.shown = now
+            time.sleep(STILL)
+        begun = time.perf_counter()
+        subprocess.run(["xdotool", "click", "1"], check=True)
+        return settle(begun)
+
+    def private_memory(self):
+        """Megabytes that no other process shares."""
+        lines = Path(f"/proc/{self.process.pid}/smaps_rollup").read_text().splitlines()
+        return sum(int(line.split()[1]) for line in lines if line.startswith("Private_")) / 1024
+
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+        settle(time.perf_counter())
+
+
+class Places:
+    """Where to click, learnt through the accessibility of programs that are not measured."""
+
+    def __init__(self, folder, peer_file):
+        program = driver.Program(folder)
+        window = program.main_window()
+        box = driver.find_all(window.element, "combo box")[0]
+        self.categories = driver.centre(box)
+        left, top, width, _ = driver.rectangle(window.find("table"))
+        self.cell = left + width // 3, top + 30
+        entries = program.wait_until(lambda: driver.children(driver.children(box)[0]), "the categories")
+        self.last_category = entries[-1].get_name()
+        program.process.kill()
+        program.wait_for_end()
+        peer = subprocess.Popen(["sqlitebrowser", peer_file], stderr=subprocess.DEVNULL)
+        program.process = peer
+        window = driver.Window(program, program.wait_until(lambda: next(iter(program.windows()), None), "the peer"))
+        self.browse = driver.centre(window.find("page tab", "Browse Data"))
+        screen.click(*self.browse)
+        left, top, width, _ = driver.rectangle(window.find("table"))
+        self.peer_cell = left + width // 3, top + 70
+        peer.kill()
+        peer.wait()
+
+
+def add_light_sources(file, category):
+    connection = sqlite3.connect(file)
+    with connection:
+        (number,), = connection.execute("select ID from 光源类别 where LamphouseType = ?", [category])
+        connection.executemany(
+            "insert into 光源 (LamphouseType, LamphouseName, LamphouseModel, LuminousFlux, LamphousePower, Factory) "
+            "values (?, ?, ?, ?, ?, ?)",
+            ((number, "直管荧光灯", f"TL-{row:06}", 1000 + row % 3000, 8 + row % 60, f"厂家{row % 40}")
+             for row in range(ROWS)))
+    connection.close()
+
+
+def copy_light_sources(source, target):
+    """A file with the light sources alone, because the peer first shows the table that it lists first."""
+    connection = sqlite3.connect(target)
+    connection.execute("attach ? as source", [str(source)])
+    (statement,), = connection.execute("select sql from source.sqlite_master where name = '光源'")
+    with connection:
+        connection.execute(statement.replace("AUTOINCREMENT", ""))
+        connection.execute("insert into main.光源 select * from source.光源")
+    connection.close()
+    return target
+
+
+def leave_cache(file):
+    """Makes the next reader of the file wait for the disk."""
+    with open(file, "rb") as opened:
+        os.fsync(opened.fileno())
+        os.posix_fadvise(opened.fileno(), 0, 0, os.POSIX_FADV_DONTNEED)
+
+
+def measure(place):
+    small, large = (driver.ProgramFolder(place / name, BINARIES) for name in ("small", "large"))
+    peer_small = shutil.copy2(small.database, place / "small.db")
+    places = Places(small, peer_small)
+    add_light_sources(large.database, places.last_category)
+    peer_large = copy_light_sources(large.database, place / "large.db")
+
+    figures = {}
+    PICTURES.mkdir(parents=True, exist_ok=True)
+
+    def note(name, value):
+        figures.setdefault(name, []).append(value)
+        screen.picture(PICTURES / f"{name.replace(' ', '-')}.png")
+
+    def start(name, *command):
+        running = Running(*command)
+        note(name, running.start)
+        return running
+
+    for _ in range(ROUNDS):
+        start("label", BINARIES / "label_dialog").end()
+        start("small", small.program).end()
+        start("small peer", "sqlitebrowser", peer_small).end()
+        leave_cache(small.database)
+        start("small cold", small.program).end()
+        leave_cache(large.database)
+        start("large cold", large.program).end()
+        program = start("large", large.program)
+        program.click(places.categories)
+        program.keys("End")
+        note("category", program.keys("Return"))
+        program.click(places.cell)
+        note("end", program.keys("ctrl+End"))
+        note("memory", program.private_memory())
+        program.end()
+        peer = start("large peer", "sqlitebrowser", peer_large)
+        note("category peer", peer.click(places.browse))
+        peer.click(places.peer_cell)
+        note("end peer", peer.keys("ctrl+End"))
+        note("memory peer", peer.private_memory())
+        peer.end()
+    return {name: statistics.median(values) for name, values in figures.items()}
+
+
+ROWS_OF_TABLE = [
+    # what, unit, figure, yardstick, the yardstick's name, target
+    ("start to painted window", "ms", "small", "label", "dialog with one label", 1.25),
+    ("start to painted window", "ms", "small", "small peer", "DB Browser for SQLite", 0.30),
+    (f"start with {ROWS} more light sources", "ms", "large", "small", "start with the small file", 1.2),
+    ("the same, file not in memory", "ms", "large cold", "small cold", "small file not in memory", 1.2),
+    (f"choosing {ROWS} light sources", "ms", "category", "category peer", "DB Browser, Browse Data", 0.7),
+    ("Ctrl+End there", "ms", "end", "end peer", "DB Browser", 0.5),
+    ("private memory after both", "MB", "memory", "memory peer", "DB Browser", 0.35),
+]
+
+
+def main():
+    with tempfile.TemporaryDirectory() as place:
+        figures = measure(Path(place))
+    missed = 0
+    for what, unit, name, yardstick, whose, target in ROWS_OF_TABLE:
+        ratio = figures[name] / figures[yardstick]
+        missed += ratio > target
+        print(f"{what}: {figures[name]:.1f} {unit}, {whose} {figures[yardstick]:.1f} {unit}, ratio {ratio:.2f}, "
+              f"target {target:.2f}, {'missed' if ratio > target else 'met'}")
+    return 1 if missed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

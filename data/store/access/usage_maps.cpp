@@ -27,10 +27,16 @@ struct Bits {
     quint64 first = 0;
 
     quint64 End() const { return first + 8 * static_cast<quint64>(length); }
-    bool Has(quint64 page) const {
-        const quint64 bit = page - first;
-        const char byte = (*content)[static_cast<std::size_t>(offset) + bit / 8];
-        return (static_cast<quint8>(byte) >> bit % 8 & 1) != 0;
+    quint8 ByteOf(quint64 page) const {
+        return static_cast<quint8>((*content)[static_cast<std::size_t>(offset) + (page - first) / 8]);
+    }
+    bool Has(quint64 page) const { return (ByteOf(page) >> (page - first) % 8 & 1) != 0; }
+    // The first page of these bits from PAGE on; LIMIT when there is none before it.
+    quint64 Next(quint64 page, quint64 limit) const {
+        while (page < limit && !Has(page)) {
+            page += ByteOf(page) == 0 ? 8 - (page - first) % 8 : 1;
+        }
+        return std::min(page, limit);
     }
 };
 
@@ -68,10 +74,9 @@ std::vector<Bits> AllBits(const Pages& pages, RowAddress map) {
 std::vector<PageNumber> MembersBelow(const Pages& pages, RowAddress map, PageNumber limit) {
     std::vector<PageNumber> members;
     for (const Bits& bits : AllBits(pages, map)) {
-        for (quint64 page = bits.first; page < std::min<quint64>(bits.End(), limit); ++page) {
-            if (bits.Has(page)) {
-                members.push_back(static_cast<PageNumber>(page));
-            }
+        const quint64 end = std::min<quint64>(bits.End(), limit);
+        for (quint64 page = bits.Next(bits.first, end); page < end; page = bits.Next(page + 1, end)) {
+            members.push_back(static_cast<PageNumber>(page));
         }
     }
     return members;
@@ -82,10 +87,9 @@ std::vector<PageNumber> MembersBelow(const Pages& pages, RowAddress map, PageNum
 std::vector<PageNumber> MappedPages(const Pages& pages, RowAddress map) {
     const PageNumber count = pages.Count();
     for (const Bits& bits : AllBits(pages, map)) {
-        for (quint64 page = std::max<quint64>(bits.first, count); page < bits.End(); ++page) {
-            if (bits.Has(page)) {
-                ThrowDamaged(QStringLiteral("a usage map names page %1, which the file has not").arg(page));
-            }
+        const quint64 beyond = bits.Next(std::max<quint64>(bits.first, count), bits.End());
+        if (beyond < bits.End()) {
+            ThrowDamaged(QStringLiteral("a usage map names page %1, which the file has not").arg(beyond));
         }
     }
     return MembersBelow(pages, map, count);
@@ -123,10 +127,12 @@ std::vector<PageNumber> UsageMap::Below(PageNumber limit) const {
 std::optional<PageNumber> UsageMap::LastBelow(PageNumber limit) const {
     const std::vector<Bits> all = AllBits(*m_pages, m_address);
     for (auto bits = all.rbegin(); bits != all.rend(); ++bits) {
-        for (quint64 page = std::min<quint64>(bits->End(), limit); page-- > bits->first;) {
+        for (quint64 page = std::min<quint64>(bits->End(), limit); page > bits->first;) {
+            --page;
             if (bits->Has(page)) {
                 return static_cast<PageNumber>(page);
             }
+            page -= bits->ByteOf(page) == 0 ? (page - bits->first) % 8 : 0;
         }
     }
     return std::nullopt;

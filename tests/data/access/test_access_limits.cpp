@@ -1,0 +1,243 @@
+// What is refused, at opening and in a statement, and how far a file grows.
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+#include <cmath>
+#include <limits>
+
+#include "data/store/access/database.h"
+#include "tests/data/access/simulated_disk.h"
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quorvane::access;
+
+namespace {
+
+const QString kPath = u"/data/file.mdb"_s;
+const QString kCategories = u"光源类别"_s;
+
+QByteArray Fixture(const char* name = "lighting-general.mdb") {
+    QFile file(QStringLiteral(ACCESS_FIXTURES "/") + QLatin1String(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray Patched(QByteArray file, qsizetype offset, QByteArrayView bytes) {
+    return file.replace(offset, bytes.size(), bytes.toByteArray());
+}
+
+// Inserts or updates category 1; the reason when that is refused.
+QString Write(Database& database, bool update, const Value& id, const Value& name) {
+    try {
+        database.BeginStatement();
+        Table& table = database.Find(kCategories);
+        if (update) {
+            table.Update(table.Scan().Row().home, {id, name});
+        } else {
+            table.Insert({id, name});
+        }
+        database.Commit();
+        return QString();
+    } catch (const AccessError& error) {
+        database.Rollback();
+        return error.Message();
+    }
+}
+
+}  // namespace
+
+class TestAccessLimits : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void OpensOrRefuses_data() {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("refused");
+        QTest::addColumn<QString>("readOnly");
+        const QByteArray good = Fixture();
+        QTest::newRow("good") << good << u""_s << u""_s;
+        QTest::newRow("short") << good.first(4095) << u"no Access file"_s << u""_s;
+        QTest::newRow("two pages") << good.first(8192) << u"size of 8192"_s << u""_s;
+        QTest::newRow("odd size") << good.chopped(1) << u"is impossible"_s << u""_s;
+        QTest::newRow("other name") << Patched(good, 4, "Standard Jot DB") << u"no Access file"_s << u""_s;
+        QTest::newRow("Access 97") << Patched(good, 20, QByteArrayView("\0", 1)) << u"Access 97"_s << u""_s;
+        QTest::newRow("Access 2007") << Patched(good, 20, "\2") << u"Access 2007"_s << u""_s;
+        QTest::newRow("accdb") << Patched(good, 4, "Standard ACE DB") << u"Access 2007"_s << u""_s;
+        QTest::newRow("encrypted") << Patched(good, 62, "x") << u"encrypted"_s << u""_s;
+        QTest::newRow("password") << Patched(good, 68, "x") << u""_s << u"password"_s;
+        QTest::newRow("no catalogue") << Patched(good, 2 * 4096, "\1") << u"damaged"_s << u""_s;
+        // The global map as references: its first pointer names no page.
+        const QByteArray references = "\1" + QByteArray(68, '\0');
+        const auto mapRow = static_cast<qsizetype>(ReadU16(good, 4096 + 14) & 0x1FFF);
+        QTest::newRow("map of free pages")
+            << Patched(good, 4096 + mapRow, references) << u""_s << u"free pages"_s;
+    }
+
+    void OpensOrRefuses() {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, refused);
+        QFETCH(QString, readOnly);
+        SimulatedDisk disk;
+        disk.Put(kPath, file);
+        QString reason;
+        try {
+            Database database(disk, kPath);
+            QVERIFY(database.ReadOnlyReason().contains(readOnly) &&
+                    database.ReadOnlyReason().isEmpty() == readOnly.isEmpty());
+            QCOMPARE(Write(database, false, {}, u"x"_s).isEmpty(), readOnly.isEmpty());
+            QVERIFY(!database.Find(kCategories).Scan().AtEnd());
+            if (readOnly.isEmpty()) {
+                return;
+            }
+        } catch (const AccessError& error) {
+            reason = error.Message();
+        }
+        QVERIFY2(reason.contains(refused) && reason.isEmpty() == refused.isEmpty(), qPrintable(reason));
+        QCOMPARE(disk.Bytes(kPath), file);
+        QCOMPARE(disk.Names(), QStringList{kPath});
+    }
+
+    void RespectsOthers() {
+        const QByteArray slot =
+            QByteArray("OFFICE-7").leftJustified(32, '\0') + QByteArray("Admin").leftJustified(32, '\0');
+        SimulatedDisk disk;
+        disk.Put(kPath, Fixture());
+        disk.Put(u"/data/file.ldb"_s, slot);
+        QVERIFY(Database(disk, kPath).ReadOnlyReason().contains(u"OFFICE-7"_s));
+        QCOMPARE(disk.Bytes(u"/data/file.ldb"_s), slot);
+        disk.Remove(u"/data/file.ldb"_s);
+
+        Database first(disk, kPath);
+        QCOMPARE(first.ReadOnlyReason(), QString());
+        QVERIFY(Database(disk, kPath).ReadOnlyReason().contains(u"WORKBENCH"_s));
+        QVERIFY(disk.Exists(u"/data/file.ldb"_s));
+
+        // Another program writes without asking.
+        QCOMPARE(Write(first, false, {}, u"一"_s), QString());
+        const QByteArray others = Patched(Fixture(), 4096 * 46 + 4095, "\1");
+        disk.Open(kPath, FileSystem::Mode::ReadWrite)->Write(0, others);
+        QVERIFY(Write(first, false, {}, u"二"_s).contains(u"another program"_s));
+        QVERIFY_THROWS_EXCEPTION(AccessError, first.EndSubmit());
+        QCOMPARE(disk.Bytes(kPath), others);
+        first.Reload();
+        QCOMPARE(Write(first, false, {}, u"三"_s), QString());
+        first.EndSubmit();
+        QCOMPARE(disk.Names().filter(u"-redo"_s).size(), 1);  // the lost statement is told, not dropped
+    }
+
+    // The map of free pages outgrows its row, and more rows come and go on a page than its slots can number.
+    void Grows() {
+        constexpr int kRounds = 600;
+        SimulatedDisk disk;
+        disk.Put(kPath, Fixture("lighting-2003-memo.mdb"));
+        {
+            Database database(disk, kPath);
+            Table& categories = database.Find(kCategories);
+            Table& luminaires = database.Find(u"灯具"_s);
+            for (int round = 0; round < kRounds; ++round) {
+                database.BeginStatement();
+                const RowAddress row = categories.Insert({{}, QString::number(round)});
+                if (round % 2 == 0) {
+                    categories.Delete(row);
+                }
+                if (round % 20 == 0) {
+                    std::vector<Value> values(luminaires.Columns().size());
+                    values.back() = QString(60'000, QChar(u'甲' + round));
+                    luminaires.Insert(values);
+                }
+                database.Commit();
+            }
+        }
+        QVERIFY(disk.Bytes(kPath).size() > 4096 * 512);
+        Database database(disk, kPath);
+        int rows = 0;
+        for (TableScan scan = database.Find(kCategories).Scan(); !scan.AtEnd(); scan.MoveNext()) {
+            ++rows;
+        }
+        QCOMPARE(rows, 20 + kRounds / 2);
+        Table& luminaires = database.Find(u"灯具"_s);
+        int memos = 0;
+        for (TableScan scan = luminaires.Scan(); !scan.AtEnd(); scan.MoveNext()) {
+            const Value memo = luminaires.Read(scan.Row(), luminaires.Columns().back());
+            const auto* text = std::get_if<QString>(&memo);
+            memos += text != nullptr && *text == QString(60'000, QChar(u'甲' + 20 * memos));
+        }
+        QCOMPARE(memos, kRounds / 20);
+    }
+
+    void RefusesToExceedTwoGigabytes() {
+        const QString path = m_folder.filePath(u"large.mdb"_s);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(Fixture("lighting-2003-memo.mdb"));
+        QVERIFY(file.resize(qint64{4096} * 524'280));  // without a byte on the disk
+        file.close();
+        Database database(NativeFiles(), path);
+        Table& luminaires = database.Find(u"灯具"_s);
+        std::vector<Value> values(luminaires.Columns().size());
+        values.back() = QString(2'000'000, u'甲');
+        database.BeginStatement();
+        try {
+            luminaires.Insert(values);
+            QFAIL("inserted");
+        } catch (const AccessError& error) {
+            QVERIFY2(error.Message().contains(u"2 GB"_s), qPrintable(error.Message()));
+        }
+        database.Rollback();
+        database.EndSubmit();
+        QCOMPARE(QFileInfo(path).size(), qint64{4096} * 524'280);
+    }
+
+    void RefusesValues_data() {
+        QTest::addColumn<bool>("update");
+        QTest::addColumn<Value>("id");
+        QTest::addColumn<Value>("name");
+        QTest::addColumn<QString>("reason");
+        constexpr double kInfinity = std::numeric_limits<double>::infinity();
+        const auto add = [](const char* title, bool update, const Value& id, const Value& name,
+                            const QString& reason) {
+            QTest::newRow(title) << update << id << name << reason;
+        };
+        add("longest text", false, {}, QString(255, u'长'), u""_s);
+        add("too long", false, {}, QString(256, u'x'),
+            u"table 光源类别, row 21: column LamphouseType: the text has 256"_s);
+        add("byte order mark", false, {}, QString(QChar(0xFEFF)), u"byte order mark"_s);
+        add("half a character", true, qint64{1}, QString(QChar(0xD83D)),
+            u"row 1: column LamphouseType: the text holds half"_s);
+        add("empty text", false, {}, u""_s, u""_s);
+        add("NULL", false, {}, {}, u""_s);
+        add("a number as text", false, {}, 1.5, u""_s);
+        add("bytes as text", false, {}, QByteArray("x"), u"takes texts"_s);
+        add("taken key", false, qint64{7}, u"x"_s, u"row 7: index PrimaryKey has the same value"_s);
+        add("given key", false, qint64{70}, u"x"_s, u""_s);
+        add("changed key", true, qint64{70}, u"x"_s, u"row 1: column ID: an AutoNumber cannot be changed"_s);
+        add("same key", true, 1.0, u"x"_s, u""_s);
+        add("key out of range", false, qint64{1} << 31, u"x"_s, u"is not between"_s);
+        add("broken key", false, 7.5, u"x"_s, u"column ID: the column takes whole numbers"_s);
+        add("endless key", false, kInfinity, u"x"_s, u"is no number"_s);
+    }
+
+    void RefusesValues() {
+        QFETCH(bool, update);
+        QFETCH(Value, id);
+        QFETCH(Value, name);
+        QFETCH(QString, reason);
+        SimulatedDisk disk;
+        disk.Put(kPath, Fixture());
+        {
+            Database database(disk, kPath);
+            const QString message = Write(database, update, id, name);
+            QVERIFY2(message.contains(reason) && message.isEmpty() == reason.isEmpty(), qPrintable(message));
+        }
+        QCOMPARE(disk.Bytes(kPath) == Fixture(), !reason.isEmpty());
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+Q_DECLARE_METATYPE(quorvane::access::Value)
+
+QTEST_APPLESS_MAIN(TestAccessLimits)
+#include "test_access_limits.moc"

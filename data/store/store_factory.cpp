@@ -6,6 +6,8 @@
 #include <array>
 
 #include "data/database_path.h"
+#include "data/store/access/header.h"
+#include "data/store/access/sql/access_connection.h"
 #include "data/store/connection_string.h"
 #include "data/store/sqlite_connection.h"
 
@@ -23,12 +25,8 @@ struct Driver {
 // One line a driver.
 constexpr std::array kDrivers{
     Driver{IsSqliteFile, CreateSqliteConnection},
+    Driver{access::IsAccessFile, CreateAccessConnection},
 };
-
-bool IsAccessFile(const QByteArray& head) {
-    const QByteArray format = head.sliced(std::min<qsizetype>(4, head.size()));
-    return format.startsWith("Standard Jet DB") || format.startsWith("Standard ACE DB");
-}
 
 QByteArray ReadHead(const CString& path) {
     const QFileInfo info(path);
@@ -57,10 +55,6 @@ std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionStrin
                                       [&](const Driver& candidate) { return candidate.recognises(head); });
     if (driver != kDrivers.end()) {
         return driver->create();
-    }
-    if (IsAccessFile(head)) {
-        throw ProviderError(
-            QStringLiteral("%1 is an Access file, which this platform cannot open yet").arg(path));
     }
     throw ProviderError(head.isEmpty() ? QStringLiteral("%1 is empty").arg(path)
                                        : QStringLiteral("%1 is not a database").arg(path));

@@ -56,6 +56,15 @@ Slot ReadSlot(const Page& page, int row) {
     return slot;
 }
 
+void CheckDataPage(const Page& page) {
+    for (int row = 0; row < CountSlots(page); ++row) {
+        ReadSlot(page, row);
+    }
+    if (ReadU16(View(page), kFreeBytes) != FreeBytes(page)) {
+        ThrowDamaged(QStringLiteral("a page counts its free bytes wrongly"));
+    }
+}
+
 quint32 PageOwner(const Page& page) {
     return ReadU32(View(page), kOwner);
 }

@@ -27,6 +27,8 @@ struct Slot {
 // Throws when the page is no data page, or is damaged before the row.
 int CountSlots(const Page& page);
 Slot ReadSlot(const Page& page, int row);
+// Throws unless all slots are sound and the free bytes are counted rightly.
+void CheckDataPage(const Page& page);
 quint32 PageOwner(const Page& page);
 qsizetype FreeBytes(const Page& page);
 

@@ -95,6 +95,10 @@ std::vector<PageNumber> MappedPages(const Pages& pages, RowAddress map) {
     return MembersBelow(pages, map, count);
 }
 
+std::vector<PageNumber> FreePages(const Pages& pages) {
+    return MembersBelow(pages, {kGlobalMapPage, 0}, pages.Count());
+}
+
 std::vector<PageNumber> MapCarriers(const Pages& pages, RowAddress map) {
     std::vector<PageNumber> carriers{map.page};
     for (const Bits& bits : AllBits(pages, map)) {

@@ -17,6 +17,8 @@ class PageAllocator;
 
 // All pages of a map in ascending order. Throws when the file has one of them not.
 std::vector<PageNumber> MappedPages(const Pages& pages, RowAddress map);
+// The pages of the file that nothing uses, as the global map says.
+std::vector<PageNumber> FreePages(const Pages& pages);
 // The pages on which the map itself is kept.
 std::vector<PageNumber> MapCarriers(const Pages& pages, RowAddress map);
 

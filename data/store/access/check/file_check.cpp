@@ -1,0 +1,245 @@
+#include "data/store/access/check/file_check.h"
+
+#include <algorithm>
+
+#include "data/store/access/check/page_claims.h"
+#include "data/store/access/index.h"
+#include "data/store/access/table.h"
+
+namespace quorvane::access {
+
+namespace {
+
+constexpr RowAddress kGlobalMap{1, 0};
+
+// Bits for the slots of pages, made as pages are met.
+class SlotSet {
+public:
+    // Returns whether it is new.
+    bool Insert(RowAddress slot) { return m_slots.insert(slot.page << 8 | slot.row).second; }
+    std::size_t Size() const { return m_slots.size(); }
+
+private:
+    std::set<quint64> m_slots;
+};
+
+// The data pages of a table, or the pages of a column's long values.
+void CheckDataPages(const Pages& pages, const std::vector<PageNumber>& numbers, quint32 owner) {
+    for (const PageNumber number : numbers) {
+        const PagePointer page = pages.Read(number);
+        if (PageOwner(*page) != owner) {
+            ThrowDamaged(QStringLiteral("page %1 belongs to another table").arg(number));
+        }
+        CheckDataPage(*page);
+    }
+}
+
+// One table with all that belongs to it. What is found goes into the list of faults.
+class TableCheck {
+public:
+    TableCheck(Database& database, const CatalogEntry& entry, PageClaims& claims, QStringList& faults)
+        : m_database(database),
+          m_pages(database.AllPages()),
+          m_entry(entry),
+          m_claims(claims),
+          m_faults(faults) {}
+
+    void Run() {
+        Try(m_entry.name, [&] {
+            const Table& table = m_database.Find(m_entry.name);
+            CheckPages(table.Definition());
+            CheckRows(table);
+            for (const IndexDescription& index : table.Definition().indexes) {
+                Try(QStringLiteral("%1, index %2").arg(m_entry.name, index.name),
+                    [&] { CheckIndex(table, index); });
+            }
+        });
+    }
+
+private:
+    template <typename Check>
+    void Try(const QString& where, const Check& check) {
+        try {
+            check();
+        } catch (const AccessError& error) {
+            if (error.Kind() == Fault::Failed) {
+                throw;  // of the disk, not of the file
+            }
+            m_faults += QStringLiteral("%1: %2").arg(where, error.Message());
+        }
+    }
+
+    void CheckMaps(RowAddress owned, RowAddress withRoom, quint32 owner) {
+        m_claims.UseCarriers(owned);
+        const std::vector<PageNumber> pages = MappedPages(m_pages, owned);
+        m_claims.Use(pages);
+        CheckDataPages(m_pages, pages, owner);
+        if (withRoom == RowAddress()) {
+            return;
+        }
+        m_claims.UseCarriers(withRoom);
+        const std::vector<PageNumber> room = MappedPages(m_pages, withRoom);
+        if (!std::includes(pages.begin(), pages.end(), room.begin(), room.end())) {
+            ThrowDamaged(QStringLiteral("a page with free space belongs to nothing"));
+        }
+    }
+
+    void CheckPages(const TableDefinition& table) {
+        m_claims.Use(table.pages);
+        CheckMaps(table.owned, table.withRoom, table.page);
+        for (const auto& [column, maps] : table.longValues) {
+            CheckMaps(maps.owned, maps.withRoom, kLongValueOwner);
+        }
+    }
+
+    void CheckRows(const Table& table) {
+        qint64 greatest = 0;
+        m_rows = 0;
+        SlotSet targets;
+        for (TableScan scan = table.Scan(); !scan.AtEnd(); scan.MoveNext()) {
+            const FoundRow& row = scan.Row();
+            ++m_rows;
+            if (row.home != row.data && !targets.Insert(row.data)) {
+                ThrowDamaged(QStringLiteral("two rows share their bytes"));
+            }
+            for (const Column& column : table.Columns()) {
+                const Value value = table.Read(row, column);
+                if (column.autoNumber && std::holds_alternative<qint64>(value)) {
+                    greatest = std::max(greatest, std::get<qint64>(value));
+                }
+            }
+        }
+        if (!m_entry.system && m_rows != RowCount(m_pages, table.Definition())) {
+            ThrowDamaged(QStringLiteral("%1 rows are counted, and %2 are there")
+                             .arg(RowCount(m_pages, table.Definition()))
+                             .arg(m_rows));
+        }
+        if (greatest > LastAutoNumber(m_pages, table.Definition())) {
+            ThrowDamaged(QStringLiteral("the next number has been used already"));
+        }
+    }
+
+    void CheckIndex(const Table& table, const IndexDescription& description) {
+        const Index index(m_pages, table.Definition(), description);
+        const std::vector<PageNumber> tree = index.CheckedPages();
+        const std::vector<PageNumber> mapped = MappedPages(m_pages, description.map);
+        m_claims.UseCarriers(description.map);
+        m_claims.Use(tree);
+        m_claims.Claim(mapped);
+        if (!std::includes(mapped.begin(), mapped.end(), tree.begin(), tree.end())) {
+            ThrowDamaged(QStringLiteral("its map lacks a page"));
+        }
+        CheckEntries(table, index);
+    }
+
+    void CheckEntries(const Table& table, const Index& index) {
+        const IndexDescription& description = index.Description();
+        quint32 entries = 0;
+        SlotSet unknownKeys;
+        QByteArray previous;
+        for (IndexCursor cursor = index.First(); !cursor.AtEnd(); cursor.MoveNext(), ++entries) {
+            const QByteArray entry = cursor.Entry();
+            const std::optional<FoundRow> row = table.Find(RowOfEntry(entry));
+            if (!row) {
+                ThrowDamaged(QStringLiteral("it names a row that is not there"));
+            }
+            const std::vector<Value> values = IndexedValues(table, description, *row);
+            const auto isNull = [](const Value& value) {
+                return std::holds_alternative<std::monostate>(value);
+            };
+            const bool allNull = std::all_of(values.begin(), values.end(), isNull);
+            const bool someNull = std::any_of(values.begin(), values.end(), isNull);
+            if ((description.required && someNull) || (description.ignoresNulls && allNull)) {
+                ThrowDamaged(QStringLiteral("it holds a NULL"));
+            }
+            const QByteArray key = KeyOfEntry(entry).toByteArray();
+            if (description.unique && !allNull && key == previous) {
+                ThrowDamaged(QStringLiteral("a key stands there twice"));
+            }
+            if (!HasKey(table, description, values, key) && !unknownKeys.Insert(row->home)) {
+                ThrowDamaged(QStringLiteral("a row stands there twice"));
+            }
+            previous = key;
+        }
+        if (entries != m_rows - RowsWithoutEntry(table, description)) {
+            ThrowDamaged(QStringLiteral("it has %1 entries for %2 rows").arg(entries).arg(m_rows));
+        }
+    }
+
+    static std::vector<Value> IndexedValues(const Table& table, const IndexDescription& description,
+                                            const FoundRow& row) {
+        std::vector<Value> values;
+        for (const IndexColumn& indexed : description.columns) {
+            const Column* column = table.Definition().Find(indexed.number);
+            if (column == nullptr) {
+                ThrowDamaged(QStringLiteral("it holds a column that the table has not"));
+            }
+            values.push_back(table.Read(row, *column));
+        }
+        return values;
+    }
+
+    // False when the key of these values is not known. Throws when it is another one.
+    static bool HasKey(const Table& table, const IndexDescription& description,
+                       const std::vector<Value>& values, const QByteArray& key) {
+        QByteArray expected;
+        try {
+            expected = table.Key(description, values);
+        } catch (const AccessError&) {
+            return false;
+        }
+        if (expected != key) {
+            ThrowDamaged(QStringLiteral("a row stands there under a wrong key"));
+        }
+        return true;
+    }
+
+    static quint32 RowsWithoutEntry(const Table& table, const IndexDescription& description) {
+        quint32 count = 0;
+        if (description.ignoresNulls) {
+            for (TableScan scan = table.Scan(); !scan.AtEnd(); scan.MoveNext()) {
+                const std::vector<Value> values = IndexedValues(table, description, scan.Row());
+                count += std::all_of(
+                             values.begin(), values.end(),
+                             [](const Value& value) { return std::holds_alternative<std::monostate>(value); })
+                             ? 1
+                             : 0;
+            }
+        }
+        return count;
+    }
+
+    Database& m_database;
+    const Pages& m_pages;
+    const CatalogEntry& m_entry;
+    PageClaims& m_claims;
+    QStringList& m_faults;
+    quint32 m_rows = 0;
+};
+
+}  // namespace
+
+QStringList CheckFile(Database& database) {
+    QStringList faults;
+    PageClaims claims(database.AllPages());
+    const auto attempt = [&](const auto& check) {
+        try {
+            check();
+        } catch (const AccessError& error) {
+            if (error.Kind() == Fault::Failed) {
+                throw;
+            }
+            faults += error.Message();
+        }
+    };
+    attempt([&] { claims.UseCarriers(kGlobalMap); });
+    for (const CatalogEntry& table : database.Catalog()) {
+        if (!table.linked) {
+            TableCheck(database, table, claims, faults).Run();
+        }
+    }
+    attempt([&] { claims.RequireNotFree(); });
+    return faults;
+}
+
+}  // namespace quorvane::access

@@ -1,0 +1,34 @@
+// Who owns which page of a file, for finding pages with two owners.
+#pragma once
+
+#include <set>
+#include <vector>
+
+#include "data/store/access/usage_maps.h"
+
+namespace quorvane::access {
+
+class PageClaims {
+public:
+    explicit PageClaims(const Pages& pages)
+        : m_pages(pages), m_claimed(pages.Count()), m_used(pages.Count()) {}
+
+    // Enters pages that something uses. Throws AccessError when one is beyond the file or has another owner.
+    void Use(const std::vector<PageNumber>& pages);
+    // The pages that hold a map's bits; several maps share them.
+    void UseCarriers(RowAddress map);
+    // Enters pages that a map lists and nothing uses. Seen in sound files; they must not be given away.
+    void Claim(const std::vector<PageNumber>& pages);
+
+    const std::vector<bool>& Claimed() const { return m_claimed; }
+    // Throws AccessError when a page in use is free in the global map.
+    void RequireNotFree() const;
+
+private:
+    const Pages& m_pages;
+    std::vector<bool> m_claimed;
+    std::vector<bool> m_used;
+    std::set<PageNumber> m_carriers;
+};
+
+}  // namespace quorvane::access

@@ -1,0 +1,144 @@
+#include "data/store/access/sql/access_connection.h"
+
+#include <utility>
+
+#include "data/database_path.h"
+#include "data/store/access/check/file_check.h"
+#include "data/store/access/database.h"
+#include "data/store/access/sql/virtual_table.h"
+#include "data/store/connection_string.h"
+#include "data/store/dialect.h"
+
+namespace quorvane {
+
+namespace {
+
+using namespace access;
+
+// What the driver throws, as the seam knows it.
+template <typename Action>
+auto AsProviderError(const Action& action) {
+    try {
+        return action();
+    } catch (const AccessError& error) {
+        throw ProviderError(error.Message());
+    }
+}
+
+// A damaged file is shown as far as it can be read, and never written.
+void RequireSound(Database& database) {
+    const QStringList faults = CheckFile(database);
+    if (!faults.isEmpty()) {
+        database.ForbidWriting(
+            faults.size() == 1
+                ? faults.first()
+                : QStringLiteral("%1 (and %2 more)").arg(faults.first()).arg(faults.size() - 1));
+    }
+}
+
+}  // namespace
+
+std::shared_ptr<Connection> CreateAccessConnection() {
+    return std::make_shared<AccessConnection>();
+}
+
+void AccessConnection::Open(const CString& connectionString, const CString& /*user*/,
+                            const CString& /*password*/, int /*options*/) {
+    AsProviderError([&] {
+        m_database = std::make_shared<Database>(NativeFiles(), NativePath(DataSource(connectionString)));
+        Load();
+    });
+}
+
+void AccessConnection::Load() {
+    RequireSound(*m_database);
+    sqlite3* handle = nullptr;
+    const int result = sqlite3_open_v2(":memory:", &handle, SQLITE_OPEN_READWRITE, nullptr);
+    m_engine.reset(handle);
+    if (result != SQLITE_OK) {
+        throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
+    }
+    m_leftOut = DeclareTables(handle, m_database);
+}
+
+std::unique_ptr<Recordset> AccessConnection::Execute(const CString& statement) {
+    if (m_engine == nullptr) {
+        throw ProviderError(QStringLiteral("the connection is not open"));
+    }
+    return AsProviderError([&] {
+        SqliteStatement prepared = Prepare(statement);
+        if (m_changedOutside && sqlite3_stmt_readonly(prepared.get()) != 0) {
+            prepared.reset();
+            Reload();
+            prepared = Prepare(statement);
+        }
+        RequireUnchanged();
+        auto rows = std::make_unique<SqliteRecordset>(std::move(prepared));
+        if (!m_inSubmit) {
+            PutOnDisk();
+        }
+        return rows;
+    });
+}
+
+void AccessConnection::RequireUnchanged() {
+    try {
+        m_database->RequireUnchanged();
+    } catch (const AccessError& error) {
+        m_changedOutside = m_changedOutside || error.Kind() == Fault::Changed;
+        throw;
+    }
+}
+
+void AccessConnection::Reload() {
+    if (sqlite3_next_stmt(m_engine.get(), nullptr) != nullptr) {
+        throw ProviderError(
+            QStringLiteral("the file has changed, and a query of its old state is still open"));
+    }
+    m_engine.reset();
+    m_database->Reload();
+    Load();
+    m_changedOutside = false;
+}
+
+void AccessConnection::PutOnDisk() {
+    try {
+        m_database->EndSubmit();
+    } catch (const AccessError& error) {
+        m_changedOutside = m_changedOutside || error.Kind() == Fault::Changed;
+        throw;
+    }
+}
+
+// The engine knows nothing of tables that were left out.
+SqliteStatement AccessConnection::Prepare(const CString& statement) const {
+    try {
+        return PrepareSqlite(m_engine.get(), ToSqliteDialect(statement));
+    } catch (const ProviderError& error) {
+        const CString name = error.Message().section(QStringLiteral("no such table: "), 1);
+        const auto reason = m_leftOut.find(name.toLower());
+        throw reason == m_leftOut.end() ? error : ProviderError(reason->second);
+    }
+}
+
+void AccessConnection::BeginSubmit() {
+    m_inSubmit = true;
+}
+
+void AccessConnection::EndSubmit() {
+    m_inSubmit = false;
+    if (m_database != nullptr) {
+        AsProviderError([&] { PutOnDisk(); });
+    }
+}
+
+void AccessConnection::Close() {
+    EndSubmit();
+    if (sqlite3_close(m_engine.get()) != SQLITE_OK) {
+        ThrowSqliteError(m_engine.get());
+    }
+    static_cast<void>(m_engine.release());
+    m_database.reset();
+}
+
+}  // namespace quorvane

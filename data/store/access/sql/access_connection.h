@@ -1,0 +1,53 @@
+// The driver for Access files: the SQLite engine over tables that it reads and writes through this folder.
+#pragma once
+
+#include <map>
+
+#include "data/connection.h"
+#include "data/store/sqlite_recordset.h"
+
+namespace quorvane {
+
+namespace access {
+class Database;
+}
+
+// Makes a connection for a file that IsAccessFile recognises.
+std::shared_ptr<Connection> CreateAccessConnection();
+
+class AccessConnection : public Connection {
+public:
+    // Opens the file named by "Data Source": for writing when it is sound and nobody else has it open, else
+    // for reading alone. Throws ProviderError for a file that cannot be read. Users and options are not
+    // looked at.
+    void Open(const CString& connectionString, const CString& user, const CString& password,
+              int options) override;
+    // Every statement that writes fails with the reason where the file is open for reading alone. When
+    // another program has changed the file, one statement fails with that reason; from the next query on the
+    // file is read anew, and until then nothing is written.
+    std::unique_ptr<Recordset> Execute(const CString& statement) override;
+    void BeginSubmit() override;
+    void EndSubmit() override;
+    // Fails while a record set of this connection is still open.
+    void Close() override;
+
+private:
+    struct EngineCloser {
+        void operator()(sqlite3* engine) const { sqlite3_close_v2(engine); }
+    };
+    using Engine = std::unique_ptr<sqlite3, EngineCloser>;
+
+    void Load();
+    void Reload();
+    void RequireUnchanged();
+    SqliteStatement Prepare(const CString& statement) const;
+    void PutOnDisk();
+
+    std::shared_ptr<access::Database> m_database;  // null: not open
+    std::map<CString, CString> m_leftOut;          // tables that cannot be shown, in lower case: why
+    Engine m_engine;
+    bool m_inSubmit = false;
+    bool m_changedOutside = false;
+};
+
+}  // namespace quorvane

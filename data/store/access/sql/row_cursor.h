@@ -1,0 +1,53 @@
+// Walks the rows of a table in the way that a query has chosen.
+#pragma once
+
+#include <optional>
+
+#include "data/store/access/index.h"
+#include "data/store/access/table.h"
+
+namespace quorvane::access {
+
+// How a query meets the rows of a table. With an index, those of one key, or all in its order.
+struct RowPath {
+    enum class Kind { Scan, Key, Forward, Backward };
+    Kind kind = Kind::Scan;
+    const IndexDescription* index = nullptr;
+};
+
+class RowCursor {
+public:
+    // CHANGES counts what is changed in the table: a cursor on an index that was changed finds its place
+    // anew.
+    RowCursor(const Pages& pages, const Table& table, const quint64& changes);
+
+    // Both go to the first row. The key is for a path of that kind.
+    void Start(RowPath path, const QByteArray& key);
+    void StartEmpty();
+
+    bool AtEnd() const { return !m_row; }
+    void MoveNext();
+    RowAddress Address() const { return m_row->home; }
+    Value Read(const Column& column) const { return m_table.Read(*m_row, column); }
+
+private:
+    std::optional<RowAddress> NextInIndex();
+    std::optional<RowAddress> NextAddress();
+    IndexCursor PlaceAfterChange() const;
+
+    const Pages& m_pages;
+    const Table& m_table;
+    const quint64& m_changes;
+
+    RowPath m_path;
+    std::optional<FoundRow> m_row;
+    std::optional<TableScan> m_scan;
+    std::vector<RowAddress> m_rows;  // of one key
+    std::size_t m_next = 0;          // among them
+    std::optional<Index> m_index;
+    std::optional<IndexCursor> m_place;
+    QByteArray m_entry;  // that was met last; null: none yet
+    quint64 m_changesAtPlace = 0;
+};
+
+}  // namespace quorvane::access

@@ -1,0 +1,294 @@
+// Random statements on an Access file and on an SQLite file with the same rows: both must answer alike, and
+// the Access file must stay sound. The first argument is the number of statements for each file, the second a
+// folder in which states of the files are kept.
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+#include <random>
+
+#include "data/store/access/check/file_check.h"
+#include "data/store/store_factory.h"
+#include "tests/support/raw_database.h"
+#include "tools/database_schema.h"
+
+using namespace quorvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QStringList kTables{u"光源类别"_s, u"光源"_s, u"灯具"_s, u"利用系数"_s, u"照度要求及功率密度"_s};
+constexpr int kBatch = 200;
+int statementCount = 600;
+QString keptFolder;
+
+// What stands in braces is filled in anew each time. A leading ~ marks an answer whose rows come in any
+// order.
+const QStringList kStatements{
+    u"insert into 光源 (LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName) values ({int},'{text}',{real},{real},'{text}','{text}')"_s,
+    u"insert into 灯具 (LamphouseTypeID,\t\tLampName,LampModel,LuminaireEfficiency,UtilizationFactorType,\t\tMaxLhAA,MaxLhBB,Factory,LamphouseCount,BallastCount,BallastPower,\t\tDefaultLamphouse,UtilizationFactorFormat, LampPhoto) \t\tvalues ('{key}' , '{text}' , '{text}' , {real}, {int}, {real}, {real}, '{text}' , '{text}' , {int}, {real}, '{text}', '{text}', '{photo}')"_s,
+    u"insert into 利用系数 (LuminaireID,Pcc,Pw,Pf,RCR_RI,UtilizationFactor) values ({int},{int},{int},{int},{real},{real})"_s,
+    u"insert into 照度要求及功率密度 (Vocation,BuildingType,Location,ReferencePlane,ActualLPD,ObjectiveLPD,IlluminanceStandard,UGR,Ra) \t\tvalues ('{text}','{text}','{text}','{text}',{real},{real},{int},{int},{int})"_s,
+    u"insert into 利用系数 (LuminaireID) values ({int})"_s,
+    u"insert into 光源 (ID, Factory) values ({id}, '{text}')"_s,
+    u"update 光源 set LamphouseType={int},LamphouseModel='{text}',LuminousFlux={real},LamphousePower={real},Factory='{text}',LamphouseName='{text}' where ID={id}"_s,
+    u"update 灯具 set \t\tLamphouseTypeID='{key}',\t\tLampName='{text}',\t\tLampModel='{text}',\t\tLuminaireEfficiency={real},\t\tUtilizationFactorType={int},\t\tMaxLhAA={real},\t\tMaxLhBB={real},\t\tFactory='{text}',\t\tLamphouseCount='{text}',\t\tBallastCount={int},\t\tBallastPower={real},\t\tDefaultLamphouse='{text}',\t\tUtilizationFactorFormat='{text}', \t\tLampPhoto='{photo}'\t\twhere ID={id}"_s,
+    u"update 利用系数 set LuminaireID={int},Pcc={int},Pw={int},Pf={int},RCR_RI={real},UtilizationFactor={real} where ID={id}"_s,
+    u"update 照度要求及功率密度 set Vocation='{text}',BuildingType='{text}',Location='{text}',\t\t\t\t\t ReferencePlane='{text}',ActualLPD={real},ObjectiveLPD={real},IlluminanceStandard={int},UGR={int},Ra={int} where ID={id}"_s,
+    u"update 光源 set Factory='{text}' where LamphouseType={int}"_s,
+    u"update 利用系数 set LuminaireID=LuminaireID+1 where LuminaireID={int} and ID<{id}"_s,
+    u"update 灯具 set LampPhoto=null, MaxLhAA=null where ID={id}"_s,
+    u"update 光源 set LamphouseModel='{text}' where ID={id}"_s,
+    u"update 利用系数 set Pcc='many' where ID={id}"_s,
+    u"delete * from 照度要求及功率密度 where ID={id}"_s,
+    u"delete * from 光源 where ID={id}"_s,
+    u"delete * from 灯具 where ID={id}"_s,
+    u"delete * from 利用系数 where ID={id}"_s,
+    u"delete * from 利用系数 where LuminaireID={int}"_s,
+    u"select ID, LamphouseType from 光源类别 order by LamphouseType"_s,
+    u"select LamphouseType from 光源类别 where ID={int}"_s,
+    u"select ID from 光源类别 where LamphouseType ='{text}'"_s,
+    u"select ID,LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName from 光源 order by LamphouseType"_s,
+    u"select DISTINCT Factory from 光源 order by Factory"_s,
+    u"select ID,LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName from 光源 where Factory='{text}'"_s,
+    u"select ID,LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName from 光源 where ID={id}"_s,
+    u"select ID, LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName \t\t\t\tfrom 光源 where LamphouseType = {int} "_s,
+    u"~select 光源.ID, 光源类别.ID, 光源.LamphouseType, 光源类别.LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName \t\t\t\tfrom 光源,光源类别 where \t\t\t\t光源.LamphouseType =光源类别.ID and 光源类别.LamphouseType<'{text}' "_s,
+    u"select LamphouseName from 光源 where  LamphouseType = {int} order by LamphouseName"_s,
+    u"select ID from 光源 where \t\t\tLamphouseName ='{text}' "_s,
+    u"select ID,LamphouseTypeID,LampName,LampModel,LuminaireEfficiency,UtilizationFactorType,MaxLhAA,MaxLhBB,Factory,LamphouseCount,BallastCount,BallastPower,DefaultLamphouse,UtilizationFactorFormat, LampPhoto from 灯具 where LamphouseTypeID like '%{key}%'"_s,
+    u"select ID,Pcc,Pw,Pf,RCR_RI, UtilizationFactor from 利用系数 where LuminaireID={int}"_s,
+    u"~select DISTINCT Vocation from 照度要求及功率密度 order by Vocation"_s,
+    u"~select DISTINCT BuildingType from 照度要求及功率密度 Where Vocation='{text}' \t\t\t\t\t order by BuildingType"_s,
+    u"select ID,Location,ReferencePlane,ActualLPD,ObjectiveLPD,IlluminanceStandard,UGR,Ra from 照度要求及功率密度 \t\twhere Vocation='{text}' and BuildingType='{text}'"_s,
+    u"select ID from 光源 where ID in ({id},{id}) or ID='{id}' or ID={id}.0 or ID={int}.5"_s,
+    u"select ID, LuminaireID from 利用系数 order by ID desc"_s,
+    u"select count(*), min(ID), max(ID), sum(LuminousFlux) from 光源 where ID>{id}"_s,
+    u"select ID from 利用系数 where LuminaireID is null"_s,
+    u"select ID, Factory from 光源 where Factory like '{text}%'"_s,
+};
+
+QString Text(const FieldValue& value) {
+    if (const auto* whole = std::get_if<qint64>(&value)) {
+        return QString::number(*whole);
+    }
+    if (const auto* real = std::get_if<double>(&value)) {
+        return QString::number(*real, 'e', QLocale::FloatingPointShortest);
+    }
+    const auto* text = std::get_if<CString>(&value);
+    return text == nullptr ? u"NULL"_s : u'\'' + *text + u'\'';
+}
+
+QString RowText(const Recordset& rows) {
+    QStringList values;
+    try {
+        for (int column = 0;; ++column) {
+            values += Text(rows.Value(column));
+        }
+    } catch (const ProviderError&) {
+        return values.join(u',');  // past the last column
+    }
+}
+
+// The rows that a statement gives, or the one word "failed".
+QStringList Answer(Connection& connection, const QString& statement) {
+    QStringList rows;
+    try {
+        for (const auto result = connection.Execute(statement); !result->AtEnd(); result->MoveNext()) {
+            rows += RowText(*result);
+        }
+    } catch (const ProviderError&) {
+        return {u"failed"_s};
+    }
+    return rows;
+}
+
+void MakeLoose(QStringList& rows) {
+    for (QString& row : rows) {
+        row = row.toLower();
+    }
+    rows.sort();
+}
+
+std::shared_ptr<Connection> Open(const QString& file) {
+    const CString source = u"Data Source = %1;"_s.arg(file);
+    const std::shared_ptr<Connection> connection = CreateStoreConnection(source);
+    connection->Open(source, {}, {}, -1);
+    return connection;
+}
+
+// The program's own columns, in the order of the SQLite file.
+QString Columns(const RawDatabase& sqlite, const QString& table) {
+    return sqlite.Rows(u"SELECT name FROM pragma_table_info('%1')"_s.arg(table)).join(u',').remove(u'\'');
+}
+
+// Makes an SQLite file with the rows of an Access file, which goes on counting where that one does.
+void CopyToSqlite(const QString& accessFile, const QString& sqliteFile) {
+    RawDatabase sqlite(sqliteFile);
+    sqlite.Execute(u"BEGIN;"_s + QString::fromUtf8(kDatabaseSchema));
+    const auto access = Open(accessFile);
+    for (const QString& table : kTables) {
+        const QStringList rows = Answer(*access, u"select %1 from %2"_s.arg(Columns(sqlite, table), table));
+        for (const QString& row : rows) {
+            sqlite.Execute(u"INSERT INTO %1 VALUES (%2)"_s.arg(table, row));
+        }
+    }
+    access->Close();
+    access::Database database(access::NativeFiles(), accessFile);
+    for (const QString& table : kTables) {
+        sqlite.Execute(u"UPDATE sqlite_sequence SET seq=%1 WHERE name='%2'"_s
+                           .arg(LastAutoNumber(database.AllPages(), database.Find(table).Definition()))
+                           .arg(table));
+    }
+    sqlite.Execute(u"COMMIT"_s);
+}
+
+class Filler {
+public:
+    // Two files take no empty texts; one takes long texts as photos.
+    explicit Filler(const QString& fixture)
+        : m_random(static_cast<unsigned>(fixture.size())),
+          m_shortest(fixture.startsWith(u"adox") || fixture.startsWith(u"with-nulls") ? 1 : 0),
+          m_longPhotos(fixture.contains(u"memo")) {}
+
+    QString Next() {
+        QString statement = kStatements[Number(static_cast<int>(kStatements.size()))];
+        for (qsizetype from = 0; (from = statement.indexOf(u'{', from)) >= 0;) {
+            const qsizetype to = statement.indexOf(u'}', from);
+            const QString value = Value(statement.mid(from + 1, to - from - 1));
+            statement.replace(from, to - from + 1, value);
+            from += value.size();
+        }
+        return statement;
+    }
+
+private:
+    int Number(int limit) { return static_cast<int>(m_random() % static_cast<unsigned>(limit)); }
+
+    QString Value(const QString& kind) {
+        if (kind == u"id") {
+            return QString::number(Number(Number(3) == 0 ? 6000 : 90));
+        }
+        if (kind == u"int") {
+            return QString::number(Number(20) == 0 ? 2'000'000'000 - Number(9) : Number(40) - 5);
+        }
+        if (kind == u"real") {
+            return QString::asprintf("%G", Number(3) == 0 ? Number(2000) : (Number(200000) - 100) / 997.0);
+        }
+        if (kind == u"key") {
+            static const QStringList kKeys{u""_s, u"1"_s, u"1,7"_s, u"12,3,4"_s, u"T5-a"_s, u"x y"_s};
+            return kKeys[m_shortest + Number(static_cast<int>(kKeys.size()) - m_shortest)];
+        }
+        const bool isLong = kind == u"photo" && m_longPhotos && Number(3) == 0;
+        return RandomText(isLong ? Number(9000) : m_shortest + Number(Number(4) == 0 ? 49 : 8));
+    }
+
+    // Few different ones among the short, so that conditions are met.
+    QString RandomText(int length) {
+        static const QString kCharacters = u"aAbT5 -/,照度一言é荧光灯０𠀀"_s;
+        QString text;
+        while (text.size() < length) {
+            const int place = Number(length < 4 ? 4 : static_cast<int>(kCharacters.size()) - 2);
+            text += place == kCharacters.size() - 2 ? kCharacters.last(2) : kCharacters.mid(place, 1);
+        }
+        return text;
+    }
+
+    std::mt19937 m_random;
+    int m_shortest;
+    bool m_longPhotos;
+};
+
+}  // namespace
+
+class TestAccessStatements : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void BothStoresAnswerAlike_data();
+    void BothStoresAnswerAlike();
+
+private:
+    void RunBatch(Connection& access, Connection& sqlite, Filler& filler);
+    void CompareTables(Connection& access, Connection& sqlite, const QString& sqliteFile);
+    void CheckCopy(const QString& accessFile, const QString& copy);
+};
+
+void TestAccessStatements::BothStoresAnswerAlike_data() {
+    QTest::addColumn<QString>("fixture");
+    for (const QString& file : QDir(QStringLiteral(ACCESS_FIXTURES)).entryList({u"*.mdb"_s})) {
+        QTest::newRow(qPrintable(file)) << file;
+    }
+}
+
+void TestAccessStatements::BothStoresAnswerAlike() {
+    QFETCH(QString, fixture);
+    const QTemporaryDir folder;
+    const QString accessFile = folder.filePath(u"access.mdb"_s);
+    const QString sqliteFile = folder.filePath(u"sqlite.mdb"_s);
+    QVERIFY(QFile::copy(QStringLiteral(ACCESS_FIXTURES) + u'/' + fixture, accessFile));
+    QFile::setPermissions(accessFile, QFile::ReadOwner | QFile::WriteOwner);
+    CopyToSqlite(accessFile, sqliteFile);
+
+    const auto access = Open(accessFile);
+    const auto sqlite = Open(sqliteFile);
+    Filler filler(fixture);
+    for (int done = 0; done < statementCount && !QTest::currentTestFailed(); done += kBatch) {
+        access->BeginSubmit();
+        sqlite->BeginSubmit();
+        RunBatch(*access, *sqlite, filler);
+        access->EndSubmit();
+        sqlite->EndSubmit();
+        CompareTables(*access, *sqlite, sqliteFile);
+        CheckCopy(accessFile, u"%1/%2-%3.mdb"_s.arg(keptFolder.isEmpty() ? folder.path() : keptFolder,
+                                                    QFileInfo(fixture).baseName(), QString::number(done)));
+    }
+    access->Close();
+    QCOMPARE(QDir(folder.path()).entryList({u"access*"_s}), QStringList{u"access.mdb"_s});
+}
+
+void TestAccessStatements::RunBatch(Connection& access, Connection& sqlite, Filler& filler) {
+    for (int step = 0; step < kBatch; ++step) {
+        const QString given = filler.Next();
+        const bool isLoose = given.startsWith(u'~');
+        const QString statement = given.mid(isLoose ? 1 : 0);
+        QStringList expected = Answer(sqlite, statement);
+        QStringList found = Answer(access, statement);
+        if (isLoose) {
+            MakeLoose(expected);
+            MakeLoose(found);
+        }
+        if (statement.startsWith(u"insert") && found == expected) {
+            const QString readBack = u"select max(ID) from %1"_s.arg(statement.section(u' ', 2, 2));
+            expected = Answer(sqlite, readBack);
+            found = Answer(access, readBack);
+        }
+        const QStringList report{statement, found.join(u'\n'), u"instead of"_s, expected.join(u'\n')};
+        QVERIFY2(found == expected, qPrintable(report.join(u'\n')));
+    }
+}
+
+void TestAccessStatements::CompareTables(Connection& access, Connection& sqlite, const QString& sqliteFile) {
+    const RawDatabase raw(sqliteFile);
+    for (const QString& table : kTables) {
+        const QString query = u"select %1 from %2"_s.arg(Columns(raw, table), table);
+        QCOMPARE(Answer(access, query), Answer(sqlite, query));
+    }
+}
+
+void TestAccessStatements::CheckCopy(const QString& accessFile, const QString& copy) {
+    QVERIFY(QFile::copy(accessFile, copy));
+    access::Database database(access::NativeFiles(), copy);
+    QCOMPARE(CheckFile(database), QStringList());
+}
+
+int main(int argc, char* argv[]) {
+    if (argc > 1 && QByteArray(argv[1]).toInt() > 0) {
+        statementCount = QByteArray(argv[1]).toInt();
+        keptFolder = QString::fromLocal8Bit(argc > 2 ? argv[2] : "");
+        argc = 1;
+    }
+    TestAccessStatements test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "test_access_statements.moc"

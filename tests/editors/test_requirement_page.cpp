@@ -4,6 +4,7 @@
 #include "editors/requirement_page.h"
 #include "tests/support/shown_page.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
 
 namespace {
@@ -14,10 +15,11 @@ const QString kFile =
     u"insert into 照度要求及功率密度 values "
     "(1,'公共','办公','办公室','桌面',11,9,300,19,80),(2,'公共','办公','会议室','桌面',11,9,300,19,80),"
     "(3,'公共','办公','档案室','桌面',8,7,200,0,80),(4,'公共','学校','教室','课桌',11,9,300,19,80),"
-    "(5,'居住','住宅','卧室','地面',7,6,75,0,80);"_qs;
+    "(5,'居住','住宅','卧室','地面',7,6,75,0,80);"_s;
 
 struct Fixture : ShownPage {
-    explicit Fixture(const QString& rows = kFile) : ShownPage(rows, [](ShownGrid& shown, QWidget* parent) {
+    explicit Fixture(const QString& rows = kFile)
+        : ShownPage(rows, [](ShownGrid& shown, QWidget* parent) {
               return new CQuorvaneDemandDlg(shown.database, parent);
           }) {
         tree = page->findChild<QTreeWidget*>();
@@ -31,7 +33,7 @@ struct Fixture : ShownPage {
         item = buildingType < 0 ? item : item->child(buildingType);
         QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(item).center());
     }
-    QStringList File() const { return file.Raw().Rows(u"select * from 照度要求及功率密度 order by ID"_qs); }
+    QStringList File() const { return file.Raw().Rows(u"select * from 照度要求及功率密度 order by ID"_s); }
 
     QTreeWidget* tree = nullptr;
 };
@@ -46,12 +48,12 @@ private Q_SLOTS:
         Fixture fixture;
         QCOMPARE(fixture.grid->GetRowCount(), 1);
         fixture.Select(0, 1);
-        QCOMPARE(fixture.Rows(), QStringList({u"1|教室|课桌|11|9|300|19|80"_qs, u"追加|||0|0|0|0|0"_qs}));
+        QCOMPARE(fixture.Rows(), QStringList({u"1|教室|课桌|11|9|300|19|80"_s, u"追加|||0|0|0|0|0"_s}));
         fixture.Click(1, Location);
-        fixture.answers.Plan(u"是"_qs);
+        fixture.answers.Plan(u"是"_s);
         QVERIFY(fixture.page->DeleteSelected());
         QCOMPARE(fixture.answers.TakeSeen(),
-                 QStringList(u"照度要求|确定是否删除选中数据:第1行,教室的全部信息?|是/否"_qs));
+                 QStringList(u"照度要求|确定是否删除选中数据:第1行,教室的全部信息?|是/否"_s));
         fixture.page->Submit();
         QCOMPARE(fixture.File().size(), 4);
         fixture.Select(0);
@@ -61,21 +63,21 @@ private Q_SLOTS:
     void ChecksNumbersAndAppends() {
         Fixture fixture;
         fixture.Select(0, 0);
-        fixture.Type(1, Illuminance, u"abc"_qs);
-        fixture.Type(1, Glare, u"-1"_qs);
-        fixture.Type(1, ActualLPD, u"-1"_qs);
-        fixture.Type(1, ObjectiveLPD, u" 6.5 "_qs);
-        fixture.Type(1, Ra, u" 8"_qs);
-        QCOMPARE(fixture.Row(1), u"1|办公室|桌面|0|6.5|0|-1|0"_qs);
+        fixture.Type(1, Illuminance, u"abc"_s);
+        fixture.Type(1, Glare, u"-1"_s);
+        fixture.Type(1, ActualLPD, u"-1"_s);
+        fixture.Type(1, ObjectiveLPD, u" 6.5 "_s);
+        fixture.Type(1, Ra, u" 8"_s);
+        QCOMPARE(fixture.Row(1), u"1|办公室|桌面|0|6.5|0|-1|0"_s);
         fixture.page->Submit();
-        fixture.Type(4, Ra, u"0"_qs);
+        fixture.Type(4, Ra, u"0"_s);
         QVERIFY(!fixture.page->IsModified());
-        fixture.Type(4, Illuminance, u"300"_qs);
+        fixture.Type(4, Illuminance, u"300"_s);
         fixture.page->Submit();
         fixture.page->Refresh();
-        QCOMPARE(fixture.Row(4), u"4|||0|0|300|0|0"_qs);
-        QCOMPARE(fixture.File().first(), u"1|'公共'|'办公'|'办公室'|'桌面'|0.0|6.5|0|-1|0"_qs);
-        QCOMPARE(fixture.File().last(), u"6|'公共'|'办公'|''|''|0.0|0.0|300|0|0"_qs);
+        QCOMPARE(fixture.Row(4), u"4|||0|0|300|0|0"_s);
+        QCOMPARE(fixture.File().first(), u"1|'公共'|'办公'|'办公室'|'桌面'|0.0|6.5|0|-1|0"_s);
+        QCOMPARE(fixture.File().last(), u"6|'公共'|'办公'|''|''|0.0|0.0|300|0|0"_s);
         QVERIFY(fixture.answers.TakeSeen().isEmpty());
     }
 
@@ -85,26 +87,26 @@ private Q_SLOTS:
         for (const bool submit : {true, false}) {
             Fixture fixture;
             fixture.Select(0, 0);
-            fixture.TypeOpen(4, Location, u"走廊"_qs);
-            fixture.answers.Plan(submit ? u"是"_qs : u"否"_qs);
+            fixture.TypeOpen(4, Location, u"走廊"_s);
+            fixture.answers.Plan(submit ? u"是"_s : u"否"_s);
             fixture.Select(1, 0);
-            QCOMPARE(fixture.answers.TakeSeen(), QStringList(u"照度要求|数据已经修改是否提交?|是/否"_qs));
-            QCOMPARE(fixture.Rows(), QStringList({u"1|卧室|地面|7|6|75|0|80"_qs, u"追加|||0|0|0|0|0"_qs}));
+            QCOMPARE(fixture.answers.TakeSeen(), QStringList(u"照度要求|数据已经修改是否提交?|是/否"_s));
+            QCOMPARE(fixture.Rows(), QStringList({u"1|卧室|地面|7|6|75|0|80"_s, u"追加|||0|0|0|0|0"_s}));
             QVERIFY(!fixture.page->IsModified());
             QCOMPARE(fixture.File().value(5),
-                     submit ? u"6|'公共'|'办公'|'走廊'|''|0.0|0.0|0|0|0"_qs : QString());
+                     submit ? u"6|'公共'|'办公'|'走廊'|''|0.0|0.0|0|0|0"_s : QString());
         }
     }
 
     void AFailedLoadLeavesNothingToTypeInto() {
-        Fixture fixture(kFile + u"update 照度要求及功率密度 set UGR=null where ID=2;"_qs);
+        Fixture fixture(kFile + u"update 照度要求及功率密度 set UGR=null where ID=2;"_s);
         fixture.Select(1, 0);
         fixture.Select(0, 0);
         QCOMPARE(fixture.answers.TakeSeen().size(), 1);
         QVERIFY(!fixture.grid->isEnabled());
         fixture.Select(0, 1);
         QVERIFY(fixture.grid->isEnabled());
-        QCOMPARE(fixture.Row(1), u"1|教室|课桌|11|9|300|19|80"_qs);
+        QCOMPARE(fixture.Row(1), u"1|教室|课桌|11|9|300|19|80"_s);
     }
 };
 

@@ -4,6 +4,7 @@
 
 #include "editors/luminaire/type_chooser.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
 
 class TestTypeChooser : public QObject {
@@ -17,7 +18,7 @@ private Q_SLOTS:
         m_cell->setGeometry(20, 20, 260, 20);
         m_owner->show();
         m_chooser = new CLamphouseTypeChoiceWindow(m_owner.get());
-        m_chooser->SetTypeNames({u"荧光灯"_qs, u"高压钠灯"_qs, u"混光灯"_qs, u"常用灯具"_qs, u"白炽灯"_qs});
+        m_chooser->SetTypeNames({u"荧光灯"_s, u"高压钠灯"_s, u"混光灯"_s, u"常用灯具"_s, u"白炽灯"_s});
         m_results.clear();
         m_rectangle = {};
         connect(m_chooser, &CLamphouseTypeChoiceWindow::Chosen, this,
@@ -33,7 +34,7 @@ private Q_SLOTS:
             u"白炽灯,荧光灯::荧光灯,白炽灯;白炽,荧光灯 ,没有::;荧光灯,白炽灯,常用灯具:混光灯:混光灯,常用灯具;"
             "混光灯,常用灯具:高压钠灯:高压钠灯,常用灯具;混光灯:常用灯具:混光灯,常用灯具;混光灯,荧光灯:荧光灯:"
             "混光灯;"
-            "荧光灯:白炽灯,_白炽灯:荧光灯;荧光灯:_混光灯,_常用灯具:混光灯,常用灯具"_qs;
+            "荧光灯:白炽灯,_白炽灯:荧光灯;荧光灯:_混光灯,_常用灯具:混光灯,常用灯具"_s;
         for (const QString& row : cases.split(u';')) {
             const QString ticked = row.section(u':', 0, 0);
             const QString clicked = row.section(u':', 1, 1);
@@ -54,7 +55,7 @@ private Q_SLOTS:
         for (const int key : {int(Qt::Key_Escape), int(Qt::Key_Enter), int(Qt::Key_Tab), 0,
                               int(Qt::Key_Escape), int(Qt::Key_Enter), int(Qt::Key_Tab), 0}) {
             Show();
-            Toggle(u"荧光灯"_qs);
+            Toggle(u"荧光灯"_s);
             const QRect shownAt = m_chooser->geometry();
             QWidget other;
             if (key != 0) {
@@ -65,7 +66,7 @@ private Q_SLOTS:
             }
             QTRY_VERIFY(!m_chooser->isVisible());
             QCoreApplication::processEvents();
-            QCOMPARE(m_results, key == Qt::Key_Escape ? QStringList() : QStringList(u"荧光灯"_qs));
+            QCOMPARE(m_results, key == Qt::Key_Escape ? QStringList() : QStringList(u"荧光灯"_s));
             QCOMPARE(m_rectangle, m_results.isEmpty() ? QRect() : shownAt);
             m_results.clear();
             m_rectangle = {};
@@ -78,18 +79,18 @@ private Q_SLOTS:
         const QPoint inCell = m_cell->geometry().center();
         for (const QPoint at : {inCell, QPoint(340, 310), inCell}) {
             m_results.clear();
-            Show(u"荧光灯"_qs);
+            Show(u"荧光灯"_s);
             // As the window system sends it: the open list is asked first.
             QTest::mouseClick(m_owner->windowHandle(), Qt::LeftButton, {}, at);
             QCoreApplication::processEvents();
             QVERIFY(!m_chooser->isVisible());
-            QCOMPARE(m_results, QStringList{u"荧光灯"_qs});
+            QCOMPARE(m_results, QStringList{u"荧光灯"_s});
             QCOMPARE(m_chooser->testAttribute(Qt::WA_NoMouseReplay), at == inCell);
         }
     }
 
 private:
-    QListWidget* List() const { return m_chooser->findChild<QListWidget*>(u"control1003"_qs); }
+    QListWidget* List() const { return m_chooser->findChild<QListWidget*>(u"control1003"_s); }
     void Show(const QString& ticked = {}) {
         const QStringList names = ticked.split(u',', Qt::SkipEmptyParts);
         m_chooser->Show(QRect(m_cell->mapToGlobal(QPoint()), m_cell->size()), {names.begin(), names.end()});

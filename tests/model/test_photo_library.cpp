@@ -5,6 +5,7 @@
 
 #include "model/photo_library.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
 
 namespace {
@@ -13,8 +14,7 @@ namespace {
 // its name there.
 struct Disk {
     QString Path(QString name) const {
-        return name.replace(u"L/"_qs, u"B/Vexal/LuminairePhotoLib/"_qs)
-            .replace(u"B/"_qs, folder.path() + u'/');
+        return name.replace(u"L/"_s, u"B/Vexal/LuminairePhotoLib/"_s).replace(u"B/"_s, folder.path() + u'/');
     }
     void Write(const QStringList& names) const {
         for (const QString& name : names) {
@@ -26,17 +26,17 @@ struct Disk {
     // "name=content" of every file of the library, or only the name when that is its content.
     QString Library() const {
         QStringList files;
-        for (const QString& name : QDir(Path(u"L/"_qs)).entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
-            QFile file(Path(u"L/"_qs) + name);
+        for (const QString& name : QDir(Path(u"L/"_s)).entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
+            QFile file(Path(u"L/"_s) + name);
             const QString content = file.open(QIODevice::ReadOnly) ? file.readAll() : QString();
-            files += content == u"L/"_qs + name ? name : name + u'=' + content;
+            files += content == u"L/"_s + name ? name : name + u'=' + content;
         }
         return files.join(u' ');
     }
     // As a page stores the photo of a luminaire whose record can be written.
     QString Store(int id, const QString& source) {
         const PhotoLibrary::PreparedPhoto prepared = library.Prepare(id, source);
-        return library.Commit(id, prepared) ? prepared.photo : u"not placed"_qs;
+        return library.Commit(id, prepared) ? prepared.photo : u"not placed"_s;
     }
 
     QTemporaryDir folder;
@@ -68,23 +68,23 @@ void TestPhotoLibrary::StoresUnderTheId_data() {
     };
     add("two points", {}, "B/图 片/a.b.Gif", "12.Gif", "12.Gif=B/图 片/a.b.Gif 7.jpg");
     add("nothing but an extension", {}, "B/.jpeg", "12.jpeg", "12.jpeg=B/.jpeg 7.jpg");
-    add("in place of others", u"L/12.bmp L/12.JPG L/12.a.b"_qs, "B/.JPG", "12.JPG", "12.JPG=B/.JPG 7.jpg");
-    add("none", u"L/1.jpg L/112.jpg L/12 L/12-old.jpg L/120.jpg L/x12.jpg L/12.jpg L/12.GIF"_qs, "", "",
+    add("in place of others", u"L/12.bmp L/12.JPG L/12.a.b"_s, "B/.JPG", "12.JPG", "12.JPG=B/.JPG 7.jpg");
+    add("none", u"L/1.jpg L/112.jpg L/12 L/12-old.jpg L/120.jpg L/x12.jpg L/12.jpg L/12.GIF"_s, "", "",
         "1.jpg 112.jpg 12 12-old.jpg 120.jpg 7.jpg x12.jpg");
-    add("its own", u"L/12.jpg L/12.bmp"_qs, "L/12.jpg", "12.jpg", "12.bmp 12.jpg 7.jpg");
-    add("its own, as stored", u"L/12.jpg L/12.bmp"_qs, "\\Vexal\\LuminairePhotoLib\\12.jpg", "12.jpg",
+    add("its own", u"L/12.jpg L/12.bmp"_s, "L/12.jpg", "12.jpg", "12.bmp 12.jpg 7.jpg");
+    add("its own, as stored", u"L/12.jpg L/12.bmp"_s, "\\Vexal\\LuminairePhotoLib\\12.jpg", "12.jpg",
         "12.bmp 12.jpg 7.jpg");
-    add("its own, written in another way", u"L/12.jpg L/12.bmp"_qs, "L/../LuminairePhotoLib/12.jpg", "12.jpg",
+    add("its own, written in another way", u"L/12.jpg L/12.bmp"_s, "L/../LuminairePhotoLib/12.jpg", "12.jpg",
         "12.jpg 7.jpg");
     add("another's", {}, "\\Vexal\\LuminairePhotoLib\\7.jpg", "12.jpg", "12.jpg=L/7.jpg 7.jpg");
     // A copy that fails leaves the old picture, and no file that is none.
-    const QString old = u"B/folder.jpg/picture B/blocked.png L/12.gif L/12.jpg.half"_qs;
+    const QString old = u"B/folder.jpg/picture B/blocked.png L/12.gif L/12.jpg.half"_s;
     const char* const kept = "12.gif 12.jpg.half 7.jpg";
     add("missing", old, "B/gone.jpg", "12.gif", kept);
     add("a folder", old, "B/folder.jpg", "12.gif", kept);
     add("no extension, but a point in the folder", old, "B/folder.jpg/picture", "12.gif", kept);
     add("leads out of the library", old, "B/x./../../../escaped", "12.gif", kept);
-    add("cannot be put in place", old + u" L/12.png/in_the_way"_qs, "B/blocked.png", "12.gif", kept);
+    add("cannot be put in place", old + u" L/12.png/in_the_way"_s, "B/blocked.png", "12.gif", kept);
 }
 
 void TestPhotoLibrary::StoresUnderTheId() {
@@ -92,59 +92,58 @@ void TestPhotoLibrary::StoresUnderTheId() {
     QFETCH(QString, source);
     QFETCH(QString, photo);
     Disk disk;
-    disk.Write(before + QStringList{u"L/7.jpg"_qs, u"B/图 片/a.b.Gif"_qs, u"B/.jpeg"_qs, u"B/.JPG"_qs});
+    disk.Write(before + QStringList{u"L/7.jpg"_s, u"B/图 片/a.b.Gif"_s, u"B/.jpeg"_s, u"B/.JPG"_s});
     QCOMPARE(disk.Store(12, disk.Path(source)),
-             photo.isEmpty() ? QString() : u"\\Vexal\\LuminairePhotoLib\\"_qs + photo);
+             photo.isEmpty() ? QString() : u"\\Vexal\\LuminairePhotoLib\\"_s + photo);
     QTEST(disk.Library(), "library");
-    QVERIFY(!QFile::exists(disk.Path(u"B/escaped"_qs)));
+    QVERIFY(!QFile::exists(disk.Path(u"B/escaped"_s)));
 }
 
 void TestPhotoLibrary::FailedFirstCopyKeepsThePathItWouldHave() {
     Disk disk;
-    QCOMPARE(disk.Store(12, u"\\Vexal\\LuminairePhotoLib\\7.jpg"_qs),
-             u"\\Vexal\\LuminairePhotoLib\\12.jpg"_qs);
-    QCOMPARE(disk.Store(12, u"no extension"_qs), u"\\Vexal\\LuminairePhotoLib\\12no extension"_qs);
-    QCOMPARE(disk.Store(12, u"\\no\\extension"_qs), QString());
+    QCOMPARE(disk.Store(12, u"\\Vexal\\LuminairePhotoLib\\7.jpg"_s), u"\\Vexal\\LuminairePhotoLib\\12.jpg"_s);
+    QCOMPARE(disk.Store(12, u"no extension"_s), u"\\Vexal\\LuminairePhotoLib\\12no extension"_s);
+    QCOMPARE(disk.Store(12, u"\\no\\extension"_s), QString());
 }
 
 // The folder is read only once: what was placed meanwhile is known, what was deleted is not.
 void TestPhotoLibrary::NothingChangesBeforeItIsPlaced() {
     Disk disk;
-    disk.Write({u"L/12.bmp"_qs, u"L/7.bmp"_qs, u"B/.JPG"_qs, u"B/b.bmp"_qs});
+    disk.Write({u"L/12.bmp"_s, u"L/7.bmp"_s, u"B/.JPG"_s, u"B/b.bmp"_s});
     const PhotoLibrary::CachedListing listing(disk.library);
-    QCOMPARE(disk.library.Prepare(12, disk.Path(u"B/b.bmp"_qs)).photo,
-             u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
+    QCOMPARE(disk.library.Prepare(12, disk.Path(u"B/b.bmp"_s)).photo,
+             u"\\Vexal\\LuminairePhotoLib\\12.bmp"_s);
     QCOMPARE(disk.library.Prepare(7, {}).photo, QString());
-    QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_qs);
+    QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_s);
     {
-        const PhotoLibrary::PreparedPhoto unplaceable = disk.library.Prepare(12, disk.Path(u"B/.JPG"_qs));
-        QVERIFY(QDir().mkdir(disk.Path(u"L/12.JPG"_qs)));
+        const PhotoLibrary::PreparedPhoto unplaceable = disk.library.Prepare(12, disk.Path(u"B/.JPG"_s));
+        QVERIFY(QDir().mkdir(disk.Path(u"L/12.JPG"_s)));
         QVERIFY(!disk.library.Commit(12, unplaceable));
-        QCOMPARE(unplaceable.fallback, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs);
-        QVERIFY(QDir().rmdir(disk.Path(u"L/12.JPG"_qs)));
+        QCOMPARE(unplaceable.fallback, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_s);
+        QVERIFY(QDir().rmdir(disk.Path(u"L/12.JPG"_s)));
     }
-    QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_qs);
-    disk.Store(12, disk.Path(u"B/.JPG"_qs));
-    QCOMPARE(disk.Library(), u"12.JPG=B/.JPG 7.bmp"_qs);
+    QCOMPARE(disk.Library(), u"12.bmp 7.bmp"_s);
+    disk.Store(12, disk.Path(u"B/.JPG"_s));
+    QCOMPARE(disk.Library(), u"12.JPG=B/.JPG 7.bmp"_s);
     disk.library.DeletePhotos(12);
-    QCOMPARE(disk.Library(), u"7.bmp"_qs);
+    QCOMPARE(disk.Library(), u"7.bmp"_s);
 }
 
 void TestPhotoLibrary::KeepsTheLibrarysPictures() {
     Disk disk;
-    disk.Write({u"L/12.bmp"_qs, u"L/7.bmp"_qs, u"B/a.jpg"_qs});
-    for (const QString& none : {u"B/a.jpg"_qs, u"L/12.bmp"_qs, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_qs,
-                                u"\\Vexal\\LuminairePhotoLib\\8.bmp"_qs, QString()}) {
+    disk.Write({u"L/12.bmp"_s, u"L/7.bmp"_s, u"B/a.jpg"_s});
+    for (const QString& none : {u"B/a.jpg"_s, u"L/12.bmp"_s, u"\\Vexal\\LuminairePhotoLib\\12.bmp"_s,
+                                u"\\Vexal\\LuminairePhotoLib\\8.bmp"_s, QString()}) {
         QVERIFY(disk.library.CopyPicture(12, disk.Path(none)).file.isEmpty());
     }
-    PhotoLibrary::PictureCopy seven = disk.library.CopyPicture(12, u"\\Vexal\\LuminairePhotoLib\\7.bmp"_qs);
-    const PhotoLibrary::PictureCopy twelve = disk.library.CopyPicture(7, disk.Path(u"L/12.bmp"_qs));
+    PhotoLibrary::PictureCopy seven = disk.library.CopyPicture(12, u"\\Vexal\\LuminairePhotoLib\\7.bmp"_s);
+    const PhotoLibrary::PictureCopy twelve = disk.library.CopyPicture(7, disk.Path(u"L/12.bmp"_s));
     disk.Store(7, twelve.file);
     disk.Store(12, seven.file);
-    QCOMPARE(disk.Library(), u"12.bmp=L/7.bmp 7.bmp=L/12.bmp"_qs);
+    QCOMPARE(disk.Library(), u"12.bmp=L/7.bmp 7.bmp=L/12.bmp"_s);
 #ifdef Q_OS_UNIX
-    QVERIFY(QFile::link(disk.Path(u"B/Vexal"_qs), disk.Path(u"B/link"_qs)));
-    QVERIFY(!disk.library.CopyPicture(12, disk.Path(u"B/link/LuminairePhotoLib/7.bmp"_qs)).file.isEmpty());
+    QVERIFY(QFile::link(disk.Path(u"B/Vexal"_s), disk.Path(u"B/link"_s)));
+    QVERIFY(!disk.library.CopyPicture(12, disk.Path(u"B/link/LuminairePhotoLib/7.bmp"_s)).file.isEmpty());
 #endif
     const QString file = seven.file;
     seven = {};

@@ -4,17 +4,20 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
+#include <functional>
 #include <memory>
 #include <optional>
 
 #include "data/number_text.h"
 #include "editors/factor_table/factor_table_grid.h"
 #include "editors/messages.h"
-#include "model/text_checks.h"
 #include "widgets/dialog_template.h"
 #include "widgets/image_button.h"
 #include "widgets/message_box.h"
+#include "widgets/submit_progress.h"
 #include "widgets/wait_cursor.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 namespace {
@@ -42,25 +45,8 @@ constexpr QSize kTemplateSize(486, 282);
 constexpr QSize kMargin(7, 7);
 constexpr QSize kSpacing(6, 6);
 
-constexpr int kLargestReflectance = 100;  // %
-
 CString RowLabel(const CString& kindText) {
-    return kindText == QStringLiteral("RI") ? QStringLiteral("室形系数RI") : QStringLiteral("室空间比RCR");
-}
-
-std::optional<tagColHeading> ParseHeading(const CString& text) {
-    const std::vector<CString> pieces = Split(text, u',');
-    std::vector<int> values;
-    for (const CString& piece : pieces) {
-        const int value = CheckInteger(piece).value_or(-1);
-        if (value >= 0 && value <= kLargestReflectance) {
-            values.push_back(value);
-        }
-    }
-    if (pieces.size() != 3 || values.size() != pieces.size()) {
-        return std::nullopt;
-    }
-    return tagColHeading{values[0], values[1], values[2]};
+    return kindText == u"RI"_s ? u"室形系数RI"_s : u"室空间比RCR"_s;
 }
 
 }  // namespace
@@ -69,23 +55,23 @@ CCoefficientTableDlg::CCoefficientTableDlg(CLightingDatabase& database, int lumi
                                            const CString& kindText, QWidget* parent)
     : QDialog(parent),
       m_rowLabel(RowLabel(kindText)),
-      m_table(database, [this](const CString& text) { ShowMessage(MessageParent(), text); }) {
-    setObjectName(QStringLiteral("factorTableDialog"));
+      m_editing(database, [this](const CString& text) { ShowMessage(MessageParent(), text); }) {
+    setObjectName(u"factorTableDialog"_s);
     setWindowFlags((windowFlags() | Qt::WindowMaximizeButtonHint) & ~Qt::WindowContextHelpButtonHint);
     setSizeGripEnabled(true);
-    setWindowTitle(title + QStringLiteral(" 利用系数表"));
+    setWindowTitle(title + u" 利用系数表"_s);
     CreateContents();
     LayOut();
     DecorateButtons();
-    m_table.Load(luminaireId);
-    if (m_table.IsWhole()) {
-        ShowTable();
+    if (m_editing.Load(luminaireId)) {
+        m_tree->Show(m_editing);
+        m_grid->Show(m_editing.Table());
     } else {
         ForbidEditing();
     }
-    connect(m_tree, &FactorTableTree::LabelEdited, this, &CCoefficientTableDlg::TakeLabel);
-    connect(m_tree, &FactorTableTree::CommandChosen, this, &CCoefficientTableDlg::RunCommand);
-    connect(m_grid, &CGridCtrl::EndLabelEdit, this, &CCoefficientTableDlg::TakeFactor);
+    connect(m_tree, &FactorTableTree::LabelEdited, this, &CCoefficientTableDlg::OnLabelEdited);
+    connect(m_tree, &FactorTableTree::CommandChosen, this, &CCoefficientTableDlg::OnCommand);
+    connect(m_grid, &CGridCtrl::EndLabelEdit, this, &CCoefficientTableDlg::OnFactorEdited);
 }
 
 CCoefficientTableDlg::~CCoefficientTableDlg() = default;
@@ -96,16 +82,15 @@ void CCoefficientTableDlg::CreateContents() {
     CreateControls(this, kTemplate,
                    [this](int /*id*/, QWidget* dialog) { return new FactorTableTree(m_rowLabel, dialog); });
     m_tree = DialogItem<FactorTableTree>(this, kTree);
-    m_tree->setAccessibleName(QStringLiteral("列表头和") + m_rowLabel);
+    m_tree->setAccessibleName(u"列表头和"_s + m_rowLabel);
     auto grid = std::make_unique<FactorTableGrid>(m_rowLabel);
     grid->Create(DialogItem(this, kGridFrame)->geometry(), this, kGrid);
     m_grid = grid.release();  // the dialog owns it now
-    m_grid->setAccessibleName(QStringLiteral("利用系数表"));
+    m_grid->setAccessibleName(u"利用系数表"_s);
     setTabOrder(m_tree, m_grid);
 }
 
-// The template's places are those of the dialog as it opens; when it is made larger, tree and grid grow in
-// proportion.
+// The template gives the sizes at opening. When the dialog is made larger, tree and grid grow in proportion.
 void CCoefficientTableDlg::LayOut() {
     const DialogUnits units(font());
     const QSize margin = units.ToPixels(kMargin);
@@ -145,23 +130,16 @@ void CCoefficientTableDlg::DecorateButtons() {
         button->SetImage(icon, toolTip);
         return button;
     };
-    connect(decorate(kSubmit, IconId::Submit, QStringLiteral("提交数据")), &QPushButton::clicked, this,
-            &CCoefficientTableDlg::SubmitPressed);
-    connect(decorate(kClear, IconId::Delete, QStringLiteral("清空全部数据")), &QPushButton::clicked, this,
-            &CCoefficientTableDlg::ClearPressed);
-    connect(decorate(kOk, IconId::Ok, QStringLiteral("退出")), &QPushButton::clicked, this,
-            &CCoefficientTableDlg::accept);
+    connect(decorate(kSubmit, IconId::Submit, u"提交数据"_s), &QPushButton::clicked, this,
+            &CCoefficientTableDlg::OnSubmit);
+    connect(decorate(kClear, IconId::Delete, u"清空全部数据"_s), &QPushButton::clicked, this,
+            &CCoefficientTableDlg::OnClear);
+    connect(decorate(kOk, IconId::Ok, u"退出"_s), &QPushButton::clicked, this, &CCoefficientTableDlg::accept);
 }
 
-void CCoefficientTableDlg::ShowTable() {
-    m_tree->Show(m_table);
-    m_grid->Show(m_table);
-}
-
-// In a table of which a part could not be read, that part would be taken for missing and be written once
-// more.
+// A factor that could not be read would count as missing, and a submit would write it a second time.
 void CCoefficientTableDlg::ForbidEditing() {
-    ShowMessage(MessageParent(), QStringLiteral("利用系数未能全部读出,不能编辑。"), windowTitle());
+    ShowMessage(MessageParent(), u"利用系数未能全部读出,不能编辑。"_s, windowTitle());
     m_tree->setEnabled(false);
     m_grid->setEnabled(false);
     DialogItem(this, kSubmit)->setEnabled(false);
@@ -170,7 +148,7 @@ void CCoefficientTableDlg::ForbidEditing() {
 
 // ---- Headings and row values
 
-void CCoefficientTableDlg::RunCommand(FactorTableTree::Command command) {
+void CCoefficientTableDlg::OnCommand(FactorTableTree::Command command) {
     switch (command) {
         case FactorTableTree::Command::NewHeading:
             m_tree->AddNew(Branch::Headings);
@@ -179,102 +157,59 @@ void CCoefficientTableDlg::RunCommand(FactorTableTree::Command command) {
             m_tree->AddNew(Branch::Rows);
             break;
         case FactorTableTree::Command::DeleteHeading:
-            DeleteEntry(Branch::Headings);
+            DeleteEntry(Branch::Headings, u"确定是否删除该列数据?"_s);
             break;
         case FactorTableTree::Command::DeleteRow:
-            DeleteEntry(Branch::Rows);
+            DeleteEntry(Branch::Rows, u"确定是否删除该行数据?"_s);
             break;
     }
 }
 
-void CCoefficientTableDlg::DeleteEntry(Branch branch) {
-    const QTreeWidgetItem* item = m_tree->currentItem();
-    const int index = FactorTableTree::IndexOf(item);
-    if (branch == Branch::Headings) {
-        if (Ask(QStringLiteral("确定是否删除该列数据?"))) {
-            Accept(m_table.DeleteHeading(index), branch);
-        }
-    } else if (Ask(QStringLiteral("确定是否删除该行数据?"))) {
-        Accept(m_table.DeleteRow(index), branch);
+void CCoefficientTableDlg::DeleteEntry(Branch branch, const CString& question) {
+    const int index = FactorTableTree::IndexOf(m_tree->currentItem());
+    if (Ask(question)) {
+        m_editing.Delete(branch, index);
+        ShowAfterOperation(branch);
     }
 }
 
-// A label that was left as it is changes nothing: a row value may have more decimals than its label, and a
-// heading from the file may be none that could be typed.
-void CCoefficientTableDlg::TakeLabel(QTreeWidgetItem* item, const CString& text) {
+void CCoefficientTableDlg::OnLabelEdited(QTreeWidgetItem* item, const CString& text) {
     const Branch branch = m_tree->BranchOf(item);
-    const int index = FactorTableTree::IndexOf(item);
-    if (index >= 0 && text == item->text(0)) {
-        Accept(false, branch);
+    if (m_editing.TakeLabel(branch, FactorTableTree::IndexOf(item), text)) {
+        ShowAfterOperation(branch);
         return;
     }
-    if (branch == Branch::Headings && !TakeHeading(index, text)) {
-        TellError(QStringLiteral("输入列表头内容不正确."));
-        m_tree->EditLabel(item);
-    } else if (branch == Branch::Rows && !TakeRowValue(index, text)) {
-        TellError(QStringLiteral("输入") + m_rowLabel + QStringLiteral("内容不正确."));
-        m_tree->EditLabel(item);
-    }
+    TellError(branch == Branch::Headings ? u"输入列表头内容不正确."_s
+                                         : u"输入"_s + m_rowLabel + u"内容不正确."_s);
+    m_tree->EditLabel(item);
 }
 
-bool CCoefficientTableDlg::TakeHeading(int index, const CString& text) {
-    const std::optional<tagColHeading> heading = ParseHeading(text);
-    if (heading) {
-        const auto [Pcc, Pw, Pf] = *heading;
-        Accept(index < 0 ? m_table.AddHeading(Pcc, Pw, Pf) : m_table.ModifyHeading(index, Pcc, Pw, Pf),
-               Branch::Headings);
-    }
-    return heading.has_value();
-}
-
-bool CCoefficientTableDlg::TakeRowValue(int index, const CString& text) {
-    const std::optional<double> value = CheckReal(text);
-    if (value) {
-        // As the file will keep it: two rows that are one there must not be two here.
-        const double kept = FormatReal(*value).toDouble();
-        Accept(index < 0 ? m_table.AddRow(kept) : m_table.ModifyRow(index, kept), Branch::Rows);
-    }
-    return value.has_value();
-}
-
-void CCoefficientTableDlg::Accept(bool changed, Branch branch) {
-    m_modified = m_modified || changed;
-    m_tree->Show(m_table);
-    if (m_modified) {
+void CCoefficientTableDlg::ShowAfterOperation(Branch branch) {
+    m_tree->Show(m_editing);
+    if (IsModified()) {
         m_tree->ExpandBranch(branch);
-        m_grid->Show(m_table);
+        m_grid->Show(m_editing.Table());
     }
 }
 
 // ---- Factors
 
-void CCoefficientTableDlg::TakeFactor(int row, int column) {
-    const double present = m_table.GetFactor(row, column);
-    const bool isUntouched = m_grid->IsUntouched(row, column, present);
-    const std::optional<double> typed = CheckReal(m_grid->GetItemText(row, column));
-    if (!typed && !isUntouched) {
-        m_grid->SetItemText(row, column, FormatInteger(0));
-        m_grid->SetTyped(row, column);
+void CCoefficientTableDlg::OnFactorEdited(int row, int column) {
+    const CString text = m_grid->GetItemText(row, column);
+    const bool isUntouched = m_grid->IsUntouched(row, column, m_editing.Table().GetFactor(row, column));
+    const std::optional<CString> shown = m_editing.TakeFactor(row, column, text, isUntouched);
+    if (!isUntouched) {
+        m_grid->ShowTyped(row, column, shown.value_or(FormatInteger(0)));
+    }
+    if (!shown) {
         RefuseFactor();
-        return;
-    }
-    m_modified = true;
-    if (isUntouched) {
-        return;  // the factor may have more decimals than its cell shows
-    }
-    m_table.SetFactor(row, column, *typed);
-    m_grid->SetTyped(row, column);
-    // The file keeps six significant digits; a number with more is shown as it will be kept.
-    const CString stored = FormatReal(*typed);
-    if (stored.toDouble() != *typed) {
-        m_grid->SetItemText(row, column, stored);
     }
 }
 
 void CCoefficientTableDlg::RefuseFactor() {
     m_isFactorRefused = true;
-    TellError(QStringLiteral("输入数据不正确."));
-    // When the edit ended by a press on a button, the message has taken the release.
+    TellError(u"输入数据不正确."_s);
+    // When a press on a button ended the edit, the message box has taken the release of that button.
     for (const int id : {kSubmit, kClear, kOk}) {
         auto* button = DialogItem<QPushButton>(this, id);
         QMetaObject::invokeMethod(
@@ -284,22 +219,21 @@ void CCoefficientTableDlg::RefuseFactor() {
 
 // ---- Submitting and leaving
 
-void CCoefficientTableDlg::SubmitPressed() {
+void CCoefficientTableDlg::OnSubmit() {
     if (EndEditing()) {
         Submit();
-        m_grid->Show(m_table);
+        m_grid->Show(m_editing.Table());
     }
 }
 
-void CCoefficientTableDlg::ClearPressed() {
-    if (EndEditing() && Ask(QStringLiteral("确定是否清空全部数据?"))) {
-        m_table.ClearFactors();
-        m_grid->Show(m_table);
-        m_modified = true;
+void CCoefficientTableDlg::OnClear() {
+    if (EndEditing() && Ask(u"确定是否清空全部数据?"_s)) {
+        m_editing.Clear();
+        m_grid->Show(m_editing.Table());
     }
 }
 
-// Takes in what is still being typed. False when it was refused and the user has to look at it first.
+// Ends open edits in grid and tree. False when a text was refused, so that the user can correct it first.
 bool CCoefficientTableDlg::EndEditing() {
     m_isFactorRefused = false;
     m_grid->EndEdit();
@@ -308,16 +242,15 @@ bool CCoefficientTableDlg::EndEditing() {
 }
 
 void CCoefficientTableDlg::Submit() {
+    m_tree->repaint();
+    int unwritten = 0;
     {
-        m_tree->repaint();
         const WaitCursor waiting;
-        m_table.Submit();
+        SubmitProgress progress(this, u"正在提交数据……"_s);
+        unwritten = m_editing.Submit(std::ref(progress));
     }
-    const int unwritten = m_table.UnwrittenCount();
-    m_modified = unwritten > 0;
     if (unwritten > 0) {
-        ShowMessage(this,
-                    UnwrittenText(unwritten) + QStringLiteral("可能的原因:数据库文件只读或被其他程序占用。"),
+        ShowMessage(this, UnwrittenText(unwritten) + u"可能的原因:数据库文件只读或被其他程序占用。"_s,
                     windowTitle());
     }
 }
@@ -326,8 +259,8 @@ void CCoefficientTableDlg::accept() {
     if (!EndEditing()) {
         return;
     }
-    if (m_modified && ShowMessage(this, QStringLiteral("数据已经修改是否提交?"), windowTitle(),
-                                  MessageButtons::YesNo, MessageIcon::Exclamation) == MessageAnswer::Yes) {
+    if (IsModified() && ShowMessage(this, u"数据已经修改是否提交?"_s, windowTitle(), MessageButtons::YesNo,
+                                    MessageIcon::Exclamation) == MessageAnswer::Yes) {
         Submit();
     }
     QDialog::accept();
@@ -342,8 +275,8 @@ void CCoefficientTableDlg::closeEvent(QCloseEvent* event) {
     if (!EndEditing()) {
         return;
     }
-    if (m_modified) {
-        const MessageAnswer answer = ShowMessage(this, QStringLiteral("数据已经修改是否提交?"), windowTitle(),
+    if (IsModified()) {
+        const MessageAnswer answer = ShowMessage(this, u"数据已经修改是否提交?"_s, windowTitle(),
                                                  MessageButtons::YesNoCancel, MessageIcon::Exclamation);
         if (answer == MessageAnswer::Cancel) {
             return;
@@ -356,7 +289,7 @@ void CCoefficientTableDlg::closeEvent(QCloseEvent* event) {
     done(Rejected);
 }
 
-// Enter belongs to the grid and the labels; it never leaves the dialog.
+// Enter belongs to the grid and the labels. It never closes the dialog.
 void CCoefficientTableDlg::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         event->accept();
@@ -365,7 +298,7 @@ void CCoefficientTableDlg::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-// Messages about what was loaded come before there is a dialog to stand over.
+// Messages about the load come before the dialog is shown.
 QWidget* CCoefficientTableDlg::MessageParent() {
     return isVisible() ? this : parentWidget();
 }
@@ -376,7 +309,7 @@ bool CCoefficientTableDlg::Ask(const CString& question) {
 }
 
 void CCoefficientTableDlg::TellError(const CString& text) {
-    ShowMessage(this, text, QStringLiteral("错误"));
+    ShowMessage(this, text, u"错误"_s);
 }
 
 }  // namespace quorvane

@@ -1,14 +1,14 @@
 // CCoefficientTableDlg: the dialog "利用系数编辑", in which the utilization factor table of one luminaire is
 // edited.
 //
-// Headings and row values are added, changed and deleted in the tree, factors are typed into the grid.
-// Nothing reaches the database before the user submits.
+// The user adds, changes and deletes headings and row values in the tree, and types factors into the grid.
+// Nothing reaches the database before a submit.
 #pragma once
 
 #include <QDialog>
 
-#include "data/utilization_factor_table.h"
 #include "editors/factor_table/factor_table_tree.h"
+#include "model/factor_table_editing.h"
 
 class QLayout;
 
@@ -20,19 +20,19 @@ class CCoefficientTableDlg : public QDialog {
     Q_OBJECT
 
 public:
-    // Loads the table of that luminaire. title names it in the window's title; kindText says by what the rows
-    // are told apart, "RI" for the room index and anything else for the room cavity ratio. What is missing or
-    // wrong in the file is told at once, before the dialog is shown. The database must outlive the dialog.
+    // Loads the table of the luminaire, and tells the user of missing factors before the dialog is shown.
+    // title names the luminaire in the window's title. kindText names the row values: "RI" is the room index,
+    // any other text the room cavity ratio. The database must outlive the dialog.
     CCoefficientTableDlg(CLightingDatabase& database, int luminaireId, const CString& title,
                          const CString& kindText, QWidget* parent);
     ~CCoefficientTableDlg() override;
 
-    // Whether anything has changed since the last submit, or could not be written by it.
-    bool IsModified() const { return m_modified; }
+    // Whether the table has changed since the last submit, or the submit could not write all of it.
+    bool IsModified() const { return m_editing.IsModified(); }
 
-    // "确定": asks whether to submit what has changed, and closes.
+    // "确定": asks whether to submit changes, and closes.
     void accept() override;
-    // Esc asks what the close box asks.
+    // Esc asks the same question as the close box.
     void reject() override;
 
 protected:
@@ -40,28 +40,24 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    using Branch = FactorTableTree::Branch;
+    using Branch = FactorTableBranch;
 
     void CreateContents();
     void LayOut();
     QLayout* LayOutButtons();
     void DecorateButtons();
-    void ShowTable();
     void ForbidEditing();
 
-    void RunCommand(FactorTableTree::Command command);
-    void TakeLabel(QTreeWidgetItem* item, const CString& text);
-    // False when the text is no heading or no row value; whether the table takes it is another matter.
-    bool TakeHeading(int index, const CString& text);
-    bool TakeRowValue(int index, const CString& text);
-    // What follows every operation on the table, whether it changed anything or not.
-    void Accept(bool changed, Branch branch);
-    void DeleteEntry(Branch branch);
-    void TakeFactor(int row, int column);
-    void RefuseFactor();
+    void OnCommand(FactorTableTree::Command command);
+    void OnLabelEdited(QTreeWidgetItem* item, const CString& text);
+    void OnFactorEdited(int row, int column);
+    void OnSubmit();
+    void OnClear();
 
-    void SubmitPressed();
-    void ClearPressed();
+    void DeleteEntry(Branch branch, const CString& question);
+    // Shows the table after an operation on that branch, also after one that changed nothing.
+    void ShowAfterOperation(Branch branch);
+    void RefuseFactor();
     bool EndEditing();
     void Submit();
     QWidget* MessageParent();
@@ -69,10 +65,9 @@ private:
     void TellError(const CString& text);
 
     CString m_rowLabel;
-    UtilizationFactorTable m_table;
+    FactorTableEditing m_editing;
     FactorTableTree* m_tree = nullptr;
     FactorTableGrid* m_grid = nullptr;
-    bool m_modified = false;
     bool m_isFactorRefused = false;
 };
 

@@ -5,9 +5,11 @@
 #include <algorithm>
 
 #include "data/number_text.h"
-#include "editors/factor_table/moved_place.h"
 #include "editors/grid_setup.h"
 #include "grid/cells/cell_attributes.h"
+#include "model/index_after_change.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 namespace {
@@ -17,12 +19,12 @@ constexpr int kLabelRow = 3;
 constexpr int kLabelWidth = 96;
 constexpr int kColumnWidth = 50;
 constexpr int kRowHeight = 20;
-constexpr int kLines = 2;  // pixels that grid lines and bevels take of a cell
-// A value that is too long for its cell is seen to be cut.
+constexpr int kLines = 2;  // pixels of grid lines and bevels in a cell
+// An ellipsis tells the user that a value is too long for its cell.
 constexpr unsigned kFactorFormat = kCentred | CellFormat::EndEllipsis;
-constexpr int kTyped = 1;  // item data of a factor's cell
+constexpr int kTyped = 1;  // item data of a cell that shows a typed text
 
-// The given width, or more where the font is too large for it.
+// The usual width, or more when the font needs it.
 int WidthFor(const QStringList& texts, const QFontMetrics& metrics, int usualWidth) {
     int width = usualWidth;
     for (const CString& text : texts) {
@@ -43,7 +45,7 @@ FactorTableGrid::FactorTableGrid(const CString& rowLabel) : m_rowLabel(rowLabel)
 
 void FactorTableGrid::Show(UtilizationFactorTable& table) {
     CancelEdit();
-    const CCellID focus = Moved(GetFocusCell(), table);
+    const CCellID focus = PlaceAfterChange(GetFocusCell(), table);
     const int left = horizontalScrollBar()->value();
     const int top = verticalScrollBar()->value();
     Build(table);
@@ -53,29 +55,29 @@ void FactorTableGrid::Show(UtilizationFactorTable& table) {
     Refresh();
 }
 
-CCellID FactorTableGrid::Moved(CCellID cell, const UtilizationFactorTable& table) const {
+CCellID FactorTableGrid::PlaceAfterChange(CCellID cell, const UtilizationFactorTable& table) const {
     if (!cell.IsValid()) {
         return {};
     }
-    const int column = MovedPlace(cell.col - FirstColumn, m_headings, table.Headings());
-    const int row = MovedPlace(cell.row - FirstRow, m_rowValues, table.RowValues());
-    return column < 0 || row < 0 ? CCellID{} : CCellID{row + FirstRow, column + FirstColumn};
+    const int column = IndexAfterChange(cell.col - kFirstColumn, m_headings, table.Headings());
+    const int row = IndexAfterChange(cell.row - kFirstRow, m_rowValues, table.RowValues());
+    return column < 0 || row < 0 ? CCellID{} : CCellID{row + kFirstRow, column + kFirstColumn};
 }
 
 void FactorTableGrid::Build(UtilizationFactorTable& table) {
     m_headings = table.Headings();
     m_rowValues = table.RowValues();
     DeleteAllItems();
-    SetRowCount(FirstRow + static_cast<int>(m_rowValues.size()));
-    SetColumnCount(FirstColumn + static_cast<int>(m_headings.size()));
-    SetFixedRowCount(FirstRow);
-    SetFixedColumnCount(FirstColumn);
+    SetRowCount(kFirstRow + static_cast<int>(m_rowValues.size()));
+    SetColumnCount(kFirstColumn + static_cast<int>(m_headings.size()));
+    SetFixedRowCount(kFirstRow);
+    SetFixedColumnCount(kFirstColumn);
     SetTypesByColumns(true);
     BuildLabels();
     BuildHeadings();
     MergeHeadings();
-    for (int column = FirstColumn; column < GetColumnCount(); ++column) {
-        for (int row = FirstRow; row < GetRowCount(); ++row) {
+    for (int column = kFirstColumn; column < GetColumnCount(); ++column) {
+        for (int row = kFirstRow; row < GetRowCount(); ++row) {
             SetItem({.row = row,
                      .col = column,
                      .mask = ItemMask::Text | ItemMask::Format,
@@ -86,24 +88,23 @@ void FactorTableGrid::Build(UtilizationFactorTable& table) {
 }
 
 void FactorTableGrid::BuildLabels() {
-    const QStringList labels{QStringLiteral("有效顶棚反射比"), QStringLiteral("墙反射比"),
-                             QStringLiteral("地面反射比"), m_rowLabel};
+    const QStringList labels{u"有效顶棚反射比"_s, u"墙反射比"_s, u"地面反射比"_s, m_rowLabel};
     const QFontMetrics metrics(font());
     SetColumnWidth(0, WidthFor(labels, metrics, kLabelWidth));
     for (int row = 0; row < GetRowCount(); ++row) {
         SetRowHeight(row, HeightFor(metrics));
-        if (row < FirstRow) {
+        if (row < kFirstRow) {
             SetItemText(row, 0, labels[row]);
             SetItemFormat(row, 0, kCentred);
         } else {
-            SetItemText(row, 0, FormatFixed2(m_rowValues[static_cast<std::size_t>(row - FirstRow)]));
+            SetItemText(row, 0, FormatFixed2(m_rowValues[static_cast<std::size_t>(row - kFirstRow)]));
         }
     }
 }
 
 void FactorTableGrid::BuildHeadings() {
-    const int width = WidthFor({QStringLiteral("0.00")}, QFontMetrics(font()), kColumnWidth);
-    int column = FirstColumn;
+    const int width = WidthFor({u"0.00"_s}, QFontMetrics(font()), kColumnWidth);
+    int column = kFirstColumn;
     for (const auto& [Pcc, Pw, Pf] : m_headings) {
         SetColumnWidth(column, width);
         int row = kCeilingRow;
@@ -123,12 +124,12 @@ void FactorTableGrid::MergeHeadings() {
     while (run != m_headings.end()) {
         const auto end = std::find_if(
             run, m_headings.end(), [run](const tagColHeading& heading) { return heading.Pcc != run->Pcc; });
-        MergeCells(kCeilingRow, FirstColumn + static_cast<int>(run - m_headings.begin()), 0,
+        MergeCells(kCeilingRow, kFirstColumn + static_cast<int>(run - m_headings.begin()), 0,
                    static_cast<int>(end - run) - 1);
         run = end;
     }
     if (!m_headings.empty()) {
-        MergeCells(kLabelRow, FirstColumn, 0, static_cast<int>(m_headings.size()) - 1);
+        MergeCells(kLabelRow, kFirstColumn, 0, static_cast<int>(m_headings.size()) - 1);
     }
 }
 
@@ -138,7 +139,8 @@ bool FactorTableGrid::IsUntouched(int row, int column, double factor) const {
     return text == FormatReal(factor) || (isRounded && text == FormatFixed2(factor));
 }
 
-void FactorTableGrid::SetTyped(int row, int column) {
+void FactorTableGrid::ShowTyped(int row, int column, const CString& text) {
+    SetItemText(row, column, text);
     SetItemData(row, column, kTyped);
 }
 

@@ -1,7 +1,7 @@
 // The grid in which the factors of a utilization factor table are typed.
 //
-// Rows 0 to 2 hold the reflectances of ceiling, walls and floor of each column, row 3 the row label alone,
-// and column 0 the row values. Factors stand from row 4 and column 1 on.
+// Rows 0 to 2 hold the reflectances of ceiling, walls and floor of each column, row 3 holds the row label,
+// and column 0 holds the row values. The factors begin at row 4 and column 1.
 #pragma once
 
 #include <vector>
@@ -15,31 +15,31 @@ class FactorTableGrid : public CGridCtrl {
     Q_OBJECT
 
 public:
-    static constexpr int FirstRow = 4;
-    static constexpr int FirstColumn = 1;
+    static constexpr int kFirstRow = 4;
+    static constexpr int kFirstColumn = 1;
 
-    // rowLabel is what a row value is called.
+    // rowLabel is the name of the row values.
     explicit FactorTableGrid(const CString& rowLabel);
 
-    // Builds the whole grid anew. The scroll position stays, and the focus stays on its factor, or near it
-    // when that has gone.
+    // Rebuilds the whole grid. The scroll position stays. The focus stays on its factor, or moves to a
+    // neighbour when the factor was removed.
     void Show(UtilizationFactorTable& table);
 
-    // Whether the text in a cell is the one that was shown for the factor, so that nothing new was typed. A
-    // cell shows two decimals until something is typed there.
+    // Whether a cell shows its factor, so that nothing new was typed. A cell shows two decimals until the
+    // user types into it.
     bool IsUntouched(int row, int column, double factor) const;
-    // Notes that the text in a cell is no longer the factor with two decimals.
-    void SetTyped(int row, int column);
+    // Shows a typed text, which is not rounded to two decimals.
+    void ShowTyped(int row, int column, const CString& text);
 
 private:
-    CCellID Moved(CCellID cell, const UtilizationFactorTable& table) const;
+    CCellID PlaceAfterChange(CCellID cell, const UtilizationFactorTable& table) const;
     void Build(UtilizationFactorTable& table);
     void BuildLabels();
     void BuildHeadings();
     void MergeHeadings();
 
     CString m_rowLabel;
-    std::vector<tagColHeading> m_headings;  // as shown
+    std::vector<tagColHeading> m_headings;  // those shown
     std::vector<double> m_rowValues;
 };
 

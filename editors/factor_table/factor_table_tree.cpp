@@ -1,13 +1,11 @@
 #include "editors/factor_table/factor_table_tree.h"
 
 #include <QScrollBar>
-#include <algorithm>
-#include <iterator>
 #include <memory>
 
-#include "data/number_text.h"
-#include "data/text_format.h"
-#include "editors/factor_table/moved_place.h"
+#include "model/index_after_change.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 namespace {
@@ -45,14 +43,10 @@ QTreeWidgetItem* NewChild(const CString& label, int index) {
 
 }  // namespace
 
-CString HeadingText(const tagColHeading& heading) {
-    return FormatText(u"%d,%d,%d", {heading.Pcc, heading.Pw, heading.Pf});
-}
-
 FactorTableTree::FactorTableTree(const CString& rowLabel, QWidget* parent)
     : LabelEditTree(parent), m_rowLabel(rowLabel) {
     setUniformRowHeights(true);
-    for (const CString& label : {QStringLiteral("列表头"), rowLabel}) {
+    for (const CString& label : {u"列表头"_s, rowLabel}) {
         auto* root = new QTreeWidgetItem(this, {label});
         root->setFlags(kRootFlags);
     }
@@ -68,36 +62,32 @@ int FactorTableTree::IndexOf(const QTreeWidgetItem* item) {
     return item->data(0, kIndexRole).toInt();
 }
 
-void FactorTableTree::Show(const UtilizationFactorTable& table) {
-    const Key current = Moved(CurrentKey(), table);
+void FactorTableTree::Show(const FactorTableEditing& editing) {
+    const Entry current = AfterChange(CurrentEntry(), editing.Table());
     const int scroll = verticalScrollBar()->value();
-    m_headings = table.Headings();
-    m_rowValues = table.RowValues();
-    std::vector<CString> labels;
-    std::transform(m_headings.begin(), m_headings.end(), std::back_inserter(labels), HeadingText);
-    SetChildren(Branch::Headings, labels);
-    labels.clear();
-    std::transform(m_rowValues.begin(), m_rowValues.end(), std::back_inserter(labels), FormatFixed2);
-    SetChildren(Branch::Rows, labels);
+    m_headings = editing.Table().Headings();
+    m_rowValues = editing.Table().RowValues();
+    SetChildren(Branch::Headings, editing);
+    SetChildren(Branch::Rows, editing);
     MakeCurrent(current);
     doItemsLayout();
     verticalScrollBar()->setValue(scroll);
 }
 
-// The roots themselves stay, and so does whether they are expanded.
-void FactorTableTree::SetChildren(Branch branch, const std::vector<CString>& labels) {
+// The roots stay, so that they can stay expanded.
+void FactorTableTree::SetChildren(Branch branch, const FactorTableEditing& editing) {
     QTreeWidgetItem* root = Root(branch);
     const bool isExpanded = root->isExpanded();
     qDeleteAll(root->takeChildren());
     QList<QTreeWidgetItem*> children;
-    for (const CString& label : labels) {
-        children += NewChild(label, static_cast<int>(children.size()));
+    for (int index = 0; index < editing.Count(branch); ++index) {
+        children += NewChild(editing.Label(branch, index), index);
     }
     root->addChildren(children);
     root->setExpanded(isExpanded);
 }
 
-FactorTableTree::Key FactorTableTree::CurrentKey() const {
+FactorTableTree::Entry FactorTableTree::CurrentEntry() const {
     const QTreeWidgetItem* item = currentItem();
     if (item == nullptr || item == Root(Branch::Headings)) {
         return {Branch::Headings, true, -1};
@@ -108,23 +98,24 @@ FactorTableTree::Key FactorTableTree::CurrentKey() const {
     return {BranchOf(item), false, IndexOf(item)};
 }
 
-FactorTableTree::Key FactorTableTree::Moved(const Key& key, const UtilizationFactorTable& table) const {
-    Key moved = key;
-    if (!key.isRoot) {
-        moved.index = key.branch == Branch::Headings ? MovedPlace(key.index, m_headings, table.Headings())
-                                                     : MovedPlace(key.index, m_rowValues, table.RowValues());
+FactorTableTree::Entry FactorTableTree::AfterChange(const Entry& entry,
+                                                    const UtilizationFactorTable& table) const {
+    Entry after = entry;
+    if (!entry.isRoot) {
+        after.index = entry.branch == Branch::Headings
+                          ? IndexAfterChange(entry.index, m_headings, table.Headings())
+                          : IndexAfterChange(entry.index, m_rowValues, table.RowValues());
     }
-    return moved;
+    return after;
 }
 
-void FactorTableTree::MakeCurrent(const Key& key) {
-    QTreeWidgetItem* root = Root(key.branch);
-    setCurrentItem(key.index < 0 ? root : root->child(key.index));
+void FactorTableTree::MakeCurrent(const Entry& entry) {
+    QTreeWidgetItem* root = Root(entry.branch);
+    setCurrentItem(entry.index < 0 ? root : root->child(entry.index));
 }
 
 void FactorTableTree::AddNew(Branch branch) {
-    QTreeWidgetItem* item =
-        NewChild(branch == Branch::Headings ? QStringLiteral("0,0,0") : QStringLiteral("0"), -1);
+    QTreeWidgetItem* item = NewChild(branch == Branch::Headings ? u"0,0,0"_s : u"0"_s, -1);
     Root(branch)->addChild(item);
     ExpandBranch(branch);
     EditLabel(item);
@@ -152,12 +143,12 @@ void FactorTableTree::OpenMenu(QTreeWidgetItem* item, const QPoint& globalPositi
     }
     m_menu = new QMenu(this);
     m_menu->setAttribute(Qt::WA_DeleteOnClose);
-    m_menu->setObjectName(QStringLiteral("factorTableMenu"));
-    const bool byRoomIndex = m_rowLabel == QStringLiteral("室形系数RI");
+    m_menu->setObjectName(u"factorTableMenu"_s);
+    const bool byRoomIndex = m_rowLabel == u"室形系数RI"_s;
     for (const MenuEntry& entry : byRoomIndex ? kRoomIndexMenu : kCavityRatioMenu) {
         QAction* action = m_menu->addAction(CString::fromUtf16(entry.text));
         action->setEnabled(IsEnabled(entry.command, item));
-        // Queued, so that the menu has gone before anything is asked or opened for editing.
+        // Queued, so that the menu is closed before a message or an editor opens.
         connect(
             action, &QAction::triggered, this,
             [this, command = entry.command] { Q_EMIT CommandChosen(command); }, Qt::QueuedConnection);

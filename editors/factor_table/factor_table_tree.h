@@ -1,64 +1,60 @@
-// The tree beside a utilization factor table: its column headings under one root, its row values under
-// another.
+// The tree beside a utilization factor table: column headings under one root, row values under another.
 #pragma once
 
 #include <QMenu>
 #include <QPointer>
 #include <vector>
 
-#include "data/utilization_factor_table.h"
+#include "model/factor_table_editing.h"
 #include "widgets/label_edit_tree.h"
 
 namespace quorvane {
-
-// A heading as it is typed and shown, "%d,%d,%d".
-CString HeadingText(const tagColHeading& heading);
 
 class FactorTableTree : public LabelEditTree {
     Q_OBJECT
 
 public:
-    enum class Branch { Headings, Rows };
+    using Branch = FactorTableBranch;
     enum class Command { NewHeading = 32771, NewRow = 32772, DeleteHeading = 32773, DeleteRow = 32774 };
 
-    // rowLabel is what a row value is called.
+    // rowLabel is the name of the row values.
     FactorTableTree(const CString& rowLabel, QWidget* parent);
 
-    // Fills the tree anew; a new item that the table has not taken up goes. What is expanded and scrolled to
-    // stays so. The current item stays the current one, also under another label.
-    void Show(const UtilizationFactorTable& table);
+    // Refills the tree, which removes a new item that the table did not accept. Expanded roots, the scroll
+    // position and the current entry stay, also when the label of the entry has changed.
+    void Show(const FactorTableEditing& editing);
 
-    // For an item under one of the roots.
+    // The branch of an item that is no root.
     Branch BranchOf(const QTreeWidgetItem* item) const;
-    // The item's place among the headings or row values, or -1 for a new one that they do not hold yet.
+    // The item's index among the headings or row values, or -1 for a new item.
     static int IndexOf(const QTreeWidgetItem* item);
 
     void ExpandBranch(Branch branch) { Root(branch)->setExpanded(true); }
-    // Adds an item that the table does not hold yet, and opens it for editing.
+    // Adds a new item and opens it for editing.
     void AddNew(Branch branch);
 
 Q_SIGNALS:
-    // A command was chosen from the menu; it concerns the current item.
+    // The user chose a command for the current item.
     void CommandChosen(FactorTableTree::Command command);
 
 private:
-    // What an item stands for, whatever its place in the tree.
-    struct Key {
+    // The entry that an item stands for.
+    struct Entry {
         Branch branch;
         bool isRoot;
-        int index;  // -1 also for a new item
+        int index;  // -1: a root or a new item
     };
 
     QTreeWidgetItem* Root(Branch branch) const { return topLevelItem(static_cast<int>(branch)); }
-    void SetChildren(Branch branch, const std::vector<CString>& labels);
-    Key CurrentKey() const;
-    Key Moved(const Key& key, const UtilizationFactorTable& table) const;
-    void MakeCurrent(const Key& key);
+    void SetChildren(Branch branch, const FactorTableEditing& editing);
+    Entry CurrentEntry() const;
+    Entry AfterChange(const Entry& entry, const UtilizationFactorTable& table) const;
+    void MakeCurrent(const Entry& entry);
     bool IsEnabled(Command command, const QTreeWidgetItem* item) const;
     void OpenMenu(QTreeWidgetItem* item, const QPoint& globalPosition);
 
     CString m_rowLabel;
-    std::vector<tagColHeading> m_headings;  // as shown
+    std::vector<tagColHeading> m_headings;  // those shown
     std::vector<double> m_rowValues;
     QPointer<QMenu> m_menu;
 };

@@ -1,10 +1,11 @@
 #include <QContextMenuEvent>
 #include <QLineEdit>
 #include <QMenu>
-#include <QRandomGenerator>
 
 #include "editors/factor_table/factor_table_dialog.h"
 #include "tests/support/shown_page.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 using namespace quorvane;
 
@@ -12,12 +13,12 @@ namespace {
 
 const QString kFile =
     u"insert into 利用系数 values (1,7,80,50,20,0.6,0.61),(2,7,80,50,20,1.25,0.52),(3,7,70,50,20,0.6,0.63),"
-    "(4,7,70,50,20,1.25,0.54),(5,7,80,30,20,0.6,0.654),(6,7,80,30,20,1.25,0.56),(9,8,80,50,20,1,0.9);"_qs;
-const QString kExists = u"QuorvaneTest|数据已存在|确定|unplanned"_qs;
-const QString kBadHeading = u"错误|输入列表头内容不正确.|确定|unplanned"_qs;
-const QString kBadRow = u"错误|输入室空间比RCR内容不正确.|确定|unplanned"_qs;
-const QString kBadFactor = u"错误|输入数据不正确.|确定|unplanned"_qs;
-const QString kLeave = u"甲灯 利用系数表|数据已经修改是否提交?|是/否"_qs;
+    "(4,7,70,50,20,1.25,0.54),(5,7,80,30,20,0.6,0.654),(6,7,80,30,20,1.25,0.56),(9,8,80,50,20,1,0.9);"_s;
+const QString kExists = u"QuorvaneTest|数据已存在|确定|unplanned"_s;
+const QString kBadHeading = u"错误|输入列表头内容不正确.|确定|unplanned"_s;
+const QString kBadRow = u"错误|输入室空间比RCR内容不正确.|确定|unplanned"_s;
+const QString kBadFactor = u"错误|输入数据不正确.|确定|unplanned"_s;
+const QString kLeave = u"甲灯 利用系数表|数据已经修改是否提交?|是/否"_s;
 
 enum Control { Ok = 1, Submit = 3, Tree = 1018, Clear = 1023 };
 enum Root { HeadingRoot, RowRoot };
@@ -31,12 +32,12 @@ void Settle() {
 
 // The dialog of luminaire 7.
 struct Fixture : ShownGrid {
-    explicit Fixture(const QString& rows = kFile, const QString& kind = u"RCR"_qs) : ShownGrid(rows) {
-        QCoreApplication::setApplicationName(u"QuorvaneTest"_qs);
+    explicit Fixture(const QString& rows = kFile, const QString& kind = u"RCR"_s) : ShownGrid(rows) {
+        QCoreApplication::setApplicationName(u"QuorvaneTest"_s);
         Open(kind);
     }
-    void Open(const QString& kind = u"RCR"_qs) {
-        dialog = std::make_unique<CCoefficientTableDlg>(database, 7, u"甲灯"_qs, kind, nullptr);
+    void Open(const QString& kind = u"RCR"_s) {
+        dialog = std::make_unique<CCoefficientTableDlg>(database, 7, u"甲灯"_s, kind, nullptr);
         tree = DialogItem<QTreeWidget>(dialog.get(), Tree);
         Show(dialog.get());
     }
@@ -68,13 +69,13 @@ struct Fixture : ShownGrid {
         Settle();
         return enabled.join(u' ');
     }
-    QLineEdit* Editor() const { return tree->findChild<QLineEdit*>(u"labelEdit"_qs); }
+    QLineEdit* Editor() const { return tree->findChild<QLineEdit*>(u"labelEdit"_s); }
     // Types a label over the one being edited.
     void Label(const QString& text, Qt::Key end = Qt::Key_Return) {
         if (Editor() == nullptr) {
             qFatal("no label is being edited");
         }
-        QTest::keyClicks(Editor(), text.isEmpty() ? u"\b"_qs : text);
+        QTest::keyClicks(Editor(), text.isEmpty() ? u"\b"_s : text);
         if (end != Qt::Key_unknown) {  // else it stays open
             QTest::keyClick(Editor(), end);
         }
@@ -87,12 +88,12 @@ struct Fixture : ShownGrid {
         Label(text, end);
     }
     void Add(Root root, const QString& text, Qt::Key end = Qt::Key_Return) {
-        Menu(tree->topLevelItem(root), root == HeadingRoot ? u"新建列表头"_qs : u"新建室空间比RCR"_qs);
+        Menu(tree->topLevelItem(root), root == HeadingRoot ? u"新建列表头"_s : u"新建室空间比RCR"_s);
         Label(text, end);
     }
-    void Delete(Root root, int child, const QString& answer = u"是"_qs) {
+    void Delete(Root root, int child, const QString& answer = u"是"_s) {
         answers.Plan(answer);
-        Menu(Item(root, child), root == HeadingRoot ? u"删除列表头"_qs : u"删除空间比RCR"_qs);
+        Menu(Item(root, child), root == HeadingRoot ? u"删除列表头"_s : u"删除空间比RCR"_s);
     }
 
     QStringList Grid() const { return QStringList(Row(0)) + Rows(); }
@@ -106,10 +107,10 @@ struct Fixture : ShownGrid {
     QStringList File() const {
         return file.Raw().Rows(
             u"select Pcc,Pw,Pf,RCR_RI,UtilizationFactor from 利用系数 where LuminaireID=7 "
-            "order by Pcc desc,Pw desc,Pf desc,RCR_RI"_qs);
+            "order by Pcc desc,Pw desc,Pf desc,RCR_RI"_s);
     }
     QString Value(int id) const {
-        return file.Raw().Text(u"select UtilizationFactor from 利用系数 where ID=%1"_qs.arg(id));
+        return file.Raw().Text(u"select UtilizationFactor from 利用系数 where ID=%1"_s.arg(id));
     }
 
     std::unique_ptr<CCoefficientTableDlg> dialog;
@@ -124,190 +125,165 @@ class TestFactorTableDialog : public QObject {
 private Q_SLOTS:
     void ShowsTheTable() {
         Fixture fixture;
-        QCOMPARE(fixture.dialog->windowTitle(), u"甲灯 利用系数表"_qs);
-        QCOMPARE(fixture.Grid(), QStringList({u"有效顶棚反射比|80|80|70"_qs, u"墙反射比|50|30|50"_qs,
-                                              u"地面反射比|20|20|20"_qs, u"室空间比RCR|||"_qs,
-                                              u"0.60|0.61|0.65|0.63"_qs, u"1.25|0.52|0.56|0.54"_qs}));
-        QCOMPARE(fixture.Children(HeadingRoot), u"80,50,20 80,30,20 70,50,20"_qs);
-        QCOMPARE(fixture.Children(RowRoot), u"0.60 1.25"_qs);
+        QCOMPARE(fixture.dialog->windowTitle(), u"甲灯 利用系数表"_s);
+        QCOMPARE(fixture.Grid(),
+                 QStringList({u"有效顶棚反射比|80|80|70"_s, u"墙反射比|50|30|50"_s, u"地面反射比|20|20|20"_s,
+                              u"室空间比RCR|||"_s, u"0.60|0.61|0.65|0.63"_s, u"1.25|0.52|0.56|0.54"_s}));
+        QCOMPARE(fixture.Children(HeadingRoot), u"80,50,20 80,30,20 70,50,20"_s);
+        QCOMPARE(fixture.Children(RowRoot), u"0.60 1.25"_s);
         QCOMPARE(fixture.grid->MergeExtent(0, 2), (CCellRange{0, 1, 0, 2}));
-        fixture.Rename(fixture.Item(HeadingRoot, 0), u"70,60,20"_qs);  // ceilings are merged anew
+        fixture.Rename(fixture.Item(HeadingRoot, 0), u"70,60,20"_s);  // ceilings are merged anew
         QCOMPARE(fixture.grid->MergeExtent(0, 3), (CCellRange{0, 2, 0, 3}));
-        QCOMPARE(fixture.Menu(fixture.tree->topLevelItem(HeadingRoot)), u"新建列表头"_qs);
-        QCOMPARE(fixture.Menu(fixture.Item(HeadingRoot, 1)), u"删除列表头"_qs);
-        fixture.Open(u"RI"_qs);
-        QCOMPARE(fixture.Grid()[3], u"室形系数RI|||"_qs);
-        QCOMPARE(fixture.Menu(fixture.tree->topLevelItem(RowRoot)), u"新建室形系数RI"_qs);
-        QCOMPARE(fixture.Menu(fixture.Item(RowRoot, 0)), u"删除室形系数RI"_qs);
+        QCOMPARE(fixture.Menu(fixture.tree->topLevelItem(HeadingRoot)), u"新建列表头"_s);
+        QCOMPARE(fixture.Menu(fixture.Item(HeadingRoot, 1)), u"删除列表头"_s);
+        fixture.Open(u"RI"_s);
+        QCOMPARE(fixture.Grid()[3], u"室形系数RI|||"_s);
+        QCOMPARE(fixture.Menu(fixture.tree->topLevelItem(RowRoot)), u"新建室形系数RI"_s);
+        QCOMPARE(fixture.Menu(fixture.Item(RowRoot, 0)), u"删除室形系数RI"_s);
     }
 
     void TellsOfGaps() {
-        Fixture gap(u"insert into 利用系数 values (1,7,80,50,20,0.6,0.61),(2,7,70,50,20,1.25,1e300);"_qs);
+        Fixture gap(u"insert into 利用系数 values (1,7,80,50,20,0.6,0.61),(2,7,70,50,20,1.25,1e300);"_s);
         QCOMPARE(gap.answers.TakeSeen(),
-                 QStringList({u"QuorvaneTest|(80,50,20,1.25)数据不存在|确定|unplanned"_qs,
-                              u"QuorvaneTest|(70,50,20,0.6)数据不存在|确定|unplanned"_qs}));
+                 QStringList({u"QuorvaneTest|(80,50,20,1.25)数据不存在|确定|unplanned"_s,
+                              u"QuorvaneTest|(70,50,20,0.6)数据不存在|确定|unplanned"_s}));
     }
 
-    void LabelTexts() {
-        const QStringList texts[] = {
-            // typed=taken; without "=": refused
-            u" 10,20,30 "
-            u"=10,20,30;80,50,20,=80,50,20;-0,50,20=0,50,20;80,,20=80,0,20;,,,=0,0,0;+5+5,1,1=5,1,1;"
-            "100,0,100=100,0,100;,,;80,50;80,50,20,10;80,50,20,,;101,50,20;-1,50,20;80, 50,20;80.0,50,20;a,b,c"_qs
-                .split(u';'),
-            u" 2 =2.00;.5=0.50;5.=5.00;1.254=1.25;-1;+1;1e2;1.2.3;.;1,5"_qs.split(u';')};
-        const QString fresh[] = {u"0,0,0"_qs, u"0"_qs};
-        const QString good[] = {u"1,2,3"_qs, u"3.00"_qs};
-        Fixture fixture(QString{});
-        for (const Root root : {HeadingRoot, RowRoot}) {
-            for (const QString& text : texts[root]) {
-                const bool refused = !text.contains(u'=');
-                fixture.Add(root, text.section(u'=', 0, 0));
-                if (refused) {
-                    // The edit goes on, on an item that has not taken the text.
-                    QCOMPARE(fixture.answers.TakeSeen(),
-                             QStringList(root == HeadingRoot ? kBadHeading : kBadRow));
-                    QCOMPARE(fixture.Editor()->text(), fresh[root]);
-                    fixture.Label(good[root]);
-                }
-                QCOMPARE(fixture.answers.TakeSeen(), QStringList());
-                QCOMPARE(fixture.Children(root), refused ? good[root] : text.section(u'=', 1));
-                fixture.Delete(root, 0);
-                fixture.answers.TakeSeen();
-            }
-        }
+    void AWrongLabelIsEditedOn() {
+        Fixture fixture;
+        fixture.Rename(fixture.Item(HeadingRoot, 1), u"80,50"_s);
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadHeading));
+        QCOMPARE(fixture.Editor()->text(), u"80,30,20"_s);
+        fixture.Label(u" 1,2,3 "_s);
+        fixture.Add(RowRoot, u"-1"_s);
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadRow));
+        QCOMPARE(fixture.Editor()->text(), u"0"_s);
+        fixture.Label(u"3"_s);
+        QCOMPARE(fixture.Children(HeadingRoot), u"80,50,20 70,50,20 1,2,3"_s);
+        QCOMPARE(fixture.tree->currentItem(), fixture.Item(RowRoot, 2));
+        QCOMPARE(fixture.Grid()[6], u"3.00|0.00|0.00|0.00"_s);
     }
 
     void EndsOfALabelEdit() {
         Fixture fixture;
         // Leaving a label as it is, or cancelling, changes nothing.
-        fixture.Rename(fixture.Item(HeadingRoot, 1), u"1,1,1"_qs, Qt::Key_Escape);
+        fixture.Rename(fixture.Item(HeadingRoot, 1), u"1,1,1"_s, Qt::Key_Escape);
         fixture.Rename(fixture.Item(HeadingRoot, 1), {});
-        fixture.Rename(fixture.Item(RowRoot, 0), u"0.60"_qs);
+        fixture.Rename(fixture.Item(RowRoot, 0), u"0.60"_s);
         QVERIFY(!fixture.dialog->IsModified());
 
         // A click elsewhere ends the edit like Enter; so does Tab, which edits no other label.
-        fixture.Rename(fixture.Item(HeadingRoot, 2), u"90,50,20"_qs, Qt::Key_Tab);
+        fixture.Rename(fixture.Item(HeadingRoot, 2), u"90,50,20"_s, Qt::Key_Tab);
         QVERIFY(fixture.Editor() == nullptr);
         QCOMPARE(fixture.tree->currentItem(), fixture.Item(HeadingRoot, 0));
         fixture.tree->expandAll();
-        fixture.Rename(fixture.Item(RowRoot, 1), u"0.5"_qs, Qt::Key_unknown);
+        fixture.Rename(fixture.Item(RowRoot, 1), u"0.5"_s, Qt::Key_unknown);
         QTest::mouseClick(fixture.tree->viewport(), Qt::LeftButton, {},
                           fixture.tree->visualItemRect(fixture.Item(HeadingRoot, 1)).center());
         Settle();
         QCOMPARE(fixture.tree->currentItem(), fixture.Item(HeadingRoot, 1));
-        QCOMPARE(fixture.Grid()[4], u"0.50|0.54|0.52|0.56"_qs);
+        QCOMPARE(fixture.Grid()[4], u"0.50|0.54|0.52|0.56"_s);
 
         // A cancelled new entry is added as it stands.
-        fixture.Add(HeadingRoot, u"5,5,5"_qs, Qt::Key_Escape);
+        fixture.Add(HeadingRoot, u"5,5,5"_s, Qt::Key_Escape);
         fixture.Add(RowRoot, {}, Qt::Key_Escape);
-        QCOMPARE(fixture.Children(HeadingRoot), u"90,50,20 80,50,20 80,30,20 0,0,0"_qs);
-        QCOMPARE(fixture.Children(RowRoot), u"0.00 0.50 0.60"_qs);
+        QCOMPARE(fixture.Children(HeadingRoot), u"90,50,20 80,50,20 80,30,20 0,0,0"_s);
+        QCOMPARE(fixture.Children(RowRoot), u"0.00 0.50 0.60"_s);
 
         QVERIFY(fixture.answers.TakeSeen().isEmpty());
     }
 
-    void DuplicatesAreRefused() {
+    void ADuplicateLeavesNoItemBehind() {
         Fixture fixture;
-        fixture.Add(HeadingRoot, u"80,30,20"_qs);
-        fixture.Rename(fixture.Item(RowRoot, 0), u"1.25"_qs);
+        fixture.Add(HeadingRoot, u"80,30,20"_s);
+        fixture.Rename(fixture.Item(RowRoot, 0), u"1.25"_s);
         QCOMPARE(fixture.answers.TakeSeen(), QStringList({kExists, kExists}));
+        QCOMPARE(fixture.Children(HeadingRoot), u"80,50,20 80,30,20 70,50,20"_s);
+        QCOMPARE(fixture.Children(RowRoot), u"0.60 1.25"_s);
         QVERIFY(!fixture.dialog->IsModified());
-        fixture.Add(RowRoot, u"1.2504"_qs);  // shown like another one, and yet not the same
-        QCOMPARE(fixture.Children(RowRoot), u"0.60 1.25 1.25"_qs);
-        QCOMPARE(fixture.Children(HeadingRoot), u"80,50,20 80,30,20 70,50,20"_qs);
     }
 
     void DeletesAndClearsOnYesAlone() {
         Fixture fixture;
-        fixture.Delete(HeadingRoot, 1, u"否"_qs);
-        fixture.Delete(RowRoot, 1, u"否"_qs);
-        fixture.answers.Plan(u"否"_qs);
+        fixture.Delete(HeadingRoot, 1, u"否"_s);
+        fixture.Delete(RowRoot, 1, u"否"_s);
+        fixture.answers.Plan(u"否"_s);
         fixture.Press(Clear);
-        QCOMPARE(fixture.answers.TakeSeen(),
-                 QStringList({u"甲灯 利用系数表|确定是否删除该列数据?|是/否"_qs,
-                              u"甲灯 利用系数表|确定是否删除该行数据?|是/否"_qs,
-                              u"甲灯 利用系数表|确定是否清空全部数据?|是/否"_qs}));
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList({u"甲灯 利用系数表|确定是否删除该列数据?|是/否"_s,
+                                                          u"甲灯 利用系数表|确定是否删除该行数据?|是/否"_s,
+                                                          u"甲灯 利用系数表|确定是否清空全部数据?|是/否"_s}));
         QVERIFY(!fixture.dialog->IsModified());
         fixture.Delete(HeadingRoot, 1);
-        fixture.Add(RowRoot, u"3"_qs);
+        fixture.Add(RowRoot, u"3"_s);
         fixture.Delete(RowRoot, 2);  // never stored
         fixture.Delete(RowRoot, 0);
-        QCOMPARE(fixture.Grid()[4], u"1.25|0.52|0.54"_qs);
-        fixture.answers.Plan(u"是"_qs);
+        QCOMPARE(fixture.Grid()[4], u"1.25|0.52|0.54"_s);
+        fixture.answers.Plan(u"是"_s);
         fixture.Press(Clear);
-        QCOMPARE(fixture.Grid()[4], u"1.25|0.00|0.00"_qs);
-        QVERIFY(fixture.File().size() == 6 && fixture.Value(1) == u"0.61"_qs);
+        QCOMPARE(fixture.Grid()[4], u"1.25|0.00|0.00"_s);
+        QVERIFY(fixture.File().size() == 6 && fixture.Value(1) == u"0.61"_s);
         fixture.Press(Submit);
-        QCOMPARE(fixture.File(), QStringList({u"80|50|20|1.25|0.0"_qs, u"70|50|20|1.25|0.0"_qs}));
-        QCOMPARE(fixture.Value(9), u"0.9"_qs);  // another luminaire's
+        QCOMPARE(fixture.File(), QStringList({u"80|50|20|1.25|0.0"_s, u"70|50|20|1.25|0.0"_s}));
+        QCOMPARE(fixture.Value(9), u"0.9"_s);  // another luminaire's
     }
 
     void FactorsAreCheckedAndKeepTheirDecimals() {
         Fixture fixture;
-        for (const char* text : {"-1", "1e2", ".", "1.2.3", "x"}) {
-            fixture.Type(4, 1, QString::fromLatin1(text));
-            QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadFactor));
-            QCOMPARE(fixture.grid->GetItemText(4, 1), u"0"_qs);
-        }
-        QVERIFY(!fixture.dialog->IsModified());
+        fixture.Type(4, 1, u"-1"_s);
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadFactor));
+        QCOMPARE(fixture.grid->GetItemText(4, 1), u"0"_s);
         fixture.Press(Submit);
-        QCOMPARE(fixture.grid->GetItemText(4, 1), u"0.61"_qs);
-        fixture.PassThrough(4, 2);  // shown as 0.65
-        fixture.Type(4, 1, u"0.123"_qs);
-        QCOMPARE(fixture.grid->GetItemText(4, 1), u"0.123"_qs);
-        fixture.Type(5, 1, u"0.12345678"_qs);
-        QCOMPARE(fixture.grid->GetItemText(5, 1), u"0.123457"_qs);  // what the file can hold
-        fixture.Type(5, 2, u"123456789"_qs);
-        fixture.PassThrough(5, 2);
-        fixture.Type(5, 3, u"0.544"_qs);
-        fixture.Type(5, 3, u"0.54"_qs);  // not the rounding of the former text but a new number
+        QCOMPARE(fixture.grid->GetItemText(4, 1), u"0.61"_s);
+        fixture.PassThrough(4, 2);  // 0.654
+        fixture.Type(4, 1, u"0.12345678"_s);
+        fixture.PassThrough(4, 1);
+        fixture.Type(5, 3, u"0.544"_s);
+        fixture.Type(5, 3, u"0.54"_s);  // not the rounding of the former text but a new number
+        QCOMPARE(fixture.Grid()[4], u"0.60|0.123457|0.65|0.63"_s);
         fixture.Press(Submit);
-        QVERIFY(fixture.answers.TakeSeen().isEmpty());
-        QCOMPARE(fixture.grid->GetItemText(4, 1), u"0.12"_qs);
+        QCOMPARE(fixture.Grid()[4], u"0.60|0.12|0.65|0.63"_s);
         fixture.PassThrough(4, 1);
         fixture.Press(Submit);
-        QCOMPARE(fixture.File(), QStringList({u"80|50|20|0.6|0.123"_qs, u"80|50|20|1.25|0.123457"_qs,
-                                              u"80|30|20|0.6|0.654"_qs, u"80|30|20|1.25|123457000.0"_qs,
-                                              u"70|50|20|0.6|0.63"_qs, u"70|50|20|1.25|0.54"_qs}));
+        QCOMPARE(fixture.Value(1) + fixture.Value(5) + fixture.Value(4), u"0.1234570.6540.54"_s);
+        QVERIFY(fixture.answers.TakeSeen().isEmpty());
     }
 
     // Without an answer nothing has been modified.
     void Leaving() {
         const QString ways =
-            u"ok, ok,是 ok,否 close, close,是 close,否 close,取消 esc, esc,是 esc,否 esc,取消"_qs;
+            u"ok, ok,是 ok,否 close, close,是 close,否 close,取消 esc, esc,是 esc,否 esc,取消"_s;
         for (const QString& way : ways.split(u' ')) {
             const QString answer = way.section(u',', 1);
-            const bool ok = way.startsWith(u"ok"_qs);
+            const bool ok = way.startsWith(u"ok"_s);
             Fixture fixture;
             if (!answer.isEmpty()) {
-                QWidget* editor = fixture.TypeOpen(4, 1, u"0.99"_qs);  // still being typed at the leave
-                if (way.startsWith(u"esc"_qs)) {
+                QWidget* editor = fixture.TypeOpen(4, 1, u"0.99"_s);  // still being typed at the leave
+                if (way.startsWith(u"esc"_s)) {
                     QTest::keyClick(editor, Qt::Key_Up);  // there Esc would cancel the edit
                 }
                 fixture.answers.Plan(answer);
             }
             if (ok) {
                 fixture.Press(Ok);
-            } else if (way.startsWith(u"close"_qs)) {
+            } else if (way.startsWith(u"close"_s)) {
                 fixture.dialog->close();
             } else {
                 QTest::keyClick(fixture.dialog.get(), Qt::Key_Return);
                 QVERIFY(fixture.dialog->isVisible());
                 QTest::keyClick(fixture.grid, Qt::Key_Escape);
             }
-            const QString asked = ok ? kLeave : kLeave + u"/取消"_qs;
+            const QString asked = ok ? kLeave : kLeave + u"/取消"_s;
             QCOMPARE(fixture.answers.TakeSeen().join(u' '), answer.isEmpty() ? QString() : asked);
-            QCOMPARE(fixture.dialog->isVisible(), answer == u"取消"_qs);
+            QCOMPARE(fixture.dialog->isVisible(), answer == u"取消"_s);
             QCOMPARE(fixture.dialog->result(), int(ok ? QDialog::Accepted : QDialog::Rejected));
-            QCOMPARE(fixture.Value(1), answer == u"是"_qs ? u"0.99"_qs : u"0.61"_qs);
+            QCOMPARE(fixture.Value(1), answer == u"是"_s ? u"0.99"_s : u"0.61"_s);
         }
     }
 
     void AWrongTextKeepsTheDialog() {
         Fixture fixture;
         for (const int way : {int(Submit), int(Ok), int(Clear), 0}) {
-            fixture.Rename(fixture.Item(HeadingRoot, 0), u"80"_qs, Qt::Key_unknown);
+            fixture.Rename(fixture.Item(HeadingRoot, 0), u"80"_s, Qt::Key_unknown);
             way == 0 ? void(fixture.dialog->close()) : fixture.Press(way);
             Settle();
             QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadHeading));
@@ -315,36 +291,36 @@ private Q_SLOTS:
             QTest::keyClick(fixture.Editor(), Qt::Key_Escape);
             Settle();
         }
-        fixture.TypeOpen(4, 1, u"x"_qs);
+        fixture.TypeOpen(4, 1, u"x"_s);
         fixture.dialog->close();
         QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadFactor));
         QVERIFY(fixture.dialog->isVisible());
 
         // A good text is taken in before the table is written.
-        fixture.Rename(fixture.Item(HeadingRoot, 0), u"1,2,3"_qs, Qt::Key_unknown);
+        fixture.Rename(fixture.Item(HeadingRoot, 0), u"1,2,3"_s, Qt::Key_unknown);
         fixture.Press(Submit);
-        QCOMPARE(fixture.File().last(), u"1|2|3|1.25|0.52"_qs);
+        QCOMPARE(fixture.File().last(), u"1|2|3|1.25|0.52"_s);
     }
 
     void TellsWhatWasNotWritten() {
         Fixture fixture(kFile +
                         u"create trigger refuse before update on 利用系数 when new.ID in (2,3) "
-                        "begin select raise(abort,'refused'); end;"_qs);
+                        "begin select raise(abort,'refused'); end;"_s);
         const QString told =
-            u"甲灯 利用系数表|有2条数据未能写入数据库。\n可能的原因:数据库文件只读或被其他程序占用。|确定|unplanned"_qs;
-        fixture.Type(5, 1, u"0.7"_qs);
+            u"甲灯 利用系数表|有2条数据未能写入数据库。\n可能的原因:数据库文件只读或被其他程序占用。|确定|unplanned"_s;
+        fixture.Type(5, 1, u"0.7"_s);
         fixture.Press(Submit);
         QVERIFY(fixture.dialog->IsModified());  // what is not in the file is not forgotten
-        fixture.answers.Plan(u"是"_qs);
+        fixture.answers.Plan(u"是"_s);
         fixture.Press(Ok);
         QCOMPARE(fixture.answers.TakeSeen(), QStringList({told, kLeave, told}));
         QVERIFY(!fixture.dialog->isVisible());
     }
 
     void AnIncompleteTableIsNotEdited() {
-        Fixture fixture(kFile + u"update 利用系数 set UtilizationFactor=null where ID=4;"_qs);
+        Fixture fixture(kFile + u"update 利用系数 set UtilizationFactor=null where ID=4;"_s);
         QCOMPARE(fixture.answers.TakeSeen(),
-                 QStringList(u"甲灯 利用系数表|利用系数未能全部读出,不能编辑。|确定|unplanned"_qs));
+                 QStringList(u"甲灯 利用系数表|利用系数未能全部读出,不能编辑。|确定|unplanned"_s));
         QVERIFY(!fixture.tree->isEnabled() && !fixture.grid->isEnabled());
         const QStringList before = fixture.file.Snapshot();
         fixture.Press(Clear);
@@ -352,52 +328,6 @@ private Q_SLOTS:
         QVERIFY(!fixture.dialog->isVisible());
         QCOMPARE(fixture.file.Snapshot(), before);
     }
-
-    void RandomEditsAreStoredAsShown() {
-        Fixture fixture;
-        for (int step = 1; step <= 200; ++step) {
-            Edit(fixture, Below(12));
-            if (step % 50 == 0) {
-                fixture.Press(Submit);
-                const QStringList shown = fixture.Grid();
-                fixture.Open();
-                QCOMPARE(fixture.Grid(), shown);
-                QVERIFY(shown.size() > 6 && shown[0].count(u'|') > 2);
-            }
-        }
-    }
-
-private:
-    int Below(int limit) { return m_random.bounded(limit); }
-
-    void Edit(Fixture& fixture, int choice) {
-        const Root root = choice % 2 == 0 ? HeadingRoot : RowRoot;
-        const QString text = root == RowRoot
-                                 ? QString::number(Below(12) * 0.25)
-                                 : u"%1,%2,%3"_qs.arg(Below(3) * 10).arg(Below(3) * 10).arg(Below(2) * 10);
-        const int headings = fixture.tree->topLevelItem(HeadingRoot)->childCount();
-        const int rows = fixture.tree->topLevelItem(RowRoot)->childCount();
-        const int at = Below(root == HeadingRoot ? headings : rows);
-        if (choice < 4) {
-            fixture.Add(root, text);
-        } else if (choice < 6) {
-            fixture.Rename(fixture.Item(root, at), text);
-        } else if (choice < 8 && headings > 3 && rows > 3) {
-            fixture.Delete(root, at);
-        } else {
-            const int row = 4 + Below(rows);
-            const int column = 1 + Below(headings);
-            const QString factor = QString::number(Below(100) / 100.0, 'f', 2);
-            QStringList expected = fixture.Grid();
-            QStringList cells = expected[row].split(u'|');
-            cells[column] = factor;
-            expected[row] = cells.join(u'|');
-            fixture.Type(row, column, factor);
-            QCOMPARE(fixture.Grid(), expected);
-        }
-    }
-
-    QRandomGenerator m_random{20240607};
 };
 
 QTEST_MAIN(TestFactorTableDialog)

@@ -1,0 +1,59 @@
+// FactorTableEditing: a utilization factor table while it is being edited, without a screen.
+//
+// It understands the typed texts, and knows whether the table holds changes that are not in the file.
+#pragma once
+
+#include <optional>
+
+#include "data/utilization_factor_table.h"
+
+namespace quorvane {
+
+// The two kinds of entries that a table's labels stand for: its columns and its rows.
+enum class FactorTableBranch { Headings, Rows };
+
+class FactorTableEditing {
+public:
+    // showMessage tells the user of duplicates and gaps. The database must outlive the object.
+    FactorTableEditing(CLightingDatabase& database, UtilizationFactorTable::MessageCallback showMessage);
+
+    // Loads the table of a luminaire. False when not all of its rows could be read; it must not be edited
+    // then.
+    bool Load(int luminaireId);
+    UtilizationFactorTable& Table() { return m_table; }
+    const UtilizationFactorTable& Table() const { return m_table; }
+    // Whether the table has changed since the last submit, or a submit could not write all of it.
+    bool IsModified() const { return m_modified; }
+
+    // "Pcc,Pw,Pf" of a heading (%), or a row value with two decimals.
+    CString Label(FactorTableBranch branch, int index) const;
+    int Count(FactorTableBranch branch) const;
+
+    // Takes the text of an edited label; index -1 adds an entry. A label left as it was changes nothing,
+    // because it may be rounded, or show a heading of the file that may not be typed. False when the text is
+    // no heading (three integers from 0 to 100) or no row value (an unsigned decimal). The table may still
+    // refuse a valid text as a duplicate.
+    bool TakeLabel(FactorTableBranch branch, int index, const CString& text);
+    void Delete(FactorTableBranch branch, int index);
+
+    // Takes the text of a factor's cell, addressed as in UtilizationFactorTable::GetFactor. isUntouched: the
+    // cell shows what it showed before; its factor then stays as it is, because it may have more decimals.
+    // Returns the text to show, which has as many digits as the file can keep; nothing, with the factor
+    // unchanged, when the text is no unsigned decimal.
+    std::optional<CString> TakeFactor(int gridRow, int gridColumn, const CString& text, bool isUntouched);
+    // Sets all factors to 0.
+    void Clear();
+
+    // Writes the table. Returns how many statements failed; the table stays modified when some did.
+    int Submit(const UtilizationFactorTable::ProgressCallback& progress = {});
+
+private:
+    bool TakeHeading(int index, const CString& text);
+    bool TakeRowValue(int index, const CString& text);
+    void NoteChange(bool changed) { m_modified = m_modified || changed; }
+
+    UtilizationFactorTable m_table;
+    bool m_modified = false;
+};
+
+}  // namespace quorvane

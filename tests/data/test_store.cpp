@@ -73,16 +73,16 @@ private Q_SLOTS:
     void RefusesBadFiles() {
         const QByteArray good = m_file->Bytes();
         const QByteArray noise = QByteArray("\x5a\xc3\x17").repeated(20000);
-        const auto accessFile = [](const char* engine) {
-            return QByteArray("\0\1\0\0Standard ", 13) + engine + QByteArray(" DB\0", 4) +
-                   QByteArray(4076, '\0');
+        const auto accessFile = [](const char* engine, char version) {
+            return QByteArray("\0\1\0\0Standard ", 13) + engine + QByteArray(" DB\0", 4) + version +
+                   QByteArray(4075, '\0');
         };
         const std::pair<QByteArray, QString> cases[] = {
             {"", u"is empty"_s},
             {"S", u"is not a database"_s},
             {QByteArray("照明设计 ").repeated(999), u"is not a database"_s},
-            {accessFile("Jet"), u"Access 97"_s},
-            {accessFile("ACE"), u"Access 2007"_s},
+            {accessFile("Jet", 0), u"Access 97"_s},
+            {accessFile("ACE", 2), u"Access 2007"_s},
             {good.first(16), u""_s},
             {good.first(100), u""_s},
             {good.first(good.size() / 2 + 77), u""_s},

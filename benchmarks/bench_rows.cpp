@@ -91,6 +91,18 @@ Times Measure(int rows, bool withSubmit) {
     return times;
 }
 
+// What other programs on the machine take does not count.
+Times Fastest(int rows, int rounds) {
+    Times fastest = Measure(rows, true);
+    for (int round = 1; round < rounds; ++round) {
+        const Times times = Measure(rows, true);
+        fastest.paste = std::min(fastest.paste, times.paste);
+        fastest.submit = std::min(fastest.submit, times.submit);
+        fastest.remove = std::min(fastest.remove, times.remove);
+    }
+    return fastest;
+}
+
 double Exponent(double few, double many) {
     return std::log(many / few) / std::log(static_cast<double>(kMany) / kFew);
 }
@@ -99,14 +111,15 @@ double Exponent(double few, double many) {
 
 int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
-    const Times few = Measure(kFew, true);
-    const Times many = Measure(kMany, true);
+    const Times few = Fastest(kFew, 5);
+    const Times many = Fastest(kMany, 3);
     bool met = Report("pasting, growth (linear)", Exponent(few.paste, many.paste), 1, "", kMostExponent);
     met = Report("deleting, growth (linear)", Exponent(few.remove, many.remove), 1, "", kMostExponent) && met;
     met =
         Report("submitting, growth (linear)", Exponent(few.submit, many.submit), 1, "", kMostExponent) && met;
     const Times most = Measure(kPasted, false);
     met = Report("pasting 50,000 rows (allowed)", most.paste, kMostPasteMs, "ms", 1) && met;
-    std::printf("deleting 50,000 rows: %.0f ms; submitting 16,000: %.0f ms\n", most.remove, many.submit);
+    std::printf("deleting 1,000, 16,000, 50,000 rows: %.1f, %.1f, %.1f ms; submitting 16,000: %.0f ms\n",
+                few.remove, many.remove, most.remove, many.submit);
     return met ? 0 : 1;
 }

@@ -43,10 +43,17 @@ void InstallChineseTexts(QApplication& application) {
     }
 }
 
+// Asked once a run, before the first submit.
+bool GoOnWithoutCopy(const QString& reason) {
+    return ShowMessage(nullptr, u"提交前未能备份数据库文件：\n%1\n\n不备份，继续提交吗？"_s.arg(reason), {},
+                       MessageButtons::YesNo) == MessageAnswer::Yes;
+}
+
 }  // namespace
 
 CQuorvaneApp::CQuorvaneApp(QApplication& application)
-    : m_application(application), m_database(CreateStoreConnection, QCoreApplication::applicationFilePath()) {
+    : m_application(application),
+      m_database(BackedUpStore(GoOnWithoutCopy), QCoreApplication::applicationFilePath()) {
     QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
     QCoreApplication::setApplicationName(QStringLiteral("照度计算数据库维护"));
     application.setWindowIcon(LoadIcon(IconId::Application));

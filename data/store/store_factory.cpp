@@ -4,10 +4,12 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "data/database_path.h"
 #include "data/store/access/header.h"
 #include "data/store/access/sql/access_connection.h"
+#include "data/store/backed_up_connection.h"
 #include "data/store/connection_string.h"
 #include "data/store/sqlite_connection.h"
 
@@ -58,6 +60,13 @@ std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionStrin
     }
     throw ProviderError(head.isEmpty() ? QStringLiteral("%1 is empty").arg(path)
                                        : QStringLiteral("%1 is not a database").arg(path));
+}
+
+ConnectionFactory BackedUpStore(std::function<bool(const CString& reason)> goOn) {
+    return [goOn = std::move(goOn)](const CString& connectionString) -> std::shared_ptr<Connection> {
+        return std::make_shared<BackedUpConnection>(CreateStoreConnection(connectionString),
+                                                    NativePath(DataSource(connectionString)), goOn);
+    };
 }
 
 }  // namespace quorvane

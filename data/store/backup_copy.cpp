@@ -1,0 +1,93 @@
+#include "data/store/backup_copy.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+
+#include "data/connection.h"
+
+namespace quorvane {
+
+namespace {
+
+constexpr qint64 kChunk = 1 << 20;
+constexpr qsizetype kCopiesKept = 3;
+
+[[noreturn]] void ThrowFailure(const QFileDevice& file) {
+    throw ProviderError(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
+}
+
+QByteArray ReadChunk(QFile& file) {
+    QByteArray chunk = file.read(kChunk);
+    if (file.error() != QFileDevice::NoError) {
+        ThrowFailure(file);
+    }
+    return chunk;
+}
+
+void Open(QFile& file) {
+    if (!file.open(QIODevice::ReadOnly)) {
+        ThrowFailure(file);
+    }
+}
+
+void Copy(const CString& from, const CString& to) {
+    QFile source(from);
+    Open(source);
+    QSaveFile copy(to);
+    if (!copy.open(QIODevice::WriteOnly)) {
+        ThrowFailure(copy);
+    }
+    for (QByteArray chunk = ReadChunk(source); !chunk.isEmpty(); chunk = ReadChunk(source)) {
+        if (copy.write(chunk) != chunk.size()) {
+            ThrowFailure(copy);
+        }
+    }
+    if (!copy.commit()) {
+        ThrowFailure(copy);
+    }
+}
+
+void RequireSame(const CString& left, const CString& right) {
+    QFile first(left);
+    QFile second(right);
+    Open(first);
+    Open(second);
+    QByteArray chunk;
+    do {
+        chunk = ReadChunk(first);
+        if (chunk != ReadChunk(second)) {
+            throw ProviderError(QStringLiteral("%1 is not the same as %2").arg(right, left));
+        }
+    } while (!chunk.isEmpty());
+}
+
+// Only what bears exactly such a name is ever deleted.
+void DeleteOldCopies(const QFileInfo& file) {
+    const QRegularExpression name(
+        QRegularExpression::anchoredPattern(QRegularExpression::escape(file.fileName()) +
+                                            QStringLiteral("\\.\\d{4}-\\d\\d-\\d\\d-\\d{6}\\.bak")));
+    QDir folder = file.dir();
+    const QStringList copies = folder.entryList(QDir::Files, QDir::Name).filter(name);
+    for (qsizetype index = 0; index < copies.size() - kCopiesKept; ++index) {
+        folder.remove(copies[index]);
+    }
+}
+
+}  // namespace
+
+CString MakeBackupCopy(const CString& path) {
+    if (QFileInfo(path + QStringLiteral("-wal")).size() > 0) {
+        throw ProviderError(QStringLiteral("another program keeps part of %1 in a second file").arg(path));
+    }
+    const CString copy =
+        path + QDateTime::currentDateTime().toString(QStringLiteral("'.'yyyy-MM-dd-HHmmss'.bak'"));
+    Copy(path, copy);
+    RequireSame(path, copy);
+    DeleteOldCopies(QFileInfo(path));
+    return copy;
+}
+
+}  // namespace quorvane

@@ -75,9 +75,11 @@ void RunStatements(CLightingDatabase& database) {
     std::vector<tagLUMINAIREUTILIZATIONFACTOR> factors;
     Require(database.LoadUtilizationFactors(kSmallLuminaire, factors), "loading");
     Require(factors.size() == std::size_t{kRows} * kColumns, "finding all factors");
+    SubmitScope submit(database);
     for (const auto& factor : factors) {
         Require(database.UpdateUtilizationFactor(factor), "an update");
     }
+    Require(submit.Finish(), "finishing");
 }
 
 void RunDialog(CLightingDatabase& database) {

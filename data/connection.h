@@ -1,7 +1,7 @@
 // The only door to a database: a connection that executes statements and hands out record sets.
 //
-// What stands behind it (an SQLite file, an Access file) is nobody's business above data/store. Errors are
-// thrown as ProviderError with the message of whatever stands behind; CLightingDatabase catches them all.
+// Code above data/store does not know which kind of file stands behind it. Errors are thrown as ProviderError
+// with the message of the driver; CLightingDatabase catches all of them.
 #pragma once
 
 #include <functional>

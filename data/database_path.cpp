@@ -1,5 +1,7 @@
 #include "data/database_path.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 namespace {
@@ -26,7 +28,7 @@ CString ApplicationParentFolder(const CString& executablePath) {
 
 CString DatabasePath(const CString& executablePath) {
     const CString folder = ApplicationParentFolder(executablePath);
-    return folder.isEmpty() ? CString() : folder + QStringLiteral("\\Vexal\\灯具数据库.mdb");
+    return folder.isEmpty() ? CString() : folder + u"\\Vexal\\灯具数据库.mdb"_s;
 }
 
 CString NativePath(const CString& storedPath) {

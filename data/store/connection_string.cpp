@@ -2,11 +2,13 @@
 
 #include <QRegularExpression>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 CString DataSource(const CString& connectionString) {
     static const QRegularExpression entry(
-        QStringLiteral("(?:^|;)\\s*Data Source\\s*=\\s*(.*?);?$"),
+        u"(?:^|;)\\s*Data Source\\s*=\\s*(.*?);?$"_s,
         QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
     return entry.match(connectionString).captured(1);
 }

@@ -14,6 +14,8 @@
 #include "data/store/sqlite_recordset.h"
 #include "data/store/sqlite_submit.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 namespace {
@@ -60,11 +62,11 @@ Database OpenFile(const CString& path) {
 // Opening alone reads nothing. This check reads the whole file once (9 ms for 100,000 light sources), so
 // damage shows at the start and not after something has been written.
 void RefuseDamage(sqlite3* database) {
-    const SqliteRecordset report(PrepareSqlite(database, QStringLiteral("PRAGMA quick_check(1)")));
+    const SqliteRecordset report(PrepareSqlite(database, u"PRAGMA quick_check(1)"_s));
     const FieldValue finding = report.Value(0);
     const auto* text = std::get_if<CString>(&finding);
-    if (text == nullptr || *text != QStringLiteral("ok")) {
-        throw ProviderError(QStringLiteral("the file is damaged: %1").arg(text ? *text : CString()));
+    if (text == nullptr || *text != u"ok"_s) {
+        throw ProviderError(u"the file is damaged: %1"_s.arg(text ? *text : CString()));
     }
 }
 
@@ -91,7 +93,7 @@ void SqliteConnection::Open(const CString& connectionString, const CString& /*us
 
 std::unique_ptr<Recordset> SqliteConnection::Execute(const CString& statement) {
     if (m_database == nullptr) {
-        throw ProviderError(QStringLiteral("the connection is not open"));
+        throw ProviderError(u"the connection is not open"_s);
     }
     LimitWaiting();
     return std::make_unique<SqliteRecordset>(PrepareSqlite(m_database.get(), ToSqliteDialect(statement)));

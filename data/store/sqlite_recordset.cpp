@@ -6,6 +6,8 @@
 #include <limits>
 #include <string_view>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 namespace {
@@ -43,7 +45,7 @@ void ThrowSqliteError(sqlite3* database) {
 SqliteStatement PrepareSqlite(sqlite3* database, const CString& statement) {
     const QByteArray text = statement.toUtf8();
     if (text.size() > std::numeric_limits<int>::max()) {
-        throw ProviderError(QStringLiteral("the statement is too long"));
+        throw ProviderError(u"the statement is too long"_s);
     }
     sqlite3_stmt* handle = nullptr;
     const char* tail = nullptr;
@@ -54,11 +56,11 @@ SqliteStatement PrepareSqlite(sqlite3* database, const CString& statement) {
         ThrowSqliteError(database);
     }
     if (prepared == nullptr) {
-        throw ProviderError(QStringLiteral("there is no statement"));
+        throw ProviderError(u"there is no statement"_s);
     }
     const QByteArrayView rest(tail, text.constData() + text.size());
     if (!rest.trimmed().isEmpty()) {
-        throw ProviderError(QStringLiteral("text follows the statement"));
+        throw ProviderError(u"text follows the statement"_s);
     }
     return prepared;
 }
@@ -72,7 +74,7 @@ SqliteRecordset::SqliteRecordset(SqliteStatement statement) : m_statement(std::m
 
 void SqliteRecordset::MoveNext() {
     if (AtEnd()) {
-        throw ProviderError(QStringLiteral("the record set is at its end"));
+        throw ProviderError(u"the record set is at its end"_s);
     }
     Step();
 }
@@ -93,18 +95,18 @@ int SqliteRecordset::Column(const CString& columnName) const {
     const auto column = std::find_if(m_columnNames.begin(), m_columnNames.end(),
                                      [&](const CString& name) { return SameName(name, columnName); });
     if (column == m_columnNames.end()) {
-        throw ProviderError(QStringLiteral("the result has no column %1").arg(columnName));
+        throw ProviderError(u"the result has no column %1"_s.arg(columnName));
     }
     return static_cast<int>(column - m_columnNames.begin());
 }
 
 FieldValue SqliteRecordset::Value(int index) const {
     if (AtEnd()) {
-        throw ProviderError(QStringLiteral("the record set is at its end"));
+        throw ProviderError(u"the record set is at its end"_s);
     }
     sqlite3_stmt* row = m_statement.get();
     if (index < 0 || index >= sqlite3_column_count(row)) {
-        throw ProviderError(QStringLiteral("the result has no column %1").arg(index));
+        throw ProviderError(u"the result has no column %1"_s.arg(index));
     }
     switch (sqlite3_column_type(row, index)) {
         case SQLITE_NULL:
@@ -116,7 +118,7 @@ FieldValue SqliteRecordset::Value(int index) const {
         case SQLITE_TEXT:
             return TextValue(index);
         default:
-            throw ProviderError(QStringLiteral("column %1 holds neither number nor text").arg(index));
+            throw ProviderError(u"column %1 holds neither number nor text"_s.arg(index));
     }
 }
 
@@ -143,7 +145,7 @@ CString SqliteRecordset::TextValue(int index) const {
     const QChar* end = decoder.appendToBuffer(
         m_decoded.data(), QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
     if (decoder.hasError()) {
-        throw ProviderError(QStringLiteral("column %1 holds bytes that are no text").arg(index));
+        throw ProviderError(u"column %1 holds bytes that are no text"_s.arg(index));
     }
     CString text(m_decoded.data(), end - m_decoded.data());
     if (recent != nullptr) {

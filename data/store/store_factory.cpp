@@ -13,6 +13,8 @@
 #include "data/store/connection_string.h"
 #include "data/store/sqlite_connection.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 namespace {
@@ -33,14 +35,14 @@ constexpr std::array kDrivers{
 QByteArray ReadHead(const CString& path) {
     const QFileInfo info(path);
     if (!info.exists()) {
-        throw ProviderError(QStringLiteral("there is no file %1").arg(path));
+        throw ProviderError(u"there is no file %1"_s.arg(path));
     }
     if (!info.isFile()) {
-        throw ProviderError(QStringLiteral("%1 is not a file").arg(path));
+        throw ProviderError(u"%1 is not a file"_s.arg(path));
     }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        throw ProviderError(QStringLiteral("%1 cannot be read: %2").arg(path, file.errorString()));
+        throw ProviderError(u"%1 cannot be read: %2"_s.arg(path, file.errorString()));
     }
     return file.read(kHeadSize);
 }
@@ -50,7 +52,7 @@ QByteArray ReadHead(const CString& path) {
 std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionString) {
     const CString path = NativePath(DataSource(connectionString));
     if (path.isEmpty()) {
-        throw ProviderError(QStringLiteral("the connection string names no data source"));
+        throw ProviderError(u"the connection string names no data source"_s);
     }
     const QByteArray head = ReadHead(path);
     const auto* driver = std::find_if(kDrivers.begin(), kDrivers.end(),
@@ -58,8 +60,7 @@ std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionStrin
     if (driver != kDrivers.end()) {
         return driver->create();
     }
-    throw ProviderError(head.isEmpty() ? QStringLiteral("%1 is empty").arg(path)
-                                       : QStringLiteral("%1 is not a database").arg(path));
+    throw ProviderError(head.isEmpty() ? u"%1 is empty"_s.arg(path) : u"%1 is not a database"_s.arg(path));
 }
 
 ConnectionFactory BackedUpStore(std::function<bool(const CString& reason)> goOn) {

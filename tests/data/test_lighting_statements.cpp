@@ -176,7 +176,8 @@ private Q_SLOTS:
         const std::tuple<Rows, bool, int> cases[]{{{{qint64{17}}}, true, 17},
                                                   {{}, true, 0},
                                                   {{{std::monostate()}}, false, 0},
-                                                  {{{qint64{1} << 31}}, false, 0}};
+                                                  {{{qint64{1} << 31}}, false, 0},
+                                                  {{{-(qint64{1} << 31) - 1}}, false, 0}};
         for (const auto& [rows, result, id] : cases) {
             m_connection->results = {{}, {{u"Expr1000"_s}, rows}};
             tagLAMPHOUSEINFO source = kLightSource;

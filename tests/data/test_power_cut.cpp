@@ -51,8 +51,8 @@ public:
     }
     // Decides by chance what becomes of the steps that no sync has confirmed.
     QMap<QString, QByteArray> CutPower(QRandomGenerator& chance) {
-        const quint32 mood = chance.bounded(3);  // all lost, all kept, each for itself
-        for (Step step : std::exchange(m_pending, {})) {
+        const int mood = chance.bounded(3);  // all lost, all kept, each for itself
+        for (const Step& step : std::exchange(m_pending, {})) {
             for (qint64 done = 0; step.kind == Step::Write && mood == 2 && done < step.bytes.size();
                  done += kSectorSize) {
                 if (chance.bounded(2) == 0) {
@@ -186,7 +186,8 @@ private Q_SLOTS:
             for (int row = 0; row < count; ++row) {
                 tagLAMPHOUSEINFO record;
                 record.LuminousFlux = ++m_written;
-                record.Factory = QString(m_written % 4 * 3000, u'x');  // up to some pages a row
+                record.Factory =
+                    u"x"_s.repeated(qsizetype{3000} * (m_written % 4));  // up to some pages a row
                 QVERIFY(m_database.InsertLightSource(record));
             }
         };

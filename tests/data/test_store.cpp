@@ -241,6 +241,14 @@ private Q_SLOTS:
         QVERIFY(database.UpdateLightSource(record));
         SubmitScope submit(database);
         QVERIFY(database.UpdateLightSource(record) && submit.Finish() && IsOneFile());
+        const SubmitScope unfinished(database);
+        QVERIFY(database.UpdateLightSource(record) && database.Disconnect() && IsOneFile());
+    }
+
+    void RefusesBytesThatAreNoText() {
+        m_file->Raw().Execute(u"update 光源 set Factory=cast(x'41ff' as text)"_s);
+        CLightingDatabase database = Database();
+        QVERIFY(database.Connect() && !Reads(database));
     }
 
 private:

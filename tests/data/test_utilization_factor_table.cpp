@@ -7,6 +7,7 @@
 #include "data/lighting_database.h"
 #include "data/store/store_factory.h"
 #include "data/utilization_factor_table.h"
+#include "tests/support/fake_connection.h"
 #include "tests/support/temporary_lighting_database.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -183,6 +184,16 @@ private Q_SLOTS:
         QCOMPARE(bench.Stored(), QStringList({u"3|70|50|20|1.0|0.0"_s}));
         QVERIFY_THROWS_EXCEPTION(std::invalid_argument, bench.table.GetFactor(3, 1));
         QVERIFY_THROWS_EXCEPTION(std::invalid_argument, bench.table.GetFactor(4, 2));
+    }
+
+    void WhatTheDiskDidNotConfirmIsUnwritten() {
+        const auto connection = std::make_shared<FakeConnection>();
+        connection->endSubmitFailure = u"disk error"_s;
+        CLightingDatabase database(FakeConnection::Factory(connection), u"/opt/q/bin/quorvane"_s);
+        QVERIFY(database.Connect());
+        UtilizationFactorTable table(database, [](const CString&) {});
+        QVERIFY(table.AddHeading(80, 50, 20) && table.AddRow(1) && table.Submit());
+        QCOMPARE(table.UnwrittenCount(), 1);
     }
 
     void GapsAreToldOnceAndFilled() {

@@ -3,6 +3,8 @@
 #include <functional>
 #include <stdexcept>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 namespace {
@@ -30,7 +32,7 @@ QByteArray TextOf(sqlite3_stmt* row, int column) {
 QString LiteralOf(sqlite3_stmt* row, int column) {
     const QString text = QString::fromUtf8(TextOf(row, column));
     const int type = sqlite3_column_type(row, column);
-    return type == SQLITE_NULL ? QStringLiteral("NULL") : type == SQLITE_TEXT ? u'\'' + text + u'\'' : text;
+    return type == SQLITE_NULL ? u"NULL"_s : type == SQLITE_TEXT ? u'\'' + text + u'\'' : text;
 }
 
 }  // namespace

@@ -1,10 +1,14 @@
-// quorvane-sample-database: makes a sample database file from the command line.
+// quorvane-sample-database: makes a sample database file, or checks a database, from the command line.
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <cstdio>
 #include <exception>
 
+#include "data/store/store_factory.h"
+#include "tools/database_copy.h"
+#include "tools/database_sense.h"
 #include "tools/sample_database.h"
 #include "tools/sample_error.h"
 
@@ -12,7 +16,24 @@ namespace {
 
 using namespace quorvane;
 
-void Run(const QCoreApplication& app) {
+// Returns what the program returns: 1 where something is wrong.
+int Check(const QString& file) {
+    try {
+        QStringList findings = CheckStoreFile(file);
+        const auto connection = OpenDatabase(file);
+        findings += CheckSense(*connection, QFileInfo(file).absolutePath());
+        connection->Close();
+        for (const QString& finding : findings) {
+            std::printf("%s\n", qPrintable(finding));
+        }
+        std::printf("%s: %d findings\n", qPrintable(file), static_cast<int>(findings.size()));
+        return findings.isEmpty() ? 0 : 1;
+    } catch (const ProviderError& error) {
+        throw SampleError(error.Message());
+    }
+}
+
+int Run(const QCoreApplication& app) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Makes a sample lighting database and, in the folder LuminairePhotoLib beside it, its "
@@ -29,14 +50,24 @@ void Run(const QCoreApplication& app) {
     const QCommandLineOption folder(
         QStringLiteral("data"), QStringLiteral("Reads the data files from DIR instead of those built in."),
         QStringLiteral("DIR"));
-    parser.addOptions({rows, folder});
+    const QCommandLineOption sqlite(QStringLiteral("sqlite"),
+                                    QStringLiteral("Makes an SQLite file instead of an Access file."));
+    const QCommandLineOption check(
+        QStringLiteral("check"),
+        QStringLiteral(
+            "Makes nothing, but checks FILE, a database of either kind: its structure, and whether "
+            "what it holds makes sense. Prints what is wrong."));
+    parser.addOptions({rows, folder, sqlite, check});
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The file to make."));
     parser.addHelpOption();
     parser.process(app);
 
     const QStringList files = parser.positionalArguments();
     if (files.size() != 1 || files.first().isEmpty()) {
-        throw SampleError(QStringLiteral("name one file to make (--help tells more)"));
+        throw SampleError(QStringLiteral("name one file (--help tells more)"));
+    }
+    if (parser.isSet(check)) {
+        return Check(files.first());
     }
     if (parser.isSet(folder) && parser.value(folder).isEmpty()) {
         throw SampleError(QStringLiteral("--data needs a folder"));
@@ -50,11 +81,13 @@ void Run(const QCoreApplication& app) {
         }
         EnlargeSampleData(data, count);
     }
-    WriteSampleDatabase(data, files.first());
+    WriteSampleDatabase(data, files.first(),
+                        parser.isSet(sqlite) ? DatabaseKind::Sqlite : DatabaseKind::Access);
     std::printf(
         "%s: %zu light sources, %zu luminaires, %zu utilization factors, %zu requirements, %zu photos\n",
         qPrintable(files.first()), data.LightSources.size(), data.Luminaires.size(), data.Factors.size(),
         data.Requirements.size(), data.Photos.size());
+    return 0;
 }
 
 }  // namespace
@@ -62,8 +95,7 @@ void Run(const QCoreApplication& app) {
 int main(int argc, char* argv[]) {
     try {
         const QCoreApplication app(argc, argv);
-        Run(app);
-        return 0;
+        return Run(app);
     } catch (const SampleError& error) {
         std::fprintf(stderr, "quorvane-sample-database: %s\n", qPrintable(error.Message()));
     } catch (const std::exception& error) {

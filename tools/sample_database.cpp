@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <memory>
 
+#include "tools/database_copy.h"
 #include "tools/database_schema.h"
 #include "tools/luminaire_photo.h"
 #include "tools/sample_error.h"
@@ -141,6 +142,22 @@ void FillDatabase(const QString& file, const SampleData& data) {
     database.Run("COMMIT");
 }
 
+// Fills a new Access file, which begins as the empty one built into the program.
+void CopyIntoAccessFile(const QString& from, QFile& target) {
+    QFile empty(QStringLiteral(":/quorvane/sample/empty.mdb"));
+    const QByteArray bytes = empty.open(QIODevice::ReadOnly) ? empty.readAll() : QByteArray();
+    if (target.write(bytes) != bytes.size() || !target.flush()) {
+        throw SampleError(
+            QStringLiteral("%1: cannot be written: %2").arg(target.fileName(), target.errorString()));
+    }
+    target.close();
+    const auto source = OpenDatabase(from);
+    const auto copy = OpenDatabase(target.fileName());
+    CopyDatabase(*source, *copy);
+    source->Close();
+    copy->Close();
+}
+
 QByteArray EncodedPhoto(const SamplePhoto& photo) {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
@@ -172,7 +189,8 @@ void WritePhoto(const SamplePhoto& photo, const QString& folder, NewFiles& newFi
 
 // A journal left behind under the new file's name would be played back into it by the first reader.
 void RequireFree(const QString& file) {
-    for (const QString& name : {file, file + QStringLiteral("-journal"), file + QStringLiteral("-wal")}) {
+    for (const QString& name : {file, file + QStringLiteral("-journal"), file + QStringLiteral("-wal"),
+                                file + QStringLiteral("-redo")}) {
         const QFileInfo info(name);
         if (info.exists() || info.isSymLink()) {
             throw SampleError(QStringLiteral("%1: exists already and is not overwritten")
@@ -190,17 +208,24 @@ void MakeFolder(const QString& folder) {
 
 }  // namespace
 
-void WriteSampleDatabase(const SampleData& data, const QString& file) {
+void WriteSampleDatabase(const SampleData& data, const QString& file, DatabaseKind kind) {
     const QFileInfo target(file);
     RequireFree(target.absoluteFilePath());
     MakeFolder(target.absolutePath());
 
     NewFiles newFiles;
-    QFile unfinished(
-        QStringLiteral("%1.%2.part").arg(target.absoluteFilePath()).arg(QCoreApplication::applicationPid()));
-    newFiles.Create(unfinished);
-    unfinished.close();
-    FillDatabase(unfinished.fileName(), data);
+    const QString stem =
+        QStringLiteral("%1.%2").arg(target.absoluteFilePath()).arg(QCoreApplication::applicationPid());
+    QFile sqliteFile(stem + QStringLiteral(".part"));
+    newFiles.Create(sqliteFile);
+    sqliteFile.close();
+    FillDatabase(sqliteFile.fileName(), data);
+    QFile accessFile(stem + QStringLiteral(".access.part"));
+    if (kind == DatabaseKind::Access) {
+        newFiles.Create(accessFile);
+        CopyIntoAccessFile(sqliteFile.fileName(), accessFile);
+    }
+    QFile& unfinished = kind == DatabaseKind::Access ? accessFile : sqliteFile;
 
     const QString photoFolder = target.absolutePath() + QStringLiteral("/LuminairePhotoLib");
     if (!data.Photos.empty()) {
@@ -214,6 +239,9 @@ void WriteSampleDatabase(const SampleData& data, const QString& file) {
                               .arg(target.absoluteFilePath(), unfinished.errorString()));
     }
     newFiles.Release();
+    if (kind == DatabaseKind::Access) {
+        sqliteFile.remove();
+    }
 }
 
 }  // namespace quorvane

@@ -6,10 +6,13 @@
 
 namespace quorvane {
 
+enum class DatabaseKind { Access, Sqlite };
+
 // Writes the data into a new database file, and the photos into the folder LuminairePhotoLib beside it;
 // missing folders are made. The file appears under its name only when it is whole. Nothing is ever
 // overwritten: throws SampleError when the file exists, when another photo stands where one belongs, or when
 // something cannot be written, and then leaves no new file behind.
-void WriteSampleDatabase(const SampleData& data, const QString& file);
+void WriteSampleDatabase(const SampleData& data, const QString& file,
+                         DatabaseKind kind = DatabaseKind::Sqlite);
 
 }  // namespace quorvane

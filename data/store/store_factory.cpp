@@ -11,6 +11,7 @@
 #include "data/store/access/sql/access_connection.h"
 #include "data/store/backed_up_connection.h"
 #include "data/store/connection_string.h"
+#include "data/store/sqlite_check.h"
 #include "data/store/sqlite_connection.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -24,12 +25,13 @@ constexpr qint64 kHeadSize = 32;  // every kind of database tells itself within 
 struct Driver {
     bool (*recognises)(const QByteArray& head);
     std::shared_ptr<Connection> (*create)();
+    QStringList (*check)(const QString& path);
 };
 
 // One line a driver.
 constexpr std::array kDrivers{
-    Driver{IsSqliteFile, CreateSqliteConnection},
-    Driver{access::IsAccessFile, CreateAccessConnection},
+    Driver{IsSqliteFile, CreateSqliteConnection, CheckSqliteFile},
+    Driver{access::IsAccessFile, CreateAccessConnection, CheckAccessFile},
 };
 
 QByteArray ReadHead(const CString& path) {
@@ -47,6 +49,17 @@ QByteArray ReadHead(const CString& path) {
     return file.read(kHeadSize);
 }
 
+const Driver& DriverOf(const CString& path) {
+    const QByteArray head = ReadHead(path);
+    const auto* driver = std::find_if(kDrivers.begin(), kDrivers.end(),
+                                      [&](const Driver& candidate) { return candidate.recognises(head); });
+    if (driver == kDrivers.end()) {
+        throw ProviderError(head.isEmpty() ? u"%1 is empty"_s.arg(path)
+                                           : u"%1 is not a database"_s.arg(path));
+    }
+    return *driver;
+}
+
 }  // namespace
 
 std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionString) {
@@ -54,13 +67,7 @@ std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionStrin
     if (path.isEmpty()) {
         throw ProviderError(u"the connection string names no data source"_s);
     }
-    const QByteArray head = ReadHead(path);
-    const auto* driver = std::find_if(kDrivers.begin(), kDrivers.end(),
-                                      [&](const Driver& candidate) { return candidate.recognises(head); });
-    if (driver != kDrivers.end()) {
-        return driver->create();
-    }
-    throw ProviderError(head.isEmpty() ? u"%1 is empty"_s.arg(path) : u"%1 is not a database"_s.arg(path));
+    return DriverOf(path).create();
 }
 
 ConnectionFactory BackedUpStore(std::function<bool(const CString& reason)> goOn) {
@@ -68,6 +75,10 @@ ConnectionFactory BackedUpStore(std::function<bool(const CString& reason)> goOn)
         return std::make_shared<BackedUpConnection>(CreateStoreConnection(connectionString),
                                                     NativePath(DataSource(connectionString)), goOn);
     };
+}
+
+QStringList CheckStoreFile(const CString& path) {
+    return DriverOf(path).check(path);
 }
 
 }  // namespace quorvane

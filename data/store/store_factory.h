@@ -1,6 +1,8 @@
 // What stands behind the seam: chooses the driver for a database by the content of its file.
 #pragma once
 
+#include <QStringList>
+
 #include "data/connection.h"
 
 namespace quorvane {
@@ -13,5 +15,9 @@ std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionStrin
 // The same, but the file is copied beside itself before the first statement of a connection that writes.
 // Where that fails, GOON is asked once, with the reason, whether to write without a copy.
 ConnectionFactory BackedUpStore(std::function<bool(const CString& reason)> goOn);
+
+// What is wrong with the structure of a database file of any kind, one line each; empty when nothing is.
+// Throws ProviderError for a file that cannot be read at all.
+QStringList CheckStoreFile(const CString& path);
 
 }  // namespace quorvane

@@ -94,7 +94,7 @@ class ProgramFolder:
         self.database.parent.mkdir()
         # A copy, because the program looks for its data beside the folder that it was really started from.
         shutil.copy2(Path(binaries) / "quorvane", self.program)
-        subprocess.run([Path(binaries) / "quorvane-sample-database", self.database], check=True, timeout=120,
+        subprocess.run([Path(binaries) / "quorvane-sample-database", "--sqlite", self.database], check=True, timeout=120,
                        stdout=subprocess.DEVNULL)
 
     def query(self, statement):

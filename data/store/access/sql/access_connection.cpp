@@ -42,6 +42,13 @@ std::shared_ptr<Connection> CreateAccessConnection() {
     return std::make_shared<AccessConnection>();
 }
 
+QStringList CheckAccessFile(const QString& path) {
+    return AsProviderError([&] {
+        Database database(NativeFiles(), path);
+        return CheckFile(database);
+    });
+}
+
 void AccessConnection::Open(const CString& connectionString, const CString& /*user*/,
                             const CString& /*password*/, int /*options*/) {
     AsProviderError([&] {

@@ -1,6 +1,7 @@
 // The driver for Access files: the SQLite engine over tables that it reads and writes through this folder.
 #pragma once
 
+#include <QStringList>
 #include <map>
 
 #include "data/connection.h"
@@ -14,6 +15,9 @@ class Database;
 
 // Makes a connection for a file that IsAccessFile recognises.
 std::shared_ptr<Connection> CreateAccessConnection();
+
+// What is wrong with the structure of the file, one line each. Throws ProviderError when it cannot be read.
+QStringList CheckAccessFile(const QString& path);
 
 class AccessConnection : public Connection {
 public:

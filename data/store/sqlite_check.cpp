@@ -1,0 +1,27 @@
+#include "data/store/sqlite_check.h"
+
+#include "data/store/sqlite_connection.h"
+#include "data/store/sqlite_recordset.h"
+
+namespace quorvane {
+
+QStringList CheckSqliteFile(const QString& path) {
+    sqlite3* handle = nullptr;
+    const int result = sqlite3_open_v2(path.toUtf8().constData(), &handle, SQLITE_OPEN_READONLY, nullptr);
+    const std::unique_ptr<sqlite3, SqliteCloser> database(handle);
+    if (result != SQLITE_OK) {
+        throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
+    }
+    QStringList findings;
+    SqliteRecordset report(PrepareSqlite(handle, QStringLiteral("PRAGMA integrity_check")));
+    for (; !report.AtEnd(); report.MoveNext()) {
+        const FieldValue finding = report.Value(0);
+        if (const auto* text = std::get_if<CString>(&finding);
+            text != nullptr && *text != QStringLiteral("ok")) {
+            findings += *text;
+        }
+    }
+    return findings;
+}
+
+}  // namespace quorvane

@@ -1,13 +1,18 @@
-// Filling and repainting the grid: time and memory against a QTableWidget with the same texts, and a repaint
-// of many rows against one of few.
+// Filling, scrolling and repainting the grid: time and memory against the toolkit's tables with the same
+// texts, a repaint of many rows against one of few, and how the time to insert and delete rows grows with
+// their number.
+#include <QAbstractTableModel>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QScrollBar>
+#include <QTableView>
 #include <QTableWidget>
 #include <QWindow>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <memory>
 #include <vector>
 
@@ -22,11 +27,11 @@ namespace {
 
 using namespace quorvane;
 
-constexpr int ManyRows = 100'000;
-constexpr int FewRows = 100;
-constexpr int Columns = 7;
-constexpr int FillRounds = 5;
-constexpr int RepaintRounds = 300;
+constexpr int kManyRows = 100'000;
+constexpr int kFewRows = 100;
+constexpr int kColumns = 7;
+constexpr int kFillRounds = 5;
+constexpr int kRepaintRounds = 300;
 
 double MebibytesInUse() {
 #ifdef __GLIBC__
@@ -44,9 +49,9 @@ QString TextOf(int row, int column) {
 
 std::vector<QString> Texts() {
     std::vector<QString> texts;
-    texts.reserve(std::size_t{ManyRows} * Columns);
-    for (int row = 0; row < ManyRows; ++row) {
-        for (int column = 0; column < Columns; ++column) {
+    texts.reserve(std::size_t{kManyRows} * kColumns);
+    for (int row = 0; row < kManyRows; ++row) {
+        for (int column = 0; column < kColumns; ++column) {
             texts.push_back(TextOf(row, column));
         }
     }
@@ -56,35 +61,63 @@ std::vector<QString> Texts() {
 // A copy of its own for every cell, as from a database, so that both tables pay for the memory of their
 // texts.
 QString OwnText(const std::vector<QString>& texts, int row, int column) {
-    const QString& text = texts[static_cast<std::size_t>(row) * Columns + static_cast<std::size_t>(column)];
+    const QString& text = texts[static_cast<std::size_t>(row) * kColumns + static_cast<std::size_t>(column)];
     return QString(text.constData(), text.size());
 }
 
+// The way a page fills its grid: the row maker reads the texts of a row when the row is first shown or
+// touched.
 void FillGrid(CGridCtrl& grid, int rows, const std::vector<QString>& texts) {
-    grid.SetColumnCount(Columns);
-    grid.SetRowCount(rows);
-    grid.SetFixedRowCount(1);
-    GridItem item;
-    item.mask = ItemMask::Text | ItemMask::Data | ItemMask::Format;
-    for (int row = 0; row < rows; ++row) {
-        for (int column = 0; column < Columns; ++column) {
-            item.row = row;
+    grid.SetColumnCount(kColumns);
+    grid.SetRowMaker([&grid, &texts](int row) {
+        GridItem item;
+        item.mask = ItemMask::Text | ItemMask::Data | ItemMask::Format;
+        item.row = row;
+        item.data = row;
+        for (int column = 0; column < kColumns; ++column) {
             item.col = column;
             item.text = OwnText(texts, row, column);
-            item.data = row;
             item.format = CellFormat::VCentre | CellFormat::SingleLine |
                           (column % 2 == 0 ? CellFormat::Centre : CellFormat::Left);
             grid.SetItem(item);
         }
-    }
+    });
+    grid.SetRowCount(rows);
+    grid.SetFixedRowCount(1);
     grid.Refresh();
 }
 
+// What no page does at once: every cell is asked for.
+void FillWholeGrid(CGridCtrl& grid, int rows, const std::vector<QString>& texts) {
+    FillGrid(grid, rows, texts);
+    for (int row = 1; row < rows; ++row) {
+        grid.GetItemData(row, 0);
+    }
+}
+
+// The same texts for a QTableView, which copies none of them.
+class TextModel : public QAbstractTableModel {
+public:
+    explicit TextModel(const std::vector<QString>& texts) : m_texts(texts) {}
+
+    int rowCount(const QModelIndex& /*parent*/) const override { return kManyRows; }
+    int columnCount(const QModelIndex& /*parent*/) const override { return kColumns; }
+    QVariant data(const QModelIndex& index, int role) const override {
+        if (role == Qt::TextAlignmentRole) {
+            return QVariant(index.column() % 2 == 0 ? Qt::AlignCenter : Qt::AlignLeft | Qt::AlignVCenter);
+        }
+        return role == Qt::DisplayRole ? OwnText(m_texts, index.row(), index.column()) : QVariant();
+    }
+
+private:
+    const std::vector<QString>& m_texts;
+};
+
 void FillTable(QTableWidget& table, int rows, const std::vector<QString>& texts) {
-    table.setColumnCount(Columns);
+    table.setColumnCount(kColumns);
     table.setRowCount(rows);
     for (int row = 0; row < rows; ++row) {
-        for (int column = 0; column < Columns; ++column) {
+        for (int column = 0; column < kColumns; ++column) {
             auto item = std::make_unique<QTableWidgetItem>(OwnText(texts, row, column));
             table.setItem(row, column, item.release());
         }
@@ -105,27 +138,37 @@ void MeasureFill(Cost& cost, const std::vector<QString>& texts,
     table.show();
     QApplication::processEvents();
     const double before = MebibytesInUse();
-    cost.milliseconds.push_back(Milliseconds([&] { fill(table, ManyRows, texts); }));
+    cost.milliseconds.push_back(Milliseconds([&] {
+        fill(table, kManyRows, texts);
+        table.viewport()->repaint();
+    }));
     cost.mebibytes.push_back(MebibytesInUse() - before);
 }
 
 bool BenchFill(const std::vector<QString>& texts) {
     Cost grid;
+    Cost wholeGrid;
     Cost table;
-    for (int round = 0; round < FillRounds; ++round) {
+    for (int round = 0; round < kFillRounds; ++round) {
         MeasureFill<CGridCtrl>(grid, texts, FillGrid);
+        MeasureFill<CGridCtrl>(wholeGrid, texts, FillWholeGrid);
         MeasureFill<QTableWidget>(table, texts, FillTable);
     }
-    bool met = Report("fill 100,000 x 7, time (QTableWidget)", Median(grid.milliseconds),
-                      Median(table.milliseconds), "ms", 0.5);
-    if (Median(table.mebibytes) > 0) {
-        met = Report("fill 100,000 x 7, added memory (QTableWidget)", Median(grid.mebibytes),
-                     Median(table.mebibytes), "MiB", 0.5) &&
-              met;
-    } else {
-        std::printf("added memory: not measured, the C library does not tell\n");
-    }
-    return met;
+    const auto report = [&](const char* what, const Cost& cost, double target) {
+        const QByteArray name = QByteArray("fill 100,000 x 7, ") + what;
+        bool met = Report((name + ", time (QTableWidget)").constData(), Median(cost.milliseconds),
+                          Median(table.milliseconds), "ms", target);
+        if (Median(table.mebibytes) > 0) {
+            met = Report((name + ", added memory (QTableWidget)").constData(), Median(cost.mebibytes),
+                         Median(table.mebibytes), "MiB", target) &&
+                  met;
+        } else {
+            std::printf("added memory: not measured, the C library does not tell\n");
+        }
+        return met;
+    };
+    const bool met = report("rows made when shown", grid, 0.05);
+    return report("all rows made", wholeGrid, 0.6) && met;
 }
 
 // A window that is not on the screen yet paints nothing.
@@ -154,15 +197,109 @@ std::unique_ptr<CGridCtrl> ShownGrid(int rows, const std::vector<QString>& texts
 }
 
 bool BenchRepaint(const std::vector<QString>& texts) {
-    const auto many = ShownGrid(ManyRows, texts);
-    const auto few = ShownGrid(FewRows, texts);
+    const auto many = ShownGrid(kManyRows, texts);
+    const auto few = ShownGrid(kFewRows, texts);
     std::vector<double> manyTimes;
     std::vector<double> fewTimes;
-    for (int round = 0; round < RepaintRounds; ++round) {
+    for (int round = 0; round < kRepaintRounds; ++round) {
         manyTimes.push_back(Milliseconds([&] { many->viewport()->repaint(); }));
         fewTimes.push_back(Milliseconds([&] { few->viewport()->repaint(); }));
     }
     return Report("full repaint, 100,000 rows (100 rows)", Median(manyTimes), Median(fewTimes), "ms", 1.1);
+}
+
+// Scrolls by screens through the middle of the table, each step painted.
+template <typename Table>
+double ScrollTime(Table& table) {
+    constexpr int kSteps = 100;
+    table.resize(800, 600);
+    table.show();
+    WaitForScreen(table);
+    QApplication::processEvents();
+    QScrollBar& bar = *table.verticalScrollBar();
+    bar.setValue(bar.maximum() / 2);
+    QApplication::processEvents();
+    return Milliseconds([&] {
+        for (int step = 0; step < kSteps; ++step) {
+            bar.setValue(bar.value() + bar.pageStep());
+            table.viewport()->repaint();
+        }
+    });
+}
+
+bool BenchScroll(const std::vector<QString>& texts) {
+    std::vector<double> gridTimes;
+    std::vector<double> viewTimes;
+    for (int round = 0; round < kFillRounds; ++round) {
+        CGridCtrl grid;
+        FillGrid(grid, kManyRows, texts);
+        gridTimes.push_back(ScrollTime(grid));
+        TextModel model(texts);
+        QTableView view;
+        view.setModel(&model);
+        viewTimes.push_back(ScrollTime(view));
+    }
+    return Report("100 screens scrolled and painted (QTableView with a model)", Median(gridTimes),
+                  Median(viewTimes), "ms", 1.0);
+}
+
+// The exponent with which a time grows from 1,000 to 16,000 rows; 1 means in step with their number.
+template <typename Work>
+double GrowthExponent(Work work) {
+    constexpr int kFew = 1'000;
+    constexpr int kMany = 16'000;
+    constexpr int kRounds = 9;
+    std::vector<double> few;
+    std::vector<double> many;
+    for (int round = 0; round < kRounds; ++round) {
+        for (int i = 0; i < kMany / kFew; ++i) {
+            few.push_back(work(kFew));
+        }
+        many.push_back(work(kMany));
+    }
+    return std::log(Median(many) / Median(few)) / std::log(double{kMany} / kFew);
+}
+
+// Processor time, because other programs that run meanwhile would slow a long piece of work more than a short
+// one.
+template <typename Work>
+double ProcessorMilliseconds(Work work) {
+    const std::clock_t begun = std::clock();
+    work();
+    return 1000.0 * static_cast<double>(std::clock() - begun) / CLOCKS_PER_SEC;
+}
+
+bool BenchGrowth(const std::vector<QString>& texts) {
+    const auto shown = ShownGrid(kFewRows, texts);
+    const auto refill = [&](int rows) {
+        shown->DeleteNonFixedRows();
+        shown->SetRowCount(rows + 1);
+        QApplication::processEvents();
+    };
+    // Each new row comes before the last one, as on a page, and gets a text.
+    const double append = GrowthExponent([&](int rows) {
+        refill(1);
+        return ProcessorMilliseconds([&] {
+            for (int i = 0; i < rows; ++i) {
+                const int row = shown->InsertRow({}, shown->GetRowCount() - 1);
+                shown->SetItemText(row, 1, texts.front());
+            }
+        });
+    });
+    // The way a page deletes what is selected: always at the first row.
+    const double remove = GrowthExponent([&](int rows) {
+        refill(rows + 10);
+        shown->SetSelectedRange({5, 0, rows + 4, kColumns - 1});
+        return ProcessorMilliseconds([&] {
+            for (int i = 0; i < rows; ++i) {
+                shown->DeleteRow(5);
+            }
+        });
+    });
+    const bool appendMet =
+        Report("growth of inserting rows, 1,000 to 16,000 (linear)", append, 1, "exponent", 1.1);
+    return Report("growth of deleting rows, 1,000 to 16,000 (linear)", remove, 1, "exponent", 1.1) &&
+           appendMet;
 }
 
 }  // namespace
@@ -175,5 +312,7 @@ int main(int argc, char** argv) {
     const std::vector<QString> texts = Texts();
     const bool fillMet = BenchFill(texts);
     const bool repaintMet = BenchRepaint(texts);
-    return fillMet && repaintMet ? 0 : 1;
+    const bool scrollMet = BenchScroll(texts);
+    const bool growthMet = BenchGrowth(texts);
+    return fillMet && repaintMet && scrollMet && growthMet ? 0 : 1;
 }

@@ -208,27 +208,6 @@ void GridController::EnsureVisible(CCellID cell) {
     }
 }
 
-void GridController::AutoSizeColumn(int column) {
-    const int widest = std::max(m_grid.viewport()->width(), GridMouse::kSmallestColumn);
-    int width = GridMouse::kSmallestColumn;
-    const auto takeIn = [&](int row) {
-        const CGridCellBase& cell = *m_core.Cell({row, column});
-        const CCellRange block = m_core.Extent({row, column});
-        if (block.ColumnCount() == 1 && block.minRow == row) {
-            width = std::max(width, cell.ContentWidth(m_core.FontOf(cell), widest) + AverageCharWidth());
-        }
-    };
-    const GridAxis& rows = m_core.Layout().rows;
-    for (int row = 0; row < rows.FixedCount(); ++row) {
-        takeIn(row);
-    }
-    const GridAxis::Lines visible = rows.VisibleScrolling(0, m_grid.viewport()->height());
-    for (int row = visible.first; row <= visible.last; ++row) {
-        takeIn(row);
-    }
-    m_core.SetSize(Qt::Horizontal, column, std::min(width, widest));
-}
-
 // ---- Operations
 
 bool GridController::Execute(const GridCommand& command, const QEvent* event) {
@@ -504,7 +483,8 @@ void GridController::MouseRelease(const QMouseEvent& event) {
 void GridController::MouseDoubleClick(const QMouseEvent& event) {
     const std::optional<int> edge = m_mouse.EdgeAt(event.position().toPoint());
     if (event.button() == Qt::LeftButton && edge) {
-        AutoSizeColumn(*edge);
+        const int widest = std::max(m_grid.viewport()->width(), GridMouse::kSmallestColumn);
+        m_core.SetSize(Qt::Horizontal, *edge, m_core.NeededWidth(*edge, GridMouse::kSmallestColumn, widest));
         return;
     }
     Perform([this] { EndEdit(); }, [&, this] { Execute(m_mouse.Press(event)); },

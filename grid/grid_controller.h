@@ -128,8 +128,6 @@ private:
     bool Copy();
     bool Paste();
     void ScrollOn();
-    // Makes a column as wide as its headings and its texts in view need.
-    void AutoSizeColumn(int column);
 
     CGridCtrl& m_grid;
     GridCore m_core;

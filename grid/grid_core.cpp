@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "grid/cells/cell_text.h"
 #include "grid/cells/grid_btn_cell.h"
 
 namespace quorvane {
@@ -135,6 +136,25 @@ bool GridCore::SetSize(Qt::Orientation lines, int line, int size) {
         m_listener->SizesChanged();
     }
     return true;
+}
+
+int GridCore::NeededWidth(int column, int least, int most) const {
+    int width = least;
+    const auto takeIn = [&](int row) {
+        const CCellRange block = Extent({row, column});
+        if (block.ColumnCount() == 1 && block.minRow == row) {
+            const CGridCellBase& cell = *Cell({row, column});
+            width = std::max(width, cell.ContentWidth(FontOf(cell), most) + AverageCharWidth());
+        }
+    };
+    for (int row = 0; row < m_layout.rows.FixedCount(); ++row) {
+        takeIn(row);
+    }
+    const GridAxis::Lines visible = m_layout.rows.VisibleScrolling(0, m_layout.rows.ViewLength());
+    for (int row = visible.first; row <= visible.last; ++row) {
+        takeIn(row);
+    }
+    return std::min(width, most);
 }
 
 QRect GridCore::CellRect(CCellID cell) const {

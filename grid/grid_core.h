@@ -69,6 +69,8 @@ public:
     int InsertColumn(const CString& heading, unsigned format, int before);
     bool DeleteRow(int row);
     bool SetSize(Qt::Orientation lines, int line, int size);
+    // How wide a column must be for its headings and its texts in view.
+    int NeededWidth(int column, int least, int most) const;
     // The block that (row, column) is shown as, where it lies in the window; empty outside the grid.
     QRect CellRect(CCellID cell) const;
     // The cell or the block's first cell at a point of the window; none where there is no cell.

@@ -39,9 +39,9 @@ bool GridAccessibleCell::HasButton() const {
 }
 
 bool GridAccessibleCell::HasCheckBox() const {
-    constexpr unsigned KindBits = 255;
+    constexpr unsigned kKindBits = 255;
     return HasButton() && ButtonCell()->GetBtn(0).type == BtnType::Button &&
-           (ButtonCell()->GetBtn(0).state & KindBits) == BtnState::CheckBox;
+           (ButtonCell()->GetBtn(0).state & kKindBits) == BtnState::CheckBox;
 }
 
 // ---- Text

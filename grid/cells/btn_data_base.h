@@ -25,8 +25,8 @@ class CBtnDataBase {
 public:
     using Setups = std::shared_ptr<const std::vector<BtnSetup>>;
 
-    // The shared copy of a cell's buttons; cells with like buttons get the same one. It outlives the store
-    // as long as a cell uses it.
+    // The shared copy of a cell's buttons; cells with equal buttons get the same one. It may outlive the
+    // store.
     Setups Share(std::vector<BtnSetup> setups);
     // How many different sets of buttons are kept.
     int Count() const { return static_cast<int>(m_setups.size()); }

@@ -4,10 +4,13 @@
 #include <algorithm>
 
 namespace quorvane {
+
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
-// The start of text that can be seen on `room` pixels, as no character that is seen is narrower than one
-// pixel; never ends within a surrogate pair.
+// The start of text that is enough for `room` pixels, as no visible character is narrower than one pixel.
+// Does not split a surrogate pair.
 CString VisibleStart(const CString& text, qsizetype room) {
     const qsizetype most = std::max<qsizetype>(room, 0) + 32;
     if (text.size() <= most) {
@@ -65,7 +68,7 @@ void DrawCellText(QPainter& painter, const QRect& rect, const CString& text, uns
     Qt::Alignment alignment = CellTextAlignment(format);
     const QFontMetrics metrics = painter.fontMetrics();
     if (metrics.horizontalAdvance(line) > rect.width()) {
-        // What does not fit is cut at its end, never on both sides, as the start tells more.
+        // A text that is too long is cut at its end, never on both sides: its start says more.
         alignment = (alignment & Qt::AlignVertical_Mask) | Qt::AlignLeft | Qt::AlignAbsolute;
         if ((format & CellFormat::EndEllipsis) != 0) {
             line = metrics.elidedText(line, Qt::ElideRight, rect.width());
@@ -91,8 +94,8 @@ int CellTextWidth(const QFont& font, const CString& text, int limit) {
 }
 
 int AverageCharWidth() {
-    const CString sample = QStringLiteral("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSATUVWXYZ");
-    const QFontMetrics metrics(QFont(QStringLiteral("Arial")));
+    const CString sample = u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSATUVWXYZ"_s;
+    const QFontMetrics metrics(QFont(u"Arial"_s));
     return std::max(1, metrics.horizontalAdvance(sample) / static_cast<int>(sample.size()));
 }
 

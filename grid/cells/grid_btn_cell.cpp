@@ -11,22 +11,22 @@
 namespace quorvane {
 namespace {
 
-constexpr unsigned KindBits = 255;  // of a button's state; the rest says how it is at the moment
+constexpr unsigned kKindBits = 255;  // of a button's state; the rest says how it is at the moment
 
 bool IsPushButton(const BtnSetup& setup) {
     return setup.type == BtnType::Button && (setup.state & BtnState::PushButton) != 0;
 }
 
 bool IsCheckBox(const BtnSetup& setup) {
-    return setup.type == BtnType::Button && (setup.state & KindBits) == BtnState::CheckBox;
+    return setup.type == BtnType::Button && (setup.state & kKindBits) == BtnState::CheckBox;
 }
 
 int WidthOf(const BtnSetup& setup, const QFont& font, int cellHeight) {
     if (setup.width > 0) {
         return setup.width;
     }
-    constexpr int WidestArrow = 18;
-    const int box = std::min(cellHeight, WidestArrow);
+    constexpr int kWidestArrow = 18;
+    const int box = std::min(cellHeight, kWidestArrow);
     const QFontMetrics metrics(font);
     if (IsPushButton(setup)) {
         return metrics.horizontalAdvance(setup.caption) + metrics.averageCharWidth() * 2;

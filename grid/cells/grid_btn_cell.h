@@ -23,23 +23,23 @@ inline constexpr unsigned Pushed = 512;
 inline constexpr unsigned Checked = 1024;
 }  // namespace BtnState
 
-// The buttons of a cell: their set-up, places, drawing and hit test.
+// The buttons of a cell: settings, places, drawing and hit test.
 class CGridBtnCellBase : public CGridCellBase {
 public:
     static constexpr int MaxBtns = 8;
 
-    // The store that this cell shares its set-ups in; without one the cell keeps its own.
+    // The store in which button cells share their settings; without one the cell keeps its own.
     void SetBtnDataBase(CBtnDataBase* dataBase);
     CBtnDataBase* GetBtnDataBase() const { return m_dataBase; }
 
     // False for a button index below 0 or not below the maximum, a position outside 0..2, and position 0 for
     // any button but 0. Raises the button count to index + 1. width in pixels, 0 = automatic.
-    // Position 0 fills the cell; when the cell has a text to show as well, or the button a width of its own,
-    // it stands at the right of the text.
+    // Position 0 fills the cell; when the cell also has a text, or the button a width of its own, the button
+    // stands at the right of the text.
     bool SetupBtns(int index, unsigned type, unsigned state, int position, int width, int limit,
                    const CString& caption);
     int GetBtnCount() const;
-    // The set-up of a button; a default one for an index that has none.
+    // The settings of a button; default ones for an index without a button.
     BtnSetup GetBtn(int index) const;
 
     void Paint(QPainter& painter, const CellLook& look) const override;
@@ -53,13 +53,13 @@ protected:
 
 private:
     void StoreBtns(std::vector<BtnSetup> setups);
-    // The buttons' rectangles in their order and, after them, what is left of the cell.
+    // The rectangles of the buttons in their order, then the rest of the cell.
     std::vector<QRect> BtnRects(const QRect& cell, const QFont& font) const;
 
     CBtnDataBase* m_dataBase = nullptr;
 };
 
-// A cell with buttons. One that is itself a button (position 0) is not edited as text.
+// A cell with buttons. A cell that is filled by a button (position 0) is not edited as text.
 class CGridBtnCell : public CGridBtnCellBase {
 public:
     CellEditing Editing() const override;
@@ -72,12 +72,12 @@ public:
 
     CGridBtnCellCombo();
 
-    // The style is kept for its readers; every combo cell works as a drop-down list.
+    // The style is only stored; every combo cell works as a drop-down list.
     void SetComboStyle(unsigned style) { m_style = style; }
     unsigned GetComboStyle() const { return m_style; }
-    // Shares the list: one list may serve the cells of all rows. A present text that is not among the
-    // choices gives way to the first choice, or to the empty text when there are none; a text set later
-    // stays whatever it is.
+    // One list may serve the cells of all rows. A present text that is not among the choices is replaced by
+    // the first choice, or by the empty text when there are none; a text that is set later stays, whatever it
+    // is.
     void SetChoices(std::shared_ptr<const std::vector<CString>> choices);
     const std::vector<CString>& Choices() const;
 

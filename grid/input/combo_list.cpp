@@ -8,10 +8,12 @@
 
 namespace quorvane {
 
+using namespace Qt::Literals::StringLiterals;
+
 ComboList::ComboList(const std::vector<CString>& choices, const CString& current, QWidget* parent)
     : QListWidget(parent) {
     setWindowFlag(Qt::Popup);
-    setObjectName(QStringLiteral("gridComboList"));
+    setObjectName(u"gridComboList"_s);
     // The click that closes the list must not reach what lies below it and open the list again.
     setAttribute(Qt::WA_NoMouseReplay);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -32,11 +34,11 @@ ComboList::ComboList(const std::vector<CString>& choices, const CString& current
 }
 
 void ComboList::DropFrom(const QRect& cell) {
-    constexpr int MostLines = 12;
+    constexpr int kMostLines = 12;
     const int frame = 2 * frameWidth();
-    const int lines = std::clamp(count(), 1, MostLines);
+    const int lines = std::clamp(count(), 1, kMostLines);
     const int line = std::max(sizeHintForRow(0), fontMetrics().height());
-    const int scrollBar = count() > MostLines ? verticalScrollBar()->sizeHint().width() : 0;
+    const int scrollBar = count() > kMostLines ? verticalScrollBar()->sizeHint().width() : 0;
     const QRect desktop =
         (parentWidget() != nullptr ? parentWidget()->screen() : screen())->availableGeometry();
 
@@ -74,7 +76,7 @@ bool ComboList::event(QEvent* event) {
 }
 
 void ComboList::focusInEvent(QFocusEvent* event) {
-    // The view would make its first line current; Enter would then replace a text that is no choice.
+    // The view would make its first line current, and Enter would choose it over a text that is no choice.
     const int row = currentRow();
     QListWidget::focusInEvent(event);
     setCurrentRow(row);

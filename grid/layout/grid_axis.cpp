@@ -7,9 +7,9 @@ namespace quorvane {
 namespace {
 
 int ToPixels(qint64 position) {
-    // Far beyond any screen, yet with room for adding a length without overflow.
-    constexpr qint64 Far = std::numeric_limits<int>::max() / 4;
-    return static_cast<int>(std::clamp(position, -Far, Far));
+    // kFar beyond any screen, yet with room for adding a length without overflow.
+    constexpr qint64 kFar = std::numeric_limits<int>::max() / 4;
+    return static_cast<int>(std::clamp(position, -kFar, kFar));
 }
 
 }  // namespace

@@ -52,7 +52,7 @@ public:
     // The greatest sensible scroll offset: the end of the last line at the end of the window.
     int MaxScroll() const;
     // The scroll offset nearest to the present one that shows all of lines first..last, or their start when
-    // they are longer than the window. Fixed lines need no scrolling.
+    // they are longer than the window; the present one for fixed lines.
     int ScrollToShow(int first, int last) const;
 
     // Length of the fixed lines, which is also the screen position where the scrolling part starts.

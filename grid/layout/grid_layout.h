@@ -1,4 +1,4 @@
-// Where the grid's cells lie on the screen: the two axes taken together; arithmetic only, no painting.
+// Where the grid's cells lie on the screen: both axes together; arithmetic only, no painting.
 #pragma once
 
 #include <QPoint>

@@ -1,4 +1,5 @@
-// The merged blocks of the grid, kept apart from the cells so that an unmerged cell pays nothing for them.
+// The merged blocks of the grid. They are stored apart from the cells, so an unmerged cell costs nothing
+// extra.
 #pragma once
 
 #include <map>
@@ -15,12 +16,12 @@ public:
     void Merge(const CCellRange& range);
     // The block that a cell belongs to; the cell alone when it is not merged.
     CCellRange Extent(CCellID cell) const;
-    // Range grown until it cuts no block.
+    // The range, grown until it cuts no block.
     CCellRange GrownToBlocks(CCellRange range) const;
     void Clear();
 
-    // A block into which rows or columns are inserted grows; one that loses some shrinks; one of which a
-    // single cell is left is dissolved.
+    // A block grows when rows or columns are inserted inside it and shrinks when some of its own are removed.
+    // A block of which a single cell is left is dissolved.
     void InsertLines(Qt::Orientation lines, int at, int count);
     void RemoveLines(Qt::Orientation lines, int at, int count);
 

@@ -50,7 +50,8 @@ void GridSelection::SelectOnly(const CCellRange& range, CCellID anchor) {
 }
 
 void GridSelection::Add(const CCellRange& range, CCellID anchor) {
-    // A range inside another says nothing new; dropping it keeps the list short however often one clicks.
+    // A range inside the new one adds nothing; dropping it keeps the list short however often the user
+    // clicks.
     std::erase_if(m_ranges, [&](const CCellRange& old) {
         return range.Contains({old.minRow, old.minCol}) && range.Contains({old.maxRow, old.maxCol});
     });

@@ -7,8 +7,8 @@
 
 namespace quorvane {
 
-// The selection is a list of ranges, which may overlap. The anchor is the corner that stays in place while
-// the last range is extended.
+// The selection is a list of ranges, which may overlap. The anchor is the corner that stays while the last
+// range is extended.
 class GridSelection {
 public:
     CCellID Focus() const { return m_focus; }
@@ -23,15 +23,15 @@ public:
     // Moves the focus and leaves the selected cells alone.
     void SetFocus(CCellID focus) { m_focus = focus; }
     void Clear();
-    // Selects range alone, adds it, or puts it in the place of the range selected last.
+    // Selects range alone, adds it, or replaces the range selected last by it.
     void SelectOnly(const CCellRange& range, CCellID anchor);
     void Add(const CCellRange& range, CCellID anchor);
     void ReplaceLast(const CCellRange& range);
 
-    // Cells outside allowed, the cells that are not fixed, lose focus and selection.
+    // allowed: the cells that are not fixed. All others lose focus and selection.
     void LeaveFixed(const CCellRange& allowed);
 
-    // Cells that move take focus and selection with them, cells that go away leave them.
+    // Focus and selection move with their cells; removed cells lose them.
     void InsertLines(Qt::Orientation lines, int at, int count);
     void RemoveLines(Qt::Orientation lines, int at, int count);
 

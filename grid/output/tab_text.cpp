@@ -7,18 +7,18 @@
 namespace quorvane {
 namespace {
 
-constexpr QChar Quote = u'"';
-constexpr QChar Tab = u'\t';
+constexpr QChar kQuote = u'"';
+constexpr QChar kTab = u'\t';
 
 bool IsLineEnd(QChar character) {
     return character == u'\n' || character == u'\r';
 }
 
 bool NeedsQuotes(const CString& text) {
-    // A byte order mark at the start of a file would be taken for none of its text.
+    // Readers drop a byte order mark at the start of a file.
     return text.startsWith(QChar(QChar::ByteOrderMark)) ||
            std::any_of(text.cbegin(), text.cend(), [](QChar character) {
-               return character == Quote || character == Tab || IsLineEnd(character);
+               return character == kQuote || character == kTab || IsLineEnd(character);
            });
 }
 
@@ -27,14 +27,14 @@ void Append(CString& line, const CString& text) {
         line += text;
         return;
     }
-    line += Quote;
+    line += kQuote;
     for (const QChar character : text) {
         line += character;
-        if (character == Quote) {
-            line += Quote;
+        if (character == kQuote) {
+            line += kQuote;
         }
     }
-    line += Quote;
+    line += kQuote;
 }
 
 class Reader {
@@ -51,7 +51,7 @@ public:
 
 private:
     bool AtFieldEnd(qsizetype position) const {
-        return position >= m_text.size() || m_text.at(position) == Tab || IsLineEnd(m_text.at(position));
+        return position >= m_text.size() || m_text.at(position) == kTab || IsLineEnd(m_text.at(position));
     }
 
     std::vector<CString> ReadRow() {
@@ -59,7 +59,7 @@ private:
         while (true) {
             std::optional<CString> quoted = ReadQuoted();
             row.push_back(quoted ? *std::move(quoted) : ReadPlain());
-            if (m_at >= m_text.size() || m_text.at(m_at) != Tab) {
+            if (m_at >= m_text.size() || m_text.at(m_at) != kTab) {
                 break;
             }
             ++m_at;
@@ -80,27 +80,27 @@ private:
         return m_text.sliced(start, m_at - start);
     }
 
-    // Nothing, and the position as it was, unless a whole quoted text stands here.
+    // The quoted text that starts here; nothing, without moving, when there is no whole one.
     std::optional<CString> ReadQuoted() {
-        // Once a quote has had no end there is none further on for another: looking again would take a time
-        // that grows with the square of the text.
-        if (m_noClosingQuote || m_at >= m_text.size() || m_text.at(m_at) != Quote) {
+        // After one quote without an end no later one has an end either. Searching again for each of them
+        // would take time that grows with the square of the text.
+        if (m_noClosingQuote || m_at >= m_text.size() || m_text.at(m_at) != kQuote) {
             return std::nullopt;
         }
         CString content;
         qsizetype at = m_at + 1;
         while (true) {
-            const qsizetype quote = m_text.indexOf(Quote, at);
+            const qsizetype quote = m_text.indexOf(kQuote, at);
             if (quote < 0) {
                 m_noClosingQuote = true;
                 return std::nullopt;
             }
             content += QStringView(m_text).sliced(at, quote - at);
             at = quote + 1;
-            if (at >= m_text.size() || m_text.at(at) != Quote) {
+            if (at >= m_text.size() || m_text.at(at) != kQuote) {
                 break;
             }
-            content += Quote;
+            content += kQuote;
             ++at;
         }
         if (!AtFieldEnd(at) || !NeedsQuotes(content)) {
@@ -127,7 +127,7 @@ CString WriteTabText(const TextTable& table) {
         bool firstText = true;
         for (const CString& field : row) {
             if (!std::exchange(firstText, false)) {
-                text += Tab;
+                text += kTab;
             }
             Append(text, field);
         }

@@ -68,6 +68,11 @@ private Q_SLOTS:
         QTest::keyClicks(List(), u"rc"_s);
         QTest::keyClick(List(), Qt::Key_Enter);
         QCOMPARE(grid.GetItemText(2, 1), u"RCR"_s);
+        grid.SetItemText(2, 1, u"no choice"_s);
+        shown.Key(Qt::Key_Space);
+        QTest::keyClick(List(), Qt::Key_Return);  // nothing is current
+        QTest::keyClick(List(), Qt::Key_Escape);
+        QCOMPARE(grid.GetItemText(2, 1), u"no choice"_s);
         QCOMPARE(ended.count(), 2);
 
         grid.SetItemState(2, 1, CellState::DropDown | CellState::ReadOnly);

@@ -57,6 +57,10 @@ private Q_SLOTS:
         shown.Key(Qt::Key_F2);
         grid.EndEdit();
         QVERIFY(grid.GetItemText(1, 0) == odd);
+        shown.Key(Qt::Key_F2);
+        grid.SetItemText(1, 0, u"set meanwhile"_s);
+        grid.EndEdit();
+        QCOMPARE(grid.GetItemText(1, 0), u"set meanwhile"_s);
     }
 
     void notEditableCells() {
@@ -190,6 +194,8 @@ private Q_SLOTS:
         QTest::keyClicks(shown.Editor(), u"x"_s);
         grid.verticalScrollBar()->setValue(20);
         QCOMPARE(shown.Editor()->geometry().topLeft(), grid.CellRect(5, 0).topLeft());
+        grid.verticalScrollBar()->setValue(grid.GetRowHeight(1) * 4 + 5);  // half below the heading
+        QCOMPARE(shown.Editor()->mask().boundingRect().top(), 5);
         grid.InsertRow({}, 2);
         grid.DeleteRow(80);
         grid.EndEdit();

@@ -1,7 +1,9 @@
 // What the grid shows, read back from its pixels.
+#include <QHelpEvent>
 #include <QImage>
 #include <QScrollBar>
 #include <QTest>
+#include <QToolTip>
 #include <functional>
 
 #include "grid/grid_ctrl.h"
@@ -39,6 +41,19 @@ private Q_SLOTS:
         QCOMPARE(image.pixelColor(cut.left() + 2, cut.bottom() - 2), QColor(16, 48, 40));
         grid.MergeCells(7, 6, 3, 0);  // its first row lies under the heading
         QCOMPARE(grid.viewport()->grab().toImage().pixelColor(inside), QColor(14, 48, 40));
+    }
+
+    void tipsShowCutTextsOnly() {
+        const ShownGrid shown(4, 2);
+        const CString cut = u"<b>"_s + CString(200, u'm');
+        shown.grid->SetItemText(2, 1, cut);
+        for (const auto& [row, shows] : {std::pair(1, false), std::pair(2, true)}) {
+            const QPoint place = shown.Middle(row, 1);
+            QHelpEvent ask(QEvent::ToolTip, place, shown.grid->viewport()->mapToGlobal(place));
+            QCoreApplication::sendEvent(shown.grid->viewport(), &ask);
+            QCOMPARE(QToolTip::text().contains(cut.toHtmlEscaped()), shows);
+        }
+        QToolTip::hideText();
     }
 
     void settersRedraw() {

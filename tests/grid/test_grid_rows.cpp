@@ -75,7 +75,9 @@ private Q_SLOTS:
     void nothingElseMakesRows() {
         CGridCtrl grid;
         const LazyGrid lazy(grid, 50'000);
+        grid.SetItemText(0, 0, u"made"_s);
         grid.InsertColumn(u"heading"_s, CellFormat::Right, 1);
+        QCOMPARE(grid.GetItemFormat(0, 1), CellFormat::Right);
         grid.InsertRow({}, 5);
         grid.SetSelectedRange({1, 0, grid.GetRowCount() - 1, 3});
         grid.MergeCells(3, 0, 1, 1);

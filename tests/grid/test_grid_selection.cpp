@@ -17,7 +17,12 @@ private Q_SLOTS:
         const ShownGrid shown(8, 4);
         CGridCtrl& grid = *shown.grid;
         const QSignalSpy clicked(&grid, &CGridCtrl::CellClicked);
+        const QSignalSpy focused(&grid, &CGridCtrl::FocusCellChanged);
+        const QSignalSpy selected(&grid, &CGridCtrl::SelectionChanged);
         shown.Click(2, 1);
+        shown.Click(2, 1);
+        QCOMPARE(focused, (QList<QVariantList>{{2, 1}}));
+        QCOMPARE(selected.count(), 1);
         QCOMPARE(grid.GetFocusCell(), (CCellID{2, 1}));
         QCOMPARE(grid.GetSelectedCellRange(), (CCellRange{2, 1, 2, 1}));
         shown.Click(4, 2, Qt::ShiftModifier);
@@ -25,7 +30,9 @@ private Q_SLOTS:
         shown.Click(6, 3, Qt::ControlModifier);
         QCOMPARE(grid.GetSelectedCellRange(), (CCellRange{2, 1, 6, 3}));
         QVERIFY(grid.IsSelected(6, 3) && !grid.IsSelected(5, 3));
-        QCOMPARE(clicked.count(), 1);
+        QCOMPARE(clicked.count(), 2);
+        QCOMPARE(focused.count(), 3);
+        QCOMPARE(selected.count(), 3);
     }
 
     void drag() {

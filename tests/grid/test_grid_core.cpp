@@ -1,0 +1,258 @@
+// The grid without a window: what keys and mouse ask for, buttons in cells, and what is painted.
+#include <QImage>
+#include <QPainter>
+#include <QTest>
+#include <memory>
+#include <vector>
+
+#include "grid/cells/grid_btn_cell.h"
+#include "grid/grid_core.h"
+#include "grid/grid_painter.h"
+#include "grid/input/grid_keys.h"
+#include "grid/input/grid_mouse.h"
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quorvane;
+
+using Kind = GridCommand::Kind;
+
+namespace {
+
+constexpr int kHeight = 20;
+constexpr int kWidth = 80;
+
+// Every cell reads "row,column".
+std::unique_ptr<GridCore> MakeCore(int rows, int columns, int fixedRows, int fixedColumns) {
+    auto core = std::make_unique<GridCore>(kHeight, kWidth);
+    core->SetCount(Qt::Vertical, rows);
+    core->SetCount(Qt::Horizontal, columns);
+    core->SetFixedCount(Qt::Vertical, fixedRows);
+    core->SetFixedCount(Qt::Horizontal, fixedColumns);
+    core->Layout().SetViewSize({5 * kWidth, 6 * kHeight});
+    for (int cell = 0; cell < rows * columns; ++cell) {
+        core->SetText({cell / columns, cell % columns}, u"%1,%2"_s.arg(cell / columns).arg(cell % columns));
+    }
+    return core;
+}
+
+CGridBtnCell& MakeButtonCell(GridCore& core, CCellID cell) {
+    core.SetCellType(cell,
+                     []() -> std::unique_ptr<CGridCellBase> { return std::make_unique<CGridBtnCell>(); });
+    return dynamic_cast<CGridBtnCell&>(*core.Cell(cell));
+}
+
+QMouseEvent Mouse(QEvent::Type type, const QPointF& position, Qt::MouseButton button = Qt::LeftButton) {
+    return {type, position, position, button, button, {}};
+}
+
+QImage Painted(const GridCore& core, const GridLooks& looks) {
+    QImage image(5 * kWidth, 6 * kHeight, QImage::Format_RGB32);
+    QPainter painter(&image);
+    GridPainter(core, looks, painter).Paint(image.rect());
+    return image;
+}
+
+}  // namespace
+
+class TestGridCore : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void keysSayWhatTheyAskFor() {
+        const auto core = MakeCore(40, 4, 1, 1);
+        core->Merge({5, 2}, 2, 1);
+        core->SetSize(Qt::Vertical, 3, 0);
+        core->Set({2, 1}, &CGridCellBase::SetState, CellState::ReadOnly);
+        constexpr auto kCtrl = Qt::ControlModifier;
+        constexpr auto kShift = Qt::ShiftModifier;
+        const struct {
+            CCellID focus;
+            Qt::Key key;
+            Qt::KeyboardModifiers modifiers;
+            Kind kind;
+            CCellID cell;
+        } cases[]{{{}, Qt::Key_Down, {}, Kind::Focus, {1, 1}},
+                  {{}, Qt::Key_Down, kCtrl, Kind::Nothing, {1, 1}},
+                  {{}, Qt::Key_A, {}, Kind::PassOn, {}},
+                  {{2, 1}, Qt::Key_Down, {}, Kind::Focus, {4, 1}},
+                  {{4, 1}, Qt::Key_Up, {}, Kind::Focus, {2, 1}},
+                  {{4, 3}, Qt::Key_Down, {}, Kind::Focus, {5, 2}},
+                  {{5, 2}, Qt::Key_Down, {}, Kind::Focus, {8, 2}},
+                  {{5, 2}, Qt::Key_Right, {}, Kind::Focus, {5, 2}},
+                  {{6, 1}, Qt::Key_Right, kShift, Kind::Extend, {5, 2}},
+                  {{9, 3}, Qt::Key_Home, {}, Kind::Focus, {9, 1}},
+                  {{9, 1}, Qt::Key_End, kCtrl, Kind::Focus, {39, 3}},
+                  {{9, 1}, Qt::Key_PageDown, {}, Kind::Focus, {13, 1}},
+                  {{9, 1}, Qt::Key_PageUp, {}, Kind::Focus, {5, 1}},
+                  {{9, 3}, Qt::Key_Tab, {}, Kind::Focus, {10, 1}},
+                  {{9, 1}, Qt::Key_Backtab, kShift, Kind::Focus, {8, 3}},
+                  {{39, 3}, Qt::Key_Tab, {}, Kind::PassOn, {}},
+                  {{39, 3}, Qt::Key_Return, {}, Kind::Nothing, {}},
+                  {{9, 3}, Qt::Key_Return, kShift, Kind::Focus, {8, 3}},
+                  {{9, 3}, Qt::Key_F2, {}, Kind::EditAtEnd, {9, 3}},
+                  {{2, 1}, Qt::Key_F2, {}, Kind::PassOn, {2, 1}},
+                  {{2, 1}, Qt::Key_Delete, {}, Kind::PassOn, {2, 1}},
+                  {{9, 3}, Qt::Key_Delete, {}, Kind::ClearText, {9, 3}},
+                  {{9, 3}, Qt::Key_A, kCtrl, Kind::SelectAll, {}},
+                  {{9, 3}, Qt::Key_F4, {}, Kind::PassOn, {9, 3}}};
+        for (const auto& [focus, key, modifiers, kind, cell] : cases) {
+            core->SetFocus(focus);
+            const GridCommand command =
+                CommandOfKey(*core, QKeyEvent(QEvent::KeyPress, key, modifiers, QString()));
+            const QByteArray which =
+                "key " + QByteArray::number(key, 16) + " in row " + QByteArray::number(focus.row);
+            QVERIFY2(command.kind == kind, which.constData());
+            QVERIFY2(kind == Kind::PassOn || !cell.IsValid() || command.cell == cell, which.constData());
+        }
+    }
+
+    void columnEdgesAndWidths() {
+        const auto core = MakeCore(4, 4, 2, 0);
+        core->Merge({0, 1}, 0, 1);
+        GridMouse mouse(*core);
+        QCOMPARE(mouse.EdgeAt({kWidth + 2, 5}), std::optional(0));
+        QCOMPARE(mouse.EdgeAt({2 * kWidth, 5}), std::nullopt);  // inside a merged heading
+        QCOMPARE(mouse.EdgeAt({2 * kWidth, kHeight + 5}), std::optional(1));
+        QCOMPARE(mouse.EdgeAt({kWidth, 2 * kHeight + 5}), std::nullopt);
+        mouse.Press(Mouse(QEvent::MouseButtonPress, {kWidth - 2.0, 5}));
+        const GridCommand drag = mouse.Drag({kWidth + 28, 5});
+        QVERIFY(drag.kind == Kind::ColumnWidth && drag.cell.col == 0);
+        QCOMPARE(drag.number, kWidth + 30);
+        QCOMPARE(mouse.Drag({-50, 5}).number, GridMouse::kSmallestColumn);
+
+        const int usual = core->NeededWidth(0, 1, 1000);
+        core->SetText({1, 0}, CString(20, u'm'));
+        const int heading = core->NeededWidth(0, 1, 1000);
+        core->SetText({3, 0}, CString(40, u'm'));
+        QVERIFY(usual < heading && heading < core->NeededWidth(0, 1, 1000));
+        QCOMPARE(core->NeededWidth(0, 1, 50), 50);
+    }
+
+    void clicksAndPresses() {
+        const auto core = MakeCore(6, 4, 1, 1);
+        CGridBtnCell& cell = MakeButtonCell(*core, {2, 2});
+        core->SetText({2, 2}, {});
+        cell.SetupBtns(0, BtnType::Button, BtnState::PushButton, 0, 0, 0, u"..."_s);
+        GridMouse mouse(*core);
+        const auto press = [&](CCellID at) {
+            return mouse.Press(Mouse(QEvent::MouseButtonPress, core->CellRect(at).center()));
+        };
+        const auto release = [&](CCellID at) {
+            return mouse.Release(Mouse(QEvent::MouseButtonRelease, core->CellRect(at).center()));
+        };
+        QVERIFY(press({3, 1}).kind == Kind::Focus && release({3, 1}).kind == Kind::Click);
+        QVERIFY(press({3, 1}).kind == Kind::Focus && release({3, 2}).kind == Kind::Nothing);
+        QVERIFY(press({2, 2}).kind == Kind::Focus && mouse.PressedCell() == (CCellID{2, 2}));
+        QVERIFY(release({2, 2}).kind == Kind::PressButton);
+        press({2, 2});
+        mouse.Drag(core->CellRect({3, 2}).center());
+        QVERIFY(!mouse.PressedCell().IsValid() && release({3, 2}).kind == Kind::Redraw);
+        QVERIFY(press({0, 0}).kind == Kind::SelectAll);
+        QCOMPARE(press({3, 0}).lines, (CCellRange{3, 1, 3, 3}));
+        QCOMPARE(press({0, 2}).lines, (CCellRange{1, 2, 5, 2}));
+        press({3, 3});
+        mouse.Drag({2 * kWidth, 6 * kHeight + 12});
+        QCOMPARE(mouse.Overshoot(), QPoint(0, 13));
+        QVERIFY(mouse.DoubleClick(Mouse(QEvent::MouseButtonDblClick, {})).kind == Kind::Edit);
+        core->Set({4, 1}, &CGridCellBase::SetState, CellState::ReadOnly);
+        press({4, 1});
+        QVERIFY(mouse.DoubleClick(Mouse(QEvent::MouseButtonDblClick, {})).kind == Kind::Nothing);
+        QVERIFY(release({4, 1}).kind == Kind::Nothing);  // the second press is no second click
+        press({2, 2});
+        QVERIFY(mouse.DoubleClick(Mouse(QEvent::MouseButtonDblClick, {})).kind == Kind::Nothing);
+    }
+
+    void buttonsOfACell() {
+        const auto core = MakeCore(2, 2, 0, 0);
+        core->Set({1, 1}, &CGridCellBase::SetData, 7);
+        CBtnDataBase shared;
+        CGridBtnCell& cell = MakeButtonCell(*core, {1, 1});
+        cell.SetBtnDataBase(&shared);
+        QCOMPARE(cell.GetText() + CString::number(cell.GetData()), u"1,17"_s);
+        constexpr unsigned kPush = BtnState::PushButton;
+        QVERIFY(!cell.SetupBtns(-1, BtnType::Button, kPush, 1, 0, 0, {}));
+        QVERIFY(!cell.SetupBtns(CGridBtnCell::MaxBtns, BtnType::Button, kPush, 1, 0, 0, {}));
+        QVERIFY(!cell.SetupBtns(0, BtnType::Button, kPush, 3, 0, 0, {}));
+        QVERIFY(!cell.SetupBtns(1, BtnType::Button, kPush, 0, 0, 0, {}));
+        QVERIFY(cell.SetupBtns(2, BtnType::Button, BtnState::CheckBox, 2, 10, 8, {}));
+        QVERIFY(cell.SetupBtns(0, BtnType::Button, kPush, 1, 15, 0, {}));
+        QVERIFY(cell.SetupBtns(1, BtnType::Button, kPush | BtnState::Inactive, 2, 12, 0, {}));
+        QCOMPARE(cell.GetBtnCount(), 3);
+        // From the left: button 0, the text, button 2, button 1.
+        const QRect rect(100, 50, kWidth, kHeight);
+        const std::pair<int, int> at[]{{100, 0}, {114, 0}, {115, -1}, {157, -1},
+                                       {158, 2}, {167, 2}, {168, -1}};
+        for (const auto& [x, button] : at) {
+            QCOMPARE(cell.BtnAt(rect, {}, {x, 60}), button);
+        }
+        QCOMPARE(cell.BtnAt(rect, {}, {160, 52}), -1);  // above the button's greatest height
+        QCOMPARE(cell.TextRect(rect, {}), QRect(119, 50, 35, kHeight));
+        QVERIFY(core->PressBtn({1, 1}, 2) && !core->PressBtn({1, 1}, 1) && !core->PressBtn({1, 1}, 3));
+        QCOMPARE(cell.GetBtn(2).state, BtnState::Checked | BtnState::CheckBox);
+        QVERIFY(core->EditingOf({1, 1}) == CellEditing::Text);
+
+        CGridBtnCellCombo combo;
+        combo.SetText(u"b"_s);
+        const auto choose = [&](std::vector<CString> choices) {
+            combo.SetChoices(std::make_shared<const std::vector<CString>>(std::move(choices)));
+            return combo.GetText();
+        };
+        QCOMPARE(choose({u"a"_s, u"b"_s}), u"b"_s);
+        QCOMPARE(choose({u"c"_s, u"d"_s}), u"c"_s);
+        QCOMPARE(choose({}), QString());
+    }
+
+    void paintsImagesSelectionAndBlocks() {
+        const auto core = MakeCore(30, 3, 1, 0);
+        QPixmap red(16, 16);
+        red.fill(Qt::red);
+        const std::vector<QIcon> images{QIcon(), QIcon(red)};
+        const GridLooks looks{.palette = QPalette(Qt::lightGray), .background = Qt::white, .images = &images};
+        core->SetItem({.row = 1, .col = 1, .mask = ItemMask::Image, .image = 1});
+        core->Cell({2, 1})->SetSecondImage(1);
+        core->Cell({3, 1})->SetImage(9);  // there is no such image
+        core->SelectRange({4, 0, 4, 0});
+        QImage image = Painted(*core, looks);
+        const auto colour = [&](CCellID cell, int right) {
+            return image.pixelColor(core->CellRect(cell).center() + QPoint(right, 0));
+        };
+        const int edge = kWidth / 2 - CellAttributes::DefaultMargin - CGridCellBase::kImageSide / 2;
+        QCOMPARE(colour({1, 1}, -edge), QColor(Qt::red));
+        QVERIFY(colour({1, 1}, edge) == Qt::white && colour({2, 1}, -edge) != Qt::red);
+        QCOMPARE(colour({2, 1}, edge), QColor(Qt::red));
+        QCOMPARE(colour({3, 1}, -edge), QColor(Qt::white));
+        QVERIFY(colour({4, 0}, kWidth / 3) != Qt::white && colour({4, 1}, kWidth / 3) == Qt::white);
+
+        core->SetItem({.row = 2, .col = 2, .mask = ItemMask::BackColour, .backColour = Qt::green});
+        core->Merge({2, 2}, 4, 0);
+        core->Layout().rows.SetScroll(3 * kHeight);
+        image = Painted(*core, looks);
+        QCOMPARE(image.pixelColor(2 * kWidth + 60, 2 * kHeight + 5), QColor(Qt::green));
+    }
+
+    void selectionOfSeveralRanges() {
+        const auto core = MakeCore(9, 5, 1, 1);
+        core->Merge({3, 2}, 1, 1);
+        core->SelectLines({2, 1, 2, 4}, {});
+        core->SelectLines({5, 1, 5, 4}, Qt::ControlModifier);
+        QVERIFY(core->Selection().IsSelected({2, 3}) && core->Selection().IsSelected({5, 1}));
+        QVERIFY(core->Selection().Covers({5, 1, 5, 4}) && !core->Selection().Covers({2, 1, 5, 4}));
+        core->AddToSelection({4, 3});
+        QCOMPARE(core->Focus(), (CCellID{3, 2}));
+        core->ExtendSelection({2, 1}, true);
+        QVERIFY(core->Selection().Covers({2, 1, 4, 3}));
+        core->SetFixedCount(Qt::Vertical, 3);
+        QCOMPARE(core->Focus(), CCellID());
+        QCOMPARE(core->SelectedRange(), (CCellRange{3, 1, 5, 4}));
+        core->DeleteRow(0);
+        QCOMPARE(core->Layout().rows.FixedCount(), 2);
+        QVERIFY(core->Layout().IsFixed({1, 4}) && core->IsSelectable({2, 1}));
+        core->SelectRange({2, 1, 3, 4});
+        core->DeleteRow(2);
+        core->DeleteRow(2);
+        QVERIFY(core->Selection().Ranges().empty());
+    }
+};
+
+QTEST_MAIN(TestGridCore)
+#include "test_grid_core.moc"

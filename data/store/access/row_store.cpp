@@ -44,7 +44,7 @@ void RowStore::Replace(const FoundRow& found, const QByteArray& row) {
             return;
         }
     }
-    const RowAddress target = Place(row, SlotState::Target, found.home.page);
+    const RowAddress target = Place(row, SlotState::Target);
     QByteArray pointer(kPointerLength, '\0');
     WriteRowAddress(ByteSpan(pointer.data(), kPointerLength), 0, target);
     Put(found.home, pointer, SlotState::Pointer);
@@ -70,8 +70,8 @@ void RowStore::Put(RowAddress slot, QByteArrayView bytes, SlotState state) {
     }
 }
 
-RowAddress RowStore::Place(const QByteArray& row, SlotState state, PageNumber except) {
-    const PageNumber number = PageWithRoom(row.size(), except);
+RowAddress RowStore::Place(const QByteArray& row, SlotState state) {
+    const PageNumber number = PageWithRoom(row.size());
     Page& page = m_pages.Write(number);
     const int slot = AddRow(page, row, state);
     if (FreeBytes(page) < kLeastRoom || CountSlots(page) >= kMostRows) {
@@ -82,11 +82,11 @@ RowAddress RowStore::Place(const QByteArray& row, SlotState state, PageNumber ex
 }
 
 // A search that finds nothing has looked at every page with room. Rows of that length and longer ones then go
-// to new pages, until a page gains room.
-PageNumber RowStore::PageWithRoom(qsizetype length, PageNumber except) {
+// to new pages, until a page gains room. A row that moves never finds room on the page that it leaves.
+PageNumber RowStore::PageWithRoom(qsizetype length) {
     const auto fits = [&](PageNumber number) {
         const PagePointer page = m_pages.Read(number);
-        return number != except && PageOwner(*page) == m_table.page && HasRoomFor(*page, length);
+        return PageOwner(*page) == m_table.page && HasRoomFor(*page, length);
     };
     if (m_lastPage != 0 && fits(m_lastPage)) {
         return m_lastPage;
@@ -98,7 +98,7 @@ PageNumber RowStore::PageWithRoom(qsizetype length, PageNumber except) {
                 return *number;
             }
         }
-        m_noRoomFor = except == 0 ? length : m_noRoomFor;
+        m_noRoomFor = length;
     }
     const PageNumber added = m_allocator.Allocate(m_owned);
     MakeDataPage(m_pages.Write(added), m_table.page);

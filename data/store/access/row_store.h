@@ -20,9 +20,8 @@ public:
     void Forget();
 
 private:
-    // A page that takes one more row of this length, but never EXCEPT.
-    PageNumber PageWithRoom(qsizetype length, PageNumber except);
-    RowAddress Place(const QByteArray& row, SlotState state, PageNumber except = 0);
+    PageNumber PageWithRoom(qsizetype length);
+    RowAddress Place(const QByteArray& row, SlotState state);
     void Put(RowAddress slot, QByteArrayView bytes, SlotState state);
 
     Pages& m_pages;

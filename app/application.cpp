@@ -38,7 +38,7 @@ QFont InterfaceFont() {
 // The texts of the toolkit's own menus and dialogs.
 void InstallChineseTexts(QApplication& application) {
     auto* translator = new QTranslator(&application);
-    if (translator->load(QStringLiteral(":/translations/qtbase_zh_CN.qm"))) {
+    if (translator->load(u":/translations/qtbase_zh_CN.qm"_s)) {
         application.installTranslator(translator);
     }
 }
@@ -55,7 +55,7 @@ CQuorvaneApp::CQuorvaneApp(QApplication& application)
     : m_application(application),
       m_database(BackedUpStore(GoOnWithoutCopy), QCoreApplication::applicationFilePath()) {
     QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
-    QCoreApplication::setApplicationName(QStringLiteral("照度计算数据库维护"));
+    QCoreApplication::setApplicationName(u"照度计算数据库维护"_s);
     application.setWindowIcon(LoadIcon(IconId::Application));
     application.setFont(InterfaceFont());
     InstallChineseTexts(application);
@@ -65,7 +65,7 @@ CQuorvaneApp::~CQuorvaneApp() = default;
 
 void CQuorvaneApp::Run() {
     if (!m_database.Connect()) {
-        ShowMessage(nullptr, QStringLiteral("数据库连接失败!"));
+        ShowMessage(nullptr, u"数据库连接失败!"_s);
         return;
     }
     ReferenceLists lists(m_database);

@@ -5,10 +5,12 @@
 #include "app/single_instance.h"
 #include "model/async_reader.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 void RunProgram(int argc, char* argv[]) {
-    const quorvane::SingleInstanceGuard guard(QStringLiteral("Quorvane"));
+    const quorvane::SingleInstanceGuard guard(u"Quorvane"_s);
     if (guard.IsAlreadyRunning()) {
         return;
     }
@@ -20,7 +22,8 @@ void RunProgram(int argc, char* argv[]) {
 
 int main(int argc, char* argv[]) {
     RunProgram(argc, argv);
-    // What still waits for a drive may go on at any moment, and must not find the program half taken down.
+    // A reader that still waits for a drive may go on at any moment. It must not find static objects
+    // destroyed.
     if (!quorvane::AsyncReader::WaitForAll(std::chrono::milliseconds(100))) {
         std::_Exit(EXIT_SUCCESS);
     }

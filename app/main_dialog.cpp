@@ -12,6 +12,8 @@
 #include "widgets/message_box.h"
 #include "widgets/wait_cursor.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
@@ -31,14 +33,14 @@ constexpr QSize kTemplateSize(470, 280);
 enum Tab { LightSources, Luminaires, Requirements };
 
 Tab FirstTab(const QString& selector) {
-    if (selector == QStringLiteral("灯具管理器")) {
+    if (selector == u"灯具管理器"_s) {
         return Luminaires;
     }
-    return selector == QStringLiteral("照度管理器") ? Requirements : LightSources;
+    return selector == u"照度管理器"_s ? Requirements : LightSources;
 }
 
-// A tab order that names a widget which takes no focus would be ignored.
-QWidget* LastByTab(QWidget* window) {
+// setTabOrder ignores a widget that takes no focus.
+QWidget* LastInTabOrder(QWidget* window) {
     QWidget* last = window->previousInFocusChain();
     while (last != window && (last->focusPolicy() == Qt::NoFocus || last->window() != window)) {
         last = last->previousInFocusChain();
@@ -49,8 +51,8 @@ QWidget* LastByTab(QWidget* window) {
 }  // namespace
 
 CQuorvaneDlg::CQuorvaneDlg(const MainDialogPages& pages, const QString& selector) {
-    setObjectName(QStringLiteral("mainDialog"));
-    setWindowTitle(QStringLiteral("照度计算数据库维护"));
+    setObjectName(u"mainDialog"_s);
+    setWindowTitle(u"照度计算数据库维护"_s);
     setWindowIcon(LoadIcon(IconId::Application));
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                    Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
@@ -62,13 +64,13 @@ CQuorvaneDlg::CQuorvaneDlg(const MainDialogPages& pages, const QString& selector
     m_pages[LightSources] = pages.lightSources(m_tabs);
     m_pages[Luminaires] = pages.luminaires(m_tabs);
     m_pages[Requirements] = pages.requirements(m_tabs);
-    m_tabs->addTab(m_pages[LightSources], QStringLiteral("光源库"));
-    m_tabs->addTab(m_pages[Luminaires], QStringLiteral("灯具库"));
-    m_tabs->addTab(m_pages[Requirements], QStringLiteral("照度要求及功率密度"));
+    m_tabs->addTab(m_pages[LightSources], u"光源库"_s);
+    m_tabs->addTab(m_pages[Luminaires], u"灯具库"_s);
+    m_tabs->addTab(m_pages[Requirements], u"照度要求及功率密度"_s);
     m_tabs->setCurrentIndex(FirstTab(selector));
 
-    // By the Tab key the buttons come after the page that they act on.
-    QWidget* before = LastByTab(this);
+    // The Tab key reaches the buttons after the page that they act on.
+    QWidget* before = LastInTabOrder(this);
     for (const int id : {kSubmit, kDelete, kExit}) {
         setTabOrder(before, DialogItem(this, id));
         before = DialogItem(this, id);
@@ -81,11 +83,11 @@ void CQuorvaneDlg::DecorateButtons() {
     auto* submit = DialogItem<QPushButton>(this, kSubmit);
     auto* erase = DialogItem<QPushButton>(this, kDelete);
     auto* leave = DialogItem<QPushButton>(this, kExit);
-    static_cast<CImageButton*>(submit)->SetImage(IconId::Submit, QStringLiteral("提交数据"));
-    static_cast<CImageButton*>(erase)->SetImage(IconId::Delete, QStringLiteral("删除数据"));
-    static_cast<CImageButton*>(leave)->SetImage(IconId::Exit, QStringLiteral("退出"));
-    connect(submit, &QPushButton::clicked, this, &CQuorvaneDlg::SubmitPage);
-    connect(erase, &QPushButton::clicked, this, &CQuorvaneDlg::DeleteRows);
+    static_cast<CImageButton*>(submit)->SetImage(IconId::Submit, u"提交数据"_s);
+    static_cast<CImageButton*>(erase)->SetImage(IconId::Delete, u"删除数据"_s);
+    static_cast<CImageButton*>(leave)->SetImage(IconId::Exit, u"退出"_s);
+    connect(submit, &QPushButton::clicked, this, &CQuorvaneDlg::OnSubmit);
+    connect(erase, &QPushButton::clicked, this, &CQuorvaneDlg::OnDelete);
     connect(leave, &QPushButton::clicked, this, &CQuorvaneDlg::reject);
 }
 
@@ -93,7 +95,7 @@ CPage& CQuorvaneDlg::CurrentPage() const {
     return *m_pages[static_cast<size_t>(m_tabs->currentIndex())];
 }
 
-void CQuorvaneDlg::SubmitPage() {
+void CQuorvaneDlg::OnSubmit() {
     CPage& page = CurrentPage();
     page.EndEditing();
     const WaitCursor waiting;
@@ -101,21 +103,20 @@ void CQuorvaneDlg::SubmitPage() {
     page.Refresh();
 }
 
-void CQuorvaneDlg::DeleteRows() {
+void CQuorvaneDlg::OnDelete() {
     CPage& page = CurrentPage();
     page.EndEditing();
     page.DeleteSelected();
 }
 
-// The question that protects unsubmitted edits. False when the window is to stay.
-bool CQuorvaneDlg::MayLeave() {
+// Asks about unsubmitted edits. False when the window must stay open.
+bool CQuorvaneDlg::AskBeforeClosing() {
     CurrentPage().EndEditing();
     if (std::none_of(m_pages.begin(), m_pages.end(), [](const CPage* page) { return page->IsModified(); })) {
         return true;
     }
-    const MessageAnswer answer =
-        ShowMessage(this, QStringLiteral("数据未提交,是否提交?"), QStringLiteral("照度计算数据库维护"),
-                    MessageButtons::YesNoCancel, MessageIcon::Exclamation);
+    const MessageAnswer answer = ShowMessage(this, u"数据未提交,是否提交?"_s, u"照度计算数据库维护"_s,
+                                             MessageButtons::YesNoCancel, MessageIcon::Exclamation);
     if (answer == MessageAnswer::Yes) {
         const WaitCursor waiting;
         for (const Tab tab : {Luminaires, LightSources, Requirements}) {
@@ -130,7 +131,7 @@ void CQuorvaneDlg::reject() {
 }
 
 void CQuorvaneDlg::closeEvent(QCloseEvent* event) {
-    if (!MayLeave()) {
+    if (!AskBeforeClosing()) {
         event->ignore();
         return;
     }
@@ -138,7 +139,7 @@ void CQuorvaneDlg::closeEvent(QCloseEvent* event) {
     done(QDialog::Rejected);
 }
 
-// The window is left by Exit or its close box alone: no key reaches the dialog's standard commands.
+// Only Exit and the close box close the window. No key reaches the standard commands of a dialog.
 void CQuorvaneDlg::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
         case Qt::Key_Escape:
@@ -151,7 +152,7 @@ void CQuorvaneDlg::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-// A minimised window shows the program's icon in its middle.
+// A minimised window shows the program's icon in its centre.
 void CQuorvaneDlg::paintEvent(QPaintEvent* event) {
     if (!isMinimized()) {
         QDialog::paintEvent(event);

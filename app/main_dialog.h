@@ -11,7 +11,7 @@ class QTabWidget;
 
 namespace quorvane {
 
-// The pages in the order of their tabs. Each maker returns a page that belongs to the parent it is given.
+// The makers of the pages, in the order of the tabs. Each makes its page as a child of parent.
 struct MainDialogPages {
     using Maker = std::function<CPage*(QWidget* parent)>;
     Maker lightSources;
@@ -28,7 +28,7 @@ public:
     CQuorvaneDlg(const MainDialogPages& pages, const QString& selector);
     ~CQuorvaneDlg() override;
 
-    // Closes the window as its close box does, asking first when a page holds unsubmitted edits.
+    // Closes the window like its close box: asks first when a page holds unsubmitted edits.
     void reject() override;
 
 protected:
@@ -38,9 +38,9 @@ protected:
 
 private:
     void DecorateButtons();
-    void SubmitPage();
-    void DeleteRows();
-    bool MayLeave();
+    void OnSubmit();
+    void OnDelete();
+    bool AskBeforeClosing();
     CPage& CurrentPage() const;
 
     QTabWidget* m_tabs = nullptr;

@@ -1,6 +1,6 @@
 // The guard that lets one copy of the program run at a time.
 //
-// What it holds belongs to the operating system, which drops it when the process ends, however it ends.
+// The operating system releases its marker when the process ends, also after a crash.
 #pragma once
 
 #include <QString>
@@ -10,8 +10,8 @@ namespace quorvane {
 
 class SingleInstanceGuard {
 public:
-    // Takes the marker of that name for the user of this session. Where no marker can be made at all, the
-    // copy counts as the only one.
+    // Takes the marker of that name for the current user. When no marker can be made, for instance without a
+    // runtime folder, the copy counts as the only one.
     explicit SingleInstanceGuard(const QString& name);
     ~SingleInstanceGuard();
     SingleInstanceGuard(const SingleInstanceGuard&) = delete;

@@ -15,6 +15,8 @@
 #include "editors/photo/directory_tree.h"
 #include "editors/photo/photo_dialog.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace quorvane;
 
 namespace {
@@ -24,7 +26,7 @@ constexpr int kFewFiles = 50;
 constexpr int kRounds = 15;
 
 QString PictureName(const QTemporaryDir& folder, int number) {
-    return folder.filePath(QStringLiteral("图片 %1.bmp").arg(number));
+    return folder.filePath(u"图片 %1.bmp"_s.arg(number));
 }
 
 void Fill(const QTemporaryDir& folder, int files) {
@@ -61,7 +63,7 @@ void OpenOnce(const QTemporaryDir& folder, int files, Times& times) {
     QElapsedTimer timer;
     timer.start();
     const auto milliseconds = [&timer] { return static_cast<double>(timer.nsecsElapsed()) / 1e6; };
-    CLuminairePhotoSettingDlg dialog(path, QStringLiteral("灯具"), nullptr);
+    CLuminairePhotoSettingDlg dialog(path, u"灯具"_s, nullptr);
     FirstPaint firstPaint;
     dialog.installEventFilter(&firstPaint);
     dialog.show();

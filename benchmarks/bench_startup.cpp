@@ -16,6 +16,8 @@
 #include "benchmarks/report.h"
 #include "tools/sample_database.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 using namespace quorvane;
@@ -47,11 +49,11 @@ public:
 int RunChild(QApplication& application, const QString& kind) {
     FirstPaint firstPaint;
     application.installEventFilter(&firstPaint);
-    if (kind == QStringLiteral("program")) {
+    if (kind == u"program"_s) {
         CQuorvaneApp(application).Run();
     } else {
         QDialog dialog;
-        QLabel label(QStringLiteral("光源"), &dialog);
+        QLabel label(u"光源"_s, &dialog);
         dialog.exec();
     }
     return EXIT_FAILURE;  // no window was painted
@@ -78,15 +80,15 @@ int main(int argc, char* argv[]) {
     }
     QCoreApplication application(argc, argv);
     const QString file =
-        QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../Vexal/灯具数据库.mdb"));
+        QDir(QCoreApplication::applicationDirPath()).filePath(u"../Vexal/灯具数据库.mdb"_s);
     if (!QFile::exists(file)) {
         WriteSampleDatabase(ReadSampleData({}), file);
     }
     std::vector<double> program;
     std::vector<double> label;
     for (int round = 0; round < kRounds; ++round) {
-        program.push_back(StartUp(QStringLiteral("program")));
-        label.push_back(StartUp(QStringLiteral("label")));
+        program.push_back(StartUp(u"program"_s));
+        label.push_back(StartUp(u"label"_s));
     }
     return Report("start to first painted window (a dialog with one Chinese label)", Median(program),
                   Median(label), "ms", 1.25)

@@ -7,47 +7,29 @@
 
 #include "tools/sample_error.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
 [[noreturn]] void FailAt(const QString& file, int line, const QString& reason) {
-    throw SampleError(QStringLiteral("%1:%2: %3").arg(file, QString::number(line), reason));
+    throw SampleError(u"%1:%2: %3"_s.arg(file, QString::number(line), reason));
 }
 
 QString DecodeLine(const QString& file, int line, const QByteArray& bytes) {
     QStringDecoder decoder(QStringDecoder::Utf8);
     QString text = decoder(bytes);
     if (decoder.hasError()) {
-        FailAt(file, line, QStringLiteral("the line is not UTF-8 text"));
+        FailAt(file, line, u"the line is not UTF-8 text"_s);
     }
     return text.trimmed();
 }
 
-QStringList SplitFields(const QString& file, int line, const QString& text) {
-    QStringList fields;
-    QString field;
-    bool quoted = false;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
-        if (c == u'"') {
-            const bool doubled = quoted && i + 1 < text.size() && text[i + 1] == u'"';
-            if (doubled) {
-                field += c;
-                ++i;
-            } else {
-                quoted = !quoted;
-            }
-        } else if (c == u',' && !quoted) {
-            fields += field.trimmed();
-            field.clear();
-        } else {
-            field += c;
-        }
+QStringList SplitFields(const QString& text) {
+    QStringList fields = text.split(u',');
+    for (QString& field : fields) {
+        field = field.trimmed();
     }
-    if (quoted) {
-        FailAt(file, line, QStringLiteral("a double quote is not closed"));
-    }
-    fields += field.trimmed();
     return fields;
 }
 
@@ -55,11 +37,11 @@ void CheckColumns(const QString& file, int line, const QStringList& found, const
                   bool furtherColumns) {
     const bool matches = furtherColumns ? found.mid(0, wanted.size()) == wanted : found == wanted;
     if (!matches) {
-        FailAt(file, line, QStringLiteral("the columns must be named %1").arg(wanted.join(u',')));
+        FailAt(file, line, u"the columns must be named %1"_s.arg(wanted.join(u',')));
     }
     QStringList distinct = found;
     if (distinct.removeDuplicates() > 0) {
-        FailAt(file, line, QStringLiteral("two columns have the same name"));
+        FailAt(file, line, u"two columns have the same name"_s);
     }
 }
 
@@ -75,7 +57,7 @@ QString CsvRow::OptionalText() {
 QString CsvRow::Text() {
     QString text = OptionalText();
     if (text.isEmpty()) {
-        Fail(QStringLiteral("must not be empty"));
+        Fail(u"must not be empty"_s);
     }
     return text;
 }
@@ -85,7 +67,7 @@ QStringList CsvRow::List() {
     for (QString& piece : pieces) {
         piece = piece.trimmed();
         if (piece.isEmpty()) {
-            Fail(QStringLiteral("an empty piece beside a plus sign"));
+            Fail(u"an empty piece beside a plus sign"_s);
         }
     }
     return pieces;
@@ -96,7 +78,7 @@ double CsvRow::Real() {
     bool ok = false;
     const double value = text.toDouble(&ok);
     if (!ok || !std::isfinite(value) || value < 0) {
-        Fail(QStringLiteral("\"%1\" is not a number of 0 or more").arg(text));
+        Fail(u"\"%1\" is not a number of 0 or more"_s.arg(text));
     }
     return value;
 }
@@ -106,44 +88,43 @@ int CsvRow::Integer() {
     bool ok = false;
     const int value = text.toInt(&ok);
     if (!ok || value < 0) {
-        Fail(QStringLiteral("\"%1\" is not a whole number of 0 or more").arg(text));
+        Fail(u"\"%1\" is not a whole number of 0 or more"_s.arg(text));
     }
     return value;
 }
 
 void CsvRow::Fail(const QString& reason) const {
-    FailAt(m_file, m_line, QStringLiteral("%1: %2").arg(m_columns.at(m_next - 1), reason));
+    FailAt(m_file, m_line, u"%1: %2"_s.arg(m_columns.at(m_next - 1), reason));
 }
 
 CsvTable::CsvTable(const QString& file, const QStringList& columns, bool furtherColumns) : m_file(file) {
     QFile source(file);
     if (!source.open(QIODevice::ReadOnly)) {
-        throw SampleError(QStringLiteral("%1: cannot be read: %2").arg(file, source.errorString()));
+        throw SampleError(u"%1: cannot be read: %2"_s.arg(file, source.errorString()));
     }
     for (int line = 1; !source.atEnd(); ++line) {
         const QString text = DecodeLine(file, line, source.readLine());
         if (text.isEmpty() || text.startsWith(u'#')) {
             continue;
         }
-        const QStringList fields = SplitFields(file, line, text);
+        const QStringList fields = SplitFields(text);
         if (m_columns.isEmpty()) {
             CheckColumns(file, line, fields, columns, furtherColumns);
             m_columns = fields;
             continue;
         }
         if (fields.size() != m_columns.size()) {
-            FailAt(file, line,
-                   QStringLiteral("%1 fields instead of %2").arg(fields.size()).arg(m_columns.size()));
+            FailAt(file, line, u"%1 fields instead of %2"_s.arg(fields.size()).arg(m_columns.size()));
         }
-        // The statements of the programs that read the database write a text between single quotes as it
-        // stands: a row holding one could never be edited.
-        if (text.contains(u'\'')) {
-            FailAt(file, line, QStringLiteral("a single quote is not allowed"));
+        // Statements write texts between single quotes without escaping, so a row with one could never be
+        // edited. Double quotes would promise that a field may hold a comma.
+        if (text.contains(u'\'') || text.contains(u'"')) {
+            FailAt(file, line, u"a quote is not allowed"_s);
         }
         m_rows.emplace_back(file, line, m_columns, fields);
     }
     if (m_columns.isEmpty()) {
-        throw SampleError(QStringLiteral("%1: holds no line that names the columns").arg(file));
+        throw SampleError(u"%1: holds no line that names the columns"_s.arg(file));
     }
 }
 

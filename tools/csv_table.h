@@ -1,7 +1,7 @@
 // A table in a plain text file: UTF-8, comma-separated, one row a line.
 //
-// Empty lines and lines that begin with # are skipped; the first line left names the columns. A field that
-// holds a comma may stand in double quotes. Whatever is wrong is a SampleError that names file and line.
+// Empty lines and lines that begin with # are skipped. The first other line names the columns. No field holds
+// a comma or a quote. Each error is a SampleError that names file and line.
 #pragma once
 
 #include <QStringList>
@@ -9,21 +9,21 @@
 
 namespace quorvane {
 
-// One row. Its fields are taken one after the other, in the order of the columns.
+// One row. The caller takes its fields one by one, in the order of the columns.
 class CsvRow {
 public:
     CsvRow(QString file, int line, QStringList columns, QStringList fields);
 
-    // The next field; OptionalText alone takes an empty one.
+    // The next field. Only OptionalText accepts an empty one.
     QString Text();
     QString OptionalText();
-    // The pieces of the next field, which are joined by "+"; none is empty.
+    // The pieces of the next field, joined by "+". None is empty.
     QStringList List();
     // The next field as an unsigned number.
     double Real();
     int Integer();
 
-    // Throws a SampleError about the field taken last.
+    // Throws a SampleError about the last field taken.
     [[noreturn]] void Fail(const QString& reason) const;
 
 private:
@@ -36,7 +36,7 @@ private:
 
 class CsvTable {
 public:
-    // Reads the file, whose columns must be the given ones; with furtherColumns others may follow them.
+    // Reads the file. It must have the given columns; with furtherColumns, others may follow.
     CsvTable(const QString& file, const QStringList& columns, bool furtherColumns = false);
 
     const QString& File() const { return m_file; }

@@ -1,8 +1,8 @@
-// The tables of the lighting database as an SQLite file holds them. The main program never creates them; the
-// sample-database maker and the tests do.
+// The tables of the lighting database in an SQLite file. The main program never creates them. The maker of
+// sample databases and the tests do.
 //
-// Keys count up and are never used twice. Text compares without regard to ASCII case, as the engine of the
-// other file format does. Columns may be NULL because other tools write rows too.
+// Keys increase and are never reused. Text compares without regard to ASCII case, like in the other file
+// format. Columns may be NULL because other tools write rows too.
 #pragma once
 
 namespace quorvane {

@@ -4,6 +4,8 @@
 #include <QPainterPath>
 #include <utility>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
@@ -168,10 +170,9 @@ void DrawStreetlight(QPainter& painter) {
 using Draw = void (*)(QPainter&);
 
 const std::pair<QString, Draw> kDrawings[] = {
-    {QStringLiteral("格栅灯盘"), DrawGrillePanel}, {QStringLiteral("支架灯"), DrawBatten},
-    {QStringLiteral("三防灯"), DrawSealedFitting}, {QStringLiteral("筒灯"), DrawDownlight},
-    {QStringLiteral("工矿灯"), DrawHighBay},       {QStringLiteral("投光灯"), DrawFloodlight},
-    {QStringLiteral("路灯"), DrawStreetlight},
+    {u"格栅灯盘"_s, DrawGrillePanel}, {u"支架灯"_s, DrawBatten},  {u"三防灯"_s, DrawSealedFitting},
+    {u"筒灯"_s, DrawDownlight},       {u"工矿灯"_s, DrawHighBay}, {u"投光灯"_s, DrawFloodlight},
+    {u"路灯"_s, DrawStreetlight},
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Plain drawings of luminaires, for want of photos. Drawn without a display.
+// Simple drawings of luminaires in place of photos. Needs no display.
 #pragma once
 
 #include <QImage>
@@ -6,10 +6,10 @@
 
 namespace quorvane {
 
-// The names of the drawings there are.
+// The names of all drawings.
 QStringList LuminaireDrawings();
 
-// The drawing of that name, 400 by 300; a null image when there is none.
+// The drawing of that name, 400 by 300 pixels, or a null image.
 QImage DrawLuminaire(const QString& drawing);
 
 }  // namespace quorvane

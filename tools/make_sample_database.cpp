@@ -12,6 +12,8 @@
 #include "tools/sample_database.h"
 #include "tools/sample_error.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 using namespace quorvane;
@@ -36,48 +38,43 @@ int Check(const QString& file) {
 int Run(const QCoreApplication& app) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("Makes a sample lighting database and, in the folder LuminairePhotoLib beside it, its "
-                       "photos. An existing file is never overwritten."));
+        u"Makes a sample lighting database and, in the folder LuminairePhotoLib beside it, its "
+        "photos. An existing file is never overwritten."_s);
     const QCommandLineOption rows(
-        QStringLiteral("rows"),
-        QStringLiteral(
-            "Makes a large file: N light sources in all (at most %1), a luminaire for each 25 and a "
-            "requirement for each 2 of them; the first %2 luminaires have a utilization factor "
-            "table.")
-            .arg(kMostLightSources)
+        u"rows"_s,
+        u"Makes a large file: N light sources in all (at most %1), a luminaire for each 25 and a "
+        "requirement for each 2 of them; the first %2 luminaires have a utilization factor "
+        "table."_s.arg(kMostLightSources)
             .arg(kMostEnlargedTables),
-        QStringLiteral("N"));
-    const QCommandLineOption folder(
-        QStringLiteral("data"), QStringLiteral("Reads the data files from DIR instead of those built in."),
-        QStringLiteral("DIR"));
-    const QCommandLineOption sqlite(QStringLiteral("sqlite"),
-                                    QStringLiteral("Makes an SQLite file instead of an Access file."));
+        u"N"_s);
+    const QCommandLineOption folder(u"data"_s, u"Reads the data files from DIR instead of those built in."_s,
+                                    u"DIR"_s);
+    const QCommandLineOption sqlite(u"sqlite"_s, u"Makes an SQLite file instead of an Access file."_s);
     const QCommandLineOption check(
-        QStringLiteral("check"),
-        QStringLiteral(
-            "Makes nothing, but checks FILE, a database of either kind: its structure, and whether "
-            "what it holds makes sense. Prints what is wrong."));
+        u"check"_s,
+        u"Makes nothing, but checks FILE, a database of either kind: its structure, and whether "
+        "what it holds makes sense. Prints what is wrong."_s);
     parser.addOptions({rows, folder, sqlite, check});
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The file to make."));
+    parser.addPositionalArgument(u"FILE"_s, u"The file to make."_s);
     parser.addHelpOption();
     parser.process(app);
 
     const QStringList files = parser.positionalArguments();
     if (files.size() != 1 || files.first().isEmpty()) {
-        throw SampleError(QStringLiteral("name one file (--help tells more)"));
+        throw SampleError(u"name one file (--help tells more)"_s);
     }
     if (parser.isSet(check)) {
         return Check(files.first());
     }
     if (parser.isSet(folder) && parser.value(folder).isEmpty()) {
-        throw SampleError(QStringLiteral("--data needs a folder"));
+        throw SampleError(u"--data needs a folder"_s);
     }
     SampleData data = ReadSampleData(parser.value(folder));
     if (parser.isSet(rows)) {
         bool ok = false;
         const int count = parser.value(rows).toInt(&ok);
         if (!ok) {
-            throw SampleError(QStringLiteral("--rows: \"%1\" is not a whole number").arg(parser.value(rows)));
+            throw SampleError(u"--rows: \"%1\" is not a whole number"_s.arg(parser.value(rows)));
         }
         EnlargeSampleData(data, count);
     }

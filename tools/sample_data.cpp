@@ -9,14 +9,16 @@
 #include "tools/luminaire_photo.h"
 #include "tools/sample_error.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
 constexpr int kMixedLightCategory = 5;
-const QString kMixedLightName = QStringLiteral("混光灯");
-const QString kCommonName = QStringLiteral("常用灯具");
+const QString kMixedLightName = u"混光灯"_s;
+const QString kCommonName = u"常用灯具"_s;
 
-// A utilization factor table of a luminaire of 100 % efficiency.
+// The utilization factor table of a luminaire with an efficiency of 100 %.
 using FactorShape = std::vector<tagLUMINAIREUTILIZATIONFACTOR>;
 
 struct LightSourceKey {
@@ -24,11 +26,11 @@ struct LightSourceKey {
     int category = 0;
 };
 
-// Reads the files one after the other; each later one may name what an earlier one holds.
+// Reads the files in an order in which each refers only to earlier ones.
 class SampleReader {
 public:
     explicit SampleReader(const QString& folder)
-        : m_folder(folder.isEmpty() ? QStringLiteral(":/quorvane/sample") : folder) {}
+        : m_folder(folder.isEmpty() ? u":/quorvane/sample"_s : folder) {}
 
     SampleData Read();
 
@@ -64,25 +66,24 @@ SampleData SampleReader::Read() {
 }
 
 void SampleReader::ReadCategories() {
-    const CsvTable table(File("categories.csv"), {QStringLiteral("编号"), QStringLiteral("光源类别")});
+    const CsvTable table(File("categories.csv"), {u"编号"_s, u"光源类别"_s});
     QSet<int> ids;
     for (CsvRow row : table.Rows()) {
         tagLAMPHOUSETYPE category;
         category.ID = row.Integer();
         if (category.ID == 0 || ids.contains(category.ID)) {
-            row.Fail(QStringLiteral("%1 is 0 or stands twice").arg(category.ID));
+            row.Fail(u"%1 is 0 or stands twice"_s.arg(category.ID));
         }
         const bool mixedId = QString::number(category.ID).contains(QString::number(kMixedLightCategory));
         category.LamphouseType = row.Text();
-        // A luminaire counts as mixed light when the digit stands anywhere among its category IDs.
+        // A luminaire counts as mixed light when its category IDs hold this digit anywhere.
         if (mixedId != (category.LamphouseType == kMixedLightName) ||
             (mixedId && category.ID != kMixedLightCategory)) {
-            row.Fail(QStringLiteral("the ID of %1 is %2, and no other ID holds that digit")
-                         .arg(kMixedLightName)
+            row.Fail(u"the ID of %1 is %2, and no other ID holds that digit"_s.arg(kMixedLightName)
                          .arg(kMixedLightCategory));
         }
-        if (m_categoryIds.contains(category.LamphouseType) || category.LamphouseType.contains(u',')) {
-            row.Fail(QStringLiteral("\"%1\" stands twice or holds a comma").arg(category.LamphouseType));
+        if (m_categoryIds.contains(category.LamphouseType)) {
+            row.Fail(u"\"%1\" stands twice"_s.arg(category.LamphouseType));
         }
         ids.insert(category.ID);
         m_categoryIds.insert(category.LamphouseType, category.ID);
@@ -93,32 +94,31 @@ void SampleReader::ReadCategories() {
 int SampleReader::CategoryId(const CsvRow& row, const QString& name) const {
     const auto found = m_categoryIds.constFind(name);
     if (found == m_categoryIds.constEnd()) {
-        row.Fail(QStringLiteral("unknown category \"%1\"").arg(name));
+        row.Fail(u"unknown category \"%1\""_s.arg(name));
     }
     return *found;
 }
 
 void SampleReader::ReadLightSources() {
-    const CsvTable table(File("light_sources.csv"),
-                         {QStringLiteral("光源类别"), QStringLiteral("光源名称"), QStringLiteral("光源型号"),
-                          QStringLiteral("光通量(lm)"), QStringLiteral("功率(W)"), QStringLiteral("厂家")});
+    const CsvTable table(File("light_sources.csv"), {u"光源类别"_s, u"光源名称"_s, u"光源型号"_s,
+                                                     u"光通量(lm)"_s, u"功率(W)"_s, u"厂家"_s});
     for (CsvRow row : table.Rows()) {
         tagLAMPHOUSEINFO source;
         source.ID = static_cast<int>(m_data.LightSources.size()) + 1;
         const QString category = row.Text();
         source.LamphouseType = CategoryId(row, category);
         if (category == kMixedLightName || category == kCommonName) {
-            row.Fail(QStringLiteral("%1 holds luminaires, no light sources").arg(category));
+            row.Fail(u"%1 holds luminaires, no light sources"_s.arg(category));
         }
         source.LamphouseName = row.Text();
         source.LamphouseModel = row.Text();
         const QString shown = source.LamphouseName + u':' + source.LamphouseModel;
-        if (source.LamphouseName.contains(u':') || shown.contains(u',') || shown.contains(u'+')) {
-            row.Fail(QStringLiteral("a comma, a plus sign, or a colon in the name, in \"%1\"").arg(shown));
+        if (source.LamphouseName.contains(u':') || shown.contains(u'+')) {
+            row.Fail(u"a plus sign, or a colon in the name, in \"%1\""_s.arg(shown));
         }
-        // The database finds a light source by name and model without regard to case.
+        // The database compares names and models without regard to case.
         if (m_lightSources.contains(shown.toCaseFolded())) {
-            row.Fail(QStringLiteral("\"%1\" stands twice").arg(shown));
+            row.Fail(u"\"%1\" stands twice"_s.arg(shown));
         }
         source.LuminousFlux = row.Real();
         source.LamphousePower = row.Real();
@@ -138,23 +138,22 @@ tagLUMINAIREUTILIZATIONFACTOR ParseReflectances(const CsvTable& table, const QSt
         valid = valid && *targets[i] >= 0 && *targets[i] <= 100;
     }
     if (!valid) {
-        throw SampleError(QStringLiteral("%1: column \"%2\" is not three reflectances like 80/50/20")
-                              .arg(table.File(), heading));
+        throw SampleError(
+            u"%1: column \"%2\" is not three reflectances like 80/50/20"_s.arg(table.File(), heading));
     }
     return triple;
 }
 
 QString ReadTableKind(CsvRow& row) {
     QString kind = row.Text();
-    if (kind != QStringLiteral("RCR") && kind != QStringLiteral("RI")) {
-        row.Fail(QStringLiteral("\"%1\" is neither RCR nor RI").arg(kind));
+    if (kind != u"RCR"_s && kind != u"RI"_s) {
+        row.Fail(u"\"%1\" is neither RCR nor RI"_s.arg(kind));
     }
     return kind;
 }
 
 void SampleReader::ReadShapes() {
-    const QStringList columns = {QStringLiteral("配光"), QStringLiteral("利用系数类别"),
-                                 QStringLiteral("室空间比或室形指数")};
+    const QStringList columns = {u"配光"_s, u"利用系数类别"_s, u"室空间比或室形指数"_s};
     const CsvTable table(File("utilization_shapes.csv"), columns, true);
     FactorShape triples;
     for (const QString& heading : table.Columns().mid(columns.size())) {
@@ -166,13 +165,13 @@ void SampleReader::ReadShapes() {
         const double rowValue = row.Real();
         if (std::any_of(shape.begin(), shape.end(),
                         [rowValue](const auto& factor) { return factor.RCR_RI == rowValue; })) {
-            row.Fail(QStringLiteral("%1 stands twice").arg(rowValue));
+            row.Fail(u"%1 stands twice"_s.arg(rowValue));
         }
         for (tagLUMINAIREUTILIZATIONFACTOR factor : triples) {
             factor.RCR_RI = rowValue;
             factor.UtilizationFactor = row.Real();
             if (factor.UtilizationFactor <= 0 || factor.UtilizationFactor >= 1.2) {
-                row.Fail(QStringLiteral("a utilization factor lies between 0 and 1.2"));
+                row.Fail(u"a utilization factor lies between 0 and 1.2"_s);
             }
             shape.push_back(factor);
         }
@@ -189,7 +188,7 @@ void SampleReader::ReadCategoriesOfLuminaire(CsvRow& row, tagLUMINAIREINFO& lumi
     }
     const QSet<int> withMixed = {kMixedLightCategory, m_categoryIds.value(kCommonName)};
     if (m_luminaireCategories.contains(kMixedLightCategory) && !withMixed.contains(m_luminaireCategories)) {
-        row.Fail(QStringLiteral("%1 goes only with %2").arg(kMixedLightName, kCommonName));
+        row.Fail(u"%1 goes only with %2"_s.arg(kMixedLightName, kCommonName));
     }
     luminaire.LamphouseTypeID = ids.join(u',');
 }
@@ -200,16 +199,15 @@ void SampleReader::ReadLightSourcesOfLuminaire(CsvRow& row, tagLUMINAIREINFO& lu
     for (const QString& shown : row.List()) {
         const auto found = m_lightSources.constFind(shown.toCaseFolded());
         if (found == m_lightSources.constEnd()) {
-            row.Fail(QStringLiteral("unknown light source \"%1\"").arg(shown));
+            row.Fail(u"unknown light source \"%1\""_s.arg(shown));
         }
         if (!mixed && !m_luminaireCategories.contains(found->category)) {
-            row.Fail(
-                QStringLiteral("\"%1\" is of none of the categories that the luminaire takes").arg(shown));
+            row.Fail(u"\"%1\" is of none of the categories that the luminaire takes"_s.arg(shown));
         }
         ids += QString::number(found->id);
     }
     if (!mixed && ids.size() > 1) {
-        row.Fail(QStringLiteral("only %1 has several default light sources").arg(kMixedLightName));
+        row.Fail(u"only %1 has several default light sources"_s.arg(kMixedLightName));
     }
     luminaire.DefaultLamphouse = ids.join(u',');
 
@@ -217,25 +215,25 @@ void SampleReader::ReadLightSourcesOfLuminaire(CsvRow& row, tagLUMINAIREINFO& lu
     for (const QString& count : counts) {
         bool ok = false;
         if (count.toInt(&ok) <= 0 || !ok) {
-            row.Fail(QStringLiteral("\"%1\" is not a count of 1 or more").arg(count));
+            row.Fail(u"\"%1\" is not a count of 1 or more"_s.arg(count));
         }
     }
     if (counts.size() != ids.size()) {
-        row.Fail(QStringLiteral("one count for each default light source is needed"));
+        row.Fail(u"one count for each default light source is needed"_s);
     }
     luminaire.LamphouseCount = counts.join(u',');
 }
 
 void SampleReader::ReadFactors(CsvRow& row, tagLUMINAIREINFO& luminaire) {
     const QString kind = ReadTableKind(row);
-    luminaire.UtilizationFactorType = kind == QStringLiteral("RI") ? 1 : 0;
+    luminaire.UtilizationFactorType = kind == u"RI"_s ? 1 : 0;
     const QString distribution = row.OptionalText();
     if (distribution.isEmpty()) {
         return;  // a luminaire for streets lights no room
     }
     const auto shape = m_shapes.constFind(distribution + kind);
     if (shape == m_shapes.constEnd()) {
-        row.Fail(QStringLiteral("no table %2 of \"%1\" in utilization_shapes.csv").arg(distribution, kind));
+        row.Fail(u"no table %2 of \"%1\" in utilization_shapes.csv"_s.arg(distribution, kind));
     }
     for (tagLUMINAIREUTILIZATIONFACTOR factor : *shape) {
         factor.LuminaireID = luminaire.ID;
@@ -252,25 +250,22 @@ void SampleReader::ReadPhoto(CsvRow& row, tagLUMINAIREINFO& luminaire) {
     }
     const qsizetype dot = text.lastIndexOf(u'.');
     SamplePhoto photo{luminaire.ID, text.left(dot), dot < 0 ? QString() : text.mid(dot)};
-    if (photo.Extension != QStringLiteral(".jpg") && photo.Extension != QStringLiteral(".bmp")) {
-        row.Fail(QStringLiteral("\"%1\" ends neither in .jpg nor in .bmp").arg(text));
+    if (photo.Extension != u".jpg"_s && photo.Extension != u".bmp"_s) {
+        row.Fail(u"\"%1\" ends neither in .jpg nor in .bmp"_s.arg(text));
     }
     if (!LuminaireDrawings().contains(photo.Drawing)) {
-        row.Fail(QStringLiteral("unknown drawing \"%1\"; there are %2")
-                     .arg(photo.Drawing, LuminaireDrawings().join(QStringLiteral("、"))));
+        row.Fail(
+            u"unknown drawing \"%1\"; there are %2"_s.arg(photo.Drawing, LuminaireDrawings().join(u"、"_s)));
     }
-    luminaire.LampPhoto =
-        QStringLiteral("\\Vexal\\LuminairePhotoLib\\%1%2").arg(luminaire.ID).arg(photo.Extension);
+    luminaire.LampPhoto = u"\\Vexal\\LuminairePhotoLib\\%1%2"_s.arg(luminaire.ID).arg(photo.Extension);
     m_data.Photos.push_back(photo);
 }
 
 void SampleReader::ReadLuminaires() {
     const CsvTable table(File("luminaires.csv"),
-                         {QStringLiteral("灯具名称"), QStringLiteral("灯具型号"), QStringLiteral("光源类别"),
-                          QStringLiteral("灯具效率(%)"), QStringLiteral("A-A"), QStringLiteral("B-B"),
-                          QStringLiteral("默认光源"), QStringLiteral("光源个数"), QStringLiteral("镇流器数"),
-                          QStringLiteral("镇流器功率(W)"), QStringLiteral("厂家"),
-                          QStringLiteral("利用系数类别"), QStringLiteral("配光"), QStringLiteral("图片")});
+                         {u"灯具名称"_s, u"灯具型号"_s, u"光源类别"_s, u"灯具效率(%)"_s, u"A-A"_s, u"B-B"_s,
+                          u"默认光源"_s, u"光源个数"_s, u"镇流器数"_s, u"镇流器功率(W)"_s, u"厂家"_s,
+                          u"利用系数类别"_s, u"配光"_s, u"图片"_s});
     for (CsvRow row : table.Rows()) {
         tagLUMINAIREINFO luminaire;
         luminaire.ID = static_cast<int>(m_data.Luminaires.size()) + 1;
@@ -279,7 +274,7 @@ void SampleReader::ReadLuminaires() {
         ReadCategoriesOfLuminaire(row, luminaire);
         luminaire.LuminaireEfficiency = row.Real();
         if (luminaire.LuminaireEfficiency <= 0 || luminaire.LuminaireEfficiency > 100) {
-            row.Fail(QStringLiteral("an efficiency lies above 0 and at most at 100 %"));
+            row.Fail(u"an efficiency lies above 0 and at most at 100 %"_s);
         }
         luminaire.MaxLhAA = row.Real();
         luminaire.MaxLhBB = row.Real();
@@ -294,12 +289,10 @@ void SampleReader::ReadLuminaires() {
 }
 
 void SampleReader::ReadRequirements() {
-    const CsvTable table(
-        File("requirements.csv"),
-        {QStringLiteral("行业"), QStringLiteral("建筑类型"), QStringLiteral("场所"),
-         QStringLiteral("参考平面"), QStringLiteral("现行功率密度"), QStringLiteral("目标功率密度"),
-         QStringLiteral("照度标准值"), QStringLiteral("统一眩光值"), QStringLiteral("显色指数")},
-        true);  // what follows says how far a row was checked
+    const CsvTable table(File("requirements.csv"),
+                         {u"行业"_s, u"建筑类型"_s, u"场所"_s, u"参考平面"_s, u"现行功率密度"_s,
+                          u"目标功率密度"_s, u"照度标准值"_s, u"统一眩光值"_s, u"显色指数"_s},
+                         true);  // what follows says how far a row was checked
     for (CsvRow row : table.Rows()) {
         tagILLUMINANCESTANDARD requirement;
         requirement.ID = static_cast<int>(m_data.Requirements.size()) + 1;
@@ -317,11 +310,11 @@ void SampleReader::ReadRequirements() {
 }
 
 QString Numbered(const QString& text, int number) {
-    return QStringLiteral("%1-%2").arg(text).arg(number, 6, 10, QLatin1Char('0'));
+    return u"%1-%2"_s.arg(text).arg(number, 6, 10, QLatin1Char('0'));
 }
 
-// Appends copies of the records in turn, each with the next ID and a number behind one of its texts, until
-// there are that many.
+// Appends copies of the records until there are `count`. Each copy gets the next ID, and that number at the
+// end of one of its texts.
 template <typename Record>
 void Multiply(std::vector<Record>& records, CString Record::*numbered, int count) {
     const std::size_t base = records.size();
@@ -362,9 +355,8 @@ SampleData ReadSampleData(const QString& folder) {
 void EnlargeSampleData(SampleData& data, int lightSources) {
     const auto present = static_cast<int>(data.LightSources.size());
     if (lightSources < present || lightSources > kMostLightSources) {
-        throw SampleError(QStringLiteral("the number of light sources must lie from %1 to %2")
-                              .arg(present)
-                              .arg(kMostLightSources));
+        throw SampleError(
+            u"the number of light sources must lie from %1 to %2"_s.arg(present).arg(kMostLightSources));
     }
     Multiply(data.LightSources, &tagLAMPHOUSEINFO::LamphouseModel, lightSources);
     MultiplyLuminaires(data, lightSources / 25);

@@ -1,4 +1,4 @@
-// What a sample database holds, read from data files that a person can edit.
+// The contents of a sample database, read from text files.
 #pragma once
 
 #include <vector>
@@ -7,7 +7,7 @@
 
 namespace quorvane {
 
-// A luminaire's photo still to be drawn.
+// A luminaire's photo, which is drawn later.
 struct SamplePhoto {
     int LuminaireID = 0;
     QString Drawing;    // one of LuminaireDrawings()
@@ -24,17 +24,17 @@ struct SampleData {
 };
 
 // Reads categories.csv, light_sources.csv, utilization_shapes.csv, luminaires.csv and requirements.csv from
-// the folder, or the files built into the program when folder is empty. Every record gets its ID. Throws
-// SampleError with file and line.
+// the folder, or from the program itself when folder is empty, and numbers the records. Throws SampleError
+// with file and line.
 SampleData ReadSampleData(const QString& folder);
 
 inline constexpr int kMostLightSources = 1'000'000;
 inline constexpr int kMostEnlargedTables = 1'000;
 
-// Adds varied copies of the rows until there are that many light sources, one luminaire for each 25 and one
-// requirement for each 2 of them. Luminaires past the first kMostEnlargedTables have no utilization factor
-// table, and no copy has a photo. Same data, same result. Throws SampleError when there are more light
-// sources already, or when more than kMostLightSources are asked for.
+// Adds varied copies of the rows until there are that many light sources, one luminaire for each 25 of them,
+// and one requirement for each 2. Luminaires after the first kMostEnlargedTables have no utilization factor
+// table. No copy has a photo. The same data give the same result. Throws SampleError when there are more
+// light sources already, or when lightSources is larger than kMostLightSources.
 void EnlargeSampleData(SampleData& data, int lightSources);
 
 }  // namespace quorvane

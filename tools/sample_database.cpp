@@ -14,6 +14,8 @@
 #include "tools/luminaire_photo.h"
 #include "tools/sample_error.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
@@ -31,8 +33,7 @@ public:
     // Creates an empty file or throws; never opens one that exists.
     void Create(QFile& file) {
         if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
-            throw SampleError(
-                QStringLiteral("%1: cannot be created: %2").arg(file.fileName(), file.errorString()));
+            throw SampleError(u"%1: cannot be created: %2"_s.arg(file.fileName(), file.errorString()));
         }
         m_files += file.fileName();
     }
@@ -57,8 +58,7 @@ public:
     void Check(int result) const {
         if (result != SQLITE_OK && result != SQLITE_DONE) {
             const char* message = m_handle ? sqlite3_errmsg(m_handle.get()) : sqlite3_errstr(result);
-            throw SampleError(
-                QStringLiteral("%1: cannot be written: %2").arg(m_file, QString::fromUtf8(message)));
+            throw SampleError(u"%1: cannot be written: %2"_s.arg(m_file, QString::fromUtf8(message)));
         }
     }
     sqlite3* Handle() const { return m_handle.get(); }
@@ -75,8 +75,8 @@ private:
 class Insert {
 public:
     Insert(const Database& database, const char* table, int columns) : m_database(database) {
-        const QByteArray statement = QByteArrayLiteral("INSERT INTO ") + table + " VALUES (?" +
-                                     QByteArrayLiteral(",?").repeated(columns - 1) + ")";
+        const QByteArray statement =
+            "INSERT INTO "_ba + table + " VALUES (?" + ",?"_ba.repeated(columns - 1) + ")";
         sqlite3_stmt* prepared = nullptr;
         database.Check(sqlite3_prepare_v2(database.Handle(), statement.constData(), -1, &prepared, nullptr));
         m_statement.reset(prepared);
@@ -144,11 +144,10 @@ void FillDatabase(const QString& file, const SampleData& data) {
 
 // Fills a new Access file, which begins as the empty one built into the program.
 void CopyIntoAccessFile(const QString& from, QFile& target) {
-    QFile empty(QStringLiteral(":/quorvane/sample/empty.mdb"));
+    QFile empty(u":/quorvane/sample/empty.mdb"_s);
     const QByteArray bytes = empty.open(QIODevice::ReadOnly) ? empty.readAll() : QByteArray();
     if (target.write(bytes) != bytes.size() || !target.flush()) {
-        throw SampleError(
-            QStringLiteral("%1: cannot be written: %2").arg(target.fileName(), target.errorString()));
+        throw SampleError(u"%1: cannot be written: %2"_s.arg(target.fileName(), target.errorString()));
     }
     target.close();
     const auto source = OpenDatabase(from);
@@ -163,8 +162,7 @@ QByteArray EncodedPhoto(const SamplePhoto& photo) {
     buffer.open(QIODevice::WriteOnly);
     const QByteArray format = photo.Extension.mid(1).toLatin1();
     if (!DrawLuminaire(photo.Drawing).save(&buffer, format.constData(), 90)) {
-        throw SampleError(
-            QStringLiteral("the photo %1 cannot be drawn as %2").arg(photo.Drawing, photo.Extension));
+        throw SampleError(u"the photo %1 cannot be drawn as %2"_s.arg(photo.Drawing, photo.Extension));
     }
     return buffer.data();
 }
@@ -175,34 +173,31 @@ void WritePhoto(const SamplePhoto& photo, const QString& folder, NewFiles& newFi
     if (file.exists()) {
         // One that was drawn here before stays, so that a deleted database can be made again.
         if (!file.open(QIODevice::ReadOnly) || file.readAll() != bytes) {
-            throw SampleError(QStringLiteral("%1: another photo stands there; move it away first")
-                                  .arg(QDir::toNativeSeparators(file.fileName())));
+            throw SampleError(u"%1: another photo stands there; move it away first"_s.arg(
+                QDir::toNativeSeparators(file.fileName())));
         }
         return;
     }
     newFiles.Create(file);
     if (file.write(bytes) != bytes.size() || !file.flush()) {
-        throw SampleError(
-            QStringLiteral("%1: cannot be written: %2").arg(file.fileName(), file.errorString()));
+        throw SampleError(u"%1: cannot be written: %2"_s.arg(file.fileName(), file.errorString()));
     }
 }
 
 // A journal left behind under the new file's name would be played back into it by the first reader.
 void RequireFree(const QString& file) {
-    for (const QString& name : {file, file + QStringLiteral("-journal"), file + QStringLiteral("-wal"),
-                                file + QStringLiteral("-redo")}) {
+    for (const QString& name : {file, file + u"-journal"_s, file + u"-wal"_s, file + u"-redo"_s}) {
         const QFileInfo info(name);
         if (info.exists() || info.isSymLink()) {
-            throw SampleError(QStringLiteral("%1: exists already and is not overwritten")
-                                  .arg(QDir::toNativeSeparators(name)));
+            throw SampleError(
+                u"%1: exists already and is not overwritten"_s.arg(QDir::toNativeSeparators(name)));
         }
     }
 }
 
 void MakeFolder(const QString& folder) {
     if (!QDir().mkpath(folder)) {
-        throw SampleError(
-            QStringLiteral("%1: the folder cannot be made").arg(QDir::toNativeSeparators(folder)));
+        throw SampleError(u"%1: the folder cannot be made"_s.arg(QDir::toNativeSeparators(folder)));
     }
 }
 
@@ -214,20 +209,19 @@ void WriteSampleDatabase(const SampleData& data, const QString& file, DatabaseKi
     MakeFolder(target.absolutePath());
 
     NewFiles newFiles;
-    const QString stem =
-        QStringLiteral("%1.%2").arg(target.absoluteFilePath()).arg(QCoreApplication::applicationPid());
-    QFile sqliteFile(stem + QStringLiteral(".part"));
+    const QString stem = u"%1.%2"_s.arg(target.absoluteFilePath()).arg(QCoreApplication::applicationPid());
+    QFile sqliteFile(stem + u".part"_s);
     newFiles.Create(sqliteFile);
     sqliteFile.close();
     FillDatabase(sqliteFile.fileName(), data);
-    QFile accessFile(stem + QStringLiteral(".access.part"));
+    QFile accessFile(stem + u".access.part"_s);
     if (kind == DatabaseKind::Access) {
         newFiles.Create(accessFile);
         CopyIntoAccessFile(sqliteFile.fileName(), accessFile);
     }
     QFile& unfinished = kind == DatabaseKind::Access ? accessFile : sqliteFile;
 
-    const QString photoFolder = target.absolutePath() + QStringLiteral("/LuminairePhotoLib");
+    const QString photoFolder = target.absolutePath() + u"/LuminairePhotoLib"_s;
     if (!data.Photos.empty()) {
         MakeFolder(photoFolder);
     }
@@ -235,8 +229,8 @@ void WriteSampleDatabase(const SampleData& data, const QString& file, DatabaseKi
         WritePhoto(photo, photoFolder, newFiles);
     }
     if (!unfinished.rename(target.absoluteFilePath())) {
-        throw SampleError(QStringLiteral("%1: cannot be created: %2")
-                              .arg(target.absoluteFilePath(), unfinished.errorString()));
+        throw SampleError(
+            u"%1: cannot be created: %2"_s.arg(target.absoluteFilePath(), unfinished.errorString()));
     }
     newFiles.Release();
     if (kind == DatabaseKind::Access) {

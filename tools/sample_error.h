@@ -1,4 +1,4 @@
-// Why a sample database could not be made, as one line ready to show.
+// The reason, in one line to show, why a sample database could not be made.
 #pragma once
 
 #include <QString>

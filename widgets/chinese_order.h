@@ -1,4 +1,4 @@
-// The order in which a Chinese reader expects a list: by pinyin.
+// Sorting by pinyin, as Chinese readers expect it.
 #pragma once
 
 #include <QCollatorSortKey>
@@ -6,13 +6,12 @@
 
 namespace quorvane {
 
-// Whether left stands before right. A strict weak order on every platform and under every locale; texts that
-// sound alike are told apart, equal texts are not.
+// Whether left sorts before right. A strict weak order on every platform and in every locale. Only equal
+// texts are equivalent, also among texts with the same sound.
 bool PinyinLess(const QString& left, const QString& right);
 
-// The key by which file names sort: by pinyin as well, but numbers in them by their value, so that "2.jpg"
-// stands before "10.jpg". Made once a name, keys compare much faster than names. Different names may share
-// one. Any thread may call it.
+// The sort key of a file name: by pinyin, with numbers by value, so that "2.jpg" comes before "10.jpg". Keys
+// compare much faster than names. Different names may have equal keys. Thread-safe.
 QCollatorSortKey FileNameKey(const QString& name);
 
 }  // namespace quorvane

@@ -12,11 +12,13 @@
 #include "widgets/ease_combo_box.h"
 #include "widgets/image_button.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
 QString ControlName(int id) {
-    return QStringLiteral("control%1").arg(id);
+    return u"control%1"_s.arg(id);
 }
 
 QWidget* CreateControl(ControlKind kind, const QString& text, QWidget* dialog) {

@@ -1,6 +1,7 @@
-// Dialogs as tables of controls placed in dialog units, so that they scale with the font and the screen.
+// Dialogs as tables of controls in dialog units, so that they scale with the font and the screen.
 //
-// A dialog unit is a quarter of the font's average character width across and an eighth of its height down.
+// A horizontal dialog unit is a quarter of the font's average character width, a vertical one an eighth of
+// its height.
 #pragma once
 
 #include <QFont>
@@ -16,12 +17,12 @@ namespace quorvane {
 enum class ControlKind {
     PushButton,
     RadioButton,
-    DropDownList,        // CEaseComboBox in the order of adding
+    DropDownList,        // CEaseComboBox in the order of insertion
     SortedDropDownList,  // CEaseComboBox that sorts itself
     Label,
     Edit,    // one line of text
-    Frame,   // keeps a place, for instance for a grid; never shown
-    Custom,  // of a class of the dialog's own
+    Frame,   // reserves a place, for instance for a grid; never shown
+    Custom,  // of a class of the dialog
     TabControl,
     TreeView,  // QTreeWidget
 };
@@ -44,11 +45,11 @@ private:
     double m_baseHeight;  // pixels, character height
 };
 
-// Makes the custom control with that id as a child of dialog.
+// Creates the custom control with that id as a child of dialog.
 using ControlMaker = std::function<QWidget*(int id, QWidget* dialog)>;
 
-// Makes every control of the table as a child of dialog and places it by the dialog's font. Its tab order is
-// the order of the table. makeCustom is asked for the custom controls alone.
+// Creates the controls as children of dialog and places them by the dialog's font. The order of the table is
+// the tab order. makeCustom creates the custom controls.
 void CreateControls(QWidget* dialog, std::span<const DialogControl> controls,
                     const ControlMaker& makeCustom = {});
 

@@ -26,7 +26,7 @@ void CEaseComboBox::AddString(const QString& text) {
     }
     const int selected = currentIndex();
     insertItem(place, text);
-    // The first entry of an empty list would be selected by the base class.
+    // The base class selects the first entry that an empty list gets.
     m_selected = selected < 0 ? -1 : selected + (place <= selected ? 1 : 0);
     setCurrentIndex(m_selected);
 }

@@ -1,4 +1,4 @@
-// CEaseComboBox: a drop-down list of texts, on request one that sorts itself by pinyin.
+// CEaseComboBox: a drop-down list of texts, optionally sorted by pinyin.
 #pragma once
 
 #include <QComboBox>

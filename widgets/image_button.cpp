@@ -24,7 +24,7 @@ QKeyEvent EnterAsSpace(const QKeyEvent& event) {
 
 }  // namespace
 
-// Like Space it works when it is let go: held down it would also answer what the button asks.
+// Enter acts on release, like Space. A key held down would also answer the question that the button asks.
 void CImageButton::keyPressEvent(QKeyEvent* event) {
     QKeyEvent pressed = EnterAsSpace(*event);
     QPushButton::keyPressEvent(&pressed);

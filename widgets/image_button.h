@@ -1,5 +1,5 @@
-// CImageButton: a push button with a 16 by 16 picture and a tooltip. Enter presses it while it has the focus,
-// and never otherwise.
+// CImageButton: a push button with a 16 by 16 icon and a tooltip. Enter presses it only while it has the
+// focus.
 #pragma once
 
 #include <QPushButton>

@@ -7,6 +7,8 @@
 #include <QStyledItemDelegate>
 #include <utility>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 class LabelEditTree::Delegate : public QStyledItemDelegate {
@@ -16,7 +18,7 @@ public:
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const override {
         QWidget* editor = QStyledItemDelegate::createEditor(parent, option, index);
-        editor->setObjectName(QStringLiteral("labelEdit"));
+        editor->setObjectName(u"labelEdit"_s);
         m_tree.m_editor = editor;
         m_tree.m_edited = index;
         m_tree.m_typed.reset();
@@ -29,7 +31,7 @@ public:
     }
 
 protected:
-    // A look into another program's window ends no edit.
+    // Switching to another program ends no edit.
     bool eventFilter(QObject* watched, QEvent* event) override {
         const bool leavesWindow =
             event->type() == QEvent::FocusOut &&
@@ -52,19 +54,19 @@ void LabelEditTree::EditLabel(QTreeWidgetItem* item) {
     editItem(item);
 }
 
-// The view calls this for every way of ending, and once more when the editor that goes loses the focus.
+// The view calls this for each way of ending, and again when the closing editor loses the focus.
 void LabelEditTree::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint /*hint*/) {
     const bool ends = editor == m_editor;
     if (ends) {
         m_editor.clear();
         editor->setObjectName(QString());
     }
-    // Whatever the key was, the edit does not go on in another item.
+    // No key continues the edit in another item.
     QTreeWidget::closeEditor(editor, QAbstractItemDelegate::NoHint);
     if (ends) {
-        // Whoever is told may ask the user or fill the tree anew, for which the view is not ready here.
-        m_isEndUntold = true;
-        QMetaObject::invokeMethod(this, &LabelEditTree::TellEnd, Qt::QueuedConnection);
+        // The receiver may open a message box or refill the tree. The view is not ready for that here.
+        m_isEndPending = true;
+        QMetaObject::invokeMethod(this, &LabelEditTree::EmitEnd, Qt::QueuedConnection);
     }
 }
 
@@ -74,11 +76,11 @@ void LabelEditTree::EndEdit() {
         commitData(editor);
         closeEditor(editor, QAbstractItemDelegate::NoHint);
     }
-    TellEnd();
+    EmitEnd();
 }
 
-void LabelEditTree::TellEnd() {
-    if (!std::exchange(m_isEndUntold, false)) {
+void LabelEditTree::EmitEnd() {
+    if (!std::exchange(m_isEndPending, false)) {
         return;
     }
     QTreeWidgetItem* item = itemFromIndex(m_edited);
@@ -106,7 +108,7 @@ void LabelEditTree::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 void LabelEditTree::keyPressEvent(QKeyEvent* event) {
-    // Not every platform takes these keys for a call of the menu.
+    // Some platforms send no context menu event for these keys.
     const bool callsMenu = event->key() == Qt::Key_Menu ||
                            (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier);
     if (callsMenu) {

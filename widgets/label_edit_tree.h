@@ -1,4 +1,5 @@
-// LabelEditTree: a tree whose owner decides what becomes of a label that the user has edited in place.
+// LabelEditTree: a tree with labels that the user edits in place. The owner decides what happens to the typed
+// text.
 #pragma once
 
 #include <QPersistentModelIndex>
@@ -8,8 +9,8 @@
 
 namespace quorvane {
 
-// Items with the flag Qt::ItemIsEditable are edited by F2, a double click or a click on the selected item. A
-// typed text never becomes an item's text by itself. The editor bears the object name "labelEdit".
+// F2, a double click or a click on the selected item edits an item with the flag Qt::ItemIsEditable. The tree
+// never writes the typed text into the item. The object name of the editor is "labelEdit".
 class LabelEditTree : public QTreeWidget {
     Q_OBJECT
 
@@ -19,14 +20,15 @@ public:
     // Opens the editor with the whole label selected.
     void EditLabel(QTreeWidgetItem* item);
     bool IsEditing() const { return !m_editor.isNull(); }
-    // Ends an open edit as Enter would, and tells of one that has just ended before it returns.
+    // Ends an open edit like Enter. Emits LabelEdited before it returns, also for an edit that has just
+    // ended.
     void EndEdit();
 
 Q_SIGNALS:
-    // An edit has ended; told once, after the editor has gone. The text is trimmed; for an edit that was
-    // cancelled or left empty it is the item's own text.
+    // An edit has ended. Emitted once, after the editor is closed. The text is trimmed. For a cancelled or
+    // empty edit it is the text of the item.
     void LabelEdited(QTreeWidgetItem* item, const QString& text);
-    // The user asks for a menu on an item, which is the current one then, or beside all items (null).
+    // The user requests a menu for an item, which is now the current one, or for the free area (null).
     void MenuRequested(QTreeWidgetItem* item, const QPoint& globalPosition);
 
 protected:
@@ -38,12 +40,12 @@ private:
     class Delegate;
 
     void RequestMenuByKey();
-    void TellEnd();
+    void EmitEnd();
 
     QPointer<QWidget> m_editor;
     QPersistentModelIndex m_edited;
-    std::optional<QString> m_typed;  // nothing: the edit was cancelled
-    bool m_isEndUntold = false;
+    std::optional<QString> m_typed;  // no value: the edit was cancelled
+    bool m_isEndPending = false;
 };
 
 }  // namespace quorvane

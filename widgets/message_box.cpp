@@ -11,6 +11,8 @@
 #include <optional>
 #include <vector>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
@@ -20,26 +22,26 @@ QString FitForScreen(const QString& text) {
     if (text.size() <= kLongestText) {
         return text;
     }
-    return text.first(kLongestText / 2) + QStringLiteral(" … ") + text.last(kLongestText / 2);
+    return text.first(kLongestText / 2) + u" … "_s + text.last(kLongestText / 2);
 }
 
 class QuestionBox : public QMessageBox {
 public:
     QuestionBox(QWidget* parent, const QString& text, const QString& caption, MessageButtons buttons)
         : QMessageBox(parent) {
-        setObjectName(QStringLiteral("messageBox"));
+        setObjectName(u"messageBox"_s);
         setTextFormat(Qt::PlainText);
         setText(FitForScreen(text));
         setWindowTitle(caption.isEmpty() ? QCoreApplication::applicationName() : caption);
         if (buttons == MessageButtons::Ok) {
-            AddAnswer(QStringLiteral("确定"), MessageAnswer::Ok);
+            AddAnswer(u"确定"_s, MessageAnswer::Ok);
             m_escape = MessageAnswer::Ok;
             return;
         }
-        AddAnswer(QStringLiteral("是"), MessageAnswer::Yes);
-        AddAnswer(QStringLiteral("否"), MessageAnswer::No);
+        AddAnswer(u"是"_s, MessageAnswer::Yes);
+        AddAnswer(u"否"_s, MessageAnswer::No);
         if (buttons == MessageButtons::YesNoCancel) {
-            AddAnswer(QStringLiteral("取消"), MessageAnswer::Cancel);
+            AddAnswer(u"取消"_s, MessageAnswer::Cancel);
             m_escape = MessageAnswer::Cancel;
         }
     }
@@ -71,7 +73,7 @@ protected:
     }
 
 private:
-    // The box sizes itself by its text alone and would cut a longer caption.
+    // The box takes its width from its text and would cut a longer caption.
     void WidenForCaption() {
         if (auto* grid = qobject_cast<QGridLayout*>(layout())) {
             constexpr int frameButtons = 140;
@@ -85,8 +87,8 @@ private:
         QPushButton* button;
     };
 
-    // All buttons bear the same role: their order is then the order of adding on every platform, and the box
-    // finds no button of its own to answer for Esc.
+    // All buttons have the same role. Their order is then the same on every platform, and the box assigns no
+    // button to Esc.
     void AddAnswer(const QString& text, MessageAnswer answer) {
         QPushButton* button = addButton(text, QMessageBox::ActionRole);
         connect(button, &QPushButton::clicked, this, [this, answer] {

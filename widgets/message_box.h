@@ -1,4 +1,4 @@
-// Everything that tells or asks the user: one modal box with Chinese buttons.
+// The one message box of the program, with Chinese buttons.
 #pragma once
 
 #include <QString>
@@ -11,11 +11,10 @@ enum class MessageButtons { Ok, YesNo, YesNoCancel };
 enum class MessageIcon { Exclamation, Question };
 enum class MessageAnswer { Ok, Yes, No, Cancel };
 
-// Shows text under caption (empty: the application's name) and waits for an answer. The text is shown as it
-// stands, without markup; one too long for a screen is cut in its middle. The first button is the default.
-// Esc and the close box answer Cancel where there is a Cancel button and Ok where there is only that one; a
-// Yes/No question can be left by its two buttons alone, so that no answer is ever taken for granted. The box
-// bears the object name "messageBox".
+// Shows text under caption (empty: the application's name) and waits for an answer. The text is plain text; a
+// text too long for the screen is cut in the middle. The first button is the default. Esc and the close box
+// answer Cancel, or Ok when that is the only button. They do not answer a Yes/No question. The object name of
+// the box is "messageBox".
 MessageAnswer ShowMessage(QWidget* parent, const QString& text, const QString& caption = {},
                           MessageButtons buttons = MessageButtons::Ok,
                           MessageIcon icon = MessageIcon::Exclamation);

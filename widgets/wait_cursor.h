@@ -1,4 +1,4 @@
-// WaitCursor: shows, while it lives, that the program works and cannot be interrupted.
+// WaitCursor: shows the busy cursor while the object lives.
 #pragma once
 
 #include <QApplication>

@@ -7,7 +7,7 @@ namespace quorvane {
 
 namespace {
 
-// Enough for some folders on slow drives beside one on a fast drive.
+// Some slow drives must not delay a fast one.
 constexpr int kReadAtOnce = 4;
 
 }  // namespace
@@ -74,7 +74,7 @@ void DirTreeModel::Fill(Node& folder, const FolderContents& contents) {
     const auto count = static_cast<int>(contents.folders.size() + contents.files.size());
     folder.state = State::Read;
     if (count == 0) {
-        // It no longer offers to be opened.
+        // The view removes its mark for opening.
         Q_EMIT dataChanged(index, index);
     } else {
         beginInsertRows(index, 0, count - 1);
@@ -145,7 +145,7 @@ int DirTreeModel::columnCount(const QModelIndex& /*parent*/) const {
     return 1;
 }
 
-// A folder offers to be opened until it turns out to be empty.
+// A folder that has not been read can be opened.
 bool DirTreeModel::hasChildren(const QModelIndex& parent) const {
     const Node& node = NodeOf(parent);
     return parent.isValid() && node.state != State::Read ? true : !node.children.empty();

@@ -1,4 +1,4 @@
-// The folders and files under some root folders, each folder read when it is asked for.
+// The model of folders and files under some root folders. A folder is read on request.
 #pragma once
 
 #include <QAbstractItemModel>
@@ -21,23 +21,23 @@ public:
     explicit DirTreeModel(QObject* parent);
     ~DirTreeModel() override;
 
-    // One picture a kind, shared by all items of the kind, in the order of Kind.
+    // One icon for each kind, in the order of Kind.
     void SetIcons(const std::array<QIcon, 3>& icons);
-    // Forgets everything, the folders that are being read included. What is added from now on holds this, and
-    // is read by that.
+    // Removes all items, and drops the results of folders that are still being read. Sets what the items
+    // added later show, and how they are read.
     void Clear(const TreeContent& content, const FolderReader& reader);
-    // Adds a root folder, named as it is to be shown.
+    // Adds a root folder under the name to show.
     void AddDrive(const QString& rootFolder);
 
-    // Begins to read a folder that was not read before, without waiting for its drive. It fills all at a time
-    // while the event loop runs; then FolderRead is sent.
+    // Starts to read a folder that has not been read yet, and returns at once. The event loop later adds all
+    // children together and then emits FolderRead.
     void ReadFolder(const QModelIndex& folder);
     bool IsRead(const QModelIndex& folder) const;
 
-    // With "/" as separator.
+    // The path with "/" as separator.
     QString FilePath(const QModelIndex& index) const;
     Kind KindOf(const QModelIndex& index) const;
-    // The child with that name, or else one whose name differs in case alone; invalid when there is none.
+    // The child with that name, or one whose name differs only in case, or an invalid index.
     QModelIndex FindChild(const QModelIndex& folder, const QString& name) const;
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
@@ -49,7 +49,7 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 Q_SIGNALS:
-    // isFolder is false when there is no such folder any more.
+    // isFolder is false when the folder no longer exists.
     void FolderRead(const QModelIndex& folder, bool isFolder);
 
 private:
@@ -64,7 +64,7 @@ private:
     TreeContent m_content;
     std::array<QIcon, 3> m_icons;
     FolderReader m_read;
-    std::unique_ptr<AsyncReader> m_reading;  // another one after each Clear: results for what is gone are lost
+    std::unique_ptr<AsyncReader> m_reading;  // replaced by Clear, which drops its pending results
 };
 
 }  // namespace quorvane

@@ -11,6 +11,8 @@
 #include "editors/photo/drives.h"
 #include "widgets/message_box.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
@@ -72,7 +74,8 @@ QIcon CDirTreeCtrl::SystemIcon(QFileIconProvider::IconType type) const {
     return QFileIconProvider().icon(type);
 }
 
-// Three pictures for all items: asking the system for that of each file would take longer than reading it.
+// Three icons serve all items. Asking the system for the icon of each file would take longer than reading the
+// folder.
 bool CDirTreeCtrl::AttachIcons() {
     const std::array<QIcon, 3> icons{SystemIcon(QFileIconProvider::Drive),
                                      SystemIcon(QFileIconProvider::Folder),
@@ -86,7 +89,7 @@ void CDirTreeCtrl::Show(const CString& rootFolder, bool withFiles) {
     m_model->Clear({withFiles, m_extensions}, Reader());
     setColumnWidth(0, 0);
     if (!AttachIcons()) {
-        ShowMessage(this, QStringLiteral("Cannot retrieve the Handle of SystemImageList!"));
+        ShowMessage(this, u"Cannot retrieve the Handle of SystemImageList!"_s);
         return;
     }
     if (!rootFolder.isEmpty()) {
@@ -95,7 +98,7 @@ void CDirTreeCtrl::Show(const CString& rootFolder, bool withFiles) {
     }
     const QStringList drives = Drives();
     if (drives.isEmpty()) {
-        ShowMessage(this, QStringLiteral("Error Getting Logical DriveStrings!"));
+        ShowMessage(this, u"Error Getting Logical DriveStrings!"_s);
     }
     for (const QString& drive : drives) {
         m_model->AddDrive(drive);
@@ -110,11 +113,11 @@ void CDirTreeCtrl::AddRoot(const CString& rootFolder) {
     expand(m_root);
 }
 
-// A drive may have gone since it was listed.
+// A drive may be unplugged after it was listed.
 void CDirTreeCtrl::RootIsGone() {
     StopWalk();
     m_model->Clear({}, Reader());
-    ShowMessage(this, QStringLiteral("Error Gettting SystemFileInfo!"));
+    ShowMessage(this, u"Error Gettting SystemFileInfo!"_s);
 }
 
 void CDirTreeCtrl::SelectPath(const CString& path) {
@@ -151,7 +154,7 @@ QModelIndex CDirTreeCtrl::FindDrive(const QString& path) const {
     return m_model->index(static_cast<int>(drives.indexOf(DriveOfPath(path, drives))), 0);
 }
 
-// Goes down through the folders that are read. At one that is not it waits for FolderRead.
+// Walks down through folders that have been read. At any other it waits for FolderRead.
 void CDirTreeCtrl::WalkOn() {
     while (!m_namesToWalk.isEmpty()) {
         const QModelIndex child = m_model->FindChild(m_walkedTo, m_namesToWalk.constFirst());
@@ -180,12 +183,12 @@ void CDirTreeCtrl::StopWalk() {
     m_namesToWalk.clear();
 }
 
-// The column grows to the names in sight, so that long and deep ones can be scrolled to.
+// The column grows to the visible names, so that the user can scroll to the end of long ones.
 void CDirTreeCtrl::MakeRoomForNames() {
     setColumnWidth(0, std::max(columnWidth(0), sizeHintForColumn(0)));
 }
 
-// Across, the view moves as little as shows where the name begins.
+// The view scrolls sideways only when the start of the name would be hidden.
 void CDirTreeCtrl::scrollTo(const QModelIndex& index, ScrollHint hint) {
     const int before = horizontalScrollBar()->value();
     QTreeView::scrollTo(index, hint);

@@ -1,4 +1,4 @@
-// CDirTreeCtrl: a tree of drives, folders and, on request, files, in which one path is selected.
+// CDirTreeCtrl: a tree of drives, folders and optionally files, in which one path is selected.
 #pragma once
 
 #include <QFileIconProvider>
@@ -20,18 +20,18 @@ public:
     explicit CDirTreeCtrl(QWidget* parent);
     ~CDirTreeCtrl() override;
 
-    // The extensions, each with its ".", of the files that Show is to show; none: all files.
+    // The extensions of the files to show, each with its "."; an empty list shows all files.
     void SetExtensions(const QStringList& extensions);
 
-    // Shows the tree under rootFolder (empty: all drives) anew, folders first, and with it files on request.
-    // A folder is read when it is opened, and fills while the event loop runs: a drive that does not answer
-    // holds up neither the program nor other folders. Shows a message and an empty tree when there is nothing
-    // to show; that rootFolder is none is found out while the event loop runs.
+    // Refills the tree with rootFolder (empty: all drives), folders before files. A folder is read when it is
+    // opened, and filled by the event loop, so a drive that does not answer delays neither the program nor
+    // other folders. Shows a message and an empty tree when there is nothing to show. A missing rootFolder is
+    // noticed later, by the event loop.
     void Show(const CString& rootFolder, bool withFiles);
 
-    // Opens the tree down to path, or as far as it leads, and selects what it finds; done while the event
-    // loop runs. A path that does not exist, or whose drive is not shown, selects nothing. What the user does
-    // in the tree meanwhile goes before it.
+    // Expands the tree down to path, as far as the tree holds it, and selects the last item found. The event
+    // loop does this later; a click or key of the user in the tree cancels it. A path that does not exist, or
+    // whose drive is not shown, selects nothing.
     void SelectPath(const CString& path);
 
     // The full native path of the selected item, or empty.
@@ -40,7 +40,7 @@ public:
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
 Q_SIGNALS:
-    // The user selected a file, or clicked on the one that was selected before.
+    // The user selected a file, or clicked the selected file again.
     void FileChosen(const quorvane::CString& path);
 
 protected:
@@ -66,12 +66,12 @@ private:
     DirTreeModel* m_model;
     QStringList m_extensions;
     QPersistentModelIndex m_root;      // the one root folder, unless all drives are shown
-    AsyncReader m_checks;               // of whether the path to select exists
+    AsyncReader m_checks;              // whether the path to select exists
     CString m_pathToSelect;            // while it is being checked
-    bool m_walking = false;            // on the way to the path to select
-    QPersistentModelIndex m_walkedTo;  // how far it is
-    QStringList m_namesToWalk;         // what is left of it
-    bool m_selecting = false;          // the tree selects by itself
+    bool m_walking = false;            // expanding the tree to the path to select
+    QPersistentModelIndex m_walkedTo;  // the last item reached
+    QStringList m_namesToWalk;         // the names that remain
+    bool m_selecting = false;          // the selection comes from SelectPath
     bool m_reported = false;           // this click has already been reported
 };
 

@@ -1,8 +1,10 @@
 #include "editors/photo/drives.h"
 
 #include <QDir>
-#include <QFile>
+#include <QFileInfo>
 #include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 namespace {
@@ -17,33 +19,15 @@ QString WithTrailingSeparator(const QString& folder) {
     return QDir::toNativeSeparators(folder.endsWith(u'/') ? folder : folder + u'/');
 }
 
-// In the table a character that would end a field is a backslash and its three octal digits.
-QString FolderOfField(const QByteArray& field) {
-    QByteArray folder;
-    for (qsizetype at = 0; at < field.size(); ++at) {
-        const bool escaped = field[at] == '\\';
-        folder += escaped ? static_cast<char>(field.mid(at + 1, 3).toInt(nullptr, 8)) : field[at];
-        at += escaped ? 3 : 0;
-    }
-    return QFile::decodeName(folder);
-}
-
-// Whether a volume holds a person's files rather than a part of the running system.
-bool IsPersonsVolume(const QString& rootPath, const QString& fileSystemType) {
-    static const QStringList systemTypes{
-        QStringLiteral("autofs"),   QStringLiteral("cgroup"),      QStringLiteral("cgroup2"),
-        QStringLiteral("devtmpfs"), QStringLiteral("fuse.portal"), QStringLiteral("overlay"),
-        QStringLiteral("proc"),     QStringLiteral("ramfs"),       QStringLiteral("squashfs"),
-        QStringLiteral("sysfs"),    QStringLiteral("tmpfs")};
-    static const QStringList systemFolders{
-        QStringLiteral("/boot"), QStringLiteral("/dev"), QStringLiteral("/efi"),  QStringLiteral("/etc"),
-        QStringLiteral("/proc"), QStringLiteral("/run"), QStringLiteral("/snap"), QStringLiteral("/sys"),
-        QStringLiteral("/tmp"),  QStringLiteral("/usr"), QStringLiteral("/var")};
-    // Shares, wherever the desktop has mounted them.
-    static const QStringList shareTypes{QStringLiteral("9p"),         QStringLiteral("cifs"),
-                                        QStringLiteral("davfs"),      QStringLiteral("fuse.gvfsd-fuse"),
-                                        QStringLiteral("fuse.sshfs"), QStringLiteral("nfs"),
-                                        QStringLiteral("nfs4"),       QStringLiteral("smb3")};
+bool HoldsUserFiles(const QString& rootPath, const QString& fileSystemType) {
+    static const QStringList systemTypes{u"autofs"_s,      u"cgroup"_s,  u"cgroup2"_s, u"devtmpfs"_s,
+                                         u"fuse.portal"_s, u"overlay"_s, u"proc"_s,    u"ramfs"_s,
+                                         u"squashfs"_s,    u"sysfs"_s,   u"tmpfs"_s};
+    static const QStringList systemFolders{u"/boot"_s, u"/dev"_s, u"/efi"_s, u"/etc"_s, u"/proc"_s, u"/run"_s,
+                                           u"/snap"_s, u"/sys"_s, u"/tmp"_s, u"/usr"_s, u"/var"_s};
+    // Network shares count wherever the desktop has mounted them.
+    static const QStringList shareTypes{u"9p"_s,         u"cifs"_s, u"davfs"_s, u"fuse.gvfsd-fuse"_s,
+                                        u"fuse.sshfs"_s, u"nfs"_s,  u"nfs4"_s,  u"smb3"_s};
     if (systemTypes.contains(fileSystemType)) {
         return false;
     }
@@ -53,7 +37,7 @@ bool IsPersonsVolume(const QString& rootPath, const QString& fileSystemType) {
     const auto holdsRoot = [&rootPath](const QString& folder) {
         return rootPath == folder || rootPath.startsWith(folder + u'/');
     };
-    return rootPath.startsWith(QStringLiteral("/run/media/")) ||
+    return rootPath.startsWith(u"/run/media/"_s) ||
            std::none_of(systemFolders.begin(), systemFolders.end(), holdsRoot);
 }
 
@@ -64,27 +48,18 @@ QStringList LogicalDrives() {
     for (const QFileInfo& drive : QDir::drives()) {
         drives += WithTrailingSeparator(drive.absoluteFilePath());
     }
-    for (const QString& folder : PersonsFolders(MountTable())) {
+    for (const QString& folder : UserFolders(MountedVolumes())) {
         drives += WithTrailingSeparator(folder);
     }
     drives.removeDuplicates();
     return drives;
 }
 
-// A line has six fields, of which the fifth is the folder, any number of others, a "-", and then the type.
-QStringList PersonsFolders(const QByteArray& mountTable) {
-    constexpr int folderField = 4;
-    constexpr int firstOptionalField = 6;
+QStringList UserFolders(const std::vector<Volume>& volumes) {
     QStringList folders;
-    for (const QByteArray& line : mountTable.split('\n')) {
-        const QByteArrayList fields = line.split(' ');
-        const qsizetype type = fields.indexOf(QByteArrayLiteral("-"), firstOptionalField) + 1;
-        if (type == 0 || type >= fields.size()) {
-            continue;
-        }
-        const QString folder = FolderOfField(fields[folderField]);
-        if (IsPersonsVolume(folder, QString::fromLatin1(fields[type]))) {
-            folders += folder;
+    for (const Volume& volume : volumes) {
+        if (HoldsUserFiles(volume.rootFolder, volume.fileSystemType)) {
+            folders += volume.rootFolder;
         }
     }
     folders.sort();

@@ -1,26 +1,30 @@
-// The drives that a person can pick files from. Nothing here touches a drive, so a share that has gone holds
-// nothing up.
+// The drives from which the user can pick files. Nothing here touches a drive, so a network share that does
+// not answer delays nothing.
 #pragma once
 
-#include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <vector>
 
 namespace quorvane {
 
-// The root folder of every drive, native and with a trailing separator: "C:\", or "/" and the mounted volumes
-// that hold a person's files. Empty when the system names none. Whether one can be read shows when it is.
+// The root folder of each drive, native and with a trailing separator: "C:\", or "/" and the mounted volumes
+// with user files. Empty when the system lists none. A drive may turn out to be unreadable later.
 QStringList LogicalDrives();
 
-// What this system says about the volumes mounted into its one tree of folders, in the form that
-// PersonsFolders reads; empty where drives have letters.
-QByteArray MountTable();
+struct Volume {
+    QString rootFolder;
+    QString fileSystemType;
+};
 
-// The root folders of the volumes in such a table that hold a person's files rather than a part of the
-// running system, sorted.
-QStringList PersonsFolders(const QByteArray& mountTable);
+// The volumes mounted into the one tree of folders, from a table in the format of /etc/fstab. Empty where
+// drives have letters.
+std::vector<Volume> MountedVolumes(const char* table = "/proc/self/mounts");
 
-// The innermost of the drives that path lies on, or an empty text. Separators of both kinds are taken.
+// The root folders of the volumes that hold user files and no part of the running system, sorted.
+QStringList UserFolders(const std::vector<Volume>& volumes);
+
+// The innermost of the drives that holds path, or an empty text. Separators of both kinds are accepted.
 QString DriveOfPath(const QString& path, const QStringList& drives);
 
 }  // namespace quorvane

@@ -1,12 +1,19 @@
+#include <mntent.h>
+
 #include <QFile>
+#include <memory>
 
 #include "editors/photo/drives.h"
 
 namespace quorvane {
 
-QByteArray MountTable() {
-    QFile table(QStringLiteral("/proc/self/mountinfo"));
-    return table.open(QIODevice::ReadOnly) ? table.readAll() : QByteArray();
+std::vector<Volume> MountedVolumes(const char* table) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(setmntent(table, "r"), endmntent);
+    std::vector<Volume> volumes;
+    while (const mntent* entry = file ? getmntent(file.get()) : nullptr) {
+        volumes.push_back({QFile::decodeName(entry->mnt_dir), QString::fromLatin1(entry->mnt_type)});
+    }
+    return volumes;
 }
 
 }  // namespace quorvane

@@ -2,7 +2,7 @@
 
 namespace quorvane {
 
-QByteArray MountTable() {
+std::vector<Volume> MountedVolumes(const char* /*table*/) {
     return {};
 }
 

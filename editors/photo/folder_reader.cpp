@@ -8,6 +8,8 @@
 
 #include "widgets/chinese_order.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
@@ -23,9 +25,9 @@ QDir::Filters Filters(bool withFiles) {
     return withFiles ? folders | QDir::Files : folders;
 }
 
-// The waste bin of old file systems holds nothing that a person looks for.
+// The waste bin of old file systems.
 bool IsWasteBin(const QString& folder) {
-    return folder == QStringLiteral("Recycled");
+    return folder == u"Recycled"_s;
 }
 
 QStringList SortedNames(std::vector<Entry>& entries) {

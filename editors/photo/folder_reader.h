@@ -1,4 +1,4 @@
-// Reads what a folder holds, in the order in which a person looks for it.
+// Reads the contents of a folder, sorted by pinyin and by numbers.
 #pragma once
 
 #include <QString>
@@ -7,22 +7,22 @@
 
 namespace quorvane {
 
-// Whether path ends in one of the extensions, each with its "."; case does not count.
+// Whether path ends in one of the extensions, each with its ".", in upper or lower case.
 bool HasExtension(const QString& path, const QStringList& extensions);
 
-// What a folder's part of the tree shows.
+// What the tree shows of a folder.
 struct TreeContent {
     bool withFiles = false;
-    QStringList extensions;  // those of the files to show; none: all files
+    QStringList extensions;  // of the files to show; none: all files
 };
 
 struct FolderContents {
     bool isFolder = false;
     QStringList folders;  // names
-    QStringList files;    // names, of the files wanted
+    QStringList files;    // names
 };
 
-// Any thread may call it, and it may take as long as the folder's drive. What cannot be read counts as empty.
+// Thread-safe. It takes as long as the drive does. A folder that cannot be read counts as empty.
 FolderContents ReadFolder(const QString& folder, const TreeContent& wanted);
 
 using FolderReader = std::function<FolderContents(const QString& folder, const TreeContent& wanted)>;

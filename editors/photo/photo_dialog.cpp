@@ -14,6 +14,8 @@
 #include "widgets/ease_combo_box.h"
 #include "widgets/image_button.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
@@ -42,11 +44,10 @@ const DialogControl kTemplate[] = {
 };
 constexpr QSize kTemplateSize(380, 238);
 
-const CString kAllDrives = QStringLiteral("全部");
+const CString kAllDrives = u"全部"_s;
 
 const QStringList& PictureExtensions() {
-    static const QStringList extensions{QStringLiteral(".bmp"), QStringLiteral(".jpg"),
-                                        QStringLiteral(".GIF"), QStringLiteral(".jpeg")};
+    static const QStringList extensions{u".bmp"_s, u".jpg"_s, u".GIF"_s, u".jpeg"_s};
     return extensions;
 }
 
@@ -57,15 +58,15 @@ QWidget* MakeCustomControl(int id, QWidget* dialog) {
     return new PicturePreview(dialog);
 }
 
-// How long the dialog waits to learn whether the initial path is a file.
+// The longest wait for the check of the initial path.
 constexpr std::chrono::milliseconds kPatience(200);
 
 bool IsReadableFile(const CString& path) {
     return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly);
 }
 
-// A path on a drive that does not answer is kept: it may be a picture, and an empty one would have the user
-// take away the luminaire's photo without a word.
+// A path on a drive that does not answer is kept. With an empty path instead, OK would delete the luminaire's
+// photo unnoticed.
 CString KeptPath(const CString& path) {
     const bool kept = !path.isEmpty() &&
                       AsyncReader::Within(kPatience, [path] { return IsReadableFile(path); }).value_or(true);
@@ -77,8 +78,8 @@ CString KeptPath(const CString& path) {
 CLuminairePhotoSettingDlg::CLuminairePhotoSettingDlg(const CString& initialPath, const CString& title,
                                                      QWidget* parent)
     : QDialog(parent), m_path(KeptPath(initialPath)) {
-    setObjectName(QStringLiteral("photoDialog"));
-    setWindowTitle(title + QStringLiteral(" 图片设置"));
+    setObjectName(u"photoDialog"_s);
+    setWindowTitle(title + u" 图片设置"_s);
     CreateControls(this, kTemplate, MakeCustomControl);
     setFixedSize(DialogUnits(font()).ToPixels(kTemplateSize));
     m_pathEdit = DialogItem<QLineEdit>(this, kPath);
@@ -94,9 +95,9 @@ CLuminairePhotoSettingDlg::CLuminairePhotoSettingDlg(const CString& initialPath,
     ShowPicture(m_path);
     m_tree->setFocus();
 
-    connect(m_tree, &CDirTreeCtrl::FileChosen, this, &CLuminairePhotoSettingDlg::ChooseFile);
+    connect(m_tree, &CDirTreeCtrl::FileChosen, this, &CLuminairePhotoSettingDlg::OnFileChosen);
     connect(m_drives, &CEaseComboBox::SelectionChanged, this, &CLuminairePhotoSettingDlg::ShowDrive);
-    connect(m_pathEdit, &QLineEdit::editingFinished, this, &CLuminairePhotoSettingDlg::ShowTypedPath);
+    connect(m_pathEdit, &QLineEdit::editingFinished, this, &CLuminairePhotoSettingDlg::OnPathTyped);
 }
 
 CLuminairePhotoSettingDlg::~CLuminairePhotoSettingDlg() = default;
@@ -118,17 +119,17 @@ void CLuminairePhotoSettingDlg::DecorateButtons() {
         button->setAutoDefault(true);
         return button;
     };
-    QPushButton* ok = decorate(kOk, IconId::Ok, QStringLiteral("确定"));
-    QPushButton* cancel = decorate(kCancel, IconId::Exit, QStringLiteral("退出"));
-    m_previous = decorate(kPrevious, IconId::Previous, QStringLiteral("上一个所选图片"));
-    m_next = decorate(kNext, IconId::Next, QStringLiteral("下一个所选图片"));
-    QPushButton* clear = decorate(kClear, IconId::Clear, QStringLiteral("清除图片"));
+    QPushButton* ok = decorate(kOk, IconId::Ok, u"确定"_s);
+    QPushButton* cancel = decorate(kCancel, IconId::Exit, u"退出"_s);
+    m_previous = decorate(kPrevious, IconId::Previous, u"上一个所选图片"_s);
+    m_next = decorate(kNext, IconId::Next, u"下一个所选图片"_s);
+    QPushButton* clear = decorate(kClear, IconId::Clear, u"清除图片"_s);
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, this, &CLuminairePhotoSettingDlg::accept);
     connect(cancel, &QPushButton::clicked, this, &CLuminairePhotoSettingDlg::reject);
     connect(m_previous, &QPushButton::clicked, this, [this] { StepThroughHistory(-1); });
     connect(m_next, &QPushButton::clicked, this, [this] { StepThroughHistory(1); });
-    connect(clear, &QPushButton::clicked, this, &CLuminairePhotoSettingDlg::Clear);
+    connect(clear, &QPushButton::clicked, this, &CLuminairePhotoSettingDlg::OnClear);
     EnableSteps();
 }
 
@@ -137,7 +138,7 @@ void CLuminairePhotoSettingDlg::ShowDrive() {
     m_tree->Show(drive == kAllDrives ? CString() : drive, true);
 }
 
-void CLuminairePhotoSettingDlg::ChooseFile(const CString& path) {
+void CLuminairePhotoSettingDlg::OnFileChosen(const CString& path) {
     if (!HasExtension(path, PictureExtensions())) {
         return;
     }
@@ -148,15 +149,15 @@ void CLuminairePhotoSettingDlg::ChooseFile(const CString& path) {
     EnableSteps();
 }
 
-// Makes path the current one.
+// Makes path the current path.
 void CLuminairePhotoSettingDlg::ShowPicture(const CString& path) {
     m_path = path;
     m_pathEdit->setText(path);
     m_preview->ShowFile(HasExtension(path, PictureExtensions()) ? path : CString());
 }
 
-// The user may also type or paste a path; like the path at the start it is none that was chosen here.
-void CLuminairePhotoSettingDlg::ShowTypedPath() {
+// A typed or pasted path is shown, but does not enter the history.
+void CLuminairePhotoSettingDlg::OnPathTyped() {
     if (m_pathEdit->text() != m_path) {
         ShowPicture(m_pathEdit->text());
     }
@@ -176,7 +177,7 @@ void CLuminairePhotoSettingDlg::EnableSteps() {
     m_next->setEnabled(m_shown < m_history.size() - 1);
 }
 
-void CLuminairePhotoSettingDlg::Clear() {
+void CLuminairePhotoSettingDlg::OnClear() {
     ShowPicture({});
 }
 

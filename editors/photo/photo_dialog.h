@@ -19,13 +19,12 @@ class CLuminairePhotoSettingDlg : public QDialog {
     Q_OBJECT
 
 public:
-    // initialPath, a native path, is kept only when the file can be opened for reading; on a drive that does
-    // not answer at once it is kept as well. title, which says whose picture it is, stands in the caption.
+    // initialPath, a native path, is kept when the file can be opened for reading, or when its drive does not
+    // answer at once. title is the luminaire's title for the caption.
     CLuminairePhotoSettingDlg(const CString& initialPath, const CString& title, QWidget* parent);
     ~CLuminairePhotoSettingDlg() override;
 
-    // The chosen path, native, once the dialog was left by OK; empty when the luminaire is to have no
-    // picture.
+    // The chosen native path after OK; empty when the luminaire gets no picture.
     const CString& Path() const { return m_path; }
 
     void accept() override;
@@ -34,16 +33,16 @@ private:
     void FillDriveList();
     void DecorateButtons();
     void ShowDrive();
-    void ChooseFile(const CString& path);
+    void OnFileChosen(const CString& path);
     void ShowPicture(const CString& path);
-    void ShowTypedPath();
+    void OnPathTyped();
     void StepThroughHistory(int step);
     void EnableSteps();
-    void Clear();
+    void OnClear();
 
     CString m_path;
-    QStringList m_history;  // pictures chosen while the dialog is open, the latest last
-    qsizetype m_shown = 0;  // the one of them that is shown
+    QStringList m_history;  // pictures chosen in this dialog, the latest last
+    qsizetype m_shown = 0;  // index of the one shown
 
     QLineEdit* m_pathEdit = nullptr;
     CDirTreeCtrl* m_tree = nullptr;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr qint64 kMostPixels = 100'000'000;
 constexpr qint64 kMostBytes = 256LL << 20;  // of a file
-// Not held up by one that is slow, yet the memory for pictures that nobody waits for any more stays bounded.
+// One slow file must not delay the next. The bound limits the memory for pictures that are no longer wanted.
 constexpr int kLoadedAtOnce = 2;
 
 bool IsBearable(const QSize& size) {
@@ -34,7 +34,7 @@ QByteArray Contents(const CString& path) {
 }  // namespace
 
 QImage LoadPicture(const CString& file, const QSize& area) {
-    // Qt's own limit is lower, and for some formats only. Eight bytes is the most that a pixel takes.
+    // The limit of the toolkit is lower, and holds only for some formats. A pixel takes at most eight bytes.
     static const bool limited = (QImageReader::setAllocationLimit(kMostPixels * 8 >> 20), true);
     Q_UNUSED(limited)
     QByteArray contents = Contents(file);
@@ -44,7 +44,7 @@ QImage LoadPicture(const CString& file, const QSize& area) {
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     const QByteArray format = QImageReader::imageFormat(&buffer);
-    // The size is asked for before anything is decoded: it alone decides how much memory that takes.
+    // The size decides how much memory decoding takes, so it is checked first.
     if (!IsPhotoFormat(format) || !IsBearable(reader.size()) || !IsWholePicture(contents, format)) {
         return {};
     }

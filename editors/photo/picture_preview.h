@@ -9,17 +9,17 @@
 
 namespace quorvane {
 
-// The picture in a file as it is to be shown in an area of that many pixels, which it may be larger or
-// smaller than; null when the file cannot be read whole as a picture, or asks for more memory than a photo
-// may take. What the file is called does not matter. Any thread may call it.
+// The picture of a file for an area of that many pixels. The picture may be larger or smaller than the area.
+// Null when the file is no complete picture or needs too much memory. The name of the file does not matter.
+// Thread-safe.
 QImage LoadPicture(const CString& file, const QSize& area);
 
 class PicturePreview : public QFrame {
 public:
     explicit PicturePreview(QWidget* parent);
 
-    // Shows the picture as soon as it is loaded, which does not hold up the event loop, and nothing before or
-    // when there is none in the file. An empty path shows nothing. Of several files the last one counts.
+    // Shows the picture once it is loaded, and nothing until then, without delaying the event loop. Nothing
+    // is shown for an empty path or a file without a picture. A later call replaces an earlier one.
     void ShowFile(const CString& file);
     bool IsBlank() const { return m_picture.isNull(); }
 
@@ -28,7 +28,7 @@ protected:
 
 private:
     AsyncReader m_loading;
-    int m_request = 0;  // the last one counts
+    int m_request = 0;  // number of the last ShowFile
     QImage m_picture;
 };
 

@@ -2,10 +2,12 @@
 
 #include <cstdlib>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
-// Reads forward through the contents. What lies beyond their end reads as 0 and is remembered.
+// Reads forward. Beyond the end of the contents it reads 0.
 class Bytes {
 public:
     explicit Bytes(const QByteArray& contents, qint64 position = 0)
@@ -53,7 +55,7 @@ bool IsWholeBitmap(const QByteArray& contents) {
     return runLengths || pixels + bytesPerRow * height <= contents.size();
 }
 
-// Segments with a length stand before the first scan; its end mark cannot occur among compressed pixels.
+// Segments with a length precede the first scan. The end mark cannot occur among compressed pixels.
 bool IsWholeJpeg(const QByteArray& contents) {
     constexpr int scan = 0xDA;
     Bytes bytes(contents, 2);
@@ -65,7 +67,7 @@ bool IsWholeJpeg(const QByteArray& contents) {
         const int length = bytes.BigEndian16();
         bytes.Skip(length - 2);
         if (mark == scan) {
-            return contents.indexOf(QByteArrayLiteral("\xFF\xD9"), bytes.Position()) >= 0;
+            return contents.indexOf("\xFF\xD9"_ba, bytes.Position()) >= 0;
         }
     }
     return false;
@@ -77,7 +79,7 @@ void SkipGifColours(Bytes& bytes, int flags) {
     }
 }
 
-// Blocks with a length each, up to an empty one.
+// Each block begins with its length. An empty one is the last.
 void SkipGifBlocks(Bytes& bytes) {
     while (const int length = bytes.Byte()) {
         bytes.Skip(length);

@@ -1,12 +1,14 @@
-// Tells a whole picture file from one that was cut short, which decoders would show half grey.
+// Tells a complete picture file from a truncated one. QImageReader shows a truncated file half grey, without
+// an error.
 #pragma once
 
 #include <QByteArray>
 
 namespace quorvane {
 
-// Whether the file contents hold the picture (of several: the first) to its end. format is the one that the
-// contents were recognised as: "bmp", "jpeg" or "gif"; any other is left to its decoder to judge.
+// Whether the contents hold the first picture of the file completely. format is the recognised one. Formats
+// other than "bmp", "jpeg", "jpg" and "gif" count as complete, because their decoders report a truncated
+// file.
 bool IsWholePicture(const QByteArray& contents, const QByteArray& format);
 
 }  // namespace quorvane

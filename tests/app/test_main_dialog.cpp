@@ -2,18 +2,22 @@
 #include <QPushButton>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QVBoxLayout>
 
 #include "app/main_dialog.h"
+#include "app/single_instance.h"
 #include "tests/support/message_answers.h"
 #include "widgets/dialog_template.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 using namespace quorvane;
 
 namespace {
 
-const QString kQuestion = u"照度计算数据库维护|数据未提交,是否提交?|是/否/取消"_qs;
+const QString kQuestion = u"照度计算数据库维护|数据未提交,是否提交?|是/否/取消"_s;
 
 // A page that writes down what the dialog asks of it.
 class FakePage : public CPage {
@@ -31,13 +35,13 @@ public:
         editing = false;
     }
     bool Submit() override {
-        *m_calls += m_name + u".submit"_qs;
+        *m_calls += m_name + u".submit"_s;
         modified = false;
         return true;
     }
-    void Refresh() override { *m_calls += m_name + u".refresh"_qs; }
+    void Refresh() override { *m_calls += m_name + u".refresh"_s; }
     bool DeleteSelected() override {
-        *m_calls += m_name + u".delete"_qs;
+        *m_calls += m_name + u".delete"_s;
         return true;
     }
 
@@ -57,8 +61,8 @@ struct Fixture {
             };
         };
         dialog = std::make_unique<CQuorvaneDlg>(
-            MainDialogPages{maker(u"light"_qs, light), maker(u"luminaire"_qs, luminaire),
-                            maker(u"requirement"_qs, requirement)},
+            MainDialogPages{maker(u"light"_s, light), maker(u"luminaire"_s, luminaire),
+                            maker(u"requirement"_s, requirement)},
             QString());
         dialog->show();
     }
@@ -92,8 +96,8 @@ private Q_SLOTS:
         QVERIFY(fixture.requirement->isVisible());
         fixture.Press(kSubmit);
         fixture.Press(kDelete);
-        QCOMPARE(fixture.calls, QStringList({u"requirement.submit"_qs, u"requirement.refresh"_qs,
-                                             u"requirement.delete"_qs}));
+        QCOMPARE(fixture.calls,
+                 QStringList({u"requirement.submit"_s, u"requirement.refresh"_s, u"requirement.delete"_s}));
         QVERIFY(fixture.light->modified);
         QVERIFY(fixture.answers.TakeSeen().isEmpty());
     }
@@ -114,18 +118,38 @@ private Q_SLOTS:
                 }
                 QCOMPARE(fixture.answers.TakeSeen(),
                          answer.isEmpty() ? QStringList() : QStringList(kQuestion));
-                QCOMPARE(fixture.dialog->isVisible(), answer == u"取消"_qs);
+                QCOMPARE(fixture.dialog->isVisible(), answer == u"取消"_s);
             };
             leave({});
             fixture.light->editing = true;  // an edit still open when the window is closed is an edit
-            leave(u"取消"_qs);
+            leave(u"取消"_s);
             QVERIFY(fixture.light->modified);
-            leave(u"否"_qs);
+            leave(u"否"_s);
             QVERIFY(fixture.calls.isEmpty());
-            leave(u"是"_qs);
+            leave(u"是"_s);
             QCOMPARE(fixture.calls,
-                     QStringList({u"luminaire.submit"_qs, u"light.submit"_qs, u"requirement.submit"_qs}));
+                     QStringList({u"luminaire.submit"_s, u"light.submit"_s, u"requirement.submit"_s}));
         }
+    }
+
+    void OneCopyRunsAndTheLockFileStaysInTheRuntimeFolder() {
+        const QTemporaryDir folder;
+        const QString before = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(folder.path()));
+        qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8());
+        {
+            const SingleInstanceGuard first(u"Test"_s);
+            QVERIFY(!first.IsAlreadyRunning());
+            QVERIFY(SingleInstanceGuard(u"Test"_s).IsAlreadyRunning());
+        }
+        QVERIFY(!SingleInstanceGuard(u"Test"_s).IsAlreadyRunning());
+        QVERIFY(QFile::remove(u"Test.lock"_s));
+        qputenv("XDG_RUNTIME_DIR", "/proc/none");
+        qputenv("TMPDIR", "/proc/none");
+        QVERIFY(!SingleInstanceGuard(u"Test"_s).IsAlreadyRunning());
+        QVERIFY(QDir(folder.path()).isEmpty());
+        qunsetenv("TMPDIR");
+        QDir::setCurrent(before);
     }
 
     void KeysDoNotLeave() {
@@ -156,7 +180,7 @@ private Q_SLOTS:
             QCOMPARE(fixture.calls, before);  // a key held down must not answer what the button asks
             QTest::keyRelease(QApplication::focusWidget(), Qt::Key_Return);
         }
-        QCOMPARE(fixture.calls, QStringList({u"light.submit"_qs, u"light.refresh"_qs, u"light.delete"_qs}));
+        QCOMPARE(fixture.calls, QStringList({u"light.submit"_s, u"light.refresh"_s, u"light.delete"_s}));
         QVERIFY(!fixture.dialog->isVisible());
     }
 };

@@ -1,3 +1,4 @@
+#include <QAbstractItemModelTester>
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
@@ -10,6 +11,8 @@
 #include "editors/photo/drives.h"
 #include "tests/support/message_answers.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace quorvane;
 using namespace std::chrono_literals;
 
@@ -19,6 +22,7 @@ namespace {
 class Tree : public CDirTreeCtrl {
 public:
     Tree() : CDirTreeCtrl(nullptr) {
+        new QAbstractItemModelTester(model(), QAbstractItemModelTester::FailureReportingMode::QtTest, this);
         resize(300, 400);
         show();
     }
@@ -31,7 +35,7 @@ protected:
     QStringList Drives() const override { return drives; }
     FolderReader Reader() const override {
         return [gate = letGo](const QString& folder, const TreeContent& wanted) {
-            if (folder.contains(u"dead"_qs)) {
+            if (folder.contains(u"dead"_s)) {
                 gate->acquire();
             }
             return ReadFolder(folder, wanted);
@@ -58,56 +62,56 @@ private Q_SLOTS:
     }
 
     void FoldersStandFirstInAPersonsOrder() {
-        Add({u"10.jpg"_qs, u"2.JPG"_qs, u"荧光灯.jpg"_qs, u"白炽灯.Jpeg"_qs, u"b 1.gif"_qs, u"A.bmp"_qs,
-             u".x.jpg"_qs, u"note.txt"_qs, u"jpg"_qs, u"z/1"_qs, u"卤钨/1"_qs, u"高压/1"_qs, u"Recycled/1"_qs,
-             u"a.jpg/1"_qs});
-        const QModelIndex root = ShowFolder({u".bmp"_qs, u".jpg"_qs, u".GIF"_qs, u".jpeg"_qs});
+        Add({u"10.jpg"_s, u"2.JPG"_s, u"荧光灯.jpg"_s, u"白炽灯.Jpeg"_s, u"b 1.gif"_s, u"A.bmp"_s,
+             u".x.jpg"_s, u"note.txt"_s, u"jpg"_s, u"z/1"_s, u"卤钨/1"_s, u"高压/1"_s, u"Recycled/1"_s,
+             u"a.jpg/1"_s});
+        const QModelIndex root = ShowFolder({u".bmp"_s, u".jpg"_s, u".GIF"_s, u".jpeg"_s});
         QCOMPARE(root.data().toString(), m_folder->path() + u'/');
         const QStringList names = Names(root);
         // Which of the two scripts stands first is the system's habit.
-        QCOMPARE(names.filter(QRegularExpression(u"[一-龥]"_qs)).join(u' '),
-                 u"高压 卤钨 白炽灯.Jpeg 荧光灯.jpg"_qs);
-        QCOMPARE(names.filter(QRegularExpression(u"^[ -~]*$"_qs)).join(u'|'),
-                 u"a.jpg|z|.x.jpg|2.JPG|10.jpg|A.bmp|b 1.gif"_qs);
-        QVERIFY(names.indexOf(u"高压"_qs) < 4 && names.indexOf(u"z"_qs) < 4);
+        QCOMPARE(names.filter(QRegularExpression(u"[一-龥]"_s)).join(u' '),
+                 u"高压 卤钨 白炽灯.Jpeg 荧光灯.jpg"_s);
+        QCOMPARE(names.filter(QRegularExpression(u"^[ -~]*$"_s)).join(u'|'),
+                 u"a.jpg|z|.x.jpg|2.JPG|10.jpg|A.bmp|b 1.gif"_s);
+        QVERIFY(names.indexOf(u"高压"_s) < 4 && names.indexOf(u"z"_s) < 4);
     }
 
     void AFolderIsReadWhenItIsOpened() {
-        Add({u"outer/inner/a.jpg"_qs, u"outer2/vanished"_qs});
+        Add({u"outer/inner/a.jpg"_s, u"outer2/vanished"_s});
         const QModelIndex root = ShowFolder();
         const QAbstractItemModel& model = *m_tree->model();
         const QPersistentModelIndex outer = model.index(0, 0, root);
         QVERIFY(model.hasChildren(outer));
         QTest::qWait(50);
         QCOMPARE(model.rowCount(outer), 0);
-        Add({u"outer/b.jpg"_qs});
+        Add({u"outer/b.jpg"_s});
         m_tree->setCurrentIndex(outer);
         QTest::keyClick(m_tree.get(), Qt::Key_Right);
-        QTRY_COMPARE(Names(outer), (QStringList{u"inner"_qs, u"b.jpg"_qs}));
+        QTRY_COMPARE(Names(outer), (QStringList{u"inner"_s, u"b.jpg"_s}));
         QCOMPARE(model.rowCount(model.index(0, 0, outer)), 0);
 
-        QVERIFY(QDir(Path(u"outer2"_qs)).removeRecursively());
+        QVERIFY(QDir(Path(u"outer2"_s)).removeRecursively());
         m_tree->expand(model.index(1, 0, root));
         QTRY_VERIFY(!model.hasChildren(model.index(1, 0, root)));
     }
 
     void SelectsDownToThePath() {
         // A link back up is followed as far as the path goes.
-        QVERIFY(QFile::link(m_folder->path(), Path(u"loop"_qs)));
-        Add({u"outer/图 片/a.b.jpg"_qs, u"outer/图 片/.x.jpg"_qs, u"outer/note.txt"_qs});
-        m_tree->SetExtensions({u".jpg"_qs});
+        QVERIFY(QFile::link(m_folder->path(), Path(u"loop"_s)));
+        Add({u"outer/图 片/a.b.jpg"_s, u"outer/图 片/.x.jpg"_s, u"outer/note.txt"_s});
+        m_tree->SetExtensions({u".jpg"_s});
         for (const bool allDrives : {false, true}) {
             for (const auto& [path, selected] :
-                 {std::pair{u"outer/图 片/a.b.jpg"_qs, u"outer/图 片/a.b.jpg"_qs},
-                  {u"outer//图 片/../图 片/.x.jpg"_qs, u"outer/图 片/.x.jpg"_qs},
-                  {u"loop/loop/outer/note.txt"_qs, u"loop/loop/outer"_qs}}) {
+                 {std::pair{u"outer/图 片/a.b.jpg"_s, u"outer/图 片/a.b.jpg"_s},
+                  {u"outer//图 片/../图 片/.x.jpg"_s, u"outer/图 片/.x.jpg"_s},
+                  {u"loop/loop/outer/note.txt"_s, u"loop/loop/outer"_s}}) {
                 m_tree->Show(allDrives ? QString() : m_folder->path(), true);
                 m_tree->SelectPath(Path(path));
                 QTRY_COMPARE(m_tree->SelectedPath(), Path(selected));
                 QVERIFY(m_tree->viewport()->rect().intersects(m_tree->visualRect(m_tree->currentIndex())));
             }
             m_tree->Show(allDrives ? QString() : m_folder->path(), true);
-            m_tree->SelectPath(Path(u"outer/none.jpg"_qs));
+            m_tree->SelectPath(Path(u"outer/none.jpg"_s));
             QTest::qWait(100);
             QCOMPARE(m_tree->SelectedPath(), QString());
         }
@@ -115,26 +119,26 @@ private Q_SLOTS:
     }
 
     void ReportsFilesThatTheUserPicks() {
-        Add({u"folder.jpg/x"_qs, u"b.jpg"_qs});
+        Add({u"folder.jpg/x"_s, u"b.jpg"_s});
         const QModelIndex root = ShowFolder();
         for (const int row : {0, 1, 1}) {  // the folder, then the file twice
             const QRect item = m_tree->visualRect(m_tree->model()->index(row, 0, root));
             QTest::mouseClick(m_tree->viewport(), Qt::LeftButton, {}, item.topLeft() + QPoint(8, 8));
         }
-        QCOMPARE(m_chosen, QStringList({Path(u"b.jpg"_qs), Path(u"b.jpg"_qs)}));
+        QCOMPARE(m_chosen, QStringList({Path(u"b.jpg"_s), Path(u"b.jpg"_s)}));
         // What the user does meanwhile goes before a selection that is still on its way.
-        m_tree->SelectPath(Path(u"folder.jpg/x"_qs));
+        m_tree->SelectPath(Path(u"folder.jpg/x"_s));
         QTest::keyClick(m_tree.get(), Qt::Key_Up);
         QTest::keyClick(m_tree.get(), Qt::Key_Down);
         QCOMPARE(m_chosen.size(), 3);
         QTest::qWait(50);
-        QCOMPARE(m_tree->SelectedPath(), Path(u"b.jpg"_qs));
+        QCOMPARE(m_tree->SelectedPath(), Path(u"b.jpg"_s));
     }
 
     void AHungFolderHoldsUpNothing() {
-        QStringList files{u"live/a.jpg"_qs};
+        QStringList files{u"live/a.jpg"_s};
         for (int number = 0; number < 6; ++number) {  // more than are read at once
-            files += u"dead %1/late.jpg"_qs.arg(number);
+            files += u"dead %1/late.jpg"_s.arg(number);
         }
         Add(files);
         const QModelIndex root = ShowFolder();
@@ -142,7 +146,7 @@ private Q_SLOTS:
         for (int row = 0; row < 7; ++row) {
             m_tree->expand(model.index(row, 0, root));
         }
-        QTRY_COMPARE(Names(model.index(6, 0, root)), QStringList(u"a.jpg"_qs));
+        QTRY_COMPARE(Names(model.index(6, 0, root)), QStringList(u"a.jpg"_s));
         m_tree->letGo->release();
         const auto filled = [&] {
             int rows = 0;
@@ -153,15 +157,15 @@ private Q_SLOTS:
         };
         QTRY_COMPARE(filled(), 1);
         // Another root goes before those that are still read, and what they held is not put into it.
-        m_tree->Show(Path(u"live"_qs), true);
-        m_tree->SelectPath(Path(u"live/a.jpg"_qs));
-        QTRY_COMPARE_WITH_TIMEOUT(m_tree->SelectedPath(), Path(u"live/a.jpg"_qs), 500);
+        m_tree->Show(Path(u"live"_s), true);
+        m_tree->SelectPath(Path(u"live/a.jpg"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(m_tree->SelectedPath(), Path(u"live/a.jpg"_s), 500);
         m_tree->letGo->release(5);
         QVERIFY(AsyncReader::WaitForAll(5s));
         QTest::qWait(10);
-        QCOMPARE(Names(model.index(0, 0)), QStringList(u"a.jpg"_qs));
+        QCOMPARE(Names(model.index(0, 0)), QStringList(u"a.jpg"_s));
         // The tree goes before its folder answers.
-        m_tree->Show(Path(u"dead 1"_qs), true);
+        m_tree->Show(Path(u"dead 1"_s), true);
         const auto letGo = m_tree->letGo;
         m_tree.reset();
         letGo->release();
@@ -171,28 +175,29 @@ private Q_SLOTS:
     void TellsWhatIsMissing() {
         MessageAnswers answers;
         const auto told = [&](const QString& folder) {
-            answers.Plan(u"确定"_qs);
+            answers.Plan(u"确定"_s);
             m_tree->Show(folder, true);
             QString text;
             (void)QTest::qWaitFor([&] { return !(text += answers.TakeSeen().join(u'\n')).isEmpty(); });
             return text.section(u'|', 1, 1) + u' ' + QString::number(m_tree->model()->rowCount());
         };
-        QCOMPARE(told(Path(u"unplugged"_qs)), u"Error Gettting SystemFileInfo! 0"_qs);
+        QCOMPARE(told(Path(u"unplugged"_s)), u"Error Gettting SystemFileInfo! 0"_s);
         m_tree->drives.clear();
-        QCOMPARE(told({}), u"Error Getting Logical DriveStrings! 0"_qs);
+        QCOMPARE(told({}), u"Error Getting Logical DriveStrings! 0"_s);
         m_tree->hasIcons = false;
-        QCOMPARE(told(m_folder->path()), u"Cannot retrieve the Handle of SystemImageList! 0"_qs);
+        QCOMPARE(told(m_folder->path()), u"Cannot retrieve the Handle of SystemImageList! 0"_s);
     }
 
     void DrivesAreThoseOfTheMountTable() {
-        QCOMPARE(PersonsFolders(
-                     "22 1 8:1 / / rw - ext4 /dev/sda1 rw\n"
-                     "23 22 0:5 / /sys/fs rw shared:2 master:1 - sysfs sysfs rw\n"
-                     "24 22 0:6 / /srv/\\345\\233\\276\\040a\\134b rw shared:2 - nfs4 box:/a\\040-\\040b rw\n"
-                     "25 22 0:7 / /run/media/me/- rw - vfat /dev/sdb1 rw\n"
-                     "28 22 0:9 / /run/user/1/gvfs rw - fuse.gvfsd-fuse gvfsd-fuse rw\n"
-                     "26 22 0:8 / /mnt/cut rw -\n27 22\n\n"),
-                 QStringList({u"/"_qs, u"/run/media/me/-"_qs, u"/run/user/1/gvfs"_qs, u"/srv/图 a\\b"_qs}));
+        QFile table(Path(u"mounts"_s));
+        QVERIFY(table.open(QIODevice::WriteOnly));
+        table.write(
+            "/dev/sda1 / ext4 rw 0 0\nsysfs /sys/fs sysfs rw 0 0\n"
+            "box:/a\\040b /srv/图\\040a\\134b nfs4 rw 0 0\n/dev/sdb1 /run/media/me/- vfat rw 0 0\n"
+            "/dev/sdc1 /var/lib ext4 rw 0 0\ngvfsd-fuse /run/user/1/gvfs fuse.gvfsd-fuse rw 0 0\n");
+        table.close();
+        QCOMPARE(UserFolders(MountedVolumes(QFile::encodeName(table.fileName()).constData())),
+                 QStringList({u"/"_s, u"/run/media/me/-"_s, u"/run/user/1/gvfs"_s, u"/srv/图 a\\b"_s}));
         QVERIFY(LogicalDrives().contains(QDir::toNativeSeparators(QDir::rootPath())));
     }
 

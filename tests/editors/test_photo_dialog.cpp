@@ -12,6 +12,8 @@
 #include "widgets/dialog_template.h"
 #include "widgets/ease_combo_box.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace quorvane;
 
 namespace {
@@ -37,35 +39,35 @@ class TestPhotoDialog : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        for (const QString& name : {u"a.png.bmp"_qs, u"b.JPG"_qs, u"c.jpeg"_qs}) {
+        for (const QString& name : {u"a.png.bmp"_s, u"b.JPG"_s, u"c.jpeg"_s}) {
             Write(name, Encoded("bmp"));
         }
-        Write(u"d.gif"_qs, Encoded("gif"));
+        Write(u"d.gif"_s, Encoded("gif"));
     }
 
     void KeepsTheHistory() {
-        Open(Path(u"d.gif"_qs));
-        QCOMPARE(m_dialog->windowTitle(), u"筒灯 T5 图片设置"_qs);
-        QCOMPARE(Shown(), u"d.gif --"_qs);
-        QTRY_COMPARE(Item<CDirTreeCtrl>(TreeControl)->SelectedPath(), Path(u"d.gif"_qs));
+        Open(Path(u"d.gif"_s));
+        QCOMPARE(m_dialog->windowTitle(), u"筒灯 T5 图片设置"_s);
+        QCOMPARE(Shown(), u"d.gif --"_s);
+        QTRY_COMPARE(Item<CDirTreeCtrl>(TreeControl)->SelectedPath(), Path(u"d.gif"_s));
         // A file is chosen or a button pressed; chosen again, the first goes to the end.
         const QString steps =
             u"a.png.bmp:a.png.bmp --;b.JPG:b.JPG <-;c.jpeg:c.jpeg <-;<:b.JPG <>;<:a.png.bmp ->;"
-            "a.png.bmp:a.png.bmp <-;<:c.jpeg <>;<:b.JPG ->;>:c.jpeg <>;x: <>;<:b.JPG ->;x: ->"_qs;
+            "a.png.bmp:a.png.bmp <-;<:c.jpeg <>;<:b.JPG ->;>:c.jpeg <>;x: <>;<:b.JPG ->;x: ->"_s;
         for (const QString& pair : steps.split(u';')) {
             const QString step = pair.section(u':', 0, 0);
             const QString shown = pair.section(u':', 1);
             const bool isFile = step.size() > 1;
-            isFile ? Choose(step) : Press(step == u"<"_qs ? Previous : step == u">"_qs ? Next : Clear);
+            isFile ? Choose(step) : Press(step == u"<"_s ? Previous : step == u">"_s ? Next : Clear);
             QCOMPARE(Shown(), shown);
-            QTRY_COMPARE(Item<PicturePreview>(Preview)->IsBlank(), step == u"x"_qs);
+            QTRY_COMPARE(Item<PicturePreview>(Preview)->IsBlank(), step == u"x"_s);
         }
         Press(Ok);
         QCOMPARE(m_dialog->Path(), QString());
     }
 
     void ALatePictureIsNotShown() {
-        Open(Path(u"a.png.bmp"_qs));
+        Open(Path(u"a.png.bmp"_s));
         Press(Clear);
         QVERIFY(AsyncReader::WaitForAll(std::chrono::seconds(5)));
         QTest::qWait(10);
@@ -75,7 +77,7 @@ private Q_SLOTS:
     void IsLeftByEveryWay() {
         for (const int way : {int(Ok), int(Cancel), int(Qt::Key_Return), int(Qt::Key_Escape), 0}) {
             Open({});
-            Choose(u"d.gif"_qs);
+            Choose(u"d.gif"_s);
             if (way == 0) {
                 m_dialog->close();
             } else if (way > 0xFFFF) {
@@ -86,12 +88,12 @@ private Q_SLOTS:
             QVERIFY(!m_dialog->isVisible());
             QCOMPARE(m_dialog->result(),
                      int(way == Ok || way == Qt::Key_Return ? QDialog::Accepted : QDialog::Rejected));
-            QCOMPARE(m_dialog->Path(), Path(u"d.gif"_qs));
+            QCOMPARE(m_dialog->Path(), Path(u"d.gif"_s));
         }
     }
 
     void StartsOnlyWithAReadableFile() {
-        for (const QString& path : {Path(u"none.jpg"_qs), m_folder.path(), QString()}) {
+        for (const QString& path : {Path(u"none.jpg"_s), m_folder.path(), QString()}) {
             Open(path);
             QCOMPARE(m_dialog->Path(), QString());
         }
@@ -101,14 +103,14 @@ private Q_SLOTS:
         Open({});
         auto* edit = Item<QLineEdit>(PathEdit);
         edit->setFocus();
-        QTest::keyClicks(edit, Path(u"d.gif"_qs));
+        QTest::keyClicks(edit, Path(u"d.gif"_s));
         QTest::keyClick(edit, Qt::Key_Tab);
         QTRY_VERIFY(!Item<PicturePreview>(Preview)->IsBlank());
-        QCOMPARE(Shown(), u"d.gif --"_qs);
+        QCOMPARE(Shown(), u"d.gif --"_s);
         QTest::keyClick(edit, Qt::Key_Backspace);
         QTest::keyClick(edit, Qt::Key_Return);
         QCOMPARE(m_dialog->result(), int(QDialog::Accepted));
-        QCOMPARE(m_dialog->Path(), Path(u"d.gi"_qs));
+        QCOMPARE(m_dialog->Path(), Path(u"d.gi"_s));
     }
 
     void BrokenPicturesShowNothing() {
@@ -130,8 +132,8 @@ private Q_SLOTS:
         qToLittleEndian<qint32>(100'000, broken.last().data() + 18);
         qToLittleEndian<qint32>(100'000, broken.last().data() + 22);
         for (const QByteArray& content : whole + broken) {
-            Write(u"tried.jpg"_qs, content);
-            QVERIFY2(LoadPicture(Path(u"tried.jpg"_qs), {60, 40}).isNull() == broken.contains(content),
+            Write(u"tried.jpg"_s, content);
+            QVERIFY2(LoadPicture(Path(u"tried.jpg"_s), {60, 40}).isNull() == broken.contains(content),
                      content.left(20).toHex().constData());
         }
     }
@@ -148,7 +150,7 @@ private:
         file.write(content);
     }
     void Open(const QString& path) {
-        m_dialog = std::make_unique<CLuminairePhotoSettingDlg>(path, u"筒灯 T5"_qs, nullptr);
+        m_dialog = std::make_unique<CLuminairePhotoSettingDlg>(path, u"筒灯 T5"_s, nullptr);
         m_dialog->show();
         QVERIFY(QTest::qWaitForWindowActive(m_dialog.get()));
     }
@@ -163,7 +165,7 @@ private:
     // The path shown, and which of the two buttons are enabled.
     QString Shown() const {
         return QFileInfo(Item<QLineEdit>(PathEdit)->text()).fileName() +
-               (Item(Previous)->isEnabled() ? u" <"_qs : u" -"_qs) + (Item(Next)->isEnabled() ? u'>' : u'-');
+               (Item(Previous)->isEnabled() ? u" <"_s : u" -"_s) + (Item(Next)->isEnabled() ? u'>' : u'-');
     }
 
     QTemporaryDir m_folder;

@@ -8,6 +8,8 @@
 #include "widgets/icons.h"
 #include "widgets/message_box.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace quorvane;
 
 namespace {
@@ -22,7 +24,7 @@ MessageAnswer AnswerWithKey(MessageButtons buttons, Qt::Key key, bool* closedByK
             QTest::mouseClick(box->buttons().constLast(), Qt::LeftButton);
         }
     });
-    return ShowMessage(nullptr, u"?"_qs, {}, buttons);
+    return ShowMessage(nullptr, u"?"_s, {}, buttons);
 }
 
 // The text as a box shows it.
@@ -45,31 +47,31 @@ class TestWidgets : public QObject {
 private Q_SLOTS:
     void SortsByPinyinAndKeepsItsSelection() {
         CEaseComboBox list(true, nullptr);
-        list.AddString(u"荧光灯"_qs);
-        list.SelectString(u"荧光灯"_qs);
-        for (const QString& text : {u"白炽灯"_qs, u"金属卤化物灯"_qs, u"高压钠灯"_qs, u"卤钨灯"_qs}) {
+        list.AddString(u"荧光灯"_s);
+        list.SelectString(u"荧光灯"_s);
+        for (const QString& text : {u"白炽灯"_s, u"金属卤化物灯"_s, u"高压钠灯"_s, u"卤钨灯"_s}) {
             list.AddString(text);
         }
-        const std::vector<QString> expected{u"白炽灯"_qs, u"高压钠灯"_qs, u"金属卤化物灯"_qs, u"卤钨灯"_qs,
-                                            u"荧光灯"_qs};
+        const std::vector<QString> expected{u"白炽灯"_s, u"高压钠灯"_s, u"金属卤化物灯"_s, u"卤钨灯"_s,
+                                            u"荧光灯"_s};
         QCOMPARE(list.Strings(), expected);
-        QCOMPARE(list.currentText(), u"荧光灯"_qs);
-        QVERIFY(!list.Holds(u"荧光"_qs));
+        QCOMPARE(list.currentText(), u"荧光灯"_s);
+        QVERIFY(!list.Holds(u"荧光"_s));
     }
 
     void ListTellsNewChoicesOnly() {
         CEaseComboBox list(false, nullptr);
-        list.AddString(u"乙"_qs);
-        list.AddString(u"甲"_qs);
+        list.AddString(u"乙"_s);
+        list.AddString(u"甲"_s);
         int changes = 0;
         connect(&list, &CEaseComboBox::SelectionChanged, this, [&changes] { ++changes; });
         list.show();
         list.setFocus();
         QTest::keyClick(&list, Qt::Key_Down);
-        QCOMPARE(list.currentText(), u"乙"_qs);
+        QCOMPARE(list.currentText(), u"乙"_s);
         QCOMPARE(changes, 1);
         QTest::keyClick(&list, Qt::Key_Home);
-        list.SelectString(u"甲"_qs);
+        list.SelectString(u"甲"_s);
         QCOMPARE(changes, 1);
     }
 
@@ -92,8 +94,8 @@ private Q_SLOTS:
     }
 
     void MessageBoxShowsTextAsItStands() {
-        QCOMPARE(ShownText(u"<b>%s & 100%</b>"_qs), u"<b>%s & 100%</b>"_qs);
-        const QString cut = ShownText(u"头"_qs + QString(1000000, u'长') + u"尾"_qs);
+        QCOMPARE(ShownText(u"<b>%s & 100%</b>"_s), u"<b>%s & 100%</b>"_s);
+        const QString cut = ShownText(u"头"_s + QString(1000000, u'长') + u"尾"_s);
         QVERIFY(cut.size() < 1000 && cut.startsWith(u'头') && cut.endsWith(u'尾'));
     }
 

@@ -79,8 +79,7 @@ int main(int argc, char* argv[]) {
         return RunChild(application, QString::fromLocal8Bit(argv[1]));
     }
     QCoreApplication application(argc, argv);
-    const QString file =
-        QDir(QCoreApplication::applicationDirPath()).filePath(u"../Vexal/灯具数据库.mdb"_s);
+    const QString file = QDir(QCoreApplication::applicationDirPath()).filePath(u"../Vexal/灯具数据库.mdb"_s);
     if (!QFile::exists(file)) {
         WriteSampleDatabase(ReadSampleData({}), file);
     }

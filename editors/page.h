@@ -13,11 +13,13 @@ public:
 
     // Whether the page holds edits that have not been submitted.
     virtual bool IsModified() const = 0;
-    // Takes an edit that is still being typed into the page, as if its cell had been left.
+    // Takes a text that is still being typed, as if its cell had been left.
     virtual void EndEditing() = 0;
-    // Writes every pending change to the database and clears the modified flag. Always true.
+    // Writes every pending change to the database and clears the modified flag. The user is told what could
+    // not be written; the result is true all the same.
     virtual bool Submit() = 0;
-    // Fills the grid again from the page's working records.
+    // Fills the grid again from the page's working records. Records that could not be written are marked and
+    // count as modified.
     virtual void Refresh() = 0;
     // Deletes the selected rows, asking for each. False when nothing was selected or an answer was No.
     virtual bool DeleteSelected() = 0;

@@ -78,8 +78,8 @@ void TestPhotoLibrary::StoresUnderTheId_data() {
         "12.jpg 7.jpg");
     add("another's", {}, "\\Vexal\\LuminairePhotoLib\\7.jpg", "12.jpg", "12.jpg=L/7.jpg 7.jpg");
     // A copy that fails leaves the old picture, and no file that is none.
-    const QString old = u"B/folder.jpg/picture B/blocked.png L/12.gif L/12.jpg.half"_s;
-    const char* const kept = "12.gif 12.jpg.half 7.jpg";
+    const QString old = u"B/folder.jpg/picture B/blocked.png L/12.gif L/12.bmp.half"_s;
+    const char* const kept = "12.bmp.half 12.gif 7.jpg";
     add("missing", old, "B/gone.jpg", "12.gif", kept);
     add("a folder", old, "B/folder.jpg", "12.gif", kept);
     add("no extension, but a point in the folder", old, "B/folder.jpg/picture", "12.gif", kept);

@@ -61,6 +61,7 @@ private Q_SLOTS:
 
     void LightSourceTextsFindTheirIds() {
         Lists lists;
+        QCOMPARE(lists.LightSourceIds(u"逗,号:,细管:T5"_s, {}), u"14,12"_s);
         const QString texts = u"11,14,16,999,13"_s;
         QCOMPARE(lists.LightSourceTexts(texts), u"直管:T8,逗,号:,:,999,泡:a:Q"_s);
         QCOMPARE(lists.LightSourceIds(lists.LightSourceTexts(texts), {}), texts);

@@ -3,6 +3,7 @@
 
 #include <QStringList>
 #include <algorithm>
+#include <functional>
 #include <memory>
 
 #include "data/connection.h"
@@ -13,6 +14,7 @@ namespace quorvane {
 struct StatementLog {
     QStringList statements;
     QStringList failing;  // a statement that contains one of these texts fails
+    std::function<void(const QString& statement)> onStatement;
 };
 
 class FailingConnection : public Connection {
@@ -29,6 +31,9 @@ public:
     }
     std::unique_ptr<Recordset> Execute(const CString& statement) override {
         m_log.statements += statement;
+        if (m_log.onStatement) {
+            m_log.onStatement(statement);
+        }
         if (std::ranges::any_of(m_log.failing,
                                 [&](const QString& text) { return statement.contains(text); })) {
             throw ProviderError(QStringLiteral("planned failure"));

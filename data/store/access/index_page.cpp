@@ -8,6 +8,7 @@ namespace quorvane::access {
 
 namespace {
 
+constexpr qsizetype kFreeBytes = 2;
 constexpr qsizetype kMask = 27;  // a bit for each byte of the entries, set where an entry ends
 constexpr qsizetype kMaskSize = 453;
 constexpr qsizetype kEntries = kMask + kMaskSize;
@@ -27,6 +28,11 @@ void AppendBigEndian(QByteArray& bytes, quint32 number) {
     for (int shift = 24; shift >= 0; shift -= 8) {
         bytes += static_cast<char>(number >> shift);
     }
+}
+
+void MarkEnd(Page& page, qsizetype end) {
+    char& mask = page[static_cast<std::size_t>(kMask + end / 8)];
+    mask = static_cast<char>(mask | 1 << end % 8);
 }
 
 [[noreturn]] void ThrowDamagedPage(PageNumber number, const char* what) {
@@ -108,6 +114,28 @@ QByteArray IndexPageView::Entry(std::size_t index) const {
     return entry;
 }
 
+bool IndexPageView::Insert(Page& page, std::size_t position, QByteArrayView entry, qsizetype capacity) const {
+    if (position == 0 || entry.size() <= m_prefix || !entry.startsWith(Part(Bytes(), kEntries, m_prefix))) {
+        return false;
+    }
+    const QByteArrayView own = entry.sliced(m_prefix);
+    const qsizetype used = UsedBytes();
+    if (used + own.size() > capacity) {
+        return false;
+    }
+    const qsizetype start = m_ends.at(position - 1);
+    char* entries = page.data() + kEntries;
+    std::memmove(entries + start + own.size(), entries + start, static_cast<std::size_t>(used - start));
+    std::memcpy(entries + start, own.data(), static_cast<std::size_t>(own.size()));
+    std::memset(page.data() + kMask, 0, kMaskSize);
+    for (std::size_t index = 0; index < m_ends.size(); ++index) {
+        MarkEnd(page, m_ends[index] + (index < position ? 0 : own.size()));
+    }
+    MarkEnd(page, start + own.size());
+    WriteU16(page, kFreeBytes, static_cast<quint16>(kIndexCapacity - used - own.size()));
+    return true;
+}
+
 std::size_t IndexPageView::LowerBound(QByteArrayView bytes) const {
     std::size_t first = 0;
     std::size_t count = EntryCount();
@@ -183,12 +211,11 @@ Page PutTogether(const IndexPage& page, qsizetype prefix) {
         }
         std::memcpy(bytes.data() + kEntries + end, stored.data(), static_cast<std::size_t>(stored.size()));
         end += stored.size();
-        char& mask = bytes[static_cast<std::size_t>(kMask + end / 8)];
-        mask = static_cast<char>(mask | 1 << end % 8);
+        MarkEnd(bytes, end);
     }
     WriteU8(span, 0, static_cast<quint8>(page.leaf ? PageKind::IndexLeaf : PageKind::IndexNode));
     WriteU8(span, 1, 1);
-    WriteU16(span, 2, static_cast<quint16>(kIndexCapacity - end));
+    WriteU16(span, kFreeBytes, static_cast<quint16>(kIndexCapacity - end));
     WriteU32(span, 4, page.owner);
     WriteU32(span, 12, page.previous);
     WriteU32(span, 16, page.next);

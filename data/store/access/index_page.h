@@ -32,6 +32,11 @@ public:
     // The first entry that is not below the given bytes; EntryCount() when there is none.
     std::size_t LowerBound(QByteArrayView bytes) const;
 
+    // Puts an entry of a leaf before the one at the position, which must not be the first. `page` holds the
+    // bytes that are shown here. The prefix stays as it is; returns false, with nothing done, when the entry
+    // does not share it or the entries would take more than the capacity.
+    bool Insert(Page& page, std::size_t position, QByteArrayView entry, qsizetype capacity) const;
+
     // Of a node: one for each entry, and one more where the page has a tail.
     std::size_t ChildCount() const;
     PageNumber Child(std::size_t index) const;

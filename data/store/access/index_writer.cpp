@@ -62,6 +62,35 @@ void IndexWriter::Insert(QByteArrayView key, RowAddress row) {
         throw AccessError(QStringLiteral("the values are too long for the index %1").arg(m_description.name));
     }
     const bool known = Index(m_pages, m_table, m_description).Contains(key);
+    if (!InsertOnLeaf(entry)) {
+        InsertAlongWay(entry);
+    }
+    if (!known) {
+        SetUniqueEntryCount(m_pages, m_table, m_description,
+                            UniqueEntryCount(m_pages, m_table, m_description) + 1);
+    }
+}
+
+// Most entries find room on their leaf and change nothing above it. Returns false, with nothing done, for
+// others.
+bool IndexWriter::InsertOnLeaf(const QByteArray& entry) {
+    PageNumber number = m_description.root;
+    for (int level = 0; level <= kMostIndexLevels; ++level) {
+        const IndexPageView page(m_pages, number, m_table.page);
+        const std::size_t position = page.LowerBound(entry);
+        if (page.IsLeaf()) {
+            const bool isThere = position < page.EntryCount() && page.Entry(position) == entry;
+            return !isThere && page.Insert(m_pages.Write(number), position, entry, m_capacity);
+        }
+        if (position >= page.ChildCount()) {
+            return false;
+        }
+        number = page.Child(position);
+    }
+    return false;
+}
+
+void IndexWriter::InsertAlongWay(const QByteArray& entry) {
     Way way = Descend(entry);
     std::vector<QByteArray>& entries = way.back().page.entries;
     const auto position = std::lower_bound(entries.begin(), entries.end(), entry);
@@ -71,10 +100,6 @@ void IndexWriter::Insert(QByteArrayView key, RowAddress row) {
     way.back().atEnd = position == entries.end() && way.back().page.next == 0;
     entries.insert(position, entry);
     Settle(way, false);
-    if (!known) {
-        SetUniqueEntryCount(m_pages, m_table, m_description,
-                            UniqueEntryCount(m_pages, m_table, m_description) + 1);
-    }
 }
 
 void IndexWriter::Remove(QByteArrayView key, RowAddress row) {

@@ -31,6 +31,8 @@ private:
     };
     using Way = std::vector<Step>;
 
+    bool InsertOnLeaf(const QByteArray& entry);
+    void InsertAlongWay(const QByteArray& entry);
     Way Descend(const QByteArray& entry) const;
     Step Load(PageNumber number) const;
     void Store(const Step& step);

@@ -142,14 +142,18 @@ void FillDatabase(const QString& file, const SampleData& data) {
     database.Run("COMMIT");
 }
 
-// Fills a new Access file, which begins as the empty one built into the program.
-void CopyIntoAccessFile(const QString& from, QFile& target) {
+// Into a file that has just been created: the empty one built into the program.
+void WriteEmptyAccessFile(QFile& target) {
     QFile empty(u":/quorvane/sample/empty.mdb"_s);
     const QByteArray bytes = empty.open(QIODevice::ReadOnly) ? empty.readAll() : QByteArray();
     if (target.write(bytes) != bytes.size() || !target.flush()) {
         throw SampleError(u"%1: cannot be written: %2"_s.arg(target.fileName(), target.errorString()));
     }
     target.close();
+}
+
+void CopyIntoAccessFile(const QString& from, QFile& target) {
+    WriteEmptyAccessFile(target);
     const auto source = OpenDatabase(from);
     const auto copy = OpenDatabase(target.fileName());
     CopyDatabase(*source, *copy);
@@ -202,6 +206,18 @@ void MakeFolder(const QString& folder) {
 }
 
 }  // namespace
+
+void WriteEmptyDatabase(const QString& file, DatabaseKind kind) {
+    NewFiles newFiles;
+    QFile target(file);
+    newFiles.Create(target);
+    if (kind == DatabaseKind::Access) {
+        WriteEmptyAccessFile(target);
+    } else {
+        Database(file).Run(kDatabaseSchema);
+    }
+    newFiles.Release();
+}
 
 void WriteSampleDatabase(const SampleData& data, const QString& file, DatabaseKind kind) {
     const QFileInfo target(file);

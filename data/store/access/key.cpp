@@ -1,6 +1,7 @@
 #include "data/store/access/key.h"
 
 #include <algorithm>
+#include <array>
 
 #include "data/store/access/access_error.h"
 
@@ -43,17 +44,24 @@ qsizetype NumberWidth(ColumnType type) {
 }
 
 // An integer with its sign bit flipped sorts as an unsigned number. A negative real sorts backwards besides.
-QByteArray NumberKey(ColumnType type, QByteArray bytes) {
-    std::reverse(bytes.begin(), bytes.end());
+void AppendNumberKey(QByteArray& key, ColumnType type, bool ascending, QByteArrayView value) {
+    std::array<char, 9> bytes{ascending ? '\x7f' : '\x80'};
+    std::reverse_copy(value.begin(), value.end(), bytes.begin() + 1);
     const bool real = type == ColumnType::Single || type == ColumnType::Double || type == ColumnType::Date;
+    char& first = bytes[1];
+    bool inverted = !ascending;
     if (type == ColumnType::Boolean) {
-        bytes[0] = bytes[0] != 0 ? '\x00' : '\xff';
-    } else if (real && (bytes[0] & kTopBit) != 0) {
-        Invert(bytes);
+        first = first != 0 ? '\x00' : '\xff';
+    } else if (real && (first & kTopBit) != 0) {
+        inverted = !inverted;
     } else if (type != ColumnType::Byte) {
-        bytes[0] = static_cast<char>(bytes[0] ^ kTopBit);
+        first = static_cast<char>(first ^ kTopBit);
     }
-    return bytes;
+    const auto end = bytes.begin() + 1 + value.size();
+    if (inverted) {
+        std::transform(bytes.begin() + 1, end, bytes.begin() + 1, Inverted);
+    }
+    key.append(bytes.data(), end - bytes.begin());
 }
 
 // Blocks of eight bytes. Each is followed by 9 when more follow, else by the number of its bytes.
@@ -108,16 +116,10 @@ void AppendKey(QByteArray& key, const KeyColumn& column, const std::optional<QBy
         case ColumnType::Currency:
         case ColumnType::Single:
         case ColumnType::Double:
-        case ColumnType::Date: {
+        case ColumnType::Date:
             RequireWidth(*value, NumberWidth(column.type));
-            QByteArray bytes = NumberKey(column.type, *value);
-            if (!column.ascending) {
-                Invert(bytes);
-            }
-            AppendStart(key, column.ascending);
-            key += bytes;
+            AppendNumberKey(key, column.type, column.ascending, *value);
             return;
-        }
         case ColumnType::Binary:
             AppendStart(key, column.ascending);
             key += BlocksKey(*value, column.ascending);

@@ -4,6 +4,8 @@
 
 #include "data/store/access/check/page_claims.h"
 #include "data/store/access/index.h"
+#include "data/store/access/long_values.h"
+#include "data/store/access/row_key.h"
 #include "data/store/access/table.h"
 
 namespace quorvane::access {
@@ -102,8 +104,9 @@ private:
             if (row.home != row.data && !targets.Insert(row.data)) {
                 ThrowDamaged(QStringLiteral("two rows share their bytes"));
             }
+            const RowView view(table.Definition(), row.bytes);
             for (const Column& column : table.Columns()) {
-                const Value value = table.Read(row, column);
+                const Value value = ReadValue(m_pages, view, column);
                 if (column.autoNumber && std::holds_alternative<qint64>(value)) {
                     greatest = std::max(greatest, std::get<qint64>(value));
                 }
@@ -137,26 +140,24 @@ private:
         quint32 entries = 0;
         SlotSet unknownKeys;
         QByteArray previous;
+        StoredValues values(static_cast<std::size_t>(table.Definition().maxColumns));
         for (IndexCursor cursor = index.First(); !cursor.AtEnd(); cursor.MoveNext(), ++entries) {
             const QByteArray entry = cursor.Entry();
             const std::optional<FoundRow> row = table.Find(RowOfEntry(entry));
             if (!row) {
                 ThrowDamaged(QStringLiteral("it names a row that is not there"));
             }
-            const std::vector<Value> values = IndexedValues(table, description, *row);
-            const auto isNull = [](const Value& value) {
-                return std::holds_alternative<std::monostate>(value);
-            };
-            const bool allNull = std::all_of(values.begin(), values.end(), isNull);
-            const bool someNull = std::any_of(values.begin(), values.end(), isNull);
-            if ((description.required && someNull) || (description.ignoresNulls && allNull)) {
+            ReadIndexed(table, description, *row, values);
+            const bool allNull = IsAllNull(description, values);
+            if ((description.required && HasNull(description, values)) ||
+                (description.ignoresNulls && allNull)) {
                 ThrowDamaged(QStringLiteral("it holds a NULL"));
             }
             const QByteArray key = KeyOfEntry(entry).toByteArray();
             if (description.unique && !allNull && key == previous) {
                 ThrowDamaged(QStringLiteral("a key stands there twice"));
             }
-            if (!HasKey(table, description, values, key) && !unknownKeys.Insert(row->home)) {
+            if (!IsKeyOf(table.Definition(), description, values, key) && !unknownKeys.Insert(row->home)) {
                 ThrowDamaged(QStringLiteral("a row stands there twice"));
             }
             previous = key;
@@ -166,25 +167,33 @@ private:
         }
     }
 
-    static std::vector<Value> IndexedValues(const Table& table, const IndexDescription& description,
-                                            const FoundRow& row) {
-        std::vector<Value> values;
+    // What the row holds in the columns of an index, as its key is made of it.
+    void ReadIndexed(const Table& table, const IndexDescription& description, const FoundRow& row,
+                     StoredValues& values) const {
+        const RowView view(table.Definition(), row.bytes);
         for (const IndexColumn& indexed : description.columns) {
             const Column* column = table.Definition().Find(indexed.number);
             if (column == nullptr) {
                 ThrowDamaged(QStringLiteral("it holds a column that the table has not"));
             }
-            values.push_back(table.Read(row, *column));
+            StoredValue& value = values.at(static_cast<std::size_t>(indexed.number));
+            if (column->type == ColumnType::Boolean) {
+                value = QByteArray(1, view.IsNull(*column) ? '\0' : '\1');
+            } else if (view.IsNull(*column)) {
+                value.reset();
+            } else {
+                const QByteArrayView bytes = view.Bytes(*column);
+                value = column->IsLong() ? ReadLongValue(m_pages, bytes) : bytes.toByteArray();
+            }
         }
-        return values;
     }
 
     // False when the key of these values is not known. Throws when it is another one.
-    static bool HasKey(const Table& table, const IndexDescription& description,
-                       const std::vector<Value>& values, const QByteArray& key) {
+    static bool IsKeyOf(const TableDefinition& table, const IndexDescription& description,
+                        const StoredValues& values, const QByteArray& key) {
         QByteArray expected;
         try {
-            expected = table.Key(description, values);
+            expected = RowKey(table, description, values);
         } catch (const AccessError&) {
             return false;
         }
@@ -194,16 +203,13 @@ private:
         return true;
     }
 
-    static quint32 RowsWithoutEntry(const Table& table, const IndexDescription& description) {
+    quint32 RowsWithoutEntry(const Table& table, const IndexDescription& description) const {
         quint32 count = 0;
         if (description.ignoresNulls) {
+            StoredValues values(static_cast<std::size_t>(table.Definition().maxColumns));
             for (TableScan scan = table.Scan(); !scan.AtEnd(); scan.MoveNext()) {
-                const std::vector<Value> values = IndexedValues(table, description, scan.Row());
-                count += std::all_of(
-                             values.begin(), values.end(),
-                             [](const Value& value) { return std::holds_alternative<std::monostate>(value); })
-                             ? 1
-                             : 0;
+                ReadIndexed(table, description, scan.Row(), values);
+                count += IsAllNull(description, values) ? 1 : 0;
             }
         }
         return count;

@@ -23,6 +23,7 @@ void RowCursor::Start(RowPath path, const QByteArray& key) {
 }
 
 void RowCursor::StartEmpty() {
+    m_view.reset();
     m_row.reset();
     m_scan.reset();
     m_rows.clear();
@@ -33,6 +34,7 @@ void RowCursor::StartEmpty() {
 }
 
 void RowCursor::MoveNext() {
+    m_view.reset();
     m_row.reset();
     if (m_scan) {
         m_scan->MoveNext();
@@ -49,6 +51,13 @@ void RowCursor::MoveNext() {
         }
         m_row = m_table.Find(*address);
     }
+}
+
+Value RowCursor::Read(const Column& column) {
+    if (!m_view) {
+        m_view.emplace(m_table.Definition(), m_row->bytes);
+    }
+    return ReadValue(m_pages, *m_view, column);
 }
 
 std::optional<RowAddress> RowCursor::NextAddress() {

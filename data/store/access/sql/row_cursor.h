@@ -28,7 +28,7 @@ public:
     bool AtEnd() const { return !m_row; }
     void MoveNext();
     RowAddress Address() const { return m_row->home; }
-    Value Read(const Column& column) const { return m_table.Read(*m_row, column); }
+    Value Read(const Column& column);
 
 private:
     std::optional<RowAddress> NextInIndex();
@@ -41,6 +41,7 @@ private:
 
     RowPath m_path;
     std::optional<FoundRow> m_row;
+    std::optional<RowView> m_view;  // of the row, once one of its values was read
     std::optional<TableScan> m_scan;
     std::vector<RowAddress> m_rows;  // of one key
     std::size_t m_next = 0;          // among them

@@ -97,41 +97,11 @@ void Table::Update(RowAddress row, const std::vector<std::optional<Value>>& valu
     try {
         RequireWritable();
         StoredValues contents = old;  // of the changed columns what a long value holds
-        std::vector<const Column*> changed;
-        for (std::size_t place = 0; place < values.size(); ++place) {
-            const Column& column = Columns()[place];
-            if (!values[place] || *values[place] == ReadValue(m_pages, At(old, column), column)) {
-                continue;
-            }
-            At(contents, column) = Checked(column, *values[place]);
-            if (At(contents, column) == Content(column, At(old, column))) {
-                At(contents, column) = At(old, column);
-            } else if (IsAutoNumber(column)) {
-                throw AccessError(
-                    QStringLiteral("column %1: an AutoNumber cannot be changed").arg(column.name));
-            } else {
-                changed.push_back(&column);
-            }
-        }
+        const std::vector<const Column*> changed = Change(contents, values);
         if (changed.empty()) {
             return;
         }
-        std::vector<EntryChange> changes;
-        for (const IndexDescription& index : m_definition.indexes) {
-            if (!Names(index, changed)) {
-                continue;
-            }
-            StoredValues indexed = ContentsOf(index, old);
-            for (const Column* column : changed) {
-                At(indexed, *column) = At(contents, *column);
-            }
-            EntryChange change{&index, OldKey(index, old, row), std::nullopt};
-            change.added = NewKey(index, indexed);
-            if (change.removed != change.added) {
-                RequireUnique(change, indexed);
-                changes.push_back(std::move(change));
-            }
-        }
+        const std::vector<EntryChange> changes = EntryChanges(old, contents, changed, row);
         for (const Column* column : changed) {
             if (column->IsLong()) {
                 ReleaseLongValue(*column, At(old, *column));
@@ -144,6 +114,29 @@ void Table::Update(RowAddress row, const std::vector<std::optional<Value>>& valu
     } catch (const AccessError& error) {
         Refuse(old, error);
     }
+}
+
+// Puts the new values in. Gives the columns whose value is another one than before.
+std::vector<const Column*> Table::Change(StoredValues& contents,
+                                         const std::vector<std::optional<Value>>& values) const {
+    std::vector<const Column*> changed;
+    for (std::size_t place = 0; place < values.size(); ++place) {
+        const Column& column = Columns()[place];
+        const StoredValue old = At(contents, column);
+        if (!values[place] || *values[place] == ReadValue(m_pages, old, column)) {
+            continue;
+        }
+        StoredValue content = Checked(column, *values[place]);
+        if (content == Content(column, old)) {
+            continue;
+        }
+        if (IsAutoNumber(column)) {
+            throw AccessError(QStringLiteral("column %1: an AutoNumber cannot be changed").arg(column.name));
+        }
+        At(contents, column) = std::move(content);
+        changed.push_back(&column);
+    }
+    return changed;
 }
 
 void Table::Delete(RowAddress row) {
@@ -295,6 +288,27 @@ std::optional<QByteArray> Table::NewKey(const IndexDescription& index, const Sto
         return std::nullopt;
     }
     return RowKey(m_definition, index, contents);
+}
+
+std::vector<Table::EntryChange> Table::EntryChanges(const StoredValues& old, const StoredValues& contents,
+                                                    const std::vector<const Column*>& changed,
+                                                    RowAddress row) const {
+    std::vector<EntryChange> changes;
+    for (const IndexDescription& index : m_definition.indexes) {
+        if (!Names(index, changed)) {
+            continue;
+        }
+        StoredValues indexed = ContentsOf(index, old);
+        for (const Column* column : changed) {
+            At(indexed, *column) = At(contents, *column);
+        }
+        EntryChange change{&index, OldKey(index, old, row), NewKey(index, indexed)};
+        if (change.removed != change.added) {
+            RequireUnique(change, indexed);
+            changes.push_back(std::move(change));
+        }
+    }
+    return changes;
 }
 
 void Table::RequireUnique(const EntryChange& change, const StoredValues& contents) const {

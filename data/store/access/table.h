@@ -59,6 +59,11 @@ private:
     std::optional<QByteArray> OldKey(const IndexDescription& index, const StoredValues& stored,
                                      RowAddress row) const;
     std::optional<QByteArray> NewKey(const IndexDescription& index, const StoredValues& contents) const;
+    std::vector<const Column*> Change(StoredValues& contents,
+                                      const std::vector<std::optional<Value>>& values) const;
+    // What an update means for the indexes that hold one of the changed columns.
+    std::vector<EntryChange> EntryChanges(const StoredValues& old, const StoredValues& contents,
+                                          const std::vector<const Column*>& changed, RowAddress row) const;
     void RequireUnique(const EntryChange& change, const StoredValues& contents) const;
     void ChangeEntries(const std::vector<EntryChange>& changes, RowAddress row);
 

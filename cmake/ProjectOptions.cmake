@@ -29,9 +29,15 @@ if(QUORVANE_SANITIZE)
   target_link_options(quorvane_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+# quorvane_unit(TARGET UNIT SOURCE...): the preset release compiles these sources as one.
+function(quorvane_unit target unit)
+  list(FILTER ARGN INCLUDE REGEX "\\.cpp$")
+  set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES UNITY_GROUP ${unit})
+endfunction()
+
 # quorvane_room(NAME SOURCES ... LINK ...): the static library of one folder.
-# The preset release compiles these sources ten at a time as one unit, all but pages and dialogs, which use the same
-# names for their own constants. Sources that target_sources adds later are compiled alone.
+# Its sources go into units of ten, all but pages and dialogs, which use the same names for their own constants.
+# Sources that target_sources adds later are compiled alone, unless they are put into a unit.
 function(quorvane_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;LINK" ${ARGN})
   qt_add_library(${name} STATIC ${ROOM_SOURCES})
@@ -42,7 +48,7 @@ function(quorvane_room name)
   set(number 0)
   foreach(source ${ROOM_SOURCES})
     math(EXPR unit "${number} / 10")
-    set_source_files_properties(${source} PROPERTIES UNITY_GROUP unit${unit})
+    quorvane_unit(${name} unit${unit} ${source})
     math(EXPR number "${number} + 1")
   endforeach()
 endfunction()

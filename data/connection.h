@@ -13,14 +13,40 @@
 
 namespace quorvane {
 
+enum class FailureKind {
+    Other,         // the message says more
+    NotConnected,  // there is no connection
+    DiskFull,
+    FileGone,     // the file was removed, renamed or replaced, or its drive does not answer
+    FileChanged,  // another program has changed the file in a way that the driver cannot follow
+    Locked,       // another program is using the file
+    ReadOnly,     // the file, its folder or the disk must not be written, or the driver cannot write it
+    Damaged,
+    OutOfMemory,
+    TimeLimit,       // the statement took too long and was interrupted
+    QuoteInText,     // a text holds a single quote; nothing was run
+    UnwritableValue  // a text that is not valid Unicode or a number that is not finite; nothing was run
+};
+
+// Why an operation failed.
+struct ProviderFailure {
+    FailureKind kind = FailureKind::Other;
+    CString message;  // as the provider gave it
+    CString column;   // of the value that must not be written; else empty
+};
+
 class ProviderError : public std::runtime_error {
 public:
-    explicit ProviderError(const CString& message)
-        : std::runtime_error(message.toStdString()), m_message(message) {}
-    const CString& Message() const { return m_message; }
+    explicit ProviderError(const CString& message, FailureKind kind = FailureKind::Other)
+        : ProviderError(ProviderFailure{.kind = kind, .message = message, .column = {}}) {}
+    explicit ProviderError(const ProviderFailure& failure)
+        : std::runtime_error(failure.message.toStdString()), m_failure(failure) {}
+    const ProviderFailure& Failure() const { return m_failure; }
+    const CString& Message() const { return m_failure.message; }
+    FailureKind Kind() const { return m_failure.kind; }
 
 private:
-    CString m_message;
+    ProviderFailure m_failure;
 };
 
 // One field of one row: NULL (monostate), an integer, a real or a text. NULL is none of the other three.

@@ -1,6 +1,7 @@
 #include "data/lighting_database.h"
 
 #include <QLoggingCategory>
+#include <new>
 #include <utility>
 
 #include "data/database_path.h"
@@ -18,8 +19,18 @@ Q_LOGGING_CATEGORY(lcDatabase, "quorvane.database", QtDebugMsg)
 constexpr int kUnspecifiedOptions = -1;
 constexpr qsizetype kLongestTracedText = 255;
 
-void TraceFailure(const CString& diagnostic, const ProviderError& error) {
-    qCDebug(lcDatabase).noquote() << diagnostic + error.Message().left(kLongestTracedText);
+// Does not throw: what cannot be traced for want of memory is not traced.
+void Trace(bool isOpen, const CString& diagnostic, const ProviderFailure& failure) {
+    try {
+        const CString text =
+            diagnostic.left(kLongestTracedText) + u'\n' + failure.message.left(kLongestTracedText);
+        if (isOpen) {
+            qCDebug(lcDatabase).noquote() << text;
+        } else {
+            qCWarning(lcDatabase).noquote() << text;  // why the program does not start
+        }
+    } catch (const std::bad_alloc&) {
+    }
 }
 
 CString ReadFactory(const FieldReader& row) {
@@ -77,29 +88,25 @@ bool CLightingDatabase::Connect() {
         return false;
     }
     const CString connectionString = u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source = "_s + path + u';';
-    try {
+    return Try(u"连接数据库失败!"_s, [&] {
         const std::shared_ptr<Connection> connection = m_factory(connectionString);
         connection->Open(connectionString, CString(), CString(), kUnspecifiedOptions);
         m_connection = connection;
-        return true;
-    } catch (const ProviderError& error) {
-        TraceFailure(u"连接数据库失败!\n"_s, error);
-        return false;
-    }
+    });
 }
 
 bool CLightingDatabase::Disconnect() {
+    return IsConnected() && Try(u"关闭数据库连接失败!"_s, [&] {
+               m_connection->Close();
+               m_connection.reset();
+           });
+}
+
+bool CLightingDatabase::IsConnected() {
     if (m_connection == nullptr) {
-        return false;
+        m_lastFailure = {.kind = FailureKind::NotConnected, .message = {}, .column = {}};
     }
-    try {
-        m_connection->Close();
-        m_connection.reset();
-        return true;
-    } catch (const ProviderError& error) {
-        TraceFailure(u"关闭数据库连接失败!\n"_s, error);
-        return false;
-    }
+    return m_connection != nullptr;
 }
 
 CString CLightingDatabase::GetDatabasePath() const {
@@ -110,29 +117,38 @@ CString CLightingDatabase::GetApplicationParentFolder() const {
     return ApplicationParentFolder(m_executablePath);
 }
 
-template <typename Read>
-bool CLightingDatabase::Query(const Statement& statement, const Read& read) {
-    if (m_connection == nullptr || !statement) {
-        return false;
-    }
+template <typename Action>
+bool CLightingDatabase::Try(const CString& diagnostic, const Action& action) {
     try {
-        const std::unique_ptr<Recordset> rows = m_connection->Execute(*statement);
-        read(*rows);
+        action();
         return true;
     } catch (const ProviderError& error) {
-        TraceFailure(statement->left(kLongestTracedText) + u'\n', error);
-        return false;
+        m_lastFailure = error.Failure();
+    } catch (const std::bad_alloc&) {
+        m_lastFailure = {.kind = FailureKind::OutOfMemory, .message = {}, .column = {}};
     }
+    Trace(m_connection != nullptr, diagnostic, m_lastFailure);
+    return false;
 }
 
-bool CLightingDatabase::Execute(const Statement& statement) {
-    return Query(statement, [](const Recordset&) {});
+template <typename Read>
+bool CLightingDatabase::Query(QStringView statement, Arguments arguments, const Read& read) {
+    CString text;
+    return IsConnected() && Try(text, [&] {
+               text = FormatStatement(statement, arguments);
+               const std::unique_ptr<Recordset> rows = m_connection->Execute(text);
+               read(*rows);
+           });
+}
+
+bool CLightingDatabase::Execute(QStringView statement, Arguments arguments) {
+    return Query(statement, arguments, [](const Recordset&) {});
 }
 
 // The ID is the largest one now; nobody else is expected to insert between the two statements. After a
 // failure the record keeps the ID it came with.
-bool CLightingDatabase::Insert(const Statement& insert, const CString& readBack, int& id) {
-    return Execute(insert) && Query(readBack, [&](const Recordset& rows) {
+bool CLightingDatabase::Insert(QStringView insert, Arguments arguments, QStringView readBack, int& id) {
+    return Execute(insert, arguments) && Query(readBack, {}, [&](const Recordset& rows) {
                if (!rows.AtEnd()) {
                    id = ToIntegerField(rows.Value(0));
                }
@@ -140,13 +156,13 @@ bool CLightingDatabase::Insert(const Statement& insert, const CString& readBack,
 }
 
 template <typename Element, typename ReadRow>
-bool CLightingDatabase::Load(std::vector<Element>& target, const Statement& statement,
+bool CLightingDatabase::Load(std::vector<Element>& target, QStringView statement, Arguments arguments,
                              const ReadRow& readRow) {
-    if (m_connection == nullptr) {
+    if (!IsConnected()) {
         return false;
     }
     target.clear();
-    return Query(statement, [&](Recordset& rows) {
+    return Query(statement, arguments, [&](Recordset& rows) {
         for (const FieldReader row(rows); !rows.AtEnd(); rows.MoveNext()) {
             target.push_back(readRow(row));
         }
@@ -155,8 +171,8 @@ bool CLightingDatabase::Load(std::vector<Element>& target, const Statement& stat
 }
 
 template <typename ReadRow>
-bool CLightingDatabase::ReadFirst(const Statement& statement, const ReadRow& readRow) {
-    return Query(statement, [&](const Recordset& rows) {
+bool CLightingDatabase::ReadFirst(QStringView statement, Arguments arguments, const ReadRow& readRow) {
+    return Query(statement, arguments, [&](const Recordset& rows) {
         if (!rows.AtEnd()) {
             readRow(FieldReader(rows));
         }
@@ -164,31 +180,14 @@ bool CLightingDatabase::ReadFirst(const Statement& statement, const ReadRow& rea
 }
 
 void CLightingDatabase::BeginSubmit() {
-    if (m_openSubmits++ > 0 || m_connection == nullptr) {
-        return;
-    }
-    try {
-        m_connection->BeginSubmit();
-    } catch (const ProviderError& error) {
-        TraceFailure(u"BeginSubmit\n"_s, error);
+    if (m_openSubmits++ == 0 && m_connection != nullptr) {
+        Try(u"BeginSubmit"_s, [&] { m_connection->BeginSubmit(); });
     }
 }
 
 bool CLightingDatabase::EndSubmit() {
     --m_openSubmits;
-    if (m_connection == nullptr) {
-        return false;
-    }
-    if (m_openSubmits > 0) {
-        return true;
-    }
-    try {
-        m_connection->EndSubmit();
-        return true;
-    } catch (const ProviderError& error) {
-        TraceFailure(u"EndSubmit\n"_s, error);
-        return false;
-    }
+    return IsConnected() && (m_openSubmits > 0 || Try(u"EndSubmit"_s, [&] { m_connection->EndSubmit(); }));
 }
 
 SubmitScope::SubmitScope(CLightingDatabase& database) : m_database(&database) {
@@ -207,7 +206,7 @@ bool SubmitScope::Finish() {
 // 光源类别
 
 bool CLightingDatabase::LoadLampTypes(std::vector<tagLAMPHOUSETYPE>& types) {
-    return Load(types, u"select ID, LamphouseType from 光源类别 order by LamphouseType"_s,
+    return Load(types, u"select ID, LamphouseType from 光源类别 order by LamphouseType", {},
                 [](const FieldReader& row) {
                     return tagLAMPHOUSETYPE{.ID = row.Integer(u"ID"),
                                             .LamphouseType = row.Text(u"LamphouseType")};
@@ -215,99 +214,96 @@ bool CLightingDatabase::LoadLampTypes(std::vector<tagLAMPHOUSETYPE>& types) {
 }
 
 bool CLightingDatabase::GetLampTypeName(int id, CString& name) {
-    if (m_connection == nullptr) {
+    if (!IsConnected()) {
         return false;
     }
     name.clear();
-    return ReadFirst(FormatStatement(u"select LamphouseType from 光源类别 where ID=%d", {id}),
+    return ReadFirst(u"select LamphouseType from 光源类别 where ID=%d", {id},
                      [&](const FieldReader& row) { name = row.Text(u"LamphouseType"); });
 }
 
 bool CLightingDatabase::FindLampTypeID(const CString& name, int& id) {
-    if (m_connection == nullptr) {
+    if (!IsConnected()) {
         return false;
     }
     id = 0;
-    return ReadFirst(FormatStatement(u"select ID from 光源类别 where LamphouseType ='%s'", {name}),
+    return ReadFirst(u"select ID from 光源类别 where LamphouseType ='%s'", {name},
                      [&](const FieldReader& row) { id = row.Integer(u"ID"); });
 }
 
 // 光源
 
 bool CLightingDatabase::InsertLightSource(tagLAMPHOUSEINFO& record) {
-    return Insert(FormatStatement(u"insert into 光源 (LamphouseType,LamphouseModel,LuminousFlux,"
-                                  "LamphousePower,Factory,LamphouseName) values (%d,'%s',%G,%G,'%s','%s')",
-                                  {record.LamphouseType, record.LamphouseModel, record.LuminousFlux,
-                                   record.LamphousePower, record.Factory, record.LamphouseName}),
-                  u"select max(ID) from 光源"_s, record.ID);
+    return Insert(
+        u"insert into 光源 (LamphouseType,LamphouseModel,LuminousFlux,"
+        "LamphousePower,Factory,LamphouseName) values (%d,'%s',%G,%G,'%s','%s')",
+        {record.LamphouseType, record.LamphouseModel, record.LuminousFlux, record.LamphousePower,
+         record.Factory, record.LamphouseName},
+        u"select max(ID) from 光源", record.ID);
 }
 
 bool CLightingDatabase::UpdateLightSource(const tagLAMPHOUSEINFO& record) {
     return Execute(
-        FormatStatement(u"update 光源 set LamphouseType=%d,LamphouseModel='%s',LuminousFlux=%G,"
-                        "LamphousePower=%G,Factory='%s',LamphouseName='%s' where ID=%d",
-                        {record.LamphouseType, record.LamphouseModel, record.LuminousFlux,
-                         record.LamphousePower, record.Factory, record.LamphouseName, record.ID}));
+        u"update 光源 set LamphouseType=%d,LamphouseModel='%s',LuminousFlux=%G,"
+        "LamphousePower=%G,Factory='%s',LamphouseName='%s' where ID=%d",
+        {record.LamphouseType, record.LamphouseModel, record.LuminousFlux, record.LamphousePower,
+         record.Factory, record.LamphouseName, record.ID});
 }
 
 bool CLightingDatabase::DeleteLightSource(int id) {
-    return Execute(FormatStatement(u"delete * from 光源 where ID=%d", {id}));
+    return Execute(u"delete * from 光源 where ID=%d", {id});
 }
 
 bool CLightingDatabase::LoadAllLightSources(std::vector<tagLAMPHOUSEINFO>& records) {
     return Load(records,
                 u"select ID,LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName"
-                " from 光源 order by LamphouseType"_s,
-                ReadWholeLightSource);
+                " from 光源 order by LamphouseType",
+                {}, ReadWholeLightSource);
 }
 
 bool CLightingDatabase::LoadLightSourceFactories(std::vector<CString>& factories) {
-    return Load(factories, u"select DISTINCT Factory from 光源 order by Factory"_s, ReadFactory);
+    return Load(factories, u"select DISTINCT Factory from 光源 order by Factory", {}, ReadFactory);
 }
 
 bool CLightingDatabase::LoadLightSourcesByFactory(const CString& factory,
                                                   std::vector<tagLAMPHOUSEINFO>& records) {
     return Load(records,
-                FormatStatement(u"select ID,LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,"
-                                "LamphouseName from 光源 where Factory='%s'",
-                                {factory}),
-                ReadWholeLightSource);
+                u"select ID,LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,"
+                "LamphouseName from 光源 where Factory='%s'",
+                {factory}, ReadWholeLightSource);
 }
 
 bool CLightingDatabase::LoadLightSourceByID(int id, tagLAMPHOUSEINFO& record) {
-    if (m_connection == nullptr) {
+    if (!IsConnected()) {
         return false;
     }
     record.ID = id;
-    return ReadFirst(FormatStatement(u"select ID,LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,"
-                                     "Factory,LamphouseName from 光源 where ID=%d",
-                                     {id}),
-                     [&](const FieldReader& row) { record = ReadWholeLightSource(row); });
+    return ReadFirst(
+        u"select ID,LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,"
+        "Factory,LamphouseName from 光源 where ID=%d",
+        {id}, [&](const FieldReader& row) { record = ReadWholeLightSource(row); });
 }
 
 bool CLightingDatabase::LoadLightSourcesByType(int categoryId, std::vector<tagLAMPHOUSEINFO>& records) {
-    return Load(
-        records,
-        FormatStatement(u"select ID, LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName "
-                        "\t\t\t\tfrom 光源 where LamphouseType = %d ",
-                        {categoryId}),
-        [&](const FieldReader& row) {
-            tagLAMPHOUSEINFO head;
-            head.ID = row.Integer(u"ID");
-            head.LamphouseType = categoryId;
-            return ReadLightSource(row, head);
-        });
+    return Load(records,
+                u"select ID, LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName "
+                "\t\t\t\tfrom 光源 where LamphouseType = %d ",
+                {categoryId}, [&](const FieldReader& row) {
+                    tagLAMPHOUSEINFO head;
+                    head.ID = row.Integer(u"ID");
+                    head.LamphouseType = categoryId;
+                    return ReadLightSource(row, head);
+                });
 }
 
 bool CLightingDatabase::LoadLightSourcesByTypeName(const CString& categoryName,
                                                    std::vector<tagLAMPHOUSEINFO>& records) {
     return Load(records,
-                FormatStatement(u"select 光源.ID, 光源类别.ID, 光源.LamphouseType, 光源类别.LamphouseType,"
-                                "LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName "
-                                "\t\t\t\tfrom 光源,光源类别 where "
-                                "\t\t\t\t光源.LamphouseType =光源类别.ID and 光源类别.LamphouseType='%s' ",
-                                {categoryName}),
-                [](const FieldReader& row) {
+                u"select 光源.ID, 光源类别.ID, 光源.LamphouseType, 光源类别.LamphouseType,"
+                "LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName "
+                "\t\t\t\tfrom 光源,光源类别 where "
+                "\t\t\t\t光源.LamphouseType =光源类别.ID and 光源类别.LamphouseType='%s' ",
+                {categoryName}, [](const FieldReader& row) {
                     tagLAMPHOUSEINFO head;
                     head.ID = row.Integer(u"光源.ID");
                     head.LamphouseType = row.Integer(u"光源.LamphouseType");
@@ -317,71 +313,72 @@ bool CLightingDatabase::LoadLightSourcesByTypeName(const CString& categoryName,
 
 bool CLightingDatabase::LoadLightSourceNamesByType(int categoryId, std::vector<CString>& names) {
     return Load(names,
-                FormatStatement(u"select LamphouseName from 光源 where  LamphouseType = %d"
-                                " order by LamphouseName",
-                                {categoryId}),
-                [](const FieldReader& row) { return row.Text(u"LamphouseName"); });
+                u"select LamphouseName from 光源 where  LamphouseType = %d"
+                " order by LamphouseName",
+                {categoryId}, [](const FieldReader& row) { return row.Text(u"LamphouseName"); });
 }
 
 bool CLightingDatabase::FindLightSourceID(const CString& name, const CString& model, int& id) {
-    if (m_connection == nullptr || (name.isEmpty() && model.isEmpty())) {
+    if (!IsConnected() || (name.isEmpty() && model.isEmpty())) {
         return false;
     }
     id = 0;
-    Statement statement;
+    const auto readId = [&](const FieldReader& row) { id = row.Integer(u"ID"); };
     if (model.isEmpty()) {
-        statement = FormatStatement(u"select ID from 光源 where \t\t\tLamphouseName ='%s' ", {name});
-    } else if (name.isEmpty()) {
-        statement = FormatStatement(u"select ID from 光源 where \t\t\tLamphouseModel ='%s' ", {model});
-    } else {
-        statement = FormatStatement(
-            u"select ID from 光源 where "
-            "\t\t\tLamphouseName ='%s' and LamphouseModel = '%s'",
-            {name, model});
+        return ReadFirst(u"select ID from 光源 where \t\t\tLamphouseName ='%s' ", {name}, readId);
     }
-    return ReadFirst(statement, [&](const FieldReader& row) { id = row.Integer(u"ID"); });
+    if (name.isEmpty()) {
+        return ReadFirst(u"select ID from 光源 where \t\t\tLamphouseModel ='%s' ", {model}, readId);
+    }
+    return ReadFirst(
+        u"select ID from 光源 where "
+        "\t\t\tLamphouseName ='%s' and LamphouseModel = '%s'",
+        {name, model}, readId);
 }
 
 bool CLightingDatabase::FindLightSourceTypeName(const CString& name, const CString& model,
                                                 CString& typeName) {
-    if (m_connection == nullptr || (name.isEmpty() && model.isEmpty())) {
+    if (!IsConnected() || (name.isEmpty() && model.isEmpty())) {
         return false;
     }
     typeName.clear();
-    CString pattern =
+    const auto readName = [&](const FieldReader& row) { typeName = row.Text(u"LamphouseType"); };
+    if (model.isEmpty()) {
+        return ReadFirst(
+            u"select 光源类别.LamphouseType from 光源,光源类别 where "
+            "\t\t\t\t光源.LamphouseType = 光源类别.ID  and  光源.LamphouseName ='%s'",
+            {name}, readName);
+    }
+    if (name.isEmpty()) {
+        return ReadFirst(
+            u"select 光源类别.LamphouseType from 光源,光源类别 where "
+            "\t\t\t\t光源.LamphouseType = 光源类别.ID  and 光源.LamphouseModel = '%s'",
+            {model}, readName);
+    }
+    return ReadFirst(
         u"select 光源类别.LamphouseType from 光源,光源类别 where "
-        "\t\t\t\t光源.LamphouseType = 光源类别.ID "_s;
-    std::vector<TextArgument> arguments;
-    if (!name.isEmpty()) {
-        pattern += u" and  光源.LamphouseName ='%s'";
-        arguments.emplace_back(name);
-    }
-    if (!model.isEmpty()) {
-        pattern += u" and 光源.LamphouseModel = '%s'";
-        arguments.emplace_back(model);
-    }
-    return ReadFirst(FormatStatement(pattern, arguments),
-                     [&](const FieldReader& row) { typeName = row.Text(u"LamphouseType"); });
+        "\t\t\t\t光源.LamphouseType = 光源类别.ID  and  光源.LamphouseName ='%s'"
+        " and 光源.LamphouseModel = '%s'",
+        {name, model}, readName);
 }
 
 // 灯具
 
 bool CLightingDatabase::InsertLuminaire(tagLUMINAIREINFO& record) {
     return Insert(
-        FormatStatement(
-            u"insert into 灯具 (LamphouseTypeID,\t\tLampName,LampModel,LuminaireEfficiency,"
-            "UtilizationFactorType,\t\tMaxLhAA,MaxLhBB,Factory,LamphouseCount,BallastCount,BallastPower,"
-            "\t\tDefaultLamphouse,UtilizationFactorFormat, LampPhoto) "
-            "\t\tvalues ('%s' , '%s' , '%s' , %G, %d, %G, %G, '%s' , '%s' , %d, %G, '%s', '%s', '%s')",
-            {record.LamphouseTypeID, record.LampName, record.LampModel, record.LuminaireEfficiency,
-             record.UtilizationFactorType, record.MaxLhAA, record.MaxLhBB, record.Factory,
-             record.LamphouseCount, record.BallastCount, record.BallastPower, record.DefaultLamphouse,
-             record.UtilizationFactorFormat, record.LampPhoto}),
-        u"select max(ID) from 灯具"_s, record.ID);
+        u"insert into 灯具 (LamphouseTypeID,\t\tLampName,LampModel,LuminaireEfficiency,"
+        "UtilizationFactorType,\t\tMaxLhAA,MaxLhBB,Factory,LamphouseCount,BallastCount,BallastPower,"
+        "\t\tDefaultLamphouse,UtilizationFactorFormat, LampPhoto) "
+        "\t\tvalues ('%s' , '%s' , '%s' , %G, %d, %G, %G, '%s' , '%s' , %d, %G, '%s', '%s', '%s')",
+        {record.LamphouseTypeID, record.LampName, record.LampModel, record.LuminaireEfficiency,
+         record.UtilizationFactorType, record.MaxLhAA, record.MaxLhBB, record.Factory, record.LamphouseCount,
+         record.BallastCount, record.BallastPower, record.DefaultLamphouse, record.UtilizationFactorFormat,
+         record.LampPhoto},
+        u"select max(ID) from 灯具", record.ID);
 }
 
 bool CLightingDatabase::UpdateLuminaire(const tagLUMINAIREINFO& record) {
-    return Execute(FormatStatement(
+    return Execute(
         u"update 灯具 set \t\tLamphouseTypeID='%s',\t\tLampName='%s',\t\tLampModel='%s',"
         "\t\tLuminaireEfficiency=%G,\t\tUtilizationFactorType=%d,\t\tMaxLhAA=%G,\t\tMaxLhBB=%G,"
         "\t\tFactory='%s',\t\tLamphouseCount='%s',\t\tBallastCount=%d,\t\tBallastPower=%G,"
@@ -389,11 +386,11 @@ bool CLightingDatabase::UpdateLuminaire(const tagLUMINAIREINFO& record) {
         {record.LamphouseTypeID, record.LampName, record.LampModel, record.LuminaireEfficiency,
          record.UtilizationFactorType, record.MaxLhAA, record.MaxLhBB, record.Factory, record.LamphouseCount,
          record.BallastCount, record.BallastPower, record.DefaultLamphouse, record.UtilizationFactorFormat,
-         record.LampPhoto, record.ID}));
+         record.LampPhoto, record.ID});
 }
 
 bool CLightingDatabase::DeleteLuminaire(int id) {
-    if (!Execute(FormatStatement(u"delete * from 灯具 where ID=%d", {id}))) {
+    if (!Execute(u"delete * from 灯具 where ID=%d", {id})) {
         return false;
     }
     DeleteUtilizationFactorsOfLuminaire(id);  // the luminaire is gone whatever becomes of these
@@ -404,113 +401,106 @@ bool CLightingDatabase::LoadAllLuminaires(std::vector<tagLUMINAIREINFO>& records
     return Load(records,
                 u"select ID,LamphouseTypeID,LampName,LampModel,LuminaireEfficiency,UtilizationFactorType,"
                 "MaxLhAA,MaxLhBB,Factory,LamphouseCount,BallastCount,DefaultLamphouse,"
-                "UtilizationFactorFormat, LampPhoto from 灯具"_s,
-                ReadLuminaire);
+                "UtilizationFactorFormat, LampPhoto from 灯具",
+                {}, ReadLuminaire);
 }
 
 bool CLightingDatabase::LoadLuminairesByType(const CString& categoryText,
                                              std::vector<tagLUMINAIREINFO>& records) {
     return Load(records,
-                FormatStatement(u"select ID,LamphouseTypeID,LampName,LampModel,LuminaireEfficiency,"
-                                "UtilizationFactorType,MaxLhAA,MaxLhBB,Factory,LamphouseCount,BallastCount,"
-                                "BallastPower,DefaultLamphouse,UtilizationFactorFormat, LampPhoto from 灯具 "
-                                "where LamphouseTypeID like '%%%s%%'",
-                                {categoryText}),
-                ReadLuminaire);
+                u"select ID,LamphouseTypeID,LampName,LampModel,LuminaireEfficiency,"
+                "UtilizationFactorType,MaxLhAA,MaxLhBB,Factory,LamphouseCount,BallastCount,"
+                "BallastPower,DefaultLamphouse,UtilizationFactorFormat, LampPhoto from 灯具 "
+                "where LamphouseTypeID like '%%%s%%'",
+                {categoryText}, ReadLuminaire);
 }
 
 // 利用系数
 
 bool CLightingDatabase::InsertUtilizationFactor(tagLUMINAIREUTILIZATIONFACTOR& record) {
-    return Insert(FormatStatement(u"insert into 利用系数 (LuminaireID,Pcc,Pw,Pf,RCR_RI,UtilizationFactor) "
-                                  "values (%d,%d,%d,%d,%G,%G)",
-                                  {record.LuminaireID, record.Pcc, record.Pw, record.Pf, record.RCR_RI,
-                                   record.UtilizationFactor}),
-                  u"select max(ID) from 利用系数"_s, record.ID);
+    return Insert(
+        u"insert into 利用系数 (LuminaireID,Pcc,Pw,Pf,RCR_RI,UtilizationFactor) "
+        "values (%d,%d,%d,%d,%G,%G)",
+        {record.LuminaireID, record.Pcc, record.Pw, record.Pf, record.RCR_RI, record.UtilizationFactor},
+        u"select max(ID) from 利用系数", record.ID);
 }
 
 bool CLightingDatabase::UpdateUtilizationFactor(const tagLUMINAIREUTILIZATIONFACTOR& record) {
     return Execute(
-        FormatStatement(u"update 利用系数 set LuminaireID=%d,Pcc=%d,Pw=%d,Pf=%d,RCR_RI=%G,"
-                        "UtilizationFactor=%G where ID=%d",
-                        {record.LuminaireID, record.Pcc, record.Pw, record.Pf, record.RCR_RI,
-                         record.UtilizationFactor, record.ID}));
+        u"update 利用系数 set LuminaireID=%d,Pcc=%d,Pw=%d,Pf=%d,RCR_RI=%G,"
+        "UtilizationFactor=%G where ID=%d",
+        {record.LuminaireID, record.Pcc, record.Pw, record.Pf, record.RCR_RI, record.UtilizationFactor,
+         record.ID});
 }
 
 bool CLightingDatabase::DeleteUtilizationFactor(int id) {
-    return Execute(FormatStatement(u"delete * from 利用系数 where ID=%d", {id}));
+    return Execute(u"delete * from 利用系数 where ID=%d", {id});
 }
 
 bool CLightingDatabase::DeleteUtilizationFactorsOfLuminaire(int luminaireId) {
-    return Execute(FormatStatement(u"delete * from 利用系数 where LuminaireID=%d", {luminaireId}));
+    return Execute(u"delete * from 利用系数 where LuminaireID=%d", {luminaireId});
 }
 
 bool CLightingDatabase::LoadUtilizationFactors(int luminaireId,
                                                std::vector<tagLUMINAIREUTILIZATIONFACTOR>& records) {
-    return Load(
-        records,
-        FormatStatement(u"select ID,Pcc,Pw,Pf,RCR_RI, UtilizationFactor from 利用系数 where LuminaireID=%d",
-                        {luminaireId}),
-        [&](const FieldReader& row) {
-            return tagLUMINAIREUTILIZATIONFACTOR{
-                .ID = row.Integer(u"ID"),
-                .LuminaireID = luminaireId,
-                .Pcc = row.Integer(u"Pcc"),
-                .Pw = row.Integer(u"Pw"),
-                .Pf = row.Integer(u"Pf"),
-                .RCR_RI = row.Real(u"RCR_RI"),
-                .UtilizationFactor = row.Real(u"UtilizationFactor"),
-            };
-        });
+    return Load(records, u"select ID,Pcc,Pw,Pf,RCR_RI, UtilizationFactor from 利用系数 where LuminaireID=%d",
+                {luminaireId}, [&](const FieldReader& row) {
+                    return tagLUMINAIREUTILIZATIONFACTOR{
+                        .ID = row.Integer(u"ID"),
+                        .LuminaireID = luminaireId,
+                        .Pcc = row.Integer(u"Pcc"),
+                        .Pw = row.Integer(u"Pw"),
+                        .Pf = row.Integer(u"Pf"),
+                        .RCR_RI = row.Real(u"RCR_RI"),
+                        .UtilizationFactor = row.Real(u"UtilizationFactor"),
+                    };
+                });
 }
 
 // 照度要求及功率密度
 
 bool CLightingDatabase::InsertIlluminanceStandard(tagILLUMINANCESTANDARD& record) {
     return Insert(
-        FormatStatement(
-            u"insert into 照度要求及功率密度 (Vocation,BuildingType,Location,ReferencePlane,"
-            "ActualLPD,ObjectiveLPD,IlluminanceStandard,UGR,Ra) "
-            "\t\tvalues ('%s','%s','%s','%s',%G,%G,%d,%d,%d)",
-            {record.Vocation, record.BuildingType, record.Location, record.ReferencePlane, record.ActualLPD,
-             record.ObjectiveLPD, record.IlluminanceStandard, record.UGR, record.Ra}),
-        u"select max(ID) from 照度要求及功率密度"_s, record.ID);
+        u"insert into 照度要求及功率密度 (Vocation,BuildingType,Location,ReferencePlane,"
+        "ActualLPD,ObjectiveLPD,IlluminanceStandard,UGR,Ra) "
+        "\t\tvalues ('%s','%s','%s','%s',%G,%G,%d,%d,%d)",
+        {record.Vocation, record.BuildingType, record.Location, record.ReferencePlane, record.ActualLPD,
+         record.ObjectiveLPD, record.IlluminanceStandard, record.UGR, record.Ra},
+        u"select max(ID) from 照度要求及功率密度", record.ID);
 }
 
 bool CLightingDatabase::UpdateIlluminanceStandard(const tagILLUMINANCESTANDARD& record) {
-    return Execute(FormatStatement(
+    return Execute(
         u"update 照度要求及功率密度 set Vocation='%s',BuildingType='%s',Location='%s',"
         "\t\t\t\t\t ReferencePlane='%s',ActualLPD=%G,ObjectiveLPD=%G,"
         "IlluminanceStandard=%d,UGR=%d,Ra=%d where ID=%d",
         {record.Vocation, record.BuildingType, record.Location, record.ReferencePlane, record.ActualLPD,
-         record.ObjectiveLPD, record.IlluminanceStandard, record.UGR, record.Ra, record.ID}));
+         record.ObjectiveLPD, record.IlluminanceStandard, record.UGR, record.Ra, record.ID});
 }
 
 bool CLightingDatabase::DeleteIlluminanceStandard(int id) {
-    return Execute(FormatStatement(u"delete * from 照度要求及功率密度 where ID=%d", {id}));
+    return Execute(u"delete * from 照度要求及功率密度 where ID=%d", {id});
 }
 
 bool CLightingDatabase::LoadVocations(std::vector<CString>& vocations) {
-    return Load(vocations, u"select DISTINCT Vocation from 照度要求及功率密度 order by Vocation"_s,
+    return Load(vocations, u"select DISTINCT Vocation from 照度要求及功率密度 order by Vocation", {},
                 [](const FieldReader& row) { return row.Text(u"Vocation"); });
 }
 
 bool CLightingDatabase::LoadBuildingTypes(const CString& vocation, std::vector<CString>& buildingTypes) {
     return Load(buildingTypes,
-                FormatStatement(u"select DISTINCT BuildingType from 照度要求及功率密度 Where Vocation='%s' "
-                                "\t\t\t\t\t order by BuildingType",
-                                {vocation}),
-                [](const FieldReader& row) { return row.Text(u"BuildingType"); });
+                u"select DISTINCT BuildingType from 照度要求及功率密度 Where Vocation='%s' "
+                "\t\t\t\t\t order by BuildingType",
+                {vocation}, [](const FieldReader& row) { return row.Text(u"BuildingType"); });
 }
 
 bool CLightingDatabase::LoadIlluminanceStandards(const CString& vocation, const CString& buildingType,
                                                  std::vector<tagILLUMINANCESTANDARD>& records) {
     return Load(records,
-                FormatStatement(u"select ID,Location,ReferencePlane,ActualLPD,ObjectiveLPD,"
-                                "IlluminanceStandard,UGR,Ra from 照度要求及功率密度 "
-                                "\t\twhere Vocation='%s' and BuildingType='%s'",
-                                {vocation, buildingType}),
-                [&](const FieldReader& row) {
+                u"select ID,Location,ReferencePlane,ActualLPD,ObjectiveLPD,"
+                "IlluminanceStandard,UGR,Ra from 照度要求及功率密度 "
+                "\t\twhere Vocation='%s' and BuildingType='%s'",
+                {vocation, buildingType}, [&](const FieldReader& row) {
                     return tagILLUMINANCESTANDARD{
                         .ID = row.Integer(u"ID"),
                         .Vocation = vocation,

@@ -4,19 +4,20 @@
 // statement ran, and false when there is no connection, the statement failed, or a value read was NULL; it
 // never throws and never shows a message. Reals are written with six significant digits. A text is written
 // between single quotes as it stands, so an operation whose text holds a single quote fails and runs
-// nothing.
+// nothing; LastFailure names its column.
 //
 // Loads empty the target array first (but not without a connection) and keep the order that the statement
 // gives. A NULL ends a load with false and keeps the records before it. A look-up takes the first row;
 // without a row it returns true and leaves its cleared output (ID 0, an empty text).
 #pragma once
 
+#include <initializer_list>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "data/connection.h"
 #include "data/records.h"
+#include "data/text_format.h"
 
 namespace quorvane {
 
@@ -25,11 +26,14 @@ public:
     // factory makes the connection at Connect(); executablePath tells where the database lies.
     CLightingDatabase(ConnectionFactory factory, CString executablePath);
 
-    // True when a connection exists afterwards; an open one is kept. The reason of a failure goes to the
-    // debug trace.
+    // True when a connection exists afterwards; an open one is kept. The reason of a failure goes to
+    // standard error.
     bool Connect();
     // Closes the connection. False when there was none or it could not be closed.
     bool Disconnect();
+
+    // Why the last operation that returned false did so. An operation that succeeds leaves this alone.
+    const ProviderFailure& LastFailure() const { return m_lastFailure; }
 
     // The full path of the database file, in backslash form, or empty.
     CString GetDatabasePath() const;
@@ -87,20 +91,24 @@ public:
 private:
     friend class SubmitScope;
 
-    // A statement ready to run, or nothing when an argument has no place in one.
-    using Statement = std::optional<CString>;
+    using Arguments = std::initializer_list<TextArgument>;
 
-    // Runs the statement and gives its rows to read. The one place where the errors of a connection end.
+    // Runs the action. Its errors end here: they are traced and kept for LastFailure.
+    template <typename Action>
+    bool Try(const CString& diagnostic, const Action& action);
+    // Fills the statement's placeholders, runs it and gives its rows to read.
     template <typename Read>
-    bool Query(const Statement& statement, const Read& read);
-    bool Execute(const Statement& statement);
-    bool Insert(const Statement& insert, const CString& readBack, int& id);
+    bool Query(QStringView statement, Arguments arguments, const Read& read);
+    bool Execute(QStringView statement, Arguments arguments);
+    bool Insert(QStringView insert, Arguments arguments, QStringView readBack, int& id);
     // readRow makes one element of the target from the present row, or reads the first row where there is
     // one.
     template <typename Element, typename ReadRow>
-    bool Load(std::vector<Element>& target, const Statement& statement, const ReadRow& readRow);
+    bool Load(std::vector<Element>& target, QStringView statement, Arguments arguments,
+              const ReadRow& readRow);
     template <typename ReadRow>
-    bool ReadFirst(const Statement& statement, const ReadRow& readRow);
+    bool ReadFirst(QStringView statement, Arguments arguments, const ReadRow& readRow);
+    bool IsConnected();
     void BeginSubmit();
     bool EndSubmit();
 
@@ -108,6 +116,7 @@ private:
     ConnectionFactory m_factory;
     CString m_executablePath;
     int m_openSubmits = 0;
+    ProviderFailure m_lastFailure;
 };
 
 // A submit: while one lives, statements do not wait for the disk one by one. Each statement that reported

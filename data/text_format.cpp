@@ -18,9 +18,9 @@ void Append(CString& result, QChar placeholder, const TextArgument& argument) {
 
 }  // namespace
 
-CString FormatText(QStringView text, const std::vector<TextArgument>& arguments) {
+CString FormatText(QStringView text, std::initializer_list<TextArgument> arguments) {
     CString result;
-    auto argument = arguments.begin();
+    const auto* argument = arguments.begin();
     qsizetype start = 0;
     for (qsizetype percent = text.indexOf(u'%'); percent >= 0; percent = text.indexOf(u'%', start)) {
         result += text.sliced(start, percent - start);

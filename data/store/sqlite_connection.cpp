@@ -66,7 +66,7 @@ void RefuseDamage(sqlite3* database) {
     const FieldValue finding = report.Value(0);
     const auto* text = std::get_if<CString>(&finding);
     if (text == nullptr || *text != u"ok"_s) {
-        throw ProviderError(u"the file is damaged: %1"_s.arg(text ? *text : CString()));
+        throw ProviderError(u"the file is damaged: %1"_s.arg(text ? *text : CString()), FailureKind::Damaged);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <QStringDecoder>
 #include <algorithm>
+#include <cerrno>
 #include <functional>
 #include <limits>
 #include <string_view>
@@ -36,10 +37,59 @@ std::vector<CString> ColumnNames(sqlite3_stmt* statement) {
     return qualified;
 }
 
+// What the operating system said, for the results of SQLite that only say that it refused.
+FailureKind KindOfSystemError(int systemError) {
+    switch (systemError) {
+        case ENOSPC:
+        case EDQUOT:
+            return FailureKind::DiskFull;
+        case EROFS:
+        case EACCES:
+        case EPERM:
+            return FailureKind::ReadOnly;
+        case ENOENT:
+        case ENODEV:
+        case ENXIO:
+        case ESTALE:
+            return FailureKind::FileGone;
+        default:
+            return FailureKind::Other;
+    }
+}
+
 }  // namespace
 
+FailureKind KindOfSqliteError(sqlite3* database) {
+    const int result = sqlite3_extended_errcode(database);
+    if (result == SQLITE_READONLY_DBMOVED) {
+        return FailureKind::FileGone;
+    }
+    switch (result & 0xff) {
+        case SQLITE_FULL:
+            return FailureKind::DiskFull;
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return FailureKind::Locked;
+        case SQLITE_READONLY:
+        case SQLITE_PERM:
+            return FailureKind::ReadOnly;
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+            return FailureKind::Damaged;
+        case SQLITE_NOMEM:
+            return FailureKind::OutOfMemory;
+        case SQLITE_INTERRUPT:
+            return FailureKind::TimeLimit;
+        case SQLITE_CANTOPEN:
+        case SQLITE_IOERR:
+            return KindOfSystemError(sqlite3_system_errno(database));
+        default:
+            return FailureKind::Other;
+    }
+}
+
 void ThrowSqliteError(sqlite3* database) {
-    throw ProviderError(QString::fromUtf8(sqlite3_errmsg(database)));
+    throw ProviderError(QString::fromUtf8(sqlite3_errmsg(database)), KindOfSqliteError(database));
 }
 
 SqliteStatement PrepareSqlite(sqlite3* database, const CString& statement) {

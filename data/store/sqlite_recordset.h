@@ -15,6 +15,9 @@ struct SqliteFinalizer {
 };
 using SqliteStatement = std::unique_ptr<sqlite3_stmt, SqliteFinalizer>;
 
+// Which kind of failure the last one of the database was.
+FailureKind KindOfSqliteError(sqlite3* database);
+
 // Throws what SQLite has to say about its last failure.
 [[noreturn]] void ThrowSqliteError(sqlite3* database);
 

@@ -37,7 +37,7 @@ constexpr std::array kDrivers{
 QByteArray ReadHead(const CString& path) {
     const QFileInfo info(path);
     if (!info.exists()) {
-        throw ProviderError(u"there is no file %1"_s.arg(path));
+        throw ProviderError(u"there is no file %1"_s.arg(path), FailureKind::FileGone);
     }
     if (!info.isFile()) {
         throw ProviderError(u"%1 is not a file"_s.arg(path));

@@ -39,16 +39,27 @@ struct Held {
     std::vector<tagILLUMINANCESTANDARD> standards{kStandard};
     bool operator==(const Held&) const = default;
 
-    std::vector<CString*> GivenTexts() {
+    // Each text with the column that it is written to; "" for one that several columns are compared with.
+    std::vector<std::pair<CString, CString*>> GivenTexts() {
         tagLUMINAIREINFO& l = luminaire;
         tagILLUMINANCESTANDARD& s = standard;
-        std::vector<CString*> given{&source.LamphouseModel, &source.Factory, &source.LamphouseName};
-        given.insert(given.end(),
-                     {&l.LamphouseTypeID, &l.LampName, &l.LampModel, &l.Factory, &l.LamphouseCount,
-                      &l.DefaultLamphouse, &l.UtilizationFactorFormat, &l.LampPhoto, &s.Vocation,
-                      &s.BuildingType, &s.Location, &s.ReferencePlane});
-        given.insert(given.end(), {&word, &other});
-        return given;
+        return {{u"LamphouseModel"_s, &source.LamphouseModel},
+                {u"Factory"_s, &source.Factory},
+                {u"LamphouseName"_s, &source.LamphouseName},
+                {u"LamphouseTypeID"_s, &l.LamphouseTypeID},
+                {u"LampName"_s, &l.LampName},
+                {u"LampModel"_s, &l.LampModel},
+                {u"Factory"_s, &l.Factory},
+                {u"LamphouseCount"_s, &l.LamphouseCount},
+                {u"DefaultLamphouse"_s, &l.DefaultLamphouse},
+                {u"UtilizationFactorFormat"_s, &l.UtilizationFactorFormat},
+                {u"LampPhoto"_s, &l.LampPhoto},
+                {u"Vocation"_s, &s.Vocation},
+                {u"BuildingType"_s, &s.BuildingType},
+                {u"Location"_s, &s.Location},
+                {u"ReferencePlane"_s, &s.ReferencePlane},
+                {u""_s, &word},
+                {u""_s, &other}};
     }
 };
 
@@ -144,6 +155,7 @@ private Q_SLOTS:
             QCOMPARE(m_connection->statements.size(), std::size_t{1});
             held = Held();
             QVERIFY2(!run(unconnected, held) && held == Held(), qPrintable(name));
+            QCOMPARE(unconnected.LastFailure().kind, FailureKind::NotConnected);
             QCOMPARE(m_connection->statements.size(), std::size_t{1});
         }
     }
@@ -156,12 +168,16 @@ private Q_SLOTS:
                 std::size_t refused = 0;
                 for (const auto& [name, run] : kOperations) {
                     Held held;
-                    *held.GivenTexts()[place] = text;
+                    const auto [column, given] = held.GivenTexts()[place];
+                    *given = text;
                     m_connection->statements.clear();
                     const bool result = run(*m_database, held);
                     if (m_connection->statements.empty()) {
                         QVERIFY2(!result, qPrintable(name));
+                        const ProviderFailure& failure = m_database->LastFailure();
+                        QVERIFY(column.isEmpty() ? !failure.column.isEmpty() : failure.column == column);
                         ++refused;
+                        QCOMPARE(failure.kind == FailureKind::QuoteInText, text.contains(u'\''));
                     } else {
                         QCOMPARE(m_connection->statements[0], m_statements[name][0]);
                     }
@@ -242,7 +258,7 @@ private Q_SLOTS:
         QVERIFY(m_database->Disconnect());
         QVERIFY(!m_database->Disconnect());
         m_connection->openFailure = CString(300, u'x');
-        QTest::ignoreMessage(QtDebugMsg,
+        QTest::ignoreMessage(QtWarningMsg,
                              u"连接数据库失败!\n%1"_s.arg(CString(255, u'x')).toUtf8().constData());
         QVERIFY(!m_database->Connect());
         m_connection->openFailure.clear();

@@ -95,7 +95,7 @@ private Q_SLOTS:
             QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
             QCOMPARE(file.write(bytes), bytes.size());
             file.close();
-            QTest::ignoreMessage(QtDebugMsg, QRegularExpression(u"^连接数据库失败!\n.*"_s + reason));
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^连接数据库失败!\n.*"_s + reason));
             CLightingDatabase database = Database();
             QVERIFY2(!database.Connect(), qPrintable(reason));
             QCOMPARE(m_file->Bytes(), bytes);
@@ -113,6 +113,7 @@ private Q_SLOTS:
         QVERIFY(database.Disconnect());
         QVERIFY(QFile::remove(m_file->FilePath()));
         QVERIFY(!database.Connect());
+        QCOMPARE(database.LastFailure().kind, FailureKind::FileGone);
         QVERIFY(!QFile::exists(m_file->FilePath()));
         QVERIFY(QDir().mkdir(m_file->FilePath()));
         QVERIFY(!database.Connect());
@@ -132,6 +133,7 @@ private Q_SLOTS:
                 CLightingDatabase database = Database();
                 QVERIFY(database.Connect() && Reads(database));
                 QVERIFY(RefusesWrites(database));
+                QCOMPARE(database.LastFailure().kind, FailureKind::ReadOnly);
                 QVERIFY(Reads(database));
             }
             QVERIFY(QFile::setPermissions(m_file->DatabaseFolder(), visitors | QFile::WriteOwner));
@@ -148,6 +150,8 @@ private Q_SLOTS:
 
         other.Execute(u"begin immediate"_s);
         QVERIFY(Reads(database));
+        QVERIFY(RefusesWrites(database));
+        QCOMPARE(database.LastFailure().kind, FailureKind::Locked);
         QElapsedTimer timer;
         timer.start();
         for (int row = 0; row < 10; ++row) {

@@ -15,13 +15,26 @@ namespace {
 
 using namespace access;
 
+FailureKind KindOf(Fault fault) {
+    switch (fault) {
+        case Fault::Damaged:
+            return FailureKind::Damaged;
+        case Fault::ReadOnly:
+            return FailureKind::ReadOnly;
+        case Fault::Changed:
+            return FailureKind::FileChanged;
+        default:
+            return FailureKind::Other;
+    }
+}
+
 // What the driver throws, as the seam knows it.
 template <typename Action>
 auto AsProviderError(const Action& action) {
     try {
         return action();
     } catch (const AccessError& error) {
-        throw ProviderError(error.Message());
+        throw ProviderError(error.Message(), KindOf(error.Kind()));
     }
 }
 

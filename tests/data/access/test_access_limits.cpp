@@ -39,6 +39,17 @@ QStringList Texts(const Table& table) {
     return texts;
 }
 
+int CountStates(const Pages& pages, const Table& table, SlotState state) {
+    int count = 0;
+    for (const PageNumber number : MappedPages(pages, table.Definition().owned)) {
+        const PagePointer page = pages.Read(number);
+        for (int row = 0; row < CountSlots(*page); ++row) {
+            count += ReadSlot(*page, row).state == state;
+        }
+    }
+    return count;
+}
+
 // Inserts or updates category 1; the reason when that is refused.
 QString Write(Database& database, bool update, const Value& id, const Value& name) {
     try {
@@ -149,7 +160,7 @@ private Q_SLOTS:
         QTest::newRow("long texts") << Fixture("general-large.mdb") << 255 << 2 << 300;
     }
 
-    // More rows come and go on a page than its slots can number.
+    // More rows come and go on a page than its slots can number, and a row moves to and fro.
     void Grows() {
         QFETCH(QByteArray, file);
         QFETCH(int, length);
@@ -163,6 +174,10 @@ private Q_SLOTS:
         Table& luminaires = database.Find(u"灯具"_s);
         QStringList expected = Texts(luminaires);
         const qsizetype before = Texts(categories).size();
+        const RowAddress moving = luminaires.Scan().Row().home;
+        for (const int ID : {1000, 500}) {  // the next AutoNumber is 1001 nevertheless
+            QCOMPARE(Write(database, false, qint64{ID}, u"x"_s), QString());
+        }
         for (int round = 0; round < kRounds; ++round) {
             database.BeginStatement();
             const RowAddress row = categories.Insert({{}, QString::number(round)});
@@ -177,11 +192,16 @@ private Q_SLOTS:
                 luminaires.Insert(values);
                 expected += QString(length, QChar(u'甲' + round));
             }
+            std::vector<std::optional<Value>> name(luminaires.Columns().size());
+            name[2] = QString(round * 37 % 255, u'名');
+            luminaires.Update(moving, name);
             database.Commit();
         }
         database.EndSubmit();
+        QCOMPARE(CountStates(database.AllPages(), luminaires, SlotState::Target),
+                 CountStates(database.AllPages(), luminaires, SlotState::Pointer));
         QVERIFY(disk.Bytes(kPath).size() > 4096 * pages);
-        QCOMPARE(Texts(categories).size(), before + kRounds / 2);
+        QCOMPARE(Texts(categories).size(), before + 2 + kRounds / 2);
         expected.sort();
         QCOMPARE(Texts(luminaires), expected);
         QCOMPARE(CheckFile(database), QStringList());

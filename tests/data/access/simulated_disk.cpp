@@ -53,10 +53,13 @@ public:
             Fail();
         }
     }
+    // A sync that fails takes what it could not write for written.
     void Sync() override {
+        const auto unsynced = std::exchange(m_node->unsynced, {});
         m_disk.Operate();
-        m_node->synced = m_node->now;
-        m_node->unsynced.clear();
+        for (const auto& written : unsynced) {
+            Overwrite(m_node->synced, written.offset, written.bytes);
+        }
     }
     bool Lock() override {
         m_locked = m_node->holder == 0 || m_node->holder != m_disk.m_run;
@@ -78,6 +81,11 @@ bool SimulatedDisk::Operate(bool isWrite) {
         return true;
     }
     m_dead = m_trouble != Trouble::Failure;
+    if (m_later > 0) {
+        m_fatal = m_operation + std::exchange(m_later, 0);
+        m_trouble = Trouble::KillAfter;
+        Fail();
+    }
     if (m_trouble == Trouble::Kill || (m_trouble != Trouble::KillAfter && !isWrite)) {
         Fail();
     }

@@ -21,11 +21,13 @@ public:
         Failure,    // the operation fails, and the process goes on
     };
 
-    // Lets operation number OPERATION, counted from 1, go wrong.
-    void Plan(int operation, Trouble trouble) {
+    // Lets operation number OPERATION, counted from 1, go wrong. With LATER the process ends so many
+    // operations after it has failed.
+    void Plan(int operation, Trouble trouble, int later = 0) {
         m_operation = 0;
         m_fatal = operation;
         m_trouble = trouble;
+        m_later = later;
     }
     int Operations() const { return m_operation; }
     bool IsDead() const { return m_dead; }
@@ -67,6 +69,7 @@ private:
     std::vector<NamesByPath> m_unsyncedNames{{}};  // the synced ones, and those after each later change
     int m_operation = 0;
     int m_fatal = 0;
+    int m_later = 0;
     Trouble m_trouble = Trouble::None;
     bool m_dead = false;
     int m_run = 1;

@@ -65,7 +65,8 @@ bool ComesOutSame(const TableDefinition& table, const RowView& row, QByteArrayVi
 bool ComesOutSame(const Pages& pages, const Column& column, QByteArrayView bytes) {
     const QByteArray stored = column.IsLong() ? ReadLongValue(pages, bytes) : bytes.toByteArray();
     const QString text = DecodeText(stored);
-    return ToStored(text, column) == stored || stored.size() == 2 * text.size();
+    const StoredValue made = ToStored(text, column);
+    return made == stored || (made->size() == stored.size() && stored.size() == 2 * text.size());
 }
 
 int CountOtherBytes(const Pages& pages, Table& table) {

@@ -163,6 +163,7 @@ private Q_SLOTS:
         QTest::newRow("power cut") << Trouble::KillAfter << 3;
         QTest::newRow("power cut within a write") << Trouble::Torn << 2;
         QTest::newRow("failure") << Trouble::Failure << 0;
+        QTest::newRow("failure, then power cut") << Trouble::Failure << 3;
     }
 
     void KeepsWhatWasReported() {
@@ -172,7 +173,8 @@ private Q_SLOTS:
             for (int cut = 0; cut < std::max(1, powerCuts); ++cut) {
                 SimulatedDisk disk;
                 disk.Put(kPath, Fixture());
-                disk.Plan(operation, trouble);
+                disk.Plan(operation, trouble,
+                          trouble == Trouble::Failure && powerCuts > 0 ? 4 * (cut + 1) : 0);
                 const Outcome outcome = Run(disk);
                 if (powerCuts == 0 && !outcome.inSubmit) {
                     QCOMPARE(disk.Bytes(kPath), outcome.submitted);

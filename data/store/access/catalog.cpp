@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "data/store/access/properties.h"
-#include "data/store/access/table_scan.h"
-#include "data/store/access/value.h"
+#include "data/store/access/rows/table_scan.h"
+#include "data/store/access/rows/value.h"
 
 namespace quorvane::access {
 

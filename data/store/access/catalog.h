@@ -5,7 +5,7 @@
 #include <map>
 #include <vector>
 
-#include "data/store/access/pages.h"
+#include "data/store/access/disk/pages.h"
 
 namespace quorvane::access {
 

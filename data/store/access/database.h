@@ -4,9 +4,9 @@
 #include <memory>
 #include <vector>
 
+#include "data/store/access/disk/lock_file.h"
+#include "data/store/access/disk/paged_file.h"
 #include "data/store/access/header.h"
-#include "data/store/access/lock_file.h"
-#include "data/store/access/paged_file.h"
 #include "data/store/access/table.h"
 
 namespace quorvane::access {

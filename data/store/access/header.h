@@ -2,8 +2,8 @@
 // header"). The page is never written.
 #pragma once
 
-#include "data/store/access/pages.h"
-#include "data/store/access/text_key.h"
+#include "data/store/access/disk/pages.h"
+#include "data/store/access/index/text_key.h"
 
 namespace quorvane::access {
 

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "data/store/access/column_type.h"
-#include "data/store/access/text.h"
+#include "data/store/access/rows/text.h"
 
 namespace quorvane::access {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <limits>
 
-#include "data/store/access/index_writer.h"
-#include "data/store/access/long_values.h"
-#include "data/store/access/row_key.h"
+#include "data/store/access/index/index_writer.h"
+#include "data/store/access/index/row_key.h"
+#include "data/store/access/rows/long_values.h"
 
 namespace quorvane::access {
 

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "data/store/access/catalog.h"
-#include "data/store/access/row_store.h"
-#include "data/store/access/value.h"
+#include "data/store/access/rows/row_store.h"
+#include "data/store/access/rows/value.h"
 
 namespace quorvane::access {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "data/store/access/column_type.h"
-#include "data/store/access/pages.h"
-#include "data/store/access/text_key.h"
+#include "data/store/access/disk/pages.h"
+#include "data/store/access/index/text_key.h"
 
 namespace quorvane::access {
 

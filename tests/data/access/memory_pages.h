@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "data/store/access/pages.h"
+#include "data/store/access/disk/pages.h"
 
 class MemoryPages : public quorvane::access::Pages {
 public:

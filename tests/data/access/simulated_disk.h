@@ -7,7 +7,7 @@
 #include <map>
 #include <vector>
 
-#include "data/store/access/file.h"
+#include "data/store/access/disk/file.h"
 
 namespace quorvane::access {
 

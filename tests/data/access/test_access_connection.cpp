@@ -4,7 +4,7 @@
 #include <QTest>
 
 #include "data/connection.h"
-#include "data/store/access/pages.h"
+#include "data/store/access/disk/pages.h"
 #include "data/store/store_factory.h"
 
 using namespace quorvane;

@@ -7,8 +7,8 @@
 #include <QTest>
 
 #include "data/store/access/database.h"
-#include "data/store/access/long_values.h"
-#include "data/store/access/text.h"
+#include "data/store/access/rows/long_values.h"
+#include "data/store/access/rows/text.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane::access;

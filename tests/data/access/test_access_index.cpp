@@ -4,8 +4,8 @@
 #include <random>
 #include <set>
 
-#include "data/store/access/index_writer.h"
-#include "data/store/access/key.h"
+#include "data/store/access/index/index_writer.h"
+#include "data/store/access/index/key.h"
 #include "tests/data/access/memory_pages.h"
 
 using namespace quorvane::access;

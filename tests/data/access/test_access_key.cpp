@@ -3,7 +3,7 @@
 #include <QTest>
 
 #include "data/store/access/access_error.h"
-#include "data/store/access/key.h"
+#include "data/store/access/index/key.h"
 
 using namespace quorvane::access;
 using namespace Qt::StringLiterals;

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "data/store/access/check/page_claims.h"
-#include "data/store/access/index.h"
-#include "data/store/access/long_values.h"
-#include "data/store/access/row_key.h"
+#include "data/store/access/index/index.h"
+#include "data/store/access/index/row_key.h"
+#include "data/store/access/rows/long_values.h"
 #include "data/store/access/table.h"
 
 namespace quorvane::access {

@@ -4,7 +4,7 @@
 #include <set>
 #include <vector>
 
-#include "data/store/access/usage_maps.h"
+#include "data/store/access/rows/usage_maps.h"
 
 namespace quorvane::access {
 

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "data/store/access/index.h"
+#include "data/store/access/index/index.h"
 #include "data/store/access/table.h"
 
 namespace quorvane::access {

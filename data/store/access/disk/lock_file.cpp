@@ -1,0 +1,80 @@
+#include "data/store/access/disk/lock_file.h"
+
+#include <QFileInfo>
+#include <QStringList>
+
+namespace quorvane::access {
+
+namespace {
+
+// One slot a user: the computer's name and the user's, padded with zeros.
+constexpr qsizetype kNameLength = 32;
+constexpr qsizetype kSlotLength = 2 * kNameLength;
+constexpr qsizetype kMostSlots = 255;
+constexpr QByteArrayView kOurUser("quorvane");
+
+QString LockPath(const QString& databasePath) {
+    const QFileInfo info(databasePath);
+    return info.path() + u'/' + info.completeBaseName() + QStringLiteral(".ldb");
+}
+
+QByteArray Padded(const QByteArray& name) {
+    return name.left(kNameLength - 1).leftJustified(kNameLength, '\0');
+}
+
+QByteArray OurSlot(FileSystem& files) {
+    return Padded(files.ComputerName().toLocal8Bit()) + Padded(kOurUser.toByteArray());
+}
+
+QByteArray ReadSlots(const File& file) {
+    QByteArray bytes(std::min(file.Stamp().size, qint64{kSlotLength * kMostSlots}), Qt::Uninitialized);
+    file.Read(0, ByteSpan(bytes.data(), static_cast<std::size_t>(bytes.size())));
+    return bytes;
+}
+
+QString ComputerNames(const QByteArray& bytes) {
+    QStringList names;
+    for (qsizetype at = 0; at < bytes.size(); at += kSlotLength) {
+        const QByteArray name = bytes.mid(at, kNameLength);
+        names +=
+            QString::fromLocal8Bit(name.first(qstrnlen(name.constData(), static_cast<size_t>(name.size()))));
+    }
+    names.removeDuplicates();
+    names.removeAll(QString());
+    return names.isEmpty() ? QStringLiteral("another program") : names.join(QStringLiteral(", "));
+}
+
+}  // namespace
+
+LockFile::LockFile(FileSystem& files, const QString& databasePath)
+    : m_files(&files), m_path(LockPath(databasePath)) {
+    const QByteArray slot = OurSlot(files);
+    if (!files.Exists(m_path)) {
+        m_file = files.Open(m_path, FileSystem::Mode::CreateNew);
+        m_file->Lock();
+        m_file->Write(0, slot);
+        return;
+    }
+    auto file = files.Open(m_path, FileSystem::Mode::Read);
+    const QByteArray found = ReadSlots(*file);
+    // Not whole when the program ended before its slot was on the disk. While it lives it holds the file.
+    const bool isOurs = slot.startsWith(found) || found.count('\0') == found.size();
+    if (isOurs && file->Lock()) {
+        m_file = std::move(file);
+        return;
+    }
+    throw AccessError(
+        QStringLiteral("%1 has the file open; %2 says so, and may be deleted when nobody has it open")
+            .arg(ComputerNames(found), QFileInfo(m_path).fileName()),
+        Fault::ReadOnly);
+}
+
+LockFile::~LockFile() {
+    try {
+        m_files->Remove(m_path);
+    } catch (const AccessError&) {
+        // A lock file that stays is taken over at the next opening.
+    }
+}
+
+}  // namespace quorvane::access

@@ -1,0 +1,299 @@
+#include "data/store/access/disk/paged_file.h"
+
+#include <QDateTime>
+#include <utility>
+
+namespace quorvane::access {
+
+namespace {
+
+constexpr PageNumber kMostPages = 524'288;  // 2 GB
+// A submit without an end, an import say, puts its statements into the file from time to time.
+constexpr std::size_t kMostPending = 4096;
+
+QString LogPath(const QString& path) {
+    return path + QStringLiteral("-redo");
+}
+
+QByteArrayView View(const Page& page) {
+    return {page.data(), kPageSize};
+}
+
+qint64 Offset(PageNumber page) {
+    return page * qint64{kPageSize};
+}
+
+}  // namespace
+
+PagedFile::PagedFile(FileSystem& files, const QString& path, bool writable)
+    : m_files(&files), m_path(path), m_writable(writable) {
+    m_file = files.Open(path, writable ? FileSystem::Mode::ReadWrite : FileSystem::Mode::Read);
+    m_stamp = m_file->Stamp();
+    m_fileCount = static_cast<PageNumber>(m_stamp.size / kPageSize);
+    m_count = m_fileCount;
+    if (files.Exists(LogPath(path))) {
+        Recover();
+    }
+    if ((m_log == nullptr && m_pending.empty() && m_stamp.size % kPageSize != 0) || m_count < 3 ||
+        m_count > kMostPages) {
+        ThrowDamaged(QStringLiteral("its size of %1 bytes is impossible").arg(m_stamp.size));
+    }
+}
+
+PagedFile::~PagedFile() {
+    try {
+        Rollback();
+        EndSubmit();
+    } catch (const AccessError&) {
+        // The log stays, and the next opening goes on with it.
+    }
+}
+
+PagePointer PagedFile::Read(PageNumber page) const {
+    if (const auto changed = m_changed.find(page); changed != m_changed.end()) {
+        return changed->second;
+    }
+    if (const auto pending = m_pending.find(page); pending != m_pending.end()) {
+        return pending->second.content;
+    }
+    if (PagePointer cached = m_cache.Find(page)) {
+        return cached;
+    }
+    if (page >= m_fileCount) {
+        ThrowDamaged(QStringLiteral("there is no page %1").arg(page));
+    }
+    PagePointer content = ReadFromFile(page);
+    m_cache.Put(page, content);
+    return content;
+}
+
+Page& PagedFile::Write(PageNumber page) {
+    if (!m_inStatement || page == 0) {
+        throw AccessError(QStringLiteral("page %1 cannot be changed here").arg(page));
+    }
+    std::shared_ptr<Page>& changed = m_changed[page];
+    if (changed == nullptr) {
+        m_changed.erase(page);
+        auto copy = std::make_shared<Page>(*Read(page));
+        return *(m_changed[page] = std::move(copy));
+    }
+    return *changed;
+}
+
+PageNumber PagedFile::Append() {
+    if (m_count >= kMostPages) {
+        throw AccessError(QStringLiteral("the file would exceed 2 GB"));
+    }
+    if (!m_inStatement) {
+        throw AccessError(QStringLiteral("a page cannot be added here"));
+    }
+    m_changed[m_count] = std::make_shared<Page>();
+    m_changed[m_count]->fill(0);
+    return m_count++;
+}
+
+void PagedFile::RequireUnchanged() const {
+    if (m_file->Stamp() != m_stamp) {
+        throw AccessError(QStringLiteral("another program has changed the file since it was read"),
+                          Fault::Changed);
+    }
+}
+
+void PagedFile::Reload() {
+    Rollback();
+    if (m_log != nullptr) {
+        PutLogAside(QStringLiteral("another program has changed the file"));
+    }
+    m_pending.clear();
+    m_cache.Clear();
+    m_stamp = m_file->Stamp();
+    m_fileCount = static_cast<PageNumber>(m_stamp.size / kPageSize);
+    m_count = m_fileCount;
+}
+
+void PagedFile::BeginStatement() {
+    if (!m_writable) {
+        throw AccessError(QStringLiteral("the file is open for reading only"), Fault::ReadOnly);
+    }
+    if (m_writing || m_pending.size() > kMostPending) {
+        EndSubmit();
+    }
+    RequireUnchanged();
+    m_countBefore = m_count;
+    m_inStatement = true;
+}
+
+void PagedFile::Rollback() {
+    if (m_inStatement) {
+        m_inStatement = false;
+        m_changed.clear();
+        m_count = m_countBefore;
+    }
+}
+
+void PagedFile::Commit() {
+    std::vector<PageChange> changes;
+    for (const auto& [page, content] : m_changed) {
+        const auto pending = m_pending.find(page);
+        PageChange change{page, nullptr, content, pending == m_pending.end()};
+        if (!change.first) {
+            change.before = pending->second.content;
+        } else if (page < m_fileCount) {
+            change.before = ReadFromFile(page);
+        }
+        if (change.before == nullptr || *change.before != *content) {
+            changes.push_back(std::move(change));
+        }
+    }
+    if (!changes.empty()) {
+        if (m_log == nullptr) {
+            m_log = std::make_unique<RedoLog>(*m_files, LogPath(m_path), PresentState());
+        }
+        m_log->AppendStatement(changes, m_count);
+    }
+    for (const PageChange& change : changes) {
+        Pending& pending = m_pending[change.page];
+        if (change.first && change.before != nullptr) {
+            pending.base = FingerprintSectors(*change.before);
+        }
+        pending.content = change.after;
+    }
+    m_inStatement = false;
+    m_changed.clear();
+}
+
+void PagedFile::EndSubmit() {
+    if (m_log == nullptr) {
+        return;
+    }
+    if (!m_writing) {
+        RequireUnchanged();
+        RequireBasePages();
+    }
+    PutInPlace();
+}
+
+void PagedFile::PutInPlace() {
+    m_log->MarkAndSync();
+    WritePending();
+    m_log->Remove();
+    m_log.reset();
+    for (const auto& [page, pending] : m_pending) {
+        m_cache.Put(page, pending.content);
+    }
+    m_pending.clear();
+}
+
+// New pages first: where the disk has no room for them, the file can still be left as it was.
+void PagedFile::WritePending() {
+    m_writing = true;
+    for (auto page = m_pending.lower_bound(m_fileCount); page != m_pending.end(); ++page) {
+        m_file->Write(Offset(page->first), View(*page->second.content));
+    }
+    for (auto page = m_pending.begin(); page != m_pending.end() && page->first < m_fileCount; ++page) {
+        m_file->Write(Offset(page->first), View(*page->second.content));
+    }
+    m_file->Sync();
+    m_fileCount = m_count;
+    m_stamp = m_file->Stamp();
+    m_writing = false;
+}
+
+// A program that keeps the time of the last change as it was is found out by the pages' content.
+void PagedFile::RequireBasePages() const {
+    for (const auto& [page, pending] : m_pending) {
+        if (page < m_fileCount && FingerprintSectors(*ReadFromFile(page)) != pending.base) {
+            throw AccessError(QStringLiteral("another program has changed the file since it was read"),
+                              Fault::Changed);
+        }
+    }
+}
+
+std::shared_ptr<Page> PagedFile::ReadFromFile(PageNumber page) const {
+    auto content = std::make_shared_for_overwrite<Page>();
+    m_file->Read(Offset(page), *content);
+    return content;
+}
+
+LogBase PagedFile::PresentState() const {
+    return {m_stamp, Fingerprint(View(*ReadFromFile(0)))};
+}
+
+// --- a log found at opening --------------------------------------------------------------------------------
+
+void PagedFile::Recover() {
+    FoundLog log;
+    try {
+        log = ReadLog(*m_files->Open(LogPath(m_path), FileSystem::Mode::Read));
+        if (log.statements > 0) {
+            ApplyFoundLog(log);
+        }
+    } catch (const AccessError& error) {
+        m_pending.clear();
+        if (error.Kind() == Fault::Failed || (!m_writable && log.marked)) {
+            throw;
+        }
+        if (m_writable) {
+            PutLogAside(error.Message());
+        }
+        return;
+    }
+    if (log.statements > 0) {
+        m_count = log.pageCount;
+        m_fileCount = static_cast<PageNumber>(log.base.stamp.size / kPageSize);
+    }
+    if (m_writable && log.statements > 0) {
+        m_log = std::make_unique<RedoLog>(*m_files, LogPath(m_path), log);
+        PutInPlace();
+        m_notice = QStringLiteral("changes that had not reached the file were finished: %1 statements")
+                       .arg(log.statements);
+    } else if (m_writable) {
+        m_files->Remove(LogPath(m_path));
+    }
+}
+
+void PagedFile::ApplyFoundLog(const FoundLog& log) {
+    const auto require = [](bool condition) {
+        if (!condition) {
+            throw AccessError(QStringLiteral("the file has changed since the log was written"),
+                              Fault::Changed);
+        }
+    };
+    const FileStamp& base = log.base.stamp;
+    require(base.size % kPageSize == 0 && log.pageCount >= base.size / kPageSize &&
+            log.pageCount <= kMostPages);
+    require(Fingerprint(View(*ReadFromFile(0))) == log.base.firstPage);
+    require(log.marked ? m_stamp.size >= base.size && m_stamp.size <= Offset(log.pageCount)
+                       : m_stamp.size == base.size && m_stamp.modified == base.modified);
+    for (const auto& [number, logged] : log.pages) {
+        require(number < log.pageCount && logged.inFile == (Offset(number) < base.size));
+        const auto content = logged.inFile ? ReadFromFile(number) : std::make_shared<Page>(Page{});
+        const SectorFingerprints found = FingerprintSectors(*content);
+        for (const LoggedPage::Patch& patch : logged.patches) {
+            require(patch.offset + patch.bytes.size() <= kPageSize);
+            std::memcpy(content->data() + patch.offset, patch.bytes.data(),
+                        static_cast<std::size_t>(patch.bytes.size()));
+        }
+        require(Fingerprint(View(*content)) == logged.result);
+        const SectorFingerprints result = FingerprintSectors(*content);
+        for (std::size_t sector = 0; logged.inFile && sector < result.size(); ++sector) {
+            require(found[sector] == logged.base[sector] || (log.marked && found[sector] == result[sector]));
+        }
+        m_pending[number].content = content;
+    }
+}
+
+void PagedFile::PutLogAside(const QString& reason) {
+    const QString stem = LogPath(m_path) + QDateTime::currentDateTime().toString(u"-yyyyMMdd-HHmmss");
+    QString aside = stem;
+    for (int number = 2; m_files->Exists(aside); ++number) {
+        aside = stem + QStringLiteral("-%1").arg(number);
+    }
+    m_log.reset();
+    m_pending.clear();
+    m_writing = false;
+    m_files->Rename(LogPath(m_path), aside);
+    m_notice = QStringLiteral("a log of changes was put aside as %1: %2").arg(aside, reason);
+}
+
+}  // namespace quorvane::access

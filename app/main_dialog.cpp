@@ -6,6 +6,7 @@
 #include <QStyle>
 #include <QTabWidget>
 #include <algorithm>
+#include <utility>
 
 #include "widgets/dialog_template.h"
 #include "widgets/image_button.h"
@@ -117,13 +118,24 @@ bool CQuorvaneDlg::AskBeforeClosing() {
     }
     const MessageAnswer answer = ShowMessage(this, u"数据未提交,是否提交?"_s, u"照度计算数据库维护"_s,
                                              MessageButtons::YesNoCancel, MessageIcon::Exclamation);
-    if (answer == MessageAnswer::Yes) {
-        const WaitCursor waiting;
-        for (const Tab tab : {Luminaires, LightSources, Requirements}) {
-            m_pages[tab]->Submit();
+    return answer == MessageAnswer::Yes ? SubmitAll() : answer == MessageAnswer::No;
+}
+
+// False when something could not be written. The first page that holds such records is then shown with them.
+bool CQuorvaneDlg::SubmitAll() {
+    const WaitCursor waiting;
+    bool isWritten = true;
+    for (const Tab tab : {Luminaires, LightSources, Requirements}) {
+        m_pages[tab]->Submit();
+        if (!m_pages[tab]->IsModified()) {
+            continue;
+        }
+        m_pages[tab]->Refresh();
+        if (std::exchange(isWritten, false)) {
+            m_tabs->setCurrentIndex(tab);
         }
     }
-    return answer != MessageAnswer::Cancel;
+    return isWritten;
 }
 
 void CQuorvaneDlg::reject() {

@@ -41,6 +41,7 @@ private:
     void OnSubmit();
     void OnDelete();
     bool AskBeforeClosing();
+    bool SubmitAll();
     CPage& CurrentPage() const;
 
     QTabWidget* m_tabs = nullptr;

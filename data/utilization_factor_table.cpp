@@ -297,9 +297,14 @@ void UtilizationFactorTable::RemoveFactors(const Predicate& predicate, bool reco
 }
 
 void UtilizationFactorTable::WriteFactors(const CountCallback& count) {
+    m_unwrittenRows.clear();
     for (Factor& factor : m_factors) {
-        count(factor.ID == 0 ? m_database->InsertUtilizationFactor(factor)
-                             : m_database->UpdateUtilizationFactor(factor));
+        const bool written = factor.ID == 0 ? m_database->InsertUtilizationFactor(factor)
+                                            : m_database->UpdateUtilizationFactor(factor);
+        if (!written) {
+            m_unwrittenRows.insert(factor.RCR_RI);
+        }
+        count(written);
     }
 }
 

@@ -15,6 +15,7 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <vector>
 
 #include "data/records.h"
@@ -80,6 +81,8 @@ public:
     // The statements of the last submit that failed, or all of them when the disk did not confirm the submit.
     // The next submit tries all of them again.
     int UnwrittenCount() const { return m_unwrittenCount; }
+    // Whether the last submit could not write a factor of that row value.
+    bool IsUnwritten(double rowValue) const { return m_unwrittenRows.contains(rowValue); }
 
 private:
     using Factor = tagLUMINAIREUTILIZATIONFACTOR;
@@ -118,6 +121,7 @@ private:
     std::vector<Factor> m_surplus;
     std::vector<int> m_failedDeletions;
     int m_unwrittenCount = 0;
+    std::set<double> m_unwrittenRows;
     bool m_whole = true;
 };
 

@@ -15,6 +15,17 @@ bool Ask(QWidget* parent, const CString& caption, const CString& question) {
            MessageAnswer::Yes;
 }
 
+CString PhotoProblemText(PhotoProblem problem) {
+    switch (problem) {
+        case PhotoProblem::UnreadableSource:
+            return u"所选图片不存在、不能读取、不是普通文件,或大于64MB。"_s;
+        case PhotoProblem::LinkedLibrary:
+            return u"图片库文件夹是一个链接,只能读取,不能写入。"_s;
+        default:
+            return u"图片库不能写入(文件夹只读、磁盘已满,或其中有同名的链接或文件夹)。"_s;
+    }
+}
+
 }  // namespace
 
 bool AskToSubmit(QWidget* parent, const CString& caption) {
@@ -26,14 +37,15 @@ bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString
 }
 
 void TellIncompleteLoad(QWidget* parent, const CString& caption) {
-    ShowMessage(parent, u"数据未能全部读出,显示的内容不完整。"_s, caption);
+    ShowMessage(parent, u"数据未能全部读取,显示的内容不完整。"_s, caption);
 }
 
 void TellIncompleteLoadSoon(QWidget* parent, const CString& caption) {
     QTimer::singleShot(0, parent, [parent, caption] { TellIncompleteLoad(parent, caption); });
 }
 
-void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures) {
+void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures,
+                  PhotoProblem photoProblem) {
     CString text;
     if (failures.writes > 0) {
         text += UnwrittenText(failures.writes);
@@ -41,7 +53,14 @@ void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures&
     if (failures.deletes > 0) {
         text += FormatText(u"有%d条数据未能从数据库删除。\n"_s, {failures.deletes});
     }
-    text += u"可能的原因:数据库文件只读或被其他程序占用,或文字中含有单引号。"_s;
+    if (failures.photos > 0) {
+        text += FormatText(u"其中%d个灯具的图片未能存入图片库:%s\n"_s,
+                           {failures.photos, PhotoProblemText(photoProblem)});
+    }
+    if (failures.writes > failures.photos || failures.deletes > 0) {
+        text += u"可能的原因:数据库文件只读或被其他程序占用,或文字中含有单引号。"_s;
+    }
+    text += u"请排除后再次提交。"_s;
     ShowMessage(parent, text, caption);
 }
 

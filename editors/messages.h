@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/records.h"
+#include "model/photo_library.h"
 #include "model/working_records.h"
 #include "widgets/message_box.h"
 
@@ -15,8 +16,9 @@ bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString
 void TellIncompleteLoad(QWidget* parent, const CString& caption);
 // The same from the event loop, for a page that is not shown yet.
 void TellIncompleteLoadSoon(QWidget* parent, const CString& caption);
-// Tells what a submit could not write.
-void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures);
+// Tells what a submit could not write; photoProblem is that of the photos among it.
+void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures,
+                  PhotoProblem photoProblem = PhotoProblem::None);
 // A line that tells how many records or values a submit could not write.
 CString UnwrittenText(int count);
 

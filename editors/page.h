@@ -16,7 +16,7 @@ public:
     // Takes a text that is still being typed, as if its cell had been left.
     virtual void EndEditing() = 0;
     // Writes every pending change to the database and clears the modified flag. The user is told what could
-    // not be written; the result is true all the same.
+    // not be written; the page stays modified then, and the result is true all the same.
     virtual bool Submit() = 0;
     // Fills the grid again from the page's working records. Records that could not be written are marked and
     // count as modified.

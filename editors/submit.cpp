@@ -8,7 +8,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace quorvane {
 
 bool RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& database,
-               const std::function<SubmitFailures(const ProgressCallback&)>& submit) {
+               const std::function<SubmitFailures(const ProgressCallback&)>& submit,
+               const std::function<PhotoProblem()>& photoProblem) {
     SubmitFailures failures;
     bool isOnDisk = false;
     {
@@ -18,7 +19,7 @@ bool RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& databas
         isOnDisk = scope.Finish();
     }
     if (!failures.None()) {
-        TellFailures(page, caption, failures);
+        TellFailures(page, caption, failures, photoProblem ? photoProblem() : PhotoProblem::None);
     } else if (!isOnDisk) {
         ShowMessage(page, u"数据已经写入,但磁盘报告错误,断电后可能丢失。"_s, caption);
     }

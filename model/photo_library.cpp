@@ -16,7 +16,8 @@ namespace quorvane {
 namespace {
 
 const CString kLibraryFolder = u"\\Vexal\\LuminairePhotoLib\\"_s;
-constexpr qsizetype kBlock = 1 << 20;  // bytes copied at a time
+constexpr qsizetype kBlock = 1 << 20;         // bytes copied at a time
+constexpr qint64 kLargestPhoto = 64LL << 20;  // bytes
 
 // The text from the last "." on, or the whole path when it has none.
 CString Extension(const CString& path) {
@@ -28,25 +29,47 @@ bool IsFileName(const CString& name) {
                         [](QChar c) { return c == u'\\' || c == u'/' || c == u':'; });
 }
 
-// A complete copy beside its target, which it replaces on commit(). Null when it cannot be made.
-std::unique_ptr<QSaveFile> CopyBeside(const CString& source, const CString& target) {
+bool IsLink(const CString& path) {
+    const QFileInfo file(path);
+    return file.isSymLink() || file.isJunction();
+}
+
+struct Copy {
+    std::unique_ptr<QSaveFile> file;  // null: there is a problem
+    PhotoProblem problem = PhotoProblem::None;
+};
+
+Copy Problem(PhotoProblem problem) {
+    return {.file = nullptr, .problem = problem};
+}
+
+// A complete copy beside its target, which it replaces on commit().
+Copy CopyBeside(const CString& source, const CString& target) {
     QFile from(source);
-    if (!QFileInfo(source).isFile() || !from.open(QIODevice::ReadOnly)) {
-        return nullptr;
+    if (!QFileInfo(source).isFile() || !from.open(QIODevice::ReadOnly) || from.size() > kLargestPhoto) {
+        return Problem(PhotoProblem::UnreadableSource);
     }
     QDir().mkpath(QFileInfo(target).path());
     auto copy = std::make_unique<QSaveFile>(target);
-    if (!copy->open(QIODevice::WriteOnly)) {
-        return nullptr;
+    // The toolkit's file would be written to where a link leads.
+    if (IsLink(target) || !copy->open(QIODevice::WriteOnly)) {
+        return Problem(PhotoProblem::UnwritableLibrary);
     }
     QByteArray block(kBlock, Qt::Uninitialized);
     qint64 read = 0;
-    while ((read = from.read(block.data(), kBlock)) > 0) {
+    for (qint64 left = kLargestPhoto; left >= 0 && (read = from.read(block.data(), kBlock)) > 0;
+         left -= read) {
         if (copy->write(block.constData(), read) != read) {
-            return nullptr;
+            return Problem(PhotoProblem::UnwritableLibrary);
         }
     }
-    return read == 0 && copy->flush() ? std::move(copy) : nullptr;
+    if (read != 0) {
+        return Problem(PhotoProblem::UnreadableSource);
+    }
+    if (!copy->flush()) {
+        return Problem(PhotoProblem::UnwritableLibrary);
+    }
+    return {.file = std::move(copy), .problem = PhotoProblem::None};
 }
 
 // True also when the two paths reach one folder in different ways, such as through a link. A path that takes
@@ -70,6 +93,10 @@ CString PhotoLibrary::Folder() const {
     return FilePath(kLibraryFolder);
 }
 
+bool PhotoLibrary::IsFolderLink() const {
+    return IsLink(Folder().chopped(1));
+}
+
 PhotoLibrary::PreparedPhoto PhotoLibrary::Prepare(int luminaireID, const CString& source) const {
     if (source.isEmpty()) {
         return {};
@@ -79,18 +106,28 @@ PhotoLibrary::PreparedPhoto PhotoLibrary::Prepare(int luminaireID, const CString
     const CString target = FilePath(relative);
     const bool isOwn = source == relative || NativePath(source) == target;
     // An "extension" that comes from a "." in a folder's name would put the copy outside the library.
-    const bool isName = IsFileName(name);
-    if (!isOwn && isName && !m_baseFolder.isEmpty()) {
-        if (auto copy = CopyBeside(FilePath(source), target)) {
-            CString old = OldPicture(luminaireID, name);
-            return {.photo = relative, .copy = std::move(copy), .fallback = old.isEmpty() ? relative : old};
-        }
+    if (isOwn) {
+        CString old = QFile::exists(target) ? CString() : OldPicture(luminaireID);
+        return {.photo = old.isEmpty() ? relative : old, .copy = nullptr, .fallback = {}};
     }
-    CString old = isOwn && QFile::exists(target) ? CString() : OldPicture(luminaireID);
-    return {.photo = old.isEmpty() && isName ? relative : old, .copy = nullptr, .fallback = {}};
+    // An "extension" that comes from a "." in a folder's name would put the copy outside the library.
+    const bool isFile = IsFileName(name) && !m_baseFolder.isEmpty() &&
+                        !(Holds(source) && IsLink(QDir::cleanPath(FilePath(source))));
+    Copy copy = !isFile          ? Problem(PhotoProblem::UnreadableSource)
+                : IsFolderLink() ? Problem(PhotoProblem::LinkedLibrary)
+                                 : CopyBeside(FilePath(source), target);
+    CString old = OldPicture(luminaireID, copy.file == nullptr ? CString() : name);
+    return {.photo = copy.file == nullptr ? old : relative,
+            .copy = std::move(copy.file),
+            .fallback = old,
+            .problem = copy.problem};
 }
 
 bool PhotoLibrary::Commit(int luminaireID, const PreparedPhoto& prepared) {
+    const bool deletes = prepared.copy != nullptr || prepared.photo.isEmpty();
+    if (deletes && IsFolderLink() && !FileNames(luminaireID).empty()) {
+        return false;
+    }
     if (prepared.copy != nullptr) {
         if (!prepared.copy->commit()) {
             return false;
@@ -99,13 +136,16 @@ bool PhotoLibrary::Commit(int luminaireID, const PreparedPhoto& prepared) {
             m_listing->insert(QFileInfo(prepared.copy->fileName()).fileName());
         }
     }
-    if (prepared.copy != nullptr || prepared.photo.isEmpty()) {
+    if (deletes) {
         DeleteOthers(luminaireID, prepared.photo);
     }
     return true;
 }
 
 void PhotoLibrary::DeleteOthers(int luminaireID, const CString& photo) {
+    if (IsFolderLink()) {
+        return;
+    }
     const QFileInfo kept(FilePath(photo));
     for (const CString& name : FileNames(luminaireID)) {
         const CString file = Folder() + name;
@@ -116,22 +156,37 @@ void PhotoLibrary::DeleteOthers(int luminaireID, const CString& photo) {
     }
 }
 
+bool PhotoLibrary::Holds(const CString& photo) const {
+    const QFileInfo file(QDir::cleanPath(FilePath(photo)));
+    return !m_baseFolder.isEmpty() && !photo.isEmpty() &&
+           IsSameFolder(file.path(), QDir::cleanPath(Folder()));
+}
+
+bool PhotoLibrary::IsOwn(int luminaireID, const CString& photo) {
+    const CString start = kLibraryFolder + CString::number(luminaireID) + u'.';
+    return photo.startsWith(start) && IsFileName(photo.sliced(start.size()));
+}
+
+PhotoProblem PhotoLibrary::WriteProblem() const {
+    return IsFolderLink() ? PhotoProblem::LinkedLibrary : PhotoProblem::UnwritableLibrary;
+}
+
 PhotoLibrary::PictureCopy PhotoLibrary::CopyPicture(int luminaireID, const CString& source) const {
     const CString ownStart = CString::number(luminaireID) + u'.';
-    if (m_baseFolder.isEmpty() || source.isEmpty() || source.startsWith(kLibraryFolder + ownStart)) {
+    if (IsOwn(luminaireID, source) || !Holds(source)) {
         return {};
     }
     const QFileInfo file(QDir::cleanPath(FilePath(source)));
-    if (!IsSameFolder(file.path(), QDir::cleanPath(Folder())) || file.fileName().startsWith(ownStart) ||
-        !file.isFile()) {
+    if (file.fileName().startsWith(ownStart) || !file.isFile() || IsLink(file.filePath())) {
         return {};
     }
     PictureCopy picture{.file = {}, .folder = std::make_shared<QTemporaryDir>()};
     const CString target = picture.folder->filePath(file.fileName());
-    const auto copy = picture.folder->isValid() ? CopyBeside(file.filePath(), target) : nullptr;
+    const auto copy = picture.folder->isValid() ? CopyBeside(file.filePath(), target).file : nullptr;
     if (copy != nullptr && copy->commit()) {
         picture.file = target;
     }
+    picture.isFailed = picture.file.isEmpty();
     return picture;
 }
 

@@ -2,6 +2,8 @@
 //
 // It is "\Vexal\LuminairePhotoLib\" under a base folder. A record names its photo as
 // "\Vexal\LuminairePhotoLib\<ID><extension>", the form that other programs reading the database expect.
+//
+// Nothing is written or deleted through a link. A library folder that is a link is only read.
 #pragma once
 
 #include <QSaveFile>
@@ -14,6 +16,9 @@
 class QTemporaryDir;
 
 namespace quorvane {
+
+// Why a picture could not be put into the library.
+enum class PhotoProblem { None, UnreadableSource, LinkedLibrary, UnwritableLibrary };
 
 class PhotoLibrary {
 public:
@@ -29,16 +34,18 @@ public:
         CString photo;                    // the new photo text of the luminaire's record
         std::unique_ptr<QSaveFile> copy;  // a copy beside its final place; null: nothing to put in place
         CString fallback;                 // the photo text of the record if Commit fails
+        PhotoProblem problem = PhotoProblem::None;
     };
     // Copies the file `source` so that Commit can make it the luminaire's photo. An empty source gives an
-    // empty photo text. A source that already is the luminaire's photo is not copied. When copying fails, the
-    // photo text is that of the old picture, or without one that of the new picture.
+    // empty photo text. A source that already is the luminaire's photo is not copied. Only a regular file of
+    // at most 64 MB is copied, and none that is a link in the library. When copying fails, the problem says
+    // why, and the photo text is that of the old picture, or empty without one.
     //
     // The library does not change before Commit: a record that then cannot be written keeps its picture.
     PreparedPhoto Prepare(int luminaireID, const CString& source) const;
     // To be called after the record is written. Puts the copy in place and deletes the luminaire's other
-    // files; an empty photo deletes all of them. False when the copy could not be put in place; no file is
-    // deleted then.
+    // files; an empty photo deletes all of them. False when the copy could not be put in place, or files may
+    // not be deleted; no file is deleted then.
     bool Commit(int luminaireID, const PreparedPhoto& prepared);
     // Deletes every file "<ID>.*" of the library.
     void DeletePhotos(int luminaireID) { DeleteOthers(luminaireID, {}); }
@@ -47,7 +54,14 @@ public:
     struct PictureCopy {
         CString file;  // empty: no picture
         std::shared_ptr<QTemporaryDir> folder;
+        bool isFailed = false;  // there is a picture, but it could not be copied
     };
+    // Whether the text is the one that names a photo of that luminaire.
+    static bool IsOwn(int luminaireID, const CString& photo);
+    // Why pictures cannot be written, when Commit has failed.
+    PhotoProblem WriteProblem() const;
+    // Whether the path names a file directly in the library's folder, existing or not.
+    bool Holds(const CString& photo) const;
     // Copies a picture of the library to a temporary file, so that it survives changes of the library. Empty
     // when source is the luminaire's own picture, is not in the library, or cannot be copied.
     PictureCopy CopyPicture(int luminaireID, const CString& source) const;
@@ -70,6 +84,7 @@ private:
     using Names = std::set<CString>;
 
     CString Folder() const;
+    bool IsFolderLink() const;
     // Deletes every file "<ID>.*" of the library except the one that photo names.
     void DeleteOthers(int luminaireID, const CString& photo);
     // Names of all files in the library.

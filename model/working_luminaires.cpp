@@ -22,12 +22,16 @@ WorkingLuminaires::WorkingLuminaires(CLightingDatabase& database, ReferenceLists
     : m_database(database),
       m_lists(lists),
       m_photos(database.GetApplicationParentFolder()),
-      m_copied{.luminaire = EmptyLuminaire(), .picture = {}, .factors = {}} {}
+      m_copied{.luminaire = EmptyLuminaire(), .picture = {}, .factors = {}, .isForeignPhoto = false} {}
 
 bool WorkingLuminaires::Load(const CString& categoryText) {
     std::vector<tagLUMINAIREINFO> luminaires;
     const bool complete = m_database.LoadLuminairesByType(categoryText, luminaires);
     m_unsaved.clear();
+    m_storedPhotos.clear();
+    for (const tagLUMINAIREINFO& luminaire : luminaires) {
+        m_storedPhotos.insert(luminaire.ID, luminaire.LampPhoto);
+    }
     m_records.TakeLoaded(std::move(luminaires));
     return complete;
 }
@@ -45,7 +49,9 @@ SubmitFailures WorkingLuminaires::Submit(const ProgressCallback& progress) {
     m_lists.Invalidate();
     CopyUsedPictures();
     const PhotoLibrary::CachedListing listing(m_photos);
-    return m_records.Submit(Statements(), progress);
+    SubmitFailures failures = m_records.Submit(Statements(), progress);
+    failures.photos = m_photoFailures;
+    return failures;
 }
 
 WorkingLuminaires::Saved WorkingLuminaires::Save(int id) {
@@ -67,12 +73,17 @@ int WorkingLuminaires::CountWithoutCategory() const {
 
 // A luminaire may be given the picture of another one that gets a new picture in the same submit. All such
 // pictures are therefore copied before any of them is replaced.
+// A picture that could not be copied would be lost, so all of them then stay where they are.
 void WorkingLuminaires::CopyUsedPictures() {
+    m_photoProblem = PhotoProblem::None;
+    m_photoFailures = 0;
+    m_isLibraryKept = false;
     m_records.ForEach([this](const tagLUMINAIREINFO& record) {
-        if (!PictureOf(record).file.isEmpty()) {
+        if (IsLeftAlone(record) || !PictureOf(record).file.isEmpty()) {
             return;
         }
         PhotoLibrary::PictureCopy copy = m_photos.CopyPicture(record.ID, record.LampPhoto);
+        m_isLibraryKept = m_isLibraryKept || copy.isFailed;
         if (!copy.file.isEmpty()) {
             Unsaved& unsaved = m_unsaved[record.ID];
             unsaved.photo = record.LampPhoto;
@@ -101,6 +112,7 @@ bool WorkingLuminaires::Insert(tagLUMINAIREINFO& record) {
         unsaved.key() = record.ID;
         m_unsaved.insert(std::move(unsaved));
     }
+    m_storedPhotos.insert(record.ID, m_storedPhotos.take(provisionalId));
     return Update(record);
 }
 
@@ -121,24 +133,52 @@ bool WorkingLuminaires::Update(tagLUMINAIREINFO& record) {
     return true;
 }
 
+bool WorkingLuminaires::IsLeftAlone(const tagLUMINAIREINFO& record) const {
+    const auto stored = m_storedPhotos.find(record.ID);
+    return stored != m_storedPhotos.end() && *stored == record.LampPhoto && !record.LampPhoto.isEmpty() &&
+           PictureOf(record).file.isEmpty() && !m_photos.IsOwn(record.ID, record.LampPhoto);
+}
+
+// A record whose photo cannot be stored is written with the photo that it has in the file, and counts as
+// unwritten. It keeps the photo that the user has chosen, for the next submit.
 bool WorkingLuminaires::WriteWithPhoto(tagLUMINAIREINFO& record) {
+    if (IsLeftAlone(record)) {
+        return m_database.UpdateLuminaire(record);
+    }
+    CString chosen = record.LampPhoto;
     const CString copied = PictureOf(record).file;
-    const PhotoLibrary::PreparedPhoto prepared =
-        m_photos.Prepare(record.ID, copied.isEmpty() ? record.LampPhoto : copied);
-    CString source = std::exchange(record.LampPhoto, prepared.photo);
+    PhotoLibrary::PreparedPhoto prepared;
+    if (m_isLibraryKept && !m_photos.IsOwn(record.ID, chosen)) {
+        prepared = {.photo = m_storedPhotos.value(record.ID),
+                    .copy = nullptr,
+                    .fallback = {},
+                    .problem = PhotoProblem::UnwritableLibrary};
+    } else {
+        prepared = m_photos.Prepare(record.ID, copied.isEmpty() ? chosen : copied);
+    }
+    record.LampPhoto = prepared.photo;
     bool written = m_database.UpdateLuminaire(record);
-    if (written && !m_photos.Commit(record.ID, prepared)) {
+    if (written && prepared.problem == PhotoProblem::None && !m_photos.Commit(record.ID, prepared)) {
+        prepared.problem = m_photos.WriteProblem();
         record.LampPhoto = prepared.fallback;
         written = m_database.UpdateLuminaire(record);
     }
+    if (written) {
+        m_storedPhotos.insert(record.ID, record.LampPhoto);
+    }
+    if (written && prepared.problem != PhotoProblem::None) {
+        m_photoProblem = prepared.problem;
+        ++m_photoFailures;
+        written = false;
+    }
     if (!written) {
-        record.LampPhoto = std::move(source);  // the next submit tries again
+        record.LampPhoto = std::move(chosen);  // the next submit tries again
     }
     return written;
 }
 
 bool WorkingLuminaires::Delete(int id) {
-    if (!m_database.DeleteLuminaire(id)) {
+    if (m_isLibraryKept || !m_database.DeleteLuminaire(id)) {
         return false;
     }
     m_photos.DeletePhotos(id);
@@ -162,7 +202,10 @@ bool WorkingLuminaires::ReplaceFactors(int luminaireId, const Factors& factors) 
 // ---- Copy and paste
 
 bool WorkingLuminaires::Copy(const tagLUMINAIREINFO& luminaire) {
-    m_copied = {.luminaire = luminaire, .picture = PictureOf(luminaire), .factors = {}};
+    m_copied = {.luminaire = luminaire,
+                .picture = PictureOf(luminaire),
+                .factors = {},
+                .isForeignPhoto = IsLeftAlone(luminaire) && !m_photos.Holds(luminaire.LampPhoto)};
     if (m_copied.picture.file.isEmpty()) {
         m_copied.picture = m_photos.CopyPicture(0, luminaire.LampPhoto);
     }
@@ -172,7 +215,7 @@ bool WorkingLuminaires::Copy(const tagLUMINAIREINFO& luminaire) {
         return true;
     }
     if (!m_database.LoadUtilizationFactors(luminaire.ID, m_copied.factors)) {
-        m_copied = {.luminaire = EmptyLuminaire(), .picture = {}, .factors = {}};
+        m_copied = {.luminaire = EmptyLuminaire(), .picture = {}, .factors = {}, .isForeignPhoto = false};
         return false;
     }
     return true;
@@ -186,6 +229,9 @@ WorkingLuminaires::Saved WorkingLuminaires::Paste(int id) {
     } else {
         luminaire.ID = id;
         m_records.Replace(luminaire);
+    }
+    if (m_copied.isForeignPhoto) {
+        m_storedPhotos.insert(id, luminaire.LampPhoto);
     }
     m_unsaved[id] = {luminaire.LampPhoto, m_copied.picture, m_copied.factors};
     const Saved saved = Save(id);

@@ -3,8 +3,12 @@
 //
 // A record is written first, then its photo is put into the library, then pasted factors replace those in the
 // database. The first failure stops this, and what has not been written is kept for the next submit.
+//
+// Only a photo that the user has chosen since the load is copied. One that came with the file is left alone,
+// whatever it names.
 #pragma once
 
+#include <QHash>
 #include <map>
 #include <optional>
 #include <vector>
@@ -39,6 +43,10 @@ public:
     SubmitFailures Submit(const ProgressCallback& progress = {});
     // Writes the record with that ID, which must exist, at once.
     Saved Save(int id);
+    // Why a photo could not be stored by the last Submit, Save or Paste.
+    PhotoProblem LastPhotoProblem() const { return m_photoProblem; }
+    // How many photos that were.
+    int PhotoFailures() const { return m_photoFailures; }
     // The written luminaires without a category: no filter finds them.
     int CountWithoutCategory() const;
 
@@ -57,6 +65,7 @@ private:
         tagLUMINAIREINFO luminaire;  // empty: nothing copied
         PhotoLibrary::PictureCopy picture;
         Factors factors;
+        bool isForeignPhoto = false;  // the photo came with the file and is not in the library
     };
 
     // What is written together with a record.
@@ -71,6 +80,8 @@ private:
     bool Update(tagLUMINAIREINFO& record);
     bool Delete(int id);
     bool WriteWithPhoto(tagLUMINAIREINFO& record);
+    // Whether the record's photo came with the file and is none of the luminaire's own.
+    bool IsLeftAlone(const tagLUMINAIREINFO& record) const;
     bool ReplaceFactors(int luminaireId, const Factors& factors);
     void CopyUsedPictures();
     PhotoLibrary::PictureCopy PictureOf(const tagLUMINAIREINFO& record) const;
@@ -81,6 +92,10 @@ private:
     WorkingRecords<tagLUMINAIREINFO> m_records;
     std::map<int, Unsaved> m_unsaved;  // by record ID
     CopyBuffer m_copied;
+    QHash<int, CString> m_storedPhotos;  // by record ID: the photos in the file
+    PhotoProblem m_photoProblem = PhotoProblem::None;
+    int m_photoFailures = 0;
+    bool m_isLibraryKept = false;  // this submit must not replace or delete pictures
 };
 
 }  // namespace quorvane

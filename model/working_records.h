@@ -22,6 +22,7 @@ namespace quorvane {
 struct SubmitFailures {
     int writes = 0;   // records neither inserted nor updated
     int deletes = 0;  // records still in the file
+    int photos = 0;   // of the writes: those whose photo alone could not be stored
 
     bool None() const { return writes == 0 && deletes == 0; }
 };
@@ -186,6 +187,7 @@ public:
             tell();
         }
         DiscardChanges();
+        m_modified = HasUnwritten();
         return failures;
     }
 

@@ -30,6 +30,7 @@ public:
     QuestionBox(QWidget* parent, const QString& text, const QString& caption, MessageButtons buttons)
         : QMessageBox(parent) {
         setObjectName(u"messageBox"_s);
+        installEventFilter(this);
         setTextFormat(Qt::PlainText);
         setText(FitForScreen(text));
         setWindowTitle(caption.isEmpty() ? QCoreApplication::applicationName() : caption);
@@ -67,6 +68,13 @@ protected:
         }
     }
 
+    // A key that is held down, also since before the box opened, repeats; it answers nothing.
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
+        return (isKey && static_cast<QKeyEvent*>(event)->isAutoRepeat()) ||
+               QMessageBox::eventFilter(watched, event);
+    }
+
     void closeEvent(QCloseEvent* event) override {
         event->ignore();
         Leave();
@@ -91,6 +99,7 @@ private:
     // button to Esc.
     void AddAnswer(const QString& text, MessageAnswer answer) {
         QPushButton* button = addButton(text, QMessageBox::ActionRole);
+        button->installEventFilter(this);
         connect(button, &QPushButton::clicked, this, [this, answer] {
             m_answer = answer;
             done(0);

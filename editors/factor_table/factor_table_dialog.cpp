@@ -139,7 +139,7 @@ void CCoefficientTableDlg::DecorateButtons() {
 
 // A factor that could not be read would count as missing, and a submit would write it a second time.
 void CCoefficientTableDlg::ForbidEditing() {
-    ShowMessage(MessageParent(), u"利用系数未能全部读出,不能编辑。"_s, windowTitle());
+    ShowMessage(MessageParent(), u"利用系数未能全部读取,不能编辑。"_s, windowTitle());
     m_tree->setEnabled(false);
     m_grid->setEnabled(false);
     DialogItem(this, kSubmit)->setEnabled(false);
@@ -222,7 +222,6 @@ void CCoefficientTableDlg::RefuseFactor() {
 void CCoefficientTableDlg::OnSubmit() {
     if (EndEditing()) {
         Submit();
-        m_grid->Show(m_editing.Table());
     }
 }
 
@@ -241,7 +240,8 @@ bool CCoefficientTableDlg::EndEditing() {
     return !m_isFactorRefused && !m_tree->IsEditing();
 }
 
-void CCoefficientTableDlg::Submit() {
+// False when something could not be written; its rows are marked then, and the dialog stays modified.
+bool CCoefficientTableDlg::Submit() {
     m_tree->repaint();
     int unwritten = 0;
     {
@@ -250,18 +250,24 @@ void CCoefficientTableDlg::Submit() {
         unwritten = m_editing.Submit(std::ref(progress));
     }
     if (unwritten > 0) {
-        ShowMessage(this, UnwrittenText(unwritten) + u"可能的原因:数据库文件只读或被其他程序占用。"_s,
-                    windowTitle());
+        ShowMessage(
+            this,
+            UnwrittenText(unwritten) + u"可能的原因:数据库文件只读或被其他程序占用。请排除后再次提交。"_s,
+            windowTitle());
     }
+    m_grid->Show(m_editing.Table());
+    return unwritten == 0;
 }
 
 void CCoefficientTableDlg::accept() {
     if (!EndEditing()) {
         return;
     }
-    if (IsModified() && ShowMessage(this, u"数据已经修改是否提交?"_s, windowTitle(), MessageButtons::YesNo,
-                                    MessageIcon::Exclamation) == MessageAnswer::Yes) {
-        Submit();
+    if (IsModified() &&
+        ShowMessage(this, u"数据已经修改是否提交?"_s, windowTitle(), MessageButtons::YesNo,
+                    MessageIcon::Exclamation) == MessageAnswer::Yes &&
+        !Submit()) {
+        return;
     }
     QDialog::accept();
 }
@@ -278,11 +284,8 @@ void CCoefficientTableDlg::closeEvent(QCloseEvent* event) {
     if (IsModified()) {
         const MessageAnswer answer = ShowMessage(this, u"数据已经修改是否提交?"_s, windowTitle(),
                                                  MessageButtons::YesNoCancel, MessageIcon::Exclamation);
-        if (answer == MessageAnswer::Cancel) {
+        if (answer == MessageAnswer::Cancel || (answer == MessageAnswer::Yes && !Submit())) {
             return;
-        }
-        if (answer == MessageAnswer::Yes) {
-            Submit();
         }
     }
     event->accept();

@@ -59,7 +59,7 @@ private:
     void ShowAfterOperation(Branch branch);
     void RefuseFactor();
     bool EndEditing();
-    void Submit();
+    bool Submit();
     QWidget* MessageParent();
     bool Ask(const CString& question);
     void TellError(const CString& text);

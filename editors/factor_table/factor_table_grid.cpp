@@ -73,7 +73,7 @@ void FactorTableGrid::Build(UtilizationFactorTable& table) {
     SetFixedRowCount(kFirstRow);
     SetFixedColumnCount(kFirstColumn);
     SetTypesByColumns(true);
-    BuildLabels();
+    BuildLabels(table);
     BuildHeadings();
     MergeHeadings();
     for (int column = kFirstColumn; column < GetColumnCount(); ++column) {
@@ -87,7 +87,7 @@ void FactorTableGrid::Build(UtilizationFactorTable& table) {
     }
 }
 
-void FactorTableGrid::BuildLabels() {
+void FactorTableGrid::BuildLabels(const UtilizationFactorTable& table) {
     const QStringList labels{u"有效顶棚反射比"_s, u"墙反射比"_s, u"地面反射比"_s, m_rowLabel};
     const QFontMetrics metrics(font());
     SetColumnWidth(0, WidthFor(labels, metrics, kLabelWidth));
@@ -97,7 +97,11 @@ void FactorTableGrid::BuildLabels() {
             SetItemText(row, 0, labels[row]);
             SetItemFormat(row, 0, kCentred);
         } else {
-            SetItemText(row, 0, FormatFixed2(m_rowValues[static_cast<std::size_t>(row - kFirstRow)]));
+            const double rowValue = m_rowValues[static_cast<std::size_t>(row - kFirstRow)];
+            SetItemText(row, 0, FormatFixed2(rowValue));
+            if (table.IsUnwritten(rowValue)) {
+                SetItem({.row = row, .col = 0, .mask = ItemMask::BackColour, .backColour = kUnwrittenColour});
+            }
         }
     }
 }

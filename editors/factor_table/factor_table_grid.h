@@ -34,7 +34,7 @@ public:
 private:
     CCellID PlaceAfterChange(CCellID cell, const UtilizationFactorTable& table) const;
     void Build(UtilizationFactorTable& table);
-    void BuildLabels();
+    void BuildLabels(const UtilizationFactorTable& table);
     void BuildHeadings();
     void MergeHeadings();
 

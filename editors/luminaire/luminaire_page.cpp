@@ -323,6 +323,7 @@ void CQuorvaneLuminaireDlg::TakeChosenTypes(const std::vector<CString>& names) {
 
 void CQuorvaneLuminaireDlg::OpenMixedLightSources(int row) {
     tagLUMINAIREINFO record = m_grid.RecordAt(row);
+    m_lists.Invalidate();
     CMixLuminaireSettingDlg dialog(m_database, m_lists, m_lists.LightSourceTexts(record.DefaultLamphouse),
                                    record.LamphouseCount, this);
     if (dialog.exec() == QDialog::Accepted) {
@@ -358,12 +359,16 @@ void CQuorvaneLuminaireDlg::OpenFactorTable(int row) {
 // ---- Storing
 
 bool CQuorvaneLuminaireDlg::Submit() {
-    RunSubmit(this, kCaption, m_database,
-              [this](const ProgressCallback& progress) { return m_luminaires.Submit(progress); });
+    RunSubmit(
+        this, kCaption, m_database,
+        [this](const ProgressCallback& progress) { return m_luminaires.Submit(progress); },
+        [this] { return m_luminaires.LastPhotoProblem(); });
     const int withoutCategory = m_luminaires.CountWithoutCategory();
     if (withoutCategory > 0) {
-        ShowMessage(this, FormatText(u"有%d个灯具没有灯具类别,按灯具类型查不到它们。"_s, {withoutCategory}),
-                    kCaption);
+        ShowMessage(
+            this,
+            FormatText(u"有%d个灯具未选灯具类别,按灯具类型筛选时不会列出,请补选。"_s, {withoutCategory}),
+            kCaption);
     }
     return true;
 }
@@ -371,7 +376,8 @@ bool CQuorvaneLuminaireDlg::Submit() {
 void CQuorvaneLuminaireDlg::ShowSaved(int row, const WorkingLuminaires::Saved& saved) {
     m_grid.ShowSaved(row, saved.id, saved.written);
     if (!saved.written) {
-        TellFailures(this, kCaption, {.writes = 1});
+        TellFailures(this, kCaption, {.writes = 1, .photos = m_luminaires.PhotoFailures()},
+                     m_luminaires.LastPhotoProblem());
     }
 }
 

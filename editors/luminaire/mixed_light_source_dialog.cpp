@@ -44,10 +44,11 @@ CMixLuminaireSettingDlg::CMixLuminaireSettingDlg(CLightingDatabase& database, Re
     setTabOrder(&m_grid.Control(), DialogItem(this, kOk));
     m_grid.Control().setFocus();
 
-    m_lists.Invalidate();
     m_categories = std::make_shared<const std::vector<CString>>(m_lists.LightSourceCategoryNames());
     m_isComplete = m_lists.HasAllCategories();
     LoadEntries(defaultLamphouse, lamphouseCount);
+    m_isComplete = m_lists.IsComplete() && m_isComplete;
+    DialogItem(this, kOk)->setEnabled(m_isComplete);
     m_grid.Fill();
     connect(&m_grid.Control(), &CGridCtrl::EndLabelEdit, this, &CMixLuminaireSettingDlg::CellEdited);
     connect(DialogItem<QPushButton>(this, kOk), &QPushButton::clicked, this, &QDialog::accept);
@@ -109,6 +110,9 @@ CString CMixLuminaireSettingDlg::GetCounts() const {
 
 // In the results an entry without a light source would be a gap, and the next one would get its count.
 void CMixLuminaireSettingDlg::accept() {
+    if (!m_isComplete) {
+        return;  // what could not be read would be lost
+    }
     m_grid.EndEditing();
     int row = 1;
     while (row <= m_entries.Count() && !m_entries.At(row - 1).LightSource.isEmpty()) {

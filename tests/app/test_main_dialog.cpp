@@ -36,7 +36,7 @@ public:
     }
     bool Submit() override {
         *m_calls += m_name + u".submit"_s;
-        modified = false;
+        modified = failing;
         return true;
     }
     void Refresh() override { *m_calls += m_name + u".refresh"_s; }
@@ -47,6 +47,7 @@ public:
 
     bool modified = false;
     bool editing = false;
+    bool failing = false;
 
 private:
     QString m_name;
@@ -130,6 +131,19 @@ private Q_SLOTS:
             QCOMPARE(fixture.calls,
                      QStringList({u"luminaire.submit"_s, u"light.submit"_s, u"requirement.submit"_s}));
         }
+    }
+
+    void WhatCannotBeWrittenKeepsTheWindowOpen() {
+        Fixture fixture;
+        fixture.requirement->modified = fixture.requirement->failing = true;
+        fixture.answers.Plan(u"是"_s);
+        fixture.Press(kExit);
+        QVERIFY(fixture.dialog->isVisible() && fixture.requirement->isVisible());
+        QCOMPARE(fixture.calls.last(), u"requirement.refresh"_s);
+        fixture.answers.Plan(u"否"_s);
+        fixture.Press(kExit);
+        QVERIFY(!fixture.dialog->isVisible());
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList({kQuestion, kQuestion}));
     }
 
     void OneCopyRunsAndTheLockFileStaysInTheRuntimeFolder() {

@@ -307,20 +307,24 @@ private Q_SLOTS:
                         u"create trigger refuse before update on 利用系数 when new.ID in (2,3) "
                         "begin select raise(abort,'refused'); end;"_s);
         const QString told =
-            u"甲灯 利用系数表|有2条数据未能写入数据库。\n可能的原因:数据库文件只读或被其他程序占用。|确定|unplanned"_s;
+            u"甲灯 利用系数表|有2条数据未能写入数据库。\n可能的原因:数据库文件只读或被其他程序占用。请排除后再次提交。|确定|unplanned"_s;
         fixture.Type(5, 1, u"0.7"_s);
         fixture.Press(Submit);
         QVERIFY(fixture.dialog->IsModified());  // what is not in the file is not forgotten
         fixture.answers.Plan(u"是"_s);
         fixture.Press(Ok);
         QCOMPARE(fixture.answers.TakeSeen(), QStringList({told, kLeave, told}));
+        QVERIFY(fixture.dialog->isVisible() && fixture.dialog->IsModified());
+        QCOMPARE(fixture.grid->Cell(4, 0)->GetBackColour(), QColor(255, 150, 120));
+        fixture.answers.Plan(u"否"_s);
+        fixture.dialog->close();
         QVERIFY(!fixture.dialog->isVisible());
     }
 
     void AnIncompleteTableIsNotEdited() {
         Fixture fixture(kFile + u"update 利用系数 set UtilizationFactor=null where ID=4;"_s);
         QCOMPARE(fixture.answers.TakeSeen(),
-                 QStringList(u"甲灯 利用系数表|利用系数未能全部读出,不能编辑。|确定|unplanned"_s));
+                 QStringList(u"甲灯 利用系数表|利用系数未能全部读取,不能编辑。|确定|unplanned"_s));
         QVERIFY(!fixture.tree->isEnabled() && !fixture.grid->isEnabled());
         const QStringList before = fixture.file.Snapshot();
         fixture.Press(Clear);

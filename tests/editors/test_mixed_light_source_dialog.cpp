@@ -73,7 +73,9 @@ private Q_SLOTS:
         }
         Fixture cutOff(u"金卤:JLZ400"_s, u"1"_s, kRows + u"drop table 光源;"_s);
         QCOMPARE(cutOff.answers.TakeSeen(),
-                 QStringList(u"混合光源设置|数据未能全部读出,显示的内容不完整。|确定|unplanned"_s));
+                 QStringList(u"混合光源设置|数据未能全部读取,显示的内容不完整。|确定|unplanned"_s));
+        cutOff.dialog.accept();  // would empty the luminaire
+        QVERIFY(cutOff.dialog.isVisible());
     }
 
     void ShowsARowForEachLightSource() {

@@ -36,7 +36,8 @@ struct Disk {
     // As a page stores the photo of a luminaire whose record can be written.
     QString Store(int id, const QString& source) {
         const PhotoLibrary::PreparedPhoto prepared = library.Prepare(id, source);
-        return library.Commit(id, prepared) ? prepared.photo : u"not placed"_s;
+        return prepared.problem != PhotoProblem::None || library.Commit(id, prepared) ? prepared.photo
+                                                                                      : u"not placed"_s;
     }
 
     QTemporaryDir folder;
@@ -51,7 +52,11 @@ class TestPhotoLibrary : public QObject {
 private Q_SLOTS:
     void StoresUnderTheId_data();
     void StoresUnderTheId();
-    void FailedFirstCopyKeepsThePathItWouldHave();
+    void AFailedFirstCopyHasNoPath();
+#ifdef Q_OS_UNIX
+    void LinksAreNotFollowed();
+    void TakesRegularFilesUpToALimit();
+#endif
     void NothingChangesBeforeItIsPlaced();
     void KeepsTheLibrarysPictures();
 };
@@ -99,12 +104,44 @@ void TestPhotoLibrary::StoresUnderTheId() {
     QVERIFY(!QFile::exists(disk.Path(u"B/escaped"_s)));
 }
 
-void TestPhotoLibrary::FailedFirstCopyKeepsThePathItWouldHave() {
+void TestPhotoLibrary::AFailedFirstCopyHasNoPath() {
     Disk disk;
-    QCOMPARE(disk.Store(12, u"\\Vexal\\LuminairePhotoLib\\7.jpg"_s), u"\\Vexal\\LuminairePhotoLib\\12.jpg"_s);
-    QCOMPARE(disk.Store(12, u"no extension"_s), u"\\Vexal\\LuminairePhotoLib\\12no extension"_s);
+    QCOMPARE(disk.Store(12, u"\\Vexal\\LuminairePhotoLib\\7.jpg"_s), QString());
+    QCOMPARE(disk.Store(12, u"no extension"_s), QString());
     QCOMPARE(disk.Store(12, u"\\no\\extension"_s), QString());
 }
+
+#ifdef Q_OS_UNIX
+void TestPhotoLibrary::LinksAreNotFollowed() {
+    Disk disk;
+    disk.Write({u"B/new.jpg"_s, u"B/precious"_s, u"L/7.jpg"_s});
+    QVERIFY(QFile::link(disk.Path(u"B/precious"_s), disk.Path(u"L/12.jpg"_s)));
+    QCOMPARE(disk.library.Prepare(12, disk.Path(u"B/new.jpg"_s)).problem, PhotoProblem::UnwritableLibrary);
+    QCOMPARE(disk.library.Prepare(7, disk.Path(u"L/12.jpg"_s)).problem, PhotoProblem::UnreadableSource);
+    QVERIFY(disk.library.CopyPicture(7, disk.Path(u"L/12.jpg"_s)).file.isEmpty());
+    disk.library.DeletePhotos(12);
+    QCOMPARE(disk.Library(), u"7.jpg"_s);
+    QVERIFY(QFile::exists(disk.Path(u"B/precious"_s)));
+
+    QVERIFY(QFile::rename(disk.Path(u"L/"_s).chopped(1), disk.Path(u"B/elsewhere"_s)));
+    QVERIFY(QFile::link(disk.Path(u"B/elsewhere"_s), disk.Path(u"L/"_s).chopped(1)));
+    QCOMPARE(disk.library.Prepare(12, disk.Path(u"B/new.jpg"_s)).problem, PhotoProblem::LinkedLibrary);
+    QVERIFY(!disk.library.Commit(7, disk.library.Prepare(7, {})));
+    disk.library.DeletePhotos(7);
+    QCOMPARE(disk.Library(), u"7.jpg"_s);
+    QVERIFY(!disk.library.CopyPicture(12, disk.Path(u"L/7.jpg"_s)).file.isEmpty());
+}
+
+void TestPhotoLibrary::TakesRegularFilesUpToALimit() {
+    Disk disk;
+    QFile large(disk.Path(u"B/large.jpg"_s));
+    QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(64 << 20));
+    QCOMPARE(disk.library.Prepare(12, large.fileName()).problem, PhotoProblem::None);
+    QVERIFY(large.resize((64 << 20) + 1));
+    QCOMPARE(disk.library.Prepare(12, large.fileName()).problem, PhotoProblem::UnreadableSource);
+    QCOMPARE(disk.library.Prepare(12, u"/dev/zero"_s).problem, PhotoProblem::UnreadableSource);
+}
+#endif
 
 // The folder is read only once: what was placed meanwhile is known, what was deleted is not.
 void TestPhotoLibrary::NothingChangesBeforeItIsPlaced() {

@@ -146,7 +146,7 @@ private Q_SLOTS:
         added.LampPhoto = u"\\Vexal\\LuminairePhotoLib\\31.jpg"_s;
         QVERIFY(QFile::remove(place.Library() + u"31.jpg"_s));
         QCOMPARE(place.luminaires.Records().Append(added), -1);
-        QVERIFY(place.luminaires.Submit().None());
+        QCOMPARE(place.luminaires.Submit().photos, 1);  // its picture is gone
         QCOMPARE(place.Factors(), u"31:0.5 31:0.25 32:0.125"_s);
         QCOMPARE(place.Photos(), QString());
     }
@@ -185,9 +185,46 @@ private Q_SLOTS:
                 QDir().mkpath(place.Library() + u"31.bmp"_s);
             }
         };
-        QVERIFY(place.luminaires.Submit().None());
+        QCOMPARE(place.luminaires.Submit().writes, 1);
         QCOMPARE(place.Photos(), u"31.jpg=old 32.bmp=new"_s);
         QCOMPARE(place.Field("LampPhoto", 31), u"\\Vexal\\LuminairePhotoLib\\31.jpg"_s);
+        QCOMPARE(place.luminaires.Records().Find(31)->LampPhoto, picture);
+        QVERIFY(QDir().rmdir(place.Library() + u"31.bmp"_s));
+        place.log.onStatement = {};
+        QVERIFY(place.luminaires.Submit().None());
+        QCOMPARE(place.Photos(), u"31.bmp=new 32.bmp=new"_s);
+    }
+
+    // What stands in the file may name anything.
+    void AStoredPhotoIsLeftAlone() {
+        for (const QString& stored :
+             {u"\\..\\p.bmp"_s, u"\\Vexal\\LuminairePhotoLib\\..\\..\\p.bmp"_s, u"*"_s}) {
+            Place place;
+            const QString photo = stored == u"*"_s ? place.Picture() : stored;
+            place.Picture();
+            place.file.Raw().Execute(u"update 灯具 set LampPhoto='%1' where ID=32"_s.arg(photo));
+            place.luminaires.Load(u"1"_s);
+            QVERIFY(place.luminaires.Submit().None() && place.Copy(32));
+            QVERIFY(place.luminaires.Paste(0).written && place.luminaires.Submit().None());
+            QCOMPARE(place.Photos(), u"31.jpg=old"_s);
+            QCOMPARE(place.Field("LampPhoto", 32), photo);
+            QCOMPARE(place.Field("LampPhoto", 33), photo);
+        }
+    }
+
+    // With no room for a temporary copy both pictures stay where they are.
+    void PicturesThatCannotBeExchangedStay() {
+        Place place;
+        place.SetPhoto(32, place.Picture());
+        place.luminaires.Submit();
+        place.SetPhoto(31, u"\\Vexal\\LuminairePhotoLib\\32.bmp"_s);
+        place.SetPhoto(32, u"\\Vexal\\LuminairePhotoLib\\31.jpg"_s);
+        qputenv("TMPDIR", "/proc");
+        QCOMPARE(place.luminaires.Submit().photos, 2);
+        qunsetenv("TMPDIR");
+        QCOMPARE(place.Photos(), u"31.jpg=old 32.bmp=new"_s);
+        QVERIFY(place.luminaires.Submit().None());
+        QCOMPARE(place.Photos(), u"31.bmp=new 32.jpg=old"_s);
     }
 
     void PicturesChangeHandsInOneSubmit() {

@@ -1,5 +1,6 @@
 #include <QAbstractButton>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
@@ -91,6 +92,25 @@ private Q_SLOTS:
             QCOMPARE(AnswerWithKey(buttons, key, &closedByKey), answer);
             QCOMPARE(closedByKey, closes);
         }
+    }
+
+    void AHeldKeyDoesNotAnswer() {
+        QTimer::singleShot(0, [] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Y}) {
+                for (QWidget* target :
+                     {static_cast<QWidget*>(box->defaultButton()), static_cast<QWidget*>(box)}) {
+                    for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+                        QKeyEvent repeated(type, key, Qt::NoModifier, {}, true);
+                        QCoreApplication::sendEvent(target, &repeated);
+                    }
+                    QTest::keyRelease(target, key);
+                }
+            }
+            QVERIFY(box->isVisible());
+            QTest::keyClick(box, Qt::Key_N);
+        });
+        QCOMPARE(ShowMessage(nullptr, u"?"_s, {}, MessageButtons::YesNo), MessageAnswer::No);
     }
 
     void MessageBoxShowsTextAsItStands() {

@@ -3,9 +3,13 @@
 #include <QEvent>
 #include <QTimer>
 #include <QWidget>
+#include <chrono>
 
 namespace quorvane {
 namespace {
+
+// Right after the first paint the window is activated and its focus painted. That must not wait for the work.
+constexpr std::chrono::milliseconds kQuietTime(200);
 
 class FirstPaint : public QObject {
 public:
@@ -16,7 +20,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::Paint) {
             watched->removeEventFilter(this);
-            QTimer::singleShot(0, this, [this] {
+            QTimer::singleShot(kQuietTime, this, [this] {
                 m_work();
                 deleteLater();
             });

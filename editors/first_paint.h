@@ -7,7 +7,7 @@ class QWidget;
 
 namespace quorvane {
 
-// Calls work() once, from the event loop, after the widget has been painted for the first time.
+// Calls work() once, from the event loop, a moment after the widget has been painted for the first time.
 void AfterFirstPaint(QWidget& widget, std::function<void()> work);
 
 }  // namespace quorvane

@@ -47,6 +47,7 @@ QString Literal(const FieldValue& value) {
 
 std::vector<FieldValue> Row(const Recordset& rows, qsizetype columns) {
     std::vector<FieldValue> values;
+    values.reserve(static_cast<std::size_t>(columns));
     for (int column = 0; column < columns; ++column) {
         values.push_back(rows.Value(column));
     }
@@ -123,7 +124,7 @@ void Compare(Connection& from, Connection& to, const TableColumns& table) {
 
 std::shared_ptr<Connection> OpenDatabase(const QString& file) {
     const CString source = u"Data Source = "_s + file + u';';
-    const std::shared_ptr<Connection> connection = CreateStoreConnection(source);
+    std::shared_ptr<Connection> connection = CreateStoreConnection(source);
     connection->Open(source, {}, {}, -1);
     return connection;
 }

@@ -14,7 +14,7 @@ namespace {
 
 std::shared_ptr<Connection> Open(const QString& file) {
     const CString source = u"Data Source = %1;"_s.arg(file);
-    const std::shared_ptr<Connection> connection = CreateStoreConnection(source);
+    std::shared_ptr<Connection> connection = CreateStoreConnection(source);
     connection->Open(source, {}, {}, -1);
     return connection;
 }

@@ -31,7 +31,7 @@ public:
     TreeCheck(const Pages& pages, PageNumber owner) : m_pages(pages), m_owner(owner) {}
 
     // Checks what hangs on a page, and gives the last entry below it.
-    QByteArray Visit(PageNumber number, int depth) {
+    QByteArray Visit(PageNumber number, int depth, bool endsLevel) {
         if (depth > kMostIndexLevels) {
             ThrowDamagedIndex("has too many levels");
         }
@@ -42,7 +42,7 @@ public:
         if (page.FreeBytes() != kIndexCapacity - page.UsedBytes()) {
             ThrowDamagedIndex("has a page with a wrong count of free bytes");
         }
-        return page.IsLeaf() ? VisitLeaf(number, page, depth) : VisitNode(page, depth);
+        return page.IsLeaf() ? VisitLeaf(number, page, depth) : VisitNode(page, depth, endsLevel);
     }
 
     std::vector<PageNumber> Pages() const { return {m_seen.begin(), m_seen.end()}; }
@@ -73,13 +73,16 @@ private:
         return m_last;
     }
 
-    QByteArray VisitNode(const IndexPageView& page, int depth) {
+    QByteArray VisitNode(const IndexPageView& page, int depth, bool endsLevel) {
         if (page.ChildCount() == 0) {
             ThrowDamagedIndex("has a node without children");
         }
+        if (endsLevel && page.ChildCount() == page.EntryCount()) {
+            ThrowDamagedIndex("has a last node without a tail");
+        }
         QByteArray last;
         for (std::size_t index = 0; index < page.ChildCount(); ++index) {
-            last = Visit(page.Child(index), depth + 1);
+            last = Visit(page.Child(index), depth + 1, endsLevel && index + 1 == page.ChildCount());
             if (index < page.EntryCount() && page.Entry(index) != last) {
                 ThrowDamagedIndex("has a node that misnames the last entry of a child");
             }
@@ -188,7 +191,7 @@ std::optional<QByteArray> Index::EntryOf(RowAddress row) const {
 
 std::vector<PageNumber> Index::CheckedPages() const {
     TreeCheck check(m_pages, m_table.page);
-    check.Visit(m_description.root, 0);
+    check.Visit(m_description.root, 0, true);
     if (check.NextAfterLast() != 0) {
         ThrowDamagedIndex("goes on behind its last leaf");
     }

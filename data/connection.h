@@ -84,6 +84,10 @@ public:
     virtual void BeginSubmit() {}
     virtual void EndSubmit() {}
     virtual void Close() = 0;
+    // A provider may check the whole file while it is already read. Nothing is written before the check has
+    // ended. RequireSoundFile waits for its end and throws ProviderError when the file is damaged.
+    virtual bool IsCheckRunning() const { return false; }
+    virtual void RequireSoundFile() {}
 };
 
 // Makes a connection, not yet open, for the database that the connection string names. Throws ProviderError

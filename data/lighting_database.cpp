@@ -102,6 +102,14 @@ bool CLightingDatabase::Disconnect() {
            });
 }
 
+bool CLightingDatabase::IsCheckRunning() const {
+    return m_connection != nullptr && m_connection->IsCheckRunning();
+}
+
+bool CLightingDatabase::IsSound() {
+    return IsConnected() && Try(u"IsSound"_s, [&] { m_connection->RequireSoundFile(); });
+}
+
 bool CLightingDatabase::IsConnected() {
     if (m_connection == nullptr) {
         m_lastFailure = {.kind = FailureKind::NotConnected, .message = {}, .column = {}};

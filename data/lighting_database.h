@@ -35,6 +35,12 @@ public:
     // Why the last operation that returned false did so. An operation that succeeds leaves this alone.
     const ProviderFailure& LastFailure() const { return m_lastFailure; }
 
+    // The whole file may still be checked after Connect; the first statement that writes waits for the end of
+    // this check. IsSound waits for it too and is false, with the reason in LastFailure, when the file is
+    // damaged. Nothing is written then.
+    bool IsCheckRunning() const;
+    bool IsSound();
+
     // The full path of the database file, in backslash form, or empty.
     CString GetDatabasePath() const;
     // The folder above the executable's folder, without a trailing backslash.

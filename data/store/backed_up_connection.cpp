@@ -30,7 +30,13 @@ std::unique_ptr<Recordset> BackedUpConnection::Execute(const CString& statement)
     return m_connection->Execute(statement);
 }
 
+void BackedUpConnection::BeginSubmit() {
+    CopyOnce();
+    m_connection->BeginSubmit();
+}
+
 void BackedUpConnection::CopyOnce() {
+    m_connection->RequireSoundFile();  // a copy of a damaged file would push out a good one
     if (!std::exchange(m_settled, true)) {
         try {
             MakeBackupCopy(m_path);

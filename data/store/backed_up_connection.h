@@ -18,9 +18,12 @@ public:
     // A statement that writes fails where the file could not be copied and the answer was no. The question is
     // asked once.
     std::unique_ptr<Recordset> Execute(const CString& statement) override;
-    void BeginSubmit() override { m_connection->BeginSubmit(); }
+    // Copies before the submit takes its lock: closing a file drops all locks that the process has on it.
+    void BeginSubmit() override;
     void EndSubmit() override { m_connection->EndSubmit(); }
     void Close() override { m_connection->Close(); }
+    bool IsCheckRunning() const override { return m_connection->IsCheckRunning(); }
+    void RequireSoundFile() override { m_connection->RequireSoundFile(); }
 
 private:
     void CopyOnce();

@@ -11,6 +11,7 @@
 #include "data/database_path.h"
 #include "data/store/connection_string.h"
 #include "data/store/dialect.h"
+#include "data/store/sqlite_guard.h"
 #include "data/store/sqlite_recordset.h"
 #include "data/store/sqlite_submit.h"
 
@@ -26,6 +27,13 @@ using Database = std::unique_ptr<sqlite3, SqliteCloser>;
 // that the window, which waits with us, would seem dead.
 constexpr int kBusyTimeoutMs = 100;
 constexpr int kWaitAgainMs = 1000;
+// At the start nothing is shown yet, and a program that ends with a message must be started again.
+constexpr int kStartTimeoutMs = 3000;
+
+// A file up to this size is checked before it is used (2 ms), so that a damaged one is refused at once. The
+// check of a larger one runs on while the first window opens.
+constexpr qint64 kCheckedAtOnce = 1 << 20;
+constexpr std::chrono::seconds kLongestCheckAtOnce{1};
 
 // The check below reads the file page by page in no order. When the file is not yet in memory this takes 270
 // ms for 100,000 light sources, and 39 ms when the system is told to read all of it first.
@@ -42,6 +50,7 @@ void ReadAhead(const CString& path) {
 
 Database OpenFile(const CString& path) {
     ReadAhead(path);
+    RefuseSuperJournal(path);
 
     // An absolute path cannot be taken for a URI.
     const QByteArray absolutePath = QFileInfo(path).absoluteFilePath().toUtf8();
@@ -59,17 +68,6 @@ Database OpenFile(const CString& path) {
     return database;
 }
 
-// Opening alone reads nothing. This check reads the whole file once (9 ms for 100,000 light sources), so
-// damage shows at the start and not after something has been written.
-void RefuseDamage(sqlite3* database) {
-    const SqliteRecordset report(PrepareSqlite(database, u"PRAGMA quick_check(1)"_s));
-    const FieldValue finding = report.Value(0);
-    const auto* text = std::get_if<CString>(&finding);
-    if (text == nullptr || *text != u"ok"_s) {
-        throw ProviderError(u"the file is damaged: %1"_s.arg(text ? *text : CString()), FailureKind::Damaged);
-    }
-}
-
 }  // namespace
 
 bool IsSqliteFile(const QByteArray& head) {
@@ -83,12 +81,27 @@ std::shared_ptr<Connection> CreateSqliteConnection() {
 
 void SqliteConnection::Open(const CString& connectionString, const CString& /*user*/,
                             const CString& /*password*/, int /*options*/) {
-    Database database = OpenFile(NativePath(DataSource(connectionString)));
+    m_path = NativePath(DataSource(connectionString));
+    OpenPath(kStartTimeoutMs);
+}
+
+void SqliteConnection::OpenPath(int busyTimeoutMs) {
+    m_deadline.setRemainingTime(kTimeLimit);
+    Database database = OpenFile(m_path);
+    DistrustSchema(database.get());
+    LimitTime(database.get(), &m_deadline);
     sqlite3_busy_timeout(database.get(), kBusyTimeoutMs);
     LockSqliteFile(database.get());
-    RefuseDamage(database.get());
+    sqlite3_busy_timeout(database.get(), busyTimeoutMs);
+    RefuseViewsAsTables(database.get());
+    sqlite3_busy_timeout(database.get(), kBusyTimeoutMs);
     PrepareForWriting(database.get());
+    auto check = std::make_unique<SqliteBackgroundCheck>(m_path);
+    if (QFileInfo(m_path).size() <= kCheckedAtOnce && check->Wait(kLongestCheckAtOnce)) {
+        check->RequireSoundFile();
+    }
     m_database = std::move(database);
+    m_check = std::move(check);
 }
 
 std::unique_ptr<Recordset> SqliteConnection::Execute(const CString& statement) {
@@ -96,7 +109,36 @@ std::unique_ptr<Recordset> SqliteConnection::Execute(const CString& statement) {
         throw ProviderError(u"the connection is not open"_s);
     }
     LimitWaiting();
-    return std::make_unique<SqliteRecordset>(PrepareSqlite(m_database.get(), ToSqliteDialect(statement)));
+    m_deadline.setRemainingTime(kTimeLimit);
+    SqliteStatement prepared = PrepareSqlite(m_database.get(), ToSqliteDialect(statement));
+    if (sqlite3_stmt_readonly(prepared.get()) == 0) {
+        if (IsOutdated()) {
+            prepared.reset();
+            OpenPath(kBusyTimeoutMs);
+            prepared = PrepareSqlite(m_database.get(), ToSqliteDialect(statement));
+        }
+        m_check->RequireSoundFile();
+        m_deadline.setRemainingTime(kTimeLimit);
+    }
+    return std::make_unique<SqliteRecordset>(std::move(prepared));
+}
+
+// Whether another file stands at the path now, or none, or this one may be written again.
+bool SqliteConnection::IsOutdated() const {
+    int hasMoved = 0;
+    sqlite3_file_control(m_database.get(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);
+    return hasMoved != 0 ||
+           (sqlite3_db_readonly(m_database.get(), "main") != 0 && QFileInfo(m_path).isWritable());
+}
+
+bool SqliteConnection::IsCheckRunning() const {
+    return m_check != nullptr && !m_check->Wait({});
+}
+
+void SqliteConnection::RequireSoundFile() {
+    if (m_check != nullptr) {
+        m_check->RequireSoundFile();
+    }
 }
 
 // While the file stays locked one statement a second waits. A submit of hundreds of rows would otherwise add
@@ -115,18 +157,25 @@ void SqliteConnection::LimitWaiting() {
 void SqliteConnection::BeginSubmit() {
     if (m_database != nullptr && !m_inSubmit) {
         m_inSubmit = true;
+        if (IsOutdated()) {
+            OpenPath(kBusyTimeoutMs);
+        }
+        m_check->RequireSoundFile();
+        m_deadline.setRemainingTime(kTimeLimit);
         BeginSqliteSubmit(m_database.get());
     }
 }
 
 void SqliteConnection::EndSubmit() {
     if (std::exchange(m_inSubmit, false)) {
+        m_deadline.setRemainingTime(kTimeLimit);
         EndSqliteSubmit(m_database.get());
     }
 }
 
 void SqliteConnection::Close() {
     EndSubmit();
+    m_check.reset();
     if (sqlite3_close(m_database.get()) != SQLITE_OK) {
         ThrowSqliteError(m_database.get());
     }

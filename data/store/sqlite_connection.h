@@ -2,9 +2,11 @@
 #pragma once
 
 #include <sqlite3.h>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 
 #include "data/connection.h"
+#include "data/store/sqlite_background_check.h"
 
 namespace quorvane {
 
@@ -21,20 +23,31 @@ struct SqliteCloser {
 class SqliteConnection : public Connection {
 public:
     // Opens the file named by "Data Source" for reading and writing, or for reading alone where its folder or
-    // its permissions allow no more. Never creates or changes a file. A file that is damaged is refused.
+    // its permissions allow no more. Never creates or changes a file. A file that is damaged is refused
+    // at once, or for writing only when its check takes longer than the opening. A file that another program
+    // has locked is waited for up to three seconds.
     // There are no users in such a file and no options: these arguments are not looked at.
     void Open(const CString& connectionString, const CString& user, const CString& password,
               int options) override;
-    // A statement whose text goes on after its end is refused.
+    // A statement whose text goes on after its end is refused. A statement that writes waits for the check of
+    // the file; it, or the beginning of a submit, opens a file anew that was replaced or may be written
+    // again.
     std::unique_ptr<Recordset> Execute(const CString& statement) override;
     void BeginSubmit() override;
     void EndSubmit() override;
     // Fails while a record set of this connection is still open.
     void Close() override;
+    bool IsCheckRunning() const override;
+    void RequireSoundFile() override;
 
 private:
+    void OpenPath(int busyTimeoutMs);
+    bool IsOutdated() const;
     void LimitWaiting();
 
+    CString m_path;
+    QDeadlineTimer m_deadline;  // of the present statement
+    std::unique_ptr<SqliteBackgroundCheck> m_check;
     bool m_inSubmit = false;
     QElapsedTimer m_sinceWait;                          // for a lock
     std::unique_ptr<sqlite3, SqliteCloser> m_database;  // null: not open

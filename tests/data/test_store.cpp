@@ -4,8 +4,11 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTest>
+#include <QtEndian>
 #include <cstdio>
+#include <numeric>
 #include <optional>
+#include <thread>
 
 #include "data/lighting_database.h"
 #include "data/store/dialect.h"
@@ -247,6 +250,126 @@ private Q_SLOTS:
         QVERIFY(database.UpdateLightSource(record) && submit.Finish() && IsOneFile());
         const SubmitScope unfinished(database);
         QVERIFY(database.UpdateLightSource(record) && database.Disconnect() && IsOneFile());
+    }
+
+    // Nothing that stands in the file runs, and no other file is touched.
+    void RefusesStrangersSchemas() {
+        const CString standIn = u"alter table 光源 rename to x; create %1"_s;
+        const std::pair<CString, bool> cases[] = {
+            {standIn.arg(u"view 光源 as select * from x"_s), false},
+            {standIn.arg(u"virtual table 光源 using fts5(ID)"_s), false},
+            {u"create trigger 光源 after update on 光源 begin select raise(abort, 'x'); end"_s, true}};
+        for (const auto& [schema, isUsable] : cases) {
+            init();
+            m_file->Raw().Execute(schema);
+            CLightingDatabase database = Database();
+            QCOMPARE(database.Connect(), isUsable);
+            tagLAMPHOUSEINFO record;
+            record.ID = 1;
+            QCOMPARE(database.UpdateLightSource(record), isUsable);
+        }
+    }
+    void RefusesAJournalThatNamesAnotherFile() {
+        const auto number = [](quint32 value) {
+            QByteArray bytes(4, '\0');
+            qToBigEndian(value, bytes.data());
+            return bytes;
+        };
+        const QByteArray mark = QByteArray::fromHex("d9d505f920a163d7");
+        const QByteArray victim = (m_file->Folder() + u"/victim"_s).toUtf8();
+        const auto sum = std::accumulate(victim.begin(), victim.end(), quint32{0},
+                                         [](quint32 total, char byte) { return total + quint32(byte); });
+        QByteArray journal = mark + number(0) + number(7) + number(1) + number(512) + number(4096);
+        journal = journal.leftJustified(512, '\0') + number(262145) + victim +
+                  number(quint32(victim.size())) + number(sum) + mark;
+        for (const auto& [path, bytes] : {std::pair{CString::fromUtf8(victim), QByteArray("kept")},
+                                          {m_file->FilePath() + u"-journal"_s, journal}}) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        }
+        CLightingDatabase database = Database();
+        QVERIFY(!database.Connect());
+        QVERIFY(QFile::exists(CString::fromUtf8(victim)));
+        QVERIFY(QFile::remove(m_file->FilePath() + u"-journal"_s) && database.Connect());
+    }
+
+    void InterruptsAnEndlessStatement() {
+        const std::shared_ptr<Connection> connection = OpenConnection();
+        try {
+            connection->Execute(
+                u"with recursive n(i) as (select 1 union all select 2 from n) select sum(i) from n"_s);
+            QFAIL("an endless statement has ended");
+        } catch (const ProviderError& error) {
+            QCOMPARE(error.Kind(), FailureKind::TimeLimit);
+        }
+        QVERIFY(!connection->Execute(u"select 1"_s)->AtEnd());
+        connection->Execute(u"PRAGMA max_page_count=20"_s);
+        try {
+            connection->Execute(u"insert into 光源 (Factory) values ('%1')"_s.arg(u"x"_s.repeated(200000)));
+            QFAIL("a full disk took a row");
+        } catch (const ProviderError& error) {
+            QCOMPARE(error.Kind(), FailureKind::DiskFull);
+        }
+    }
+
+    // An index that lacks a row hides it from every query that uses the index.
+    void FindsDamageInAnIndex() {
+        for (const int rows : {0, 20000}) {
+            init();
+            m_file->Raw().Execute(
+                u"PRAGMA writable_schema=1; create table kept as select * from sqlite_schema where name like "
+                u"'光源^_%' escape '^';"
+                "delete from sqlite_schema where name like '光源^_%' escape '^'"_s);
+            m_file->Raw().Execute(
+                u"PRAGMA writable_schema=1; insert into 光源 (Factory) values ('hidden');"
+                "with recursive n(i) as (select 0 union all select i + 1 from n where i < %1) "
+                "insert into 照度要求及功率密度 (Location) select '%2' from n;"
+                "insert into sqlite_schema select * from kept; drop table kept"_s.arg(rows)
+                    .arg(u"x"_s.repeated(60)));
+            CLightingDatabase database = Database();
+            QCOMPARE(database.Connect(), rows > 0);  // a small file is checked at once
+            if (rows > 0) {
+                QVERIFY(RefusesWrites(database));
+                QCOMPARE(database.LastFailure().kind, FailureKind::Damaged);
+                QVERIFY(!database.IsSound() && !database.IsCheckRunning());
+                QVERIFY(database.Disconnect());
+            }
+        }
+    }
+
+    void FollowsAFileThatWasReplaced() {
+        CLightingDatabase database = Database();
+        QVERIFY(database.Connect());
+        const CString path = m_file->FilePath();
+        const CString other = path + u".new"_s;
+        tagLAMPHOUSEINFO record;
+        record.ID = 1;
+        for (const bool isInSubmit : {false, true}) {
+            QVERIFY(QFile::copy(path, other) && QFile::remove(path));
+            record.LuminousFlux += 1;
+            QVERIFY(!database.UpdateLightSource(record));
+            QCOMPARE(database.LastFailure().kind, FailureKind::FileGone);
+            QVERIFY(QFile::rename(other, path));
+            {
+                const auto submit = isInSubmit ? std::make_unique<SubmitScope>(database) : nullptr;
+                QVERIFY(database.UpdateLightSource(record));
+            }
+            QCOMPARE(m_file->Raw().Text(u"select LuminousFlux from 光源"_s),
+                     QByteArray::number(record.LuminousFlux, 'f', 1));
+        }
+    }
+
+    void WaitsForALockAtTheStart() {
+        RawDatabase other = m_file->Raw();
+        other.Execute(u"begin exclusive"_s);
+        std::thread user([&] {
+            QTest::qSleep(700);
+            other.Execute(u"commit"_s);
+        });
+        CLightingDatabase database = Database();
+        const bool isConnected = database.Connect();
+        user.join();
+        QVERIFY(isConnected && Reads(database));
     }
 
     void RefusesBytesThatAreNoText() {

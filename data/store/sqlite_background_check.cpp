@@ -1,0 +1,108 @@
+#include "data/store/sqlite_background_check.h"
+
+#include <QFileInfo>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <thread>
+
+#include "data/store/sqlite_guard.h"
+#include "data/store/sqlite_recordset.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quorvane {
+
+namespace {
+
+constexpr std::chrono::milliseconds kBusyTimeout{3000};
+constexpr std::chrono::milliseconds kStopTimeout{1000};
+constexpr std::chrono::milliseconds kGrace{1000};  // beyond the time limit, for the thread to say so
+
+}  // namespace
+
+struct SqliteBackgroundCheck::State {
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool ended = false;
+    std::optional<ProviderFailure> finding;  // none: the file is sound
+    std::atomic<bool> isToStop = false;
+    QDeadlineTimer deadline{kTimeLimit};
+
+    void End(std::optional<ProviderFailure> result) {
+        const std::lock_guard lock(mutex);
+        finding = std::move(result);
+        ended = true;
+        changed.notify_all();
+    }
+
+    void Run(const QByteArray& path);
+    void Check(sqlite3* database);
+};
+
+void SqliteBackgroundCheck::State::Check(sqlite3* database) {
+    const auto look = [](void* state) {
+        const auto* check = static_cast<const State*>(state);
+        return check->isToStop || check->deadline.hasExpired() ? 1 : 0;
+    };
+    DistrustSchema(database);
+    sqlite3_busy_timeout(database, static_cast<int>(kBusyTimeout.count()));
+    sqlite3_progress_handler(database, 1000, look, this);
+    const SqliteRecordset report(PrepareSqlite(database, u"PRAGMA integrity_check(1)"_s));
+    const FieldValue value = report.Value(0);
+    const auto* text = std::get_if<CString>(&value);
+    if (text == nullptr || *text != u"ok"_s) {
+        throw ProviderError(u"the file is damaged: %1"_s.arg(text ? *text : CString()), FailureKind::Damaged);
+    }
+}
+
+void SqliteBackgroundCheck::State::Run(const QByteArray& path) {
+    sqlite3* database = nullptr;
+    try {
+        const int result =
+            sqlite3_open_v2(path.constData(), &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr);
+        if (result != SQLITE_OK) {
+            throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
+        }
+        Check(database);
+        sqlite3_close_v2(database);
+        End(std::nullopt);
+    } catch (const ProviderError& error) {
+        sqlite3_close_v2(database);
+        End(ProviderFailure{.kind = error.Kind(),
+                            .message = u"the file could not be checked: %1"_s.arg(error.Message()),
+                            .column = {}});
+    } catch (const std::bad_alloc&) {
+        sqlite3_close_v2(database);
+        End(ProviderFailure{.kind = FailureKind::OutOfMemory, .message = {}, .column = {}});
+    }
+}
+
+SqliteBackgroundCheck::SqliteBackgroundCheck(const CString& path) : m_state(std::make_shared<State>()) {
+    std::thread([state = m_state, file = QFileInfo(path).absoluteFilePath().toUtf8()] {
+        state->Run(file);
+    }).detach();
+}
+
+SqliteBackgroundCheck::~SqliteBackgroundCheck() {
+    m_state->isToStop = true;
+    Wait(kStopTimeout);
+}
+
+bool SqliteBackgroundCheck::Wait(std::chrono::milliseconds limit) const {
+    std::unique_lock lock(m_state->mutex);
+    return m_state->changed.wait_for(lock, limit, [&] { return m_state->ended; });
+}
+
+void SqliteBackgroundCheck::RequireSoundFile() const {
+    if (!Wait(kTimeLimit + kGrace)) {
+        throw ProviderError(u"the file could not be checked in time"_s, FailureKind::TimeLimit);
+    }
+    if (m_state->finding) {
+        throw ProviderError(*m_state->finding);
+    }
+}
+
+}  // namespace quorvane

@@ -202,6 +202,13 @@ class Window:
     def press_button(self, name):
         screen.click(*centre(self.find("push button", name)))
 
+    def submit(self):
+        """Presses 提交 and waits for its end: what is clicked during a long submit is lost. The button has the focus
+        once the press has arrived, and is disabled while the data are written."""
+        self.press_button("提交")
+        button = self.find("push button", "提交")
+        self.program.wait_until(lambda: has(button, "FOCUSED") and has(button, "SENSITIVE"), "the end of a submit")
+
     def wait_until_closed(self):
         wait_until(lambda: self.element not in self.program.windows(), "the closing of a window")
 

@@ -37,7 +37,7 @@ def factor_table_road(story):
     story.expect(folder.everything() == before, "the file was changed before the factors were submitted")
 
     story.tell("submitting the table and leaving it with 确定")
-    table.press_button("提交")
+    table.submit()
     story.show("factors-submitted")
     table.press_button("确定")
     table.wait_until_closed()

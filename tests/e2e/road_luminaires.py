@@ -103,7 +103,7 @@ def fill_factor_table(story, row):
     for (*reflectances, ratio), factor in FACTORS.items():
         type_factor(table, reflectances, ratio, factor)
     story.show("luminaire-factors")
-    table.press_button("提交")
+    table.submit()
     table.press_button("确定")
     table.wait_until_closed()
 

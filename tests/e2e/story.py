@@ -33,7 +33,7 @@ class Story:
 
     def submit(self):
         self.tell("submitting")
-        self.window.press_button("提交")
+        self.window.submit()
 
     def append_and_submit(self, headings, values, before, pictures):
         """Types the values into the cells of the append row under the headings, and submits. One picture each."""

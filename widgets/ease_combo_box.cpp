@@ -2,6 +2,7 @@
 
 #include <QWheelEvent>
 #include <algorithm>
+#include <ranges>
 
 #include "widgets/chinese_order.h"
 
@@ -18,12 +19,7 @@ CEaseComboBox::CEaseComboBox(bool sorted, QWidget* parent) : QComboBox(parent), 
 }
 
 void CEaseComboBox::AddString(const QString& text) {
-    int place = count();
-    if (m_sorted) {
-        const std::vector<QString> strings = Strings();
-        place = static_cast<int>(std::upper_bound(strings.begin(), strings.end(), text, PinyinLess) -
-                                 strings.begin());
-    }
+    const int place = m_sorted ? PlaceOf(text) : count();
     const int selected = currentIndex();
     insertItem(place, text);
     // The base class selects the first entry that an empty list gets.
@@ -31,9 +27,16 @@ void CEaseComboBox::AddString(const QString& text) {
     setCurrentIndex(m_selected);
 }
 
+// Where a sorted list takes a text: behind the last entry that is not greater. Asks for as few entries as
+// possible, because a list may be filled with thousands one by one.
+int CEaseComboBox::PlaceOf(const QString& text) const {
+    const auto entries = std::views::iota(0, count());
+    return *std::ranges::upper_bound(entries, text, PinyinLess,
+                                     [this](int index) { return itemText(index); });
+}
+
 bool CEaseComboBox::Holds(const QString& text) const {
-    const std::vector<QString> strings = Strings();
-    return std::find(strings.begin(), strings.end(), text) != strings.end();
+    return findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive) >= 0;
 }
 
 std::vector<QString> CEaseComboBox::Strings() const {
@@ -46,9 +49,7 @@ std::vector<QString> CEaseComboBox::Strings() const {
 }
 
 void CEaseComboBox::SelectString(const QString& text) {
-    const std::vector<QString> strings = Strings();
-    const auto found = std::find(strings.begin(), strings.end(), text);
-    m_selected = found == strings.end() ? -1 : static_cast<int>(found - strings.begin());
+    m_selected = findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
     setCurrentIndex(m_selected);
 }
 

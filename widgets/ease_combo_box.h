@@ -38,6 +38,8 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
+    int PlaceOf(const QString& text) const;
+
     bool m_sorted;
     int m_selected = -1;  // the entry last chosen, to tell a new choice from the same one
 };

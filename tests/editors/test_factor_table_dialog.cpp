@@ -1,4 +1,3 @@
-#include <QContextMenuEvent>
 #include <QLineEdit>
 #include <QMenu>
 
@@ -43,28 +42,19 @@ struct Fixture : ShownGrid {
     }
 
     QTreeWidgetItem* Item(Root root, int child) const { return tree->topLevelItem(root)->child(child); }
-    // Works the menu of an item and gives its enabled entries.
-    QString Menu(QTreeWidgetItem* item, const QString& choice = {}) {
+    // Opens the menu of an item, whose one enabled entry is returned, and chooses that.
+    QString Menu(QTreeWidgetItem* item, bool choose = true) {
         Activate();
-        tree->expandAll();
-        tree->scrollToItem(item);
-        const QPoint at = tree->visualItemRect(item).center();
-        QContextMenuEvent event(QContextMenuEvent::Mouse, at, tree->viewport()->mapToGlobal(at));
-        QCoreApplication::sendEvent(tree->viewport(), &event);
+        tree->setCurrentItem(item);
+        QTest::keyClick(tree, Qt::Key_Menu);
         const QPointer<QMenu> menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (menu == nullptr) {
-            qFatal("there is no menu");
-        }
         QStringList enabled;
-        QPoint chosen;
         for (QAction* action : menu->actions()) {
             enabled += action->isEnabled() ? QStringList(action->text()) : QStringList();
-            chosen = action->text() == choice ? menu->actionGeometry(action).center() : chosen;
         }
-        if (choice.isEmpty()) {
-            QTest::keyClick(menu, Qt::Key_Escape);
-        } else {
-            QTest::mouseClick(menu, Qt::LeftButton, {}, chosen);
+        QTest::keyClick(menu, choose ? Qt::Key_Down : Qt::Key_Escape);
+        if (choose) {
+            QTest::keyClick(menu, Qt::Key_Return);
         }
         Settle();
         return enabled.join(u' ');
@@ -88,12 +78,12 @@ struct Fixture : ShownGrid {
         Label(text, end);
     }
     void Add(Root root, const QString& text, Qt::Key end = Qt::Key_Return) {
-        Menu(tree->topLevelItem(root), root == HeadingRoot ? u"新建列表头"_s : u"新建室空间比RCR"_s);
+        Menu(tree->topLevelItem(root));
         Label(text, end);
     }
     void Delete(Root root, int child, const QString& answer = u"是"_s) {
         answers.Plan(answer);
-        Menu(Item(root, child), root == HeadingRoot ? u"删除列表头"_s : u"删除空间比RCR"_s);
+        Menu(Item(root, child));
     }
 
     QStringList Grid() const { return QStringList(Row(0)) + Rows(); }
@@ -134,73 +124,43 @@ private Q_SLOTS:
         QCOMPARE(fixture.grid->MergeExtent(0, 2), (CCellRange{0, 1, 0, 2}));
         fixture.Rename(fixture.Item(HeadingRoot, 0), u"70,60,20"_s);  // ceilings are merged anew
         QCOMPARE(fixture.grid->MergeExtent(0, 3), (CCellRange{0, 2, 0, 3}));
-        QCOMPARE(fixture.Menu(fixture.tree->topLevelItem(HeadingRoot)), u"新建列表头"_s);
-        QCOMPARE(fixture.Menu(fixture.Item(HeadingRoot, 1)), u"删除列表头"_s);
+        QCOMPARE(fixture.Menu(fixture.Item(HeadingRoot, 1), false), u"删除列表头"_s);
         fixture.Open(u"RI"_s);
         QCOMPARE(fixture.Grid()[3], u"室形系数RI|||"_s);
-        QCOMPARE(fixture.Menu(fixture.tree->topLevelItem(RowRoot)), u"新建室形系数RI"_s);
-        QCOMPARE(fixture.Menu(fixture.Item(RowRoot, 0)), u"删除室形系数RI"_s);
+        QCOMPARE(fixture.Menu(fixture.tree->topLevelItem(RowRoot), false), u"新建室形系数RI"_s);
+        QCOMPARE(fixture.Menu(fixture.Item(RowRoot, 0), false), u"删除室形系数RI"_s);
     }
 
-    void TellsOfGaps() {
-        Fixture gap(u"insert into 利用系数 values (1,7,80,50,20,0.6,0.61),(2,7,70,50,20,1.25,1e300);"_s);
-        QCOMPARE(gap.answers.TakeSeen(),
-                 QStringList({u"QuorvaneTest|(80,50,20,1.25)数据不存在|确定|unplanned"_s,
-                              u"QuorvaneTest|(70,50,20,0.6)数据不存在|确定|unplanned"_s}));
-    }
-
-    void AWrongLabelIsEditedOn() {
+    void LabelsAreTakenOrEditedOn() {
         Fixture fixture;
+        fixture.Rename(fixture.Item(HeadingRoot, 1), u"1,1,1"_s, Qt::Key_Escape);
+        QVERIFY(!fixture.dialog->IsModified());
         fixture.Rename(fixture.Item(HeadingRoot, 1), u"80,50"_s);
         QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadHeading));
         QCOMPARE(fixture.Editor()->text(), u"80,30,20"_s);
-        fixture.Label(u" 1,2,3 "_s);
+        fixture.Label(u" 1,2,3 "_s, Qt::Key_Tab);  // which edits no other label
+        QVERIFY(fixture.Editor() == nullptr);
         fixture.Add(RowRoot, u"-1"_s);
         QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadRow));
         QCOMPARE(fixture.Editor()->text(), u"0"_s);
         fixture.Label(u"3"_s);
-        QCOMPARE(fixture.Children(HeadingRoot), u"80,50,20 70,50,20 1,2,3"_s);
         QCOMPARE(fixture.tree->currentItem(), fixture.Item(RowRoot, 2));
         QCOMPARE(fixture.Grid()[6], u"3.00|0.00|0.00|0.00"_s);
-    }
-
-    void EndsOfALabelEdit() {
-        Fixture fixture;
-        // Leaving a label as it is, or cancelling, changes nothing.
-        fixture.Rename(fixture.Item(HeadingRoot, 1), u"1,1,1"_s, Qt::Key_Escape);
-        fixture.Rename(fixture.Item(HeadingRoot, 1), {});
-        fixture.Rename(fixture.Item(RowRoot, 0), u"0.60"_s);
-        QVERIFY(!fixture.dialog->IsModified());
-
-        // A click elsewhere ends the edit like Enter; so does Tab, which edits no other label.
-        fixture.Rename(fixture.Item(HeadingRoot, 2), u"90,50,20"_s, Qt::Key_Tab);
-        QVERIFY(fixture.Editor() == nullptr);
-        QCOMPARE(fixture.tree->currentItem(), fixture.Item(HeadingRoot, 0));
+        // A duplicate leaves no item behind.
+        fixture.Add(HeadingRoot, u"70,50,20"_s);
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList(kExists));
+        // A click elsewhere ends an edit like Enter.
         fixture.tree->expandAll();
         fixture.Rename(fixture.Item(RowRoot, 1), u"0.5"_s, Qt::Key_unknown);
         QTest::mouseClick(fixture.tree->viewport(), Qt::LeftButton, {},
                           fixture.tree->visualItemRect(fixture.Item(HeadingRoot, 1)).center());
         Settle();
         QCOMPARE(fixture.tree->currentItem(), fixture.Item(HeadingRoot, 1));
-        QCOMPARE(fixture.Grid()[4], u"0.50|0.54|0.52|0.56"_s);
-
         // A cancelled new entry is added as it stands.
         fixture.Add(HeadingRoot, u"5,5,5"_s, Qt::Key_Escape);
-        fixture.Add(RowRoot, {}, Qt::Key_Escape);
-        QCOMPARE(fixture.Children(HeadingRoot), u"90,50,20 80,50,20 80,30,20 0,0,0"_s);
-        QCOMPARE(fixture.Children(RowRoot), u"0.00 0.50 0.60"_s);
-
+        QCOMPARE(fixture.Children(HeadingRoot), u"80,50,20 70,50,20 1,2,3 0,0,0"_s);
+        QCOMPARE(fixture.Children(RowRoot), u"0.50 0.60 3.00"_s);
         QVERIFY(fixture.answers.TakeSeen().isEmpty());
-    }
-
-    void ADuplicateLeavesNoItemBehind() {
-        Fixture fixture;
-        fixture.Add(HeadingRoot, u"80,30,20"_s);
-        fixture.Rename(fixture.Item(RowRoot, 0), u"1.25"_s);
-        QCOMPARE(fixture.answers.TakeSeen(), QStringList({kExists, kExists}));
-        QCOMPARE(fixture.Children(HeadingRoot), u"80,50,20 80,30,20 70,50,20"_s);
-        QCOMPARE(fixture.Children(RowRoot), u"0.60 1.25"_s);
-        QVERIFY(!fixture.dialog->IsModified());
     }
 
     void DeletesAndClearsOnYesAlone() {
@@ -214,44 +174,32 @@ private Q_SLOTS:
                                                           u"甲灯 利用系数表|确定是否清空全部数据?|是/否"_s}));
         QVERIFY(!fixture.dialog->IsModified());
         fixture.Delete(HeadingRoot, 1);
-        fixture.Add(RowRoot, u"3"_s);
-        fixture.Delete(RowRoot, 2);  // never stored
         fixture.Delete(RowRoot, 0);
-        QCOMPARE(fixture.Grid()[4], u"1.25|0.52|0.54"_s);
         fixture.answers.Plan(u"是"_s);
         fixture.Press(Clear);
         QCOMPARE(fixture.Grid()[4], u"1.25|0.00|0.00"_s);
-        QVERIFY(fixture.File().size() == 6 && fixture.Value(1) == u"0.61"_s);
         fixture.Press(Submit);
         QCOMPARE(fixture.File(), QStringList({u"80|50|20|1.25|0.0"_s, u"70|50|20|1.25|0.0"_s}));
-        QCOMPARE(fixture.Value(9), u"0.9"_s);  // another luminaire's
     }
 
-    void FactorsAreCheckedAndKeepTheirDecimals() {
+    void FactorsAreShownAsTypedUntilSubmitted() {
         Fixture fixture;
         fixture.Type(4, 1, u"-1"_s);
         QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadFactor));
         QCOMPARE(fixture.grid->GetItemText(4, 1), u"0"_s);
-        fixture.Press(Submit);
-        QCOMPARE(fixture.grid->GetItemText(4, 1), u"0.61"_s);
         fixture.PassThrough(4, 2);  // 0.654
-        fixture.Type(4, 1, u"0.12345678"_s);
-        fixture.PassThrough(4, 1);
+        fixture.Type(4, 3, u"0.12345678"_s);
         fixture.Type(5, 3, u"0.544"_s);
         fixture.Type(5, 3, u"0.54"_s);  // not the rounding of the former text but a new number
-        QCOMPARE(fixture.Grid()[4], u"0.60|0.123457|0.65|0.63"_s);
+        QCOMPARE(fixture.Grid()[4], u"0.60|0|0.65|0.123457"_s);
         fixture.Press(Submit);
-        QCOMPARE(fixture.Grid()[4], u"0.60|0.12|0.65|0.63"_s);
-        fixture.PassThrough(4, 1);
-        fixture.Press(Submit);
-        QCOMPARE(fixture.Value(1) + fixture.Value(5) + fixture.Value(4), u"0.1234570.6540.54"_s);
-        QVERIFY(fixture.answers.TakeSeen().isEmpty());
+        QCOMPARE(fixture.Grid()[4], u"0.60|0.61|0.65|0.12"_s);
+        QCOMPARE(fixture.Value(3) + fixture.Value(5) + fixture.Value(4), u"0.1234570.6540.54"_s);
     }
 
     // Without an answer nothing has been modified.
     void Leaving() {
-        const QString ways =
-            u"ok, ok,是 ok,否 close, close,是 close,否 close,取消 esc, esc,是 esc,否 esc,取消"_s;
+        const QString ways = u"ok, ok,是 ok,否 close,是 close,否 esc, esc,取消"_s;
         for (const QString& way : ways.split(u' ')) {
             const QString answer = way.section(u',', 1);
             const bool ok = way.startsWith(u"ok"_s);
@@ -282,22 +230,20 @@ private Q_SLOTS:
 
     void AWrongTextKeepsTheDialog() {
         Fixture fixture;
-        for (const int way : {int(Submit), int(Ok), int(Clear), 0}) {
-            fixture.Rename(fixture.Item(HeadingRoot, 0), u"80"_s, Qt::Key_unknown);
-            way == 0 ? void(fixture.dialog->close()) : fixture.Press(way);
-            Settle();
-            QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadHeading));
-            QVERIFY(fixture.dialog->isVisible() && fixture.Editor() != nullptr);
-            QTest::keyClick(fixture.Editor(), Qt::Key_Escape);
-            Settle();
-        }
         fixture.TypeOpen(4, 1, u"x"_s);
         fixture.dialog->close();
         QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadFactor));
-        QVERIFY(fixture.dialog->isVisible());
-
+        fixture.Rename(fixture.Item(HeadingRoot, 0), u"8"_s);
+        fixture.answers.TakeSeen();
+        for (const int way : {Ok, Clear, Submit}) {
+            fixture.Label(u"80"_s, Qt::Key_unknown);
+            fixture.Press(way);
+            Settle();
+            QCOMPARE(fixture.answers.TakeSeen(), QStringList(kBadHeading));
+            QVERIFY(fixture.dialog->isVisible() && fixture.Editor() != nullptr);
+        }
         // A good text is taken in before the table is written.
-        fixture.Rename(fixture.Item(HeadingRoot, 0), u"1,2,3"_s, Qt::Key_unknown);
+        fixture.Label(u"1,2,3"_s, Qt::Key_unknown);
         fixture.Press(Submit);
         QCOMPARE(fixture.File().last(), u"1|2|3|1.25|0.52"_s);
     }
@@ -326,11 +272,10 @@ private Q_SLOTS:
         QCOMPARE(fixture.answers.TakeSeen(),
                  QStringList(u"甲灯 利用系数表|利用系数未能全部读取,不能编辑。|确定|unplanned"_s));
         QVERIFY(!fixture.tree->isEnabled() && !fixture.grid->isEnabled());
-        const QStringList before = fixture.file.Snapshot();
-        fixture.Press(Clear);
+        QVERIFY(!DialogItem(fixture.dialog.get(), Submit)->isEnabled());
+        QVERIFY(!DialogItem(fixture.dialog.get(), Clear)->isEnabled());
         fixture.Press(Ok);
         QVERIFY(!fixture.dialog->isVisible());
-        QCOMPARE(fixture.file.Snapshot(), before);
     }
 };
 

@@ -80,12 +80,14 @@ private Q_SLOTS:
         QCOMPARE(lists.LightSourceTexts(u"11"_s), u"直管:T8"_s);
         lists.LightSources(u"1"_s);
         lists.LightSourcesOfCategory(u"荧光灯"_s);
-        lists.file.Raw().Execute(u"update 光源 set LamphouseName='旧' where ID=11"_s);
+        lists.LightSourceIds(u"细管:T5"_s, {});
+        lists.file.Raw().Execute(u"update 光源 set LamphouseName='旧' where ID in (11,12)"_s);
         for (const bool isRead : {false, true}) {
             const QString text = isRead ? u"旧:T8"_s : u"直管:T8"_s;
             QCOMPARE(lists.LightSourceTexts(u"11"_s), text);
             QCOMPARE(lists.LightSources(u"1"_s)->front(), text);
             QCOMPARE(lists.LightSourcesOfCategory(u"荧光灯"_s)->front(), text);
+            QCOMPARE(lists.LightSourceIds(u"细管:T5"_s, {}), isRead ? u"细管:T5"_s : u"12"_s);
             lists.Invalidate();
         }
     }
@@ -97,6 +99,7 @@ private Q_SLOTS:
         QVERIFY(!lists.IsComplete());
         lists.log.failing.clear();
         lists.Invalidate();
+        QVERIFY(lists.IsComplete());
         QCOMPARE(lists.ResolvedLightSourceIds(u"细管:T5,11"_s), u"12,11"_s);
         QCOMPARE(lists.ResolvedLightSourceIds(u"999,"_s), u"999,"_s);
     }

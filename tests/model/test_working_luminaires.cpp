@@ -102,6 +102,18 @@ private Q_SLOTS:
         }
     }
 
+    // A picture that has taken its place is not put there again with what is still to be written.
+    void APictureIsPlacedOnce() {
+        Place place;
+        place.Copy(31);
+        place.log.failing = QStringList{u"0.5)"_s};
+        QVERIFY(!place.luminaires.Paste(31).written);
+        place.Write(place.Library() + u"31.jpg"_s, "newer");
+        place.log.failing.clear();
+        QVERIFY(place.luminaires.Submit().None());
+        QCOMPARE(place.Photos(), u"31.jpg=newer"_s);
+    }
+
     void APasteLeavesOtherEditsPending() {
         Place place;
         place.SetPhoto(31, {});

@@ -1,5 +1,5 @@
-// A page or dialog with a grid in an active window on a database of its own, worked by real key and mouse
-// events.
+// A grid in an active window, alone or in a page or dialog on a database of its own, worked by real key and
+// mouse events.
 #pragma once
 
 #include <QComboBox>
@@ -18,15 +18,7 @@
 
 namespace quorvane {
 
-struct ShownGrid {
-    // Fills the file by rows (any statements) and opens it.
-    explicit ShownGrid(const QString& rows) : file(), database(CreateStoreConnection, file.ExecutablePath()) {
-        file.Raw().Execute(rows);
-        if (!database.Connect()) {
-            qFatal("the database did not open");
-        }
-    }
-
+struct WorkedGrid {
     void Show(QWidget* window) {
         m_window = window;
         grid = window->findChild<CGridCtrl*>();
@@ -35,8 +27,7 @@ struct ShownGrid {
     }
     // Again the window that keys go to, also after a message box.
     void Activate() {
-        // A message box that came up meanwhile has taken the keys; once it is answered the window is asked
-        // again.
+        // A message box may take the keys first. Once it is answered the window is asked again.
         bool active = false;
         for (int attempt = 0; attempt < 3 && !active; ++attempt) {
             m_window->activateWindow();
@@ -101,14 +92,25 @@ struct ShownGrid {
         return rows;
     }
 
-    TemporaryLightingDatabase file;
-    CLightingDatabase database;
-    ReferenceLists lists{database};
     MessageAnswers answers;
     CGridCtrl* grid = nullptr;
 
 private:
     QWidget* m_window = nullptr;
+};
+
+struct ShownGrid : WorkedGrid {
+    // Fills the file by rows (any statements) and opens it.
+    explicit ShownGrid(const QString& rows) : file(), database(CreateStoreConnection, file.ExecutablePath()) {
+        file.Raw().Execute(rows);
+        if (!database.Connect()) {
+            qFatal("the database did not open");
+        }
+    }
+
+    TemporaryLightingDatabase file;
+    CLightingDatabase database;
+    ReferenceLists lists{database};
 };
 
 template <typename Page>

@@ -1,12 +1,13 @@
 #include <QAbstractButton>
+#include <QContextMenuEvent>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
-#include "widgets/dialog_template.h"
 #include "widgets/ease_combo_box.h"
 #include "widgets/icons.h"
+#include "widgets/label_edit_tree.h"
 #include "widgets/message_box.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -53,11 +54,10 @@ private Q_SLOTS:
         for (const QString& text : {u"白炽灯"_s, u"金属卤化物灯"_s, u"高压钠灯"_s, u"卤钨灯"_s}) {
             list.AddString(text);
         }
-        const std::vector<QString> expected{u"白炽灯"_s, u"高压钠灯"_s, u"金属卤化物灯"_s, u"卤钨灯"_s,
-                                            u"荧光灯"_s};
-        QCOMPARE(list.Strings(), expected);
+        QCOMPARE(list.Strings(), std::vector<QString>({u"白炽灯"_s, u"高压钠灯"_s, u"金属卤化物灯"_s,
+                                                       u"卤钨灯"_s, u"荧光灯"_s}));
         QCOMPARE(list.currentText(), u"荧光灯"_s);
-        QVERIFY(!list.Holds(u"荧光"_s));
+        QVERIFY(!list.Holds(u"荧光"_s) && list.Holds(u"卤钨灯"_s));
     }
 
     void ListTellsNewChoicesOnly() {
@@ -74,6 +74,10 @@ private Q_SLOTS:
         QTest::keyClick(&list, Qt::Key_Home);
         list.SelectString(u"甲"_s);
         QCOMPARE(changes, 1);
+        list.ClearSelection();
+        QCOMPARE(list.currentIndex(), -1);
+        QTest::keyClick(&list, Qt::Key_Home);
+        QCOMPARE(changes, 2);
     }
 
     void MessageBoxAnswersKeys() {
@@ -131,16 +135,19 @@ private Q_SLOTS:
         QCOMPARE(pictures.size(), 10);
     }
 
-    void DialogUnitsFollowTheFont() {
-        QFont font;
-        font.setPixelSize(12);
-        const QSize units(456, 203);
-        const QSize once = DialogUnits(font).ToPixels(units);
-        font.setPixelSize(24);
-        const QSize twice = DialogUnits(font).ToPixels(units);
-        QVERIFY(once.width() > 456 && once.height() > 203);
-        QVERIFY(qAbs(twice.width() - 2 * once.width()) < once.width() / 10);
-        QVERIFY(qAbs(twice.height() - 2 * once.height()) < once.height() / 10);
+    void ATreeAsksForItsMenuByKey() {
+        LabelEditTree tree(nullptr);
+        auto* item = new QTreeWidgetItem(&tree, {u"甲"_s});
+        new QTreeWidgetItem(&tree, {u"乙"_s});
+        tree.show();
+        tree.setCurrentItem(item);
+        QList<QTreeWidgetItem*> asked;
+        connect(&tree, &LabelEditTree::MenuRequested, this, [&](QTreeWidgetItem* of) { asked += of; });
+        QTest::keyClick(&tree, Qt::Key_Menu);
+        QTest::keyClick(&tree, Qt::Key_F10, Qt::ShiftModifier);
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, QPoint(500, 500));
+        QCoreApplication::sendEvent(&tree, &event);
+        QCOMPARE(asked, QList({item, item, item}));
     }
 };
 

@@ -88,11 +88,11 @@ RecordGridRules<tagLAMPHOUSEINFO> CQuorvaneLamphouseDlg::Rules() {
                      [this](const Record&) {
                          return CellSetup{.kind = CellSetup::DropDown, .choices = m_categoryChoices};
                      }},
-                TextColumn(u"名    称", 0.24, &Record::LamphouseName, kLeft),
-                TextColumn(u"光源型号", 0.24, &Record::LamphouseModel, kLeft),
+                TextColumn(u"名    称", 0.24, &Record::LamphouseName, kLeftEllipsis),
+                TextColumn(u"光源型号", 0.24, &Record::LamphouseModel, kLeftEllipsis),
                 RealColumn(u"光通量", 0.1, &Record::LuminousFlux),
                 RealColumn(u"功  率", 0.1, &Record::LamphousePower),
-                TextColumn(u"厂    家", 0.1, &Record::Factory),
+                TextColumn(u"厂    家", 0.1, &Record::Factory, kCentred | CellFormat::EndEllipsis),
             },
         .title = [](const Record& record) { return record.LamphouseName; },
         .isBlank = IsBlank,

@@ -116,6 +116,10 @@ void GridController::CellChanged(CCellID cell) {
 
 void GridController::SelectionChanged(bool focus, bool ranges) {
     Redraw();
+    if (focus && m_grid.hasFocus()) {
+        // Whether a text can be typed here, and where.
+        QGuiApplication::inputMethod()->update(Qt::ImQueryInput | Qt::ImEnabled);
+    }
     Perform([&] {
         if (focus) {
             m_notices.push_back({&CGridCtrl::FocusCellChanged, m_core.Focus()});
@@ -307,6 +311,28 @@ void GridController::OpenAt(CCellID cell, InPlaceEdit::Start start, const QEvent
     }
 }
 
+bool GridController::Compose(const QInputMethodEvent& event) {
+    const bool types = !event.preeditString().isEmpty() || !event.commitString().isEmpty();
+    const CCellID cell = m_core.Focus();
+    if (!m_edit.IsOn() && (!types || m_core.EditingOf(cell) != CellEditing::Text ||
+                           !BeginEdit(cell, InPlaceEdit::Start::Composing))) {
+        return false;
+    }
+    m_edit.Compose(event);
+    return true;
+}
+
+bool GridController::PassToEditor(const QKeyEvent& event) {
+    if (!m_edit.IsComposing()) {
+        return false;
+    }
+    const QPointer<QLineEdit> editor = m_edit.Editor();
+    m_edit.TakeKeyboard();
+    const std::unique_ptr<QKeyEvent> copy(event.clone());
+    QCoreApplication::sendEvent(editor, copy.get());
+    return true;
+}
+
 void GridController::DropDown(CCellID cell) {
     const auto* combo = dynamic_cast<const CGridBtnCellCombo*>(m_core.Cell(cell));
     if (combo == nullptr) {
@@ -429,12 +455,13 @@ bool GridController::Paste() {
         return false;
     }
     const QPointer<CGridCtrl> alive(&m_grid);
+    Perform([&] { m_core.FocusWithoutSelecting(paste.Start()); });
     const auto step = [&] {
         if (const auto next = paste.Next()) {
             TakeText(next->cell, next->text);
         }
     };
-    while (!paste.IsDone() && !m_edit.IsOn() && RunStep(step, alive)) {
+    while (!alive.isNull() && !paste.IsDone() && !m_edit.IsOn() && RunStep(step, alive)) {
     }
     return true;
 }

@@ -60,6 +60,11 @@ public:
     bool Execute(const GridCommand& command, const QEvent* event = nullptr);
     void SetFocusCell(CCellID cell);
     bool BeginEdit(CCellID cell, InPlaceEdit::Start start, const QEvent* typed = nullptr);
+    // What an input method has typed into the grid: opens the editor in the focus cell and goes on there.
+    // False when it has no place.
+    bool Compose(const QInputMethodEvent& event);
+    // Gives a key that came to the grid during a composition to the editor. False when there is none.
+    bool PassToEditor(const QKeyEvent& event);
     void EndEdit();
     void CancelEdit() { m_edit.Cancel(); }
     // Ends the edit and moves the focus; or goes on in the next cell, which is opened when its text can be

@@ -100,18 +100,25 @@ bool CGridCtrl::event(QEvent* event) {
 
 void CGridCtrl::keyPressEvent(QKeyEvent* event) {
     // While an editor is open, only keys that it has no use for come here.
+    if (m_controller->PassToEditor(*event)) {
+        return;
+    }
     event->setAccepted(!IsEditing() && m_controller->Execute(CommandOfKey(Core(), *event), event));
 }
 
 void CGridCtrl::inputMethodEvent(QInputMethodEvent* event) {
-    const bool types = !event->preeditString().isEmpty() || !event->commitString().isEmpty();
-    const bool editable = EditingOf(GetFocusCell()) == CellEditing::Text;
-    event->setAccepted(types && editable && !IsEditing() &&
-                       m_controller->Execute({GridCommand::Kind::Type, GetFocusCell()}, event));
+    event->setAccepted(m_controller->Compose(*event));
+    updateMicroFocus();
 }
 
 QVariant CGridCtrl::inputMethodQuery(Qt::InputMethodQuery query) const {
     const CCellID focus = GetFocusCell();
+    const QLineEdit* editor = m_controller->Edit().Editor();
+    if (m_controller->Edit().IsComposing()) {
+        const QVariant answer = editor->inputMethodQuery(query);
+        return query == Qt::ImCursorRectangle ? answer.toRect().translated(viewport()->pos() + editor->pos())
+                                              : answer;
+    }
     switch (query) {
         case Qt::ImEnabled:
             return EditingOf(focus) == CellEditing::Text;
@@ -137,6 +144,9 @@ void CGridCtrl::focusInEvent(QFocusEvent* event) {
 void CGridCtrl::focusOutEvent(QFocusEvent* event) {
     QAbstractScrollArea::focusOutEvent(event);
     m_controller->Redraw();
+    if (m_controller->Edit().IsComposing() && InPlaceEdit::EndsEdit(*event)) {
+        m_controller->EndEdit();
+    }
 }
 
 // ---- Mouse

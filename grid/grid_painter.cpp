@@ -1,6 +1,7 @@
 #include "grid/grid_painter.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "grid/grid_core.h"
 
@@ -12,6 +13,19 @@ QColor Mix(const QColor& under, const QColor& over, int percent) {
     const auto channel = [=](int a, int b) { return (a * (100 - percent) + b * percent) / 100; };
     return {channel(under.red(), over.red()), channel(under.green(), over.green()),
             channel(under.blue(), over.blue())};
+}
+
+// The contrast of two colours as accessibility guidelines define it: 1 (equal) to 21 (black on white).
+double Contrast(const QColor& a, const QColor& b) {
+    const auto linear = [](float channel) {
+        return channel <= 0.04045F ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+    };
+    const auto luminance = [&](const QColor& colour) {
+        return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+               0.0722 * linear(colour.blueF());
+    };
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
 }
 
 }  // namespace
@@ -80,6 +94,19 @@ void GridPainter::PaintBackground(CCellID cell, const QRect& rect, const QColor&
     }
 }
 
+QColor GridPainter::TextColour(const CGridCellBase& cell, const QColor& back, bool fixed) const {
+    if (m_looks.enabled && cell.GetTextColour().isValid()) {
+        return cell.GetTextColour();
+    }
+    // The palette goes with its own backgrounds, not with every colour that a cell may be given.
+    constexpr double kReadable = 4.5;
+    const QColor usual = m_looks.palette.color(fixed ? QPalette::ButtonText : QPalette::Text);
+    if (!cell.GetBackColour().isValid() || Contrast(usual, back) >= kReadable) {
+        return usual;
+    }
+    return Contrast(Qt::black, back) >= Contrast(Qt::white, back) ? Qt::black : Qt::white;
+}
+
 void GridPainter::PaintBlock(const CCellRange& block) {
     const CCellID cell{block.minRow, block.minCol};
     const CGridCellBase* source = m_core.Cell(cell);
@@ -88,16 +115,14 @@ void GridPainter::PaintBlock(const CCellRange& block) {
         return;
     }
     const bool fixed = m_core.Layout().IsFixed(cell);
-    PaintBackground(cell, rect, BackColour(cell, fixed), fixed);
+    const QColor back = BackColour(cell, fixed);
+    PaintBackground(cell, rect, back, fixed);
 
     CellLook look;
     look.rect = rect.adjusted(0, 0, -1, -1);
     look.font = m_core.FontOf(*source);
-    look.textColour = source->GetTextColour();
+    look.textColour = TextColour(*source, back, fixed);
     look.enabled = m_looks.enabled;
-    if (!look.textColour.isValid() || !look.enabled) {
-        look.textColour = m_looks.palette.color(fixed ? QPalette::ButtonText : QPalette::Text);
-    }
     look.pressedButton = m_looks.pressedCell == cell ? m_looks.pressedButton : -1;
     look.widget = m_looks.widget;
     look.images = m_looks.images;

@@ -14,6 +14,7 @@ class QWidget;
 
 namespace quorvane {
 
+class CGridCellBase;
 class GridCore;
 
 // The colours and the state of the window that a grid is painted in.
@@ -49,6 +50,7 @@ private:
     void PaintBackground(CCellID cell, const QRect& rect, const QColor& back, bool fixed);
     void PaintFocus(const QRect& clip);
     QColor BackColour(CCellID cell, bool fixed) const;
+    QColor TextColour(const CGridCellBase& cell, const QColor& back, bool fixed) const;
 
     const GridCore& m_core;
     const GridLooks& m_looks;

@@ -1,7 +1,9 @@
 #include "grid/input/in_place_edit.h"
 
+#include <QApplication>
 #include <QFocusEvent>
 #include <limits>
+#include <memory>
 #include <utility>
 
 #include "grid/cells/cell_text.h"
@@ -17,26 +19,55 @@ void InPlaceEdit::Begin(CCellID cell, Start start) {
     const CGridCellBase& source = *core.Cell(cell);
     m_cell = cell;
     m_isRemade = false;
-    m_editor = new QLineEdit(m_controller.Grid().viewport());
+    m_hasComposed = start == Start::Composing;
+    m_hasPreedit = false;
+    m_editor = new CellLineEdit(m_controller.Grid().viewport());
     m_editor->setObjectName(u"gridInPlaceEdit"_s);
     m_editor->setAccessibleName(core.ColumnHeadingText(cell.col));
     m_editor->setFrame(false);
     m_editor->setMaxLength(std::numeric_limits<int>::max());
     m_editor->setFont(core.FontOf(source));
     m_editor->setAlignment(CellTextAlignment(source.GetFormat()) & ~Qt::AlignAbsolute);
-    if (start != Start::Empty) {
+    if (start != Start::Empty && start != Start::Composing) {
         m_editor->setText(source.GetText());
     }
     m_editor->installEventFilter(this);
     Place();
     m_editor->show();
-    m_editor->setFocus();
+    if (start != Start::Composing) {
+        m_editor->setFocus();
+    }
     if (start == Start::AllSelected) {
         m_editor->selectAll();
     }
 }
 
+void InPlaceEdit::Compose(const QInputMethodEvent& event) {
+    m_hasPreedit = !event.preeditString().isEmpty();
+    const std::unique_ptr<QInputMethodEvent> copy(event.clone());
+    QCoreApplication::sendEvent(m_editor, copy.get());
+    if (!m_hasPreedit) {
+        // Later, because the next composition may begin with the same key as this one has ended.
+        QMetaObject::invokeMethod(
+            m_editor,
+            [this] {
+                if (IsComposing() && !m_hasPreedit) {
+                    TakeKeyboard();
+                }
+            },
+            Qt::QueuedConnection);
+    }
+}
+
+void InPlaceEdit::TakeKeyboard() {
+    m_hasComposed = false;
+    m_editor->setFocus();
+}
+
 std::optional<CString> InPlaceEdit::Close() {
+    if (IsComposing() && m_hasPreedit) {
+        QGuiApplication::inputMethod()->commit();  // comes back as an event for Compose
+    }
     Refresh();
     if (!IsOn()) {
         return std::nullopt;
@@ -51,7 +82,7 @@ void InPlaceEdit::Cancel() {
     if (!IsOn()) {
         return;
     }
-    QLineEdit* editor = m_editor;
+    CellLineEdit* editor = m_editor;
     m_editor.clear();
     editor->removeEventFilter(this);
     // Without its name nobody finds an editor that only waits to be destroyed.
@@ -155,6 +186,10 @@ bool InPlaceEdit::PressKey(const QKeyEvent& event) {
     }
 }
 
+bool InPlaceEdit::EndsEdit(const QFocusEvent& out) {
+    return out.reason() != Qt::PopupFocusReason && out.reason() != Qt::ActiveWindowFocusReason;
+}
+
 bool InPlaceEdit::eventFilter(QObject* watched, QEvent* event) {
     if (watched != m_editor) {
         return false;
@@ -171,8 +206,7 @@ bool InPlaceEdit::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress) {
         return PressKey(static_cast<const QKeyEvent&>(*event));
     }
-    if (event->type() == QEvent::FocusOut &&
-        static_cast<const QFocusEvent&>(*event).reason() != Qt::PopupFocusReason) {
+    if (event->type() == QEvent::FocusOut && EndsEdit(static_cast<const QFocusEvent&>(*event))) {
         // The editor itself needs the event too, or its caret would go on blinking.
         const bool handled = m_editor->event(event);
         m_controller.EndEdit();

@@ -1,12 +1,13 @@
 // The line editor that opens inside a cell: opening, following its cell, and closing.
 #pragma once
 
-#include <QLineEdit>
+#include <QInputMethodEvent>
 #include <QObject>
 #include <QPointer>
 #include <optional>
 
 #include "grid/grid_types.h"
+#include "grid/input/cell_line_edit.h"
 
 namespace quorvane {
 
@@ -16,7 +17,8 @@ class InPlaceEdit : public QObject {
     Q_OBJECT
 
 public:
-    enum class Start { AllSelected, CaretAtEnd, Empty };
+    // Composing: empty, and the grid keeps the keyboard until the input method has ended its composition.
+    enum class Start { AllSelected, CaretAtEnd, Empty, Composing };
 
     explicit InPlaceEdit(GridController& controller) : m_controller(controller) {}
 
@@ -26,11 +28,21 @@ public:
     CCellID Cell() const { return m_cell; }
     QLineEdit* Editor() const { return m_editor; }
 
+    // Gives an event of the input method that came to the grid to the editor. A change of the keyboard focus
+    // would make the input method drop its composition, so the editor gets the focus after the composition.
+    void Compose(const QInputMethodEvent& event);
+    // Whether the grid still has the keyboard for the editor.
+    bool IsComposing() const { return IsOn() && !m_editor->hasFocus() && m_hasComposed; }
+    void TakeKeyboard();
+
     // Closes the editor. Gives the text for the cell; none when no edit was on or its cell is no longer one
     // of editable text.
     std::optional<CString> Close();
     // Closes the editor; its text is lost.
     void Cancel();
+
+    // Whether an edit ends when the keyboard goes elsewhere: not for a menu, nor for another window.
+    static bool EndsEdit(const QFocusEvent& out);
 
     // Puts the editor over its cell again after scrolling or a change of sizes; what would cover headings is
     // masked off.
@@ -54,9 +66,11 @@ private:
     void FollowCell(CCellID cell);
 
     GridController& m_controller;
-    QPointer<QLineEdit> m_editor;
+    QPointer<CellLineEdit> m_editor;
     CCellID m_cell;
     bool m_isRemade = false;
+    bool m_hasComposed = false;  // begun by an input method; the editor has not had the keyboard yet
+    bool m_hasPreedit = false;
 };
 
 }  // namespace quorvane

@@ -21,6 +21,12 @@ std::vector<int> SelectedLines(const std::vector<CCellRange>& ranges, int first,
     return lines;
 }
 
+CCellID PasteStart(const GridCore& core) {
+    const CCellRange selected = core.SelectedRange();
+    const CCellID first{selected.minRow, selected.minCol};
+    return first.IsValid() ? core.Origin(first) : core.Focus();
+}
+
 }  // namespace
 
 std::optional<CString> CopiedText(const GridCore& core) {
@@ -46,7 +52,10 @@ std::optional<CString> CopiedText(const GridCore& core) {
 }
 
 GridPaste::GridPaste(const GridCore& core, const CString& text)
-    : m_core(core), m_start(core.Focus()), m_rowCount(core.RowCount()), m_columnCount(core.ColumnCount()) {
+    : m_core(core),
+      m_start(PasteStart(core)),
+      m_rowCount(core.RowCount()),
+      m_columnCount(core.ColumnCount()) {
     if (m_start.IsValid()) {
         m_table = ReadTabText(text);
     }

@@ -14,10 +14,10 @@ class GridCore;
 // selection and a focus.
 std::optional<CString> CopiedText(const GridCore& core);
 
-// Pastes tab-separated text cell by cell, from the focus cell on to the right and down. Cells that the user
-// could not give this text are passed over; the grid gets no rows or columns. Between two cells others may
-// change the grid: the rest goes on where the focus cell has gone, and pasting ends when the focus is lost or
-// moved.
+// Pastes tab-separated text cell by cell, to the right and down of the first selected cell, or of the focus
+// cell when none is selected. Cells that the user could not give this text are passed over; the grid gets no
+// rows or columns. The focus goes to Start() before the first cell. Between two cells others may change the
+// grid: the rest goes on where the focus cell has gone, and pasting ends when the focus is lost or moved.
 class GridPaste {
 public:
     struct Target {
@@ -29,6 +29,8 @@ public:
 
     // Also when there was no text or no focus cell from the beginning.
     bool IsDone() const { return m_row >= static_cast<int>(m_table.size()); }
+    // Where the first text belongs.
+    CCellID Start() const { return m_start; }
     // The next cell that takes its text; none when no further one does.
     std::optional<Target> Next();
 

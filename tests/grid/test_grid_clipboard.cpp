@@ -57,6 +57,14 @@ private Q_SLOTS:
         QCOMPARE(m_grid->GetItemText(2, 2), u"  \"2650\" lm "_s);
         QCOMPARE(edited.takeFirst(), (QVariantList{2, 2}));
 
+        m_grid->SetFocusCell({3, 3});
+        QTest::keyClick(m_grid, Qt::Key_Up, Qt::ShiftModifier);
+        QTest::keyClick(m_grid, Qt::Key_Left, Qt::ShiftModifier);
+        m_grid->Controller().Core().FocusWithoutSelecting({3, 3});
+        Paste(u"first\r\n"_s);  // at the top left of what was selected upwards
+        QCOMPARE(Texts({2, 2, 3, 3}), u"first 2,3 3,2 3,3"_s);
+        edited.clear();
+
         m_grid->SetItemState(4, 3, CellState::ReadOnly);
         m_grid->MergeCells(5, 2, 0, 1);
         m_grid->SetFocusCell({4, 2});

@@ -2,6 +2,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QTest>
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -228,6 +229,33 @@ private Q_SLOTS:
         core->Layout().rows.SetScroll(3 * kHeight);
         image = Painted(*core, looks);
         QCOMPARE(image.pixelColor(2 * kWidth + 60, 2 * kHeight + 5), QColor(Qt::green));
+    }
+
+    void textsAreReadableOnEveryColour() {
+        const auto core = MakeCore(2, 2, 1, 1);
+        core->SelectRange({1, 1, 1, 1});
+        const auto brightest = [](const QImage& image, const QRect& cell) {
+            int bright = 0;
+            for (int at = 0; at < cell.width() * cell.height(); ++at) {
+                const QPoint place(cell.left() + at % cell.width(), cell.top() + at / cell.width());
+                bright = std::max(bright, image.pixelColor(place).lightness());
+            }
+            return bright;
+        };
+        QPalette dark(QColor(40, 40, 40), QColor(20, 20, 20));
+        dark.setColor(QPalette::Text, Qt::white);
+        for (const CCellID cell : {CCellID{1, 0}, CCellID{1, 1}}) {
+            const QRect inside = core->CellRect(cell).adjusted(3, 3, -3, -3);
+            QCOMPARE(brightest(Painted(*core, {.palette = dark}), inside), 255);
+            core->SetItem({.row = 1,
+                           .col = cell.col,
+                           .mask = ItemMask::BackColour,
+                           .backColour = QColor(255, 255, 128)});
+            QVERIFY(brightest(Painted(*core, {.palette = dark}), inside) < 250);
+        }
+        core->Cell({1, 1})->SetBackColour(QColor(0, 0, 90));
+        const QImage image = Painted(*core, {.palette = QPalette(Qt::lightGray)});
+        QCOMPARE(brightest(image, core->CellRect({1, 1}).adjusted(3, 3, -3, -3)), 255);
     }
 
     void selectionOfSeveralRanges() {

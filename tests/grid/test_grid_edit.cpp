@@ -1,10 +1,15 @@
 // Editing in place: every way in, every way out, and notification handlers that change the grid meanwhile.
+#include <QAction>
+#include <QClipboard>
 #include <QContextMenuEvent>
+#include <QDropEvent>
 #include <QInputMethodEvent>
+#include <QMimeData>
 #include <QPointer>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <functional>
 #include <memory>
 
 #include "grid/grid_ctrl.h"
@@ -44,13 +49,6 @@ private Q_SLOTS:
         QCOMPARE(grid.GetItemText(3, 1), u"3,1"_s);  // never several at once
 
         shown.Click(1, 0);
-        QInputMethodEvent preedit(u"zhao"_s, {});
-        QCoreApplication::sendEvent(&grid, &preedit);
-        QInputMethodEvent commit;
-        commit.setCommitString(u"照明"_s);
-        QCoreApplication::sendEvent(shown.Editor(), &commit);
-        grid.EndEdit();
-        QCOMPARE(grid.GetItemText(1, 0), u"照明"_s);
         // A text that no line edit can hold passes through one unharmed.
         const QString odd = u"  a\nb\tc\x01"_s + QString(40'000, u'光') + u" <b>%s'😀 "_s;
         grid.SetItemText(1, 0, odd);
@@ -61,6 +59,78 @@ private Q_SLOTS:
         grid.SetItemText(1, 0, u"set meanwhile"_s);
         grid.EndEdit();
         QCOMPARE(grid.GetItemText(1, 0), u"set meanwhile"_s);
+    }
+
+    // An input method drops its composition when the keyboard focus changes, as the real ones do.
+    void inputMethodTypesOntoACell() {
+        const ShownGrid shown(5, 3);
+        CGridCtrl& grid = *shown.grid;
+        grid.SetFocusCell({2, 1});
+        const auto send = [](const QString& preedit, const QString& commit) {
+            QInputMethodEvent event(preedit, {});
+            event.setCommitString(commit);
+            QCoreApplication::sendEvent(QApplication::focusObject(), &event);
+            QCoreApplication::processEvents();
+        };
+        for (const QString& preedit : {u"n"_s, u"ni"_s, u"ni hao"_s}) {
+            send(preedit, {});
+            QVERIFY(shown.Editor() != nullptr && QApplication::focusObject() == &grid);
+        }
+        const QRect caret = grid.inputMethodQuery(Qt::ImCursorRectangle).toRect();
+        QVERIFY(grid.CellRect(2, 1).contains(caret.translated(-grid.viewport()->pos()).center()));
+        send({}, u"你好"_s);
+        QVERIFY(shown.Editor()->hasFocus());
+        send(u"m"_s, {});
+        send({}, u"吗"_s);
+        QTest::keyClick(shown.Editor(), Qt::Key_Return);
+        QCOMPARE(grid.GetItemText(2, 1), u"你好吗"_s);
+        grid.CancelEdit();
+
+        send(u"n"_s, {});
+        QTest::keyClick(&grid, Qt::Key_Escape);
+        QVERIFY(!grid.IsEditing() && grid.hasFocus());
+        send({}, u"光"_s);  // a whole word at once
+        shown.other->setFocus();
+        QCOMPARE(grid.GetItemText(3, 1), u"光"_s);
+        grid.setFocus();
+        send(u"g"_s, u"灯"_s);
+        shown.other->setFocus();
+        QVERIFY(!grid.IsEditing());
+        QCOMPARE(grid.GetItemText(3, 1), u"灯"_s);
+    }
+
+    void pastedLineEndsAreDropped() {
+        const ShownGrid shown(3, 2);
+        CGridCtrl& grid = *shown.grid;
+        QApplication::clipboard()->setText(u"450\r\n"_s);
+        const std::function<void()> ways[]{
+            [&] { QTest::keySequence(shown.Editor(), QKeySequence(QKeySequence::Paste)); },
+            [&] {
+                QContextMenuEvent ask(QContextMenuEvent::Mouse, {}, shown.Editor()->mapToGlobal(QPoint()));
+                QCoreApplication::sendEvent(shown.Editor(), &ask);
+                QWidget* menu = QApplication::activePopupWidget();
+                for (QAction* action : menu->actions()) {
+                    if (action->text().contains(u"Paste")) {
+                        action->trigger();
+                    }
+                }
+                menu->close();
+            },
+            [&] {
+                QMimeData text;
+                text.setText(u"450\r\n"_s);
+                QDragEnterEvent enter({}, Qt::CopyAction, &text, Qt::LeftButton, {});
+                QCoreApplication::sendEvent(shown.Editor(), &enter);
+                QDropEvent drop({}, Qt::CopyAction, &text, Qt::LeftButton, {});
+                QCoreApplication::sendEvent(shown.Editor(), &drop);
+            }};
+        for (const auto& paste : ways) {
+            grid.SetItemText(1, 1, {});
+            grid.BeginEdit(1, 1);
+            paste();
+            grid.EndEdit();
+            QCOMPARE(grid.GetItemText(1, 1), u"450"_s);
+        }
     }
 
     void notEditableCells() {
@@ -148,7 +218,7 @@ private Q_SLOTS:
     }
 
     void waysOut() {
-        const ShownGrid shown(4, 2);
+        ShownGrid shown(4, 2);
         CGridCtrl& grid = *shown.grid;
         const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
         const auto type = [&](const QString& text) {
@@ -181,9 +251,13 @@ private Q_SLOTS:
         second.show();
         second.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&second));
-        QVERIFY(!grid.IsEditing());
+        QCOMPARE(ended.count(), 3);
+        QCOMPARE(shown.Editor()->text(), u"d"_s);  // another window is no other place either
+        shown.window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&shown.window));
+        QVERIFY(grid.BeginEdit(1, 0));  // another cell's edit ends this one
         QCOMPARE(grid.GetItemText(2, 0), u"d"_s);
-        QCOMPARE(ended.count(), 4);
+        QCOMPARE(shown.Editor()->text(), u"1,0"_s);
     }
 
     void editorFollowsItsCell() {

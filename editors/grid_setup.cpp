@@ -87,15 +87,16 @@ void ShowCell(CGridCtrl& grid, CBtnDataBase& buttons, CCellID cell, const CellSe
 }
 
 void ShowRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool isUnwritten) {
-    grid.SetItem(
-        {.row = row,
-         .col = 0,
-         .mask = ItemMask::Text | ItemMask::Data | ItemMask::State | ItemMask::BackColour | ItemMask::Format,
-         .text = text,
-         .data = recordId,
-         .state = CellState::ReadOnly,
-         .backColour = isUnwritten ? kUnwrittenColour : kReadOnlyColour,
-         .format = kCentred});
+    grid.SetItem({.row = row,
+                  .col = 0,
+                  .mask = ItemMask::Text | ItemMask::Data | ItemMask::State | ItemMask::BackColour |
+                          ItemMask::Format | ItemMask::Margin,
+                  .text = text,
+                  .data = recordId,
+                  .state = CellState::ReadOnly,
+                  .backColour = isUnwritten ? kUnwrittenColour : kReadOnlyColour,
+                  .format = kCentred,
+                  .margin = 1});  // room for six digits
 }
 
 }  // namespace quorvane

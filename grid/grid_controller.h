@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "grid/accessibility/grid_announcer.h"
@@ -126,7 +127,6 @@ private:
 
     void ForgetPointer();
     void CloseList();
-    void MoveAfterEdit(CCellID target);
     void OpenAt(CCellID cell, InPlaceEdit::Start start, const QEvent* typed);
     void DropDown(CCellID cell);
     void Click(CCellID cell);

@@ -20,7 +20,7 @@ void InPlaceEdit::Begin(CCellID cell, Start start) {
     m_cell = cell;
     m_isRemade = false;
     m_hasComposed = start == Start::Composing;
-    m_hasPreedit = false;
+    m_preedit.clear();
     m_editor = new CellLineEdit(m_controller.Grid().viewport());
     m_editor->setObjectName(u"gridInPlaceEdit"_s);
     m_editor->setAccessibleName(core.ColumnHeadingText(cell.col));
@@ -43,15 +43,15 @@ void InPlaceEdit::Begin(CCellID cell, Start start) {
 }
 
 void InPlaceEdit::Compose(const QInputMethodEvent& event) {
-    m_hasPreedit = !event.preeditString().isEmpty();
+    m_preedit = event.preeditString();
     const std::unique_ptr<QInputMethodEvent> copy(event.clone());
     QCoreApplication::sendEvent(m_editor, copy.get());
-    if (!m_hasPreedit) {
+    if (m_preedit.isEmpty()) {
         // Later, because the next composition may begin with the same key as this one has ended.
         QMetaObject::invokeMethod(
             m_editor,
             [this] {
-                if (IsComposing() && !m_hasPreedit) {
+                if (IsComposing() && m_preedit.isEmpty()) {
                     TakeKeyboard();
                 }
             },
@@ -65,8 +65,11 @@ void InPlaceEdit::TakeKeyboard() {
 }
 
 std::optional<CString> InPlaceEdit::Close() {
-    if (IsComposing() && m_hasPreedit) {
-        QGuiApplication::inputMethod()->commit();  // comes back as an event for Compose
+    if (IsComposing() && !m_preedit.isEmpty()) {
+        // The input method sends this to whatever has the keyboard by now, so it is not waited for.
+        QInputMethodEvent end;
+        end.setCommitString(m_preedit);
+        QCoreApplication::sendEvent(m_editor, &end);
     }
     Refresh();
     if (!IsOn()) {
@@ -84,6 +87,11 @@ void InPlaceEdit::Cancel() {
     }
     CellLineEdit* editor = m_editor;
     m_editor.clear();
+    if (!std::exchange(m_preedit, {}).isEmpty()) {
+        m_dropsComposition = true;
+        QGuiApplication::inputMethod()->reset();
+        m_dropsComposition = false;
+    }
     editor->removeEventFilter(this);
     // Without its name nobody finds an editor that only waits to be destroyed.
     editor->setObjectName(CString());

@@ -34,6 +34,9 @@ public:
     // Whether the grid still has the keyboard for the editor.
     bool IsComposing() const { return IsOn() && !m_editor->hasFocus() && m_hasComposed; }
     void TakeKeyboard();
+    // True while the input method is told to forget a composition whose edit has ended. What it sends in
+    // answer belongs to that edit.
+    bool DropsComposition() const { return m_dropsComposition; }
 
     // Closes the editor. Gives the text for the cell; none when no edit was on or its cell is no longer one
     // of editable text.
@@ -70,7 +73,8 @@ private:
     CCellID m_cell;
     bool m_isRemade = false;
     bool m_hasComposed = false;  // begun by an input method; the editor has not had the keyboard yet
-    bool m_hasPreedit = false;
+    bool m_dropsComposition = false;
+    CString m_preedit;  // what the input method is composing in the editor
 };
 
 }  // namespace quorvane

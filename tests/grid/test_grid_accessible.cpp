@@ -50,6 +50,9 @@ private Q_SLOTS:
         QCOMPARE(At(5, 3)->tableCellInterface()->rowHeaderCells(), QList{At(5, 0)});
         QVERIFY(m_table->selectRow(1) && m_table->selectRow(5) && !m_table->selectRow(0));
         QCOMPARE(m_table->selectedRows(), (QList<int>{1, 5}));
+        QVERIFY(!m_table->unselectRow(2) && !m_table->unselectRow(1));  // never one of several
+        m_grid->SetSelectedRange({1, 1, 1, 3});
+        QVERIFY(m_table->unselectRow(1) && m_table->selectedCellCount() == 0);
     }
 
     void ActionsAndValues() {
@@ -95,6 +98,9 @@ private Q_SLOTS:
         m_grid->CancelEdit();
         g_told.clear();
         m_grid->InsertRow({}, 3);
+        QVERIFY(WasTold(QAccessible::TableModelChanged, {}));
+        g_told.clear();
+        m_grid->RemakeRow(1);
         QVERIFY(WasTold(QAccessible::TableModelChanged, {}));
     }
 

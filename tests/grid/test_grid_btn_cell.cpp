@@ -2,6 +2,7 @@
 #include <QListWidget>
 #include <QSignalSpy>
 #include <QTest>
+#include <functional>
 
 #include "shown_grid.h"
 
@@ -37,10 +38,13 @@ private Q_SLOTS:
         QCOMPARE(ended.count(), 1);
         QCOMPARE(ended.at(0), (QVariantList{2, 1}));
 
-        shown.Click(2, 1);
-        QVERIFY(List() != nullptr);
-        grid.DeleteRow(1);
-        QVERIFY(List() == nullptr);
+        const std::function<void()> changes[]{[&] { grid.DeleteRow(3); }, [&] { grid.RemakeRow(2); }};
+        for (const auto& change : changes) {
+            shown.Click(2, 1);
+            QVERIFY(List() != nullptr && List()->hasFocus());
+            change();
+            QVERIFY(List() == nullptr);
+        }
     }
 
     void listByKeys() {

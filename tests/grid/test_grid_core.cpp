@@ -115,6 +115,9 @@ private Q_SLOTS:
         QCOMPARE(mouse.EdgeAt({2 * kWidth, 5}), std::nullopt);  // inside a merged heading
         QCOMPARE(mouse.EdgeAt({2 * kWidth, kHeight + 5}), std::optional(1));
         QCOMPARE(mouse.EdgeAt({kWidth, 2 * kHeight + 5}), std::nullopt);
+        core->Merge({0, 3}, 1, 0);
+        QCOMPARE(core->ColumnHeadingText(3), u"0,3"_s);
+        QCOMPARE(core->ColumnHeadingText(2), u"0,1 1,2"_s);
         mouse.Press(Mouse(QEvent::MouseButtonPress, {kWidth - 2.0, 5}));
         const GridCommand drag = mouse.Drag({kWidth + 28, 5});
         QVERIFY(drag.kind == Kind::ColumnWidth && drag.cell.col == 0);
@@ -155,6 +158,7 @@ private Q_SLOTS:
         mouse.Drag({2 * kWidth, 6 * kHeight + 12});
         QCOMPARE(mouse.Overshoot(), QPoint(0, 13));
         QVERIFY(mouse.DoubleClick(Mouse(QEvent::MouseButtonDblClick, {})).kind == Kind::Edit);
+        QVERIFY(release({3, 3}).kind == Kind::Nothing);
         core->Set({4, 1}, &CGridCellBase::SetState, CellState::ReadOnly);
         press({4, 1});
         QVERIFY(mouse.DoubleClick(Mouse(QEvent::MouseButtonDblClick, {})).kind == Kind::Nothing);
@@ -224,6 +228,18 @@ private Q_SLOTS:
         QCOMPARE(colour({3, 1}, -edge), QColor(Qt::white));
         QVERIFY(colour({4, 0}, kWidth / 3) != Qt::white && colour({4, 1}, kWidth / 3) == Qt::white);
 
+        const CString longText(40, u'm');
+        core->SetItem({.row = 5, .col = 0, .mask = ItemMask::Text, .text = longText});
+        core->SetItem({.row = 5, .col = 1, .mask = ItemMask::Text | ItemMask::Format, .text = longText});
+        core->SetItem({.row = 5, .col = 2, .mask = ItemMask::Text | ItemMask::Margin, .margin = 30});
+        core->SetItem(
+            {.row = 4, .col = 2, .mask = ItemMask::Text | ItemMask::Margin, .text = longText, .margin = 30});
+        core->SetFocus({1, 0});
+        image = Painted(*core, looks);
+        const auto at = [&](CCellID cell) { return image.copy(core->CellRect(cell)); };
+        QVERIFY(at({5, 0}) != at({5, 1}));  // the latter has no ellipsis
+        QCOMPARE(at({4, 2}).copy(0, 0, 30, kHeight), at({5, 2}).copy(0, 0, 30, kHeight));
+        QVERIFY(at({1, 0}).pixelColor(0, 9) != at({1, 0}).pixelColor(5, 3));  // the frame of the focus
         core->SetItem({.row = 2, .col = 2, .mask = ItemMask::BackColour, .backColour = Qt::green});
         core->Merge({2, 2}, 4, 0);
         core->Layout().rows.SetScroll(3 * kHeight);

@@ -96,7 +96,7 @@ private Q_SLOTS:
         send(u"g"_s, u"灯"_s);
         shown.other->setFocus();
         QVERIFY(!grid.IsEditing());
-        QCOMPARE(grid.GetItemText(3, 1), u"灯"_s);
+        QCOMPARE(grid.GetItemText(3, 1), u"灯g"_s);  // also what was still being composed
     }
 
     void pastedLineEndsAreDropped() {
@@ -277,7 +277,14 @@ private Q_SLOTS:
         grid.BeginEdit(6, 0);
         grid.DeleteRow(6);
         QVERIFY(!grid.IsEditing());
+        grid.BeginEdit(2, 1);
+        grid.SetFixedRowCount(3);
+        QVERIFY(!grid.IsEditing());
         QCOMPARE(ended.count(), 1);
+        QVERIFY(grid.BeginEdit(90, 1));
+        QVERIFY(grid.viewport()->rect().contains(shown.Editor()->geometry()));
+        grid.SetFixedColumnCount(2);
+        QVERIFY(!grid.IsEditing());
     }
 
     void handlerRefillsTheGrid() {

@@ -33,6 +33,12 @@ private Q_SLOTS:
         QCOMPARE(clicked.count(), 2);
         QCOMPARE(focused.count(), 3);
         QCOMPARE(selected.count(), 3);
+        const auto clickRight = [&](int row) {
+            QTest::mouseClick(grid.viewport(), Qt::RightButton, {}, shown.Middle(row, 1));
+            return grid.GetSelectedCellRange();
+        };
+        QCOMPARE(clickRight(3), (CCellRange{2, 1, 6, 3}));  // on what is selected
+        QCOMPARE(clickRight(7), (CCellRange{7, 1, 7, 1}));
     }
 
     void drag() {
@@ -65,6 +71,15 @@ private Q_SLOTS:
         QCOMPARE(grid.GetSelectedCellRange(), (CCellRange{3, 1, 5, 4}));
         shown.Click(0, 2);
         QCOMPARE(grid.GetSelectedCellRange(), (CCellRange{1, 2, 7, 2}));
+        const auto drag = [&](CCellID from, CCellID to) {
+            QTest::mousePress(grid.viewport(), Qt::LeftButton, {}, shown.Middle(from.row, from.col));
+            QTest::mouseMove(grid.viewport(), shown.Middle(to.row, to.col));
+            QTest::mouseRelease(grid.viewport(), Qt::LeftButton, {}, shown.Middle(to.row, to.col));
+            return grid.GetSelectedCellRange();
+        };
+        QCOMPARE(drag({0, 1}, {0, 3}), (CCellRange{1, 1, 7, 3}));
+        QCOMPARE(drag({2, 0}, {4, 0}), (CCellRange{2, 1, 4, 4}));
+        QCOMPARE(drag({6, 1}, {6, 1}), (CCellRange{6, 1, 6, 1}));
     }
 
     void keys() {

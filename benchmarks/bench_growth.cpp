@@ -1,6 +1,6 @@
 // How long pasting, submitting and deleting many rows takes, and how that grows with their number. An
-// exponent of 1 means that twice the rows take twice the time. Rows are deleted past the questions that a
-// page asks for each.
+// exponent of 1 means that twice the rows take twice the processor time. Rows are deleted past the questions
+// that a page asks for each.
 #include <QApplication>
 #include <QClipboard>
 #include <QKeyEvent>
@@ -24,6 +24,8 @@ constexpr int kPasted = 50'000;
 constexpr int kRounds = 3;
 
 struct Times {
+    double pasteAsSeen;
+    // Of the processor:
     double paste;
     double submit;
     double remove;
@@ -59,7 +61,7 @@ double TimeOfRemoving(int rows) {
     for (int row = 0; row < rows; ++row) {
         ids.push_back(records.Append({}));
     }
-    return Milliseconds([&] {
+    return ProcessorMilliseconds([&] {
         for (const int id : ids) {
             records.Remove(id);
             grid.DeleteRow(1);
@@ -84,17 +86,18 @@ Times Measure(int rows, bool submits) {
     QGuiApplication::clipboard()->setText(RowsAsText(rows));
     grid->SetFocusCell({2, 1});
     Times times{};
-    times.paste = Milliseconds([&] {
+    const auto paste = [&] {
         QKeyEvent key(QEvent::KeyPress, Qt::Key_V, Qt::ControlModifier);
         QCoreApplication::sendEvent(grid, &key);
         QCoreApplication::sendPostedEvents();
         page.repaint();
-    });
+    };
+    times.pasteAsSeen = Milliseconds([&] { times.paste = ProcessorMilliseconds(paste); });
     if (grid->GetRowCount() != rows + 3) {
         qFatal("%d rows were not pasted", rows);
     }
     if (submits) {
-        times.submit = Milliseconds([&] { page.Submit(); });
+        times.submit = ProcessorMilliseconds([&] { page.Submit(); });
         times.remove = TimeOfRemoving(rows);
     }
     return times;
@@ -118,7 +121,7 @@ int main(int argc, char* argv[]) {
         paste.push_back(Exponent(few.paste, many.paste));
         submit.push_back(Exponent(few.submit, many.submit));
         remove.push_back(Exponent(few.remove, many.remove));
-        pasted.push_back(Measure(kPasted, false).paste);
+        pasted.push_back(Measure(kPasted, false).pasteAsSeen);
     }
     bool met = Report("pasting 50,000 rows (1.5 s)", Median(pasted), 1'500, "ms", 1.0);
     met &= Report("pasting 1,000 to 16,000 rows (linear)", Median(paste), 1, "exponent", 1.1);

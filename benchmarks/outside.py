@@ -206,8 +206,8 @@ def main():
     for what, unit, name, yardstick, whose, target in ROWS_OF_TABLE:
         ratio = figures[name] / figures[yardstick]
         missed += ratio > target
-        print(f"{what}: {figures[name]:.1f} {unit}, {whose} {figures[yardstick]:.1f} {unit}, ratio {ratio:.2f}, "
-              f"target {target:.2f}, {'missed' if ratio > target else 'met'}")
+        print(f"{what} ({whose}): measured {figures[name]:.1f} {unit}, yardstick {figures[yardstick]:.1f} {unit}, "
+              f"ratio {ratio:.2f}, target {target:.2f}, {'missed' if ratio > target else 'met'}")
     return 1 if missed else 0
 
 

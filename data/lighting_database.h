@@ -11,8 +11,10 @@
 // without a row it returns true and leaves its cleared output (ID 0, an empty text).
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <memory>
+#include <set>
 #include <vector>
 
 #include "data/connection.h"
@@ -52,6 +54,7 @@ public:
     bool FindLampTypeID(const CString& name, int& id);
 
     // 光源. An insert stores the new row's ID into the record; one that fails leaves the ID as it came.
+    // Its row may be in the file all the same, so the same insert looks for that row when it is tried again.
     bool InsertLightSource(tagLAMPHOUSEINFO& record);
     bool UpdateLightSource(const tagLAMPHOUSEINFO& record);
     bool DeleteLightSource(int id);
@@ -103,8 +106,7 @@ private:
     template <typename Action>
     bool Try(const CString& diagnostic, const Action& action);
     // Fills the statement's placeholders, runs it and gives its rows to read.
-    template <typename Read>
-    bool Query(QStringView statement, Arguments arguments, const Read& read);
+    bool Query(QStringView statement, Arguments arguments, const std::function<void(Recordset&)>& read);
     bool Execute(QStringView statement, Arguments arguments);
     bool Insert(QStringView insert, Arguments arguments, QStringView readBack, int& id);
     // readRow makes one element of the target from the present row, or reads the first row where there is
@@ -115,6 +117,8 @@ private:
     template <typename ReadRow>
     bool ReadFirst(QStringView statement, Arguments arguments, const ReadRow& readRow);
     bool IsConnected();
+    // Looks for the row of an insert that failed before. False when the file could not be searched.
+    bool FindLostInsert(QStringView insert, Arguments arguments, bool& isFound, int& id);
     void BeginSubmit();
     bool EndSubmit();
 
@@ -123,6 +127,7 @@ private:
     CString m_executablePath;
     int m_openSubmits = 0;
     ProviderFailure m_lastFailure;
+    std::set<CString> m_lostInserts;  // that failed although their row may be in the file
 };
 
 // A submit: while one lives, statements do not wait for the disk one by one. Each statement that reported

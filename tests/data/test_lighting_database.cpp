@@ -6,6 +6,7 @@
 #include "data/lighting_database.h"
 #include "data/store/store_factory.h"
 #include "tests/support/decimal_comma.h"
+#include "tests/support/failing_connection.h"
 #include "tests/support/temporary_lighting_database.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -85,6 +86,24 @@ private Q_SLOTS:
         QVERIFY(m_database->LoadLuminairesByType(u"5"_s, luminaires));
         QCOMPARE(Ids(luminaires), (std::vector<int>{1, 2}));  // "1,5" and "5"
         QVERIFY(!m_database->LoadAllLuminaires(luminaires));  // its statement leaves BallastPower out
+    }
+
+    // Inserts whose ID could not be read back are in the file, and are not made again.
+    void InsertsOnceWhatIsTriedAgain() {
+        StatementLog log;
+        CLightingDatabase database(FailingConnection::Factory(log), m_file->ExecutablePath());
+        QVERIFY(database.Connect());
+        const tagLAMPHOUSEINFO record{0, 1, u"M"_s, 1.5, 2, u"F"_s, u""_s};
+        LightSources records{record, record, record};
+        QVERIFY(database.InsertLightSource(records[0]));  // an equal one, ID 4
+        log.failing = {u"select max(ID)"_s};
+        QVERIFY(!database.InsertLightSource(records[1]));
+        log.failing = {u"select"_s};
+        QVERIFY(!database.InsertLightSource(records[1]));  // the file cannot be searched
+        log.failing.clear();
+        QVERIFY(database.InsertLightSource(records[1]) && database.InsertLightSource(records[2]));
+        QCOMPARE(Ids(records), (std::vector<int>{4, 5, 6}));
+        QCOMPARE(m_file->Raw().Text(u"select max(ID) || ' ' || count(*) from 光源"_s), QByteArray("6 6"));
     }
 
     void WhatIsNoValueEndsALoad() {

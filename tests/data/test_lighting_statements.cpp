@@ -198,6 +198,8 @@ private Q_SLOTS:
             m_connection->results = {{}, {{u"Expr1000"_s}, rows}};
             tagLAMPHOUSEINFO source = kLightSource;
             source.ID = 0;
+            m_database = std::make_unique<Db>(FakeConnection::Factory(m_connection), kExecutable);
+            QVERIFY(m_database->Connect());
             QCOMPARE(m_database->InsertLightSource(source), result);
             QCOMPARE(source.ID, id);
         }

@@ -36,7 +36,7 @@ public:
         }
         if (std::ranges::any_of(m_log.failing,
                                 [&](const QString& text) { return statement.contains(text); })) {
-            throw ProviderError(QStringLiteral("planned failure"));
+            throw ProviderError(QStringLiteral("planned failure"), FailureKind::Locked);
         }
         return m_real->Execute(statement);
     }

@@ -80,7 +80,7 @@ public:
 private:
     static void FailWith(const CString& message) {
         if (!message.isEmpty()) {
-            throw ProviderError(message);
+            throw ProviderError(message, FailureKind::Locked);
         }
     }
 };

@@ -8,6 +8,8 @@
 #include "data/lighting_database.h"
 #include "data/text_format.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 namespace {
@@ -269,7 +271,7 @@ void UtilizationFactorTable::SetSurplusAside() {
 
 bool UtilizationFactorTable::RefuseDuplicate(bool exists) const {
     if (exists) {
-        m_showMessage(QStringLiteral("数据已存在"));
+        m_showMessage(u"数据已存在"_s);
     }
     return exists;
 }

@@ -4,12 +4,14 @@
 
 #include "data/store/backup_copy.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 namespace {
 
 bool Writes(const CString& statement) {
-    return !statement.trimmed().startsWith(QStringLiteral("select"), Qt::CaseInsensitive);
+    return !statement.trimmed().startsWith(u"select"_s, Qt::CaseInsensitive);
 }
 
 }  // namespace
@@ -43,7 +45,7 @@ void BackedUpConnection::CopyOnce() {
         } catch (const ProviderError& error) {
             m_refusal = m_ask(error.Message())
                             ? CString()
-                            : QStringLiteral("the file could not be copied first: %1").arg(error.Message());
+                            : u"the file could not be copied first: %1"_s.arg(error.Message());
         }
     }
     if (!m_refusal.isEmpty()) {

@@ -8,6 +8,8 @@
 
 #include "data/connection.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 namespace {
@@ -16,7 +18,7 @@ constexpr qint64 kChunk = 1 << 20;
 constexpr qsizetype kCopiesKept = 3;
 
 [[noreturn]] void ThrowFailure(const QFileDevice& file) {
-    throw ProviderError(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
+    throw ProviderError(u"%1: %2"_s.arg(file.fileName(), file.errorString()));
 }
 
 QByteArray ReadChunk(QFile& file) {
@@ -59,16 +61,15 @@ void RequireSame(const CString& left, const CString& right) {
     do {
         chunk = ReadChunk(first);
         if (chunk != ReadChunk(second)) {
-            throw ProviderError(QStringLiteral("%1 is not the same as %2").arg(right, left));
+            throw ProviderError(u"%1 is not the same as %2"_s.arg(right, left));
         }
     } while (!chunk.isEmpty());
 }
 
 // Only what bears exactly such a name is ever deleted.
 void DeleteOldCopies(const QFileInfo& file) {
-    const QRegularExpression name(
-        QRegularExpression::anchoredPattern(QRegularExpression::escape(file.fileName()) +
-                                            QStringLiteral("\\.\\d{4}-\\d\\d-\\d\\d-\\d{6}\\.bak")));
+    const QRegularExpression name(QRegularExpression::anchoredPattern(
+        QRegularExpression::escape(file.fileName()) + u"\\.\\d{4}-\\d\\d-\\d\\d-\\d{6}\\.bak"_s));
     QDir folder = file.dir();
     const QStringList copies = folder.entryList(QDir::Files, QDir::Name).filter(name);
     for (qsizetype index = 0; index < copies.size() - kCopiesKept; ++index) {
@@ -79,11 +80,10 @@ void DeleteOldCopies(const QFileInfo& file) {
 }  // namespace
 
 CString MakeBackupCopy(const CString& path) {
-    if (QFileInfo(path + QStringLiteral("-wal")).size() > 0) {
-        throw ProviderError(QStringLiteral("another program keeps part of %1 in a second file").arg(path));
+    if (QFileInfo(path + u"-wal"_s).size() > 0) {
+        throw ProviderError(u"another program keeps part of %1 in a second file"_s.arg(path));
     }
-    const CString copy =
-        path + QDateTime::currentDateTime().toString(QStringLiteral("'.'yyyy-MM-dd-HHmmss'.bak'"));
+    const CString copy = path + QDateTime::currentDateTime().toString(u"'.'yyyy-MM-dd-HHmmss'.bak'"_s);
     Copy(path, copy);
     RequireSame(path, copy);
     DeleteOldCopies(QFileInfo(path));

@@ -3,6 +3,8 @@
 #include "data/store/sqlite_connection.h"
 #include "data/store/sqlite_recordset.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 QStringList CheckSqliteFile(const QString& path) {
@@ -13,11 +15,10 @@ QStringList CheckSqliteFile(const QString& path) {
         throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
     }
     QStringList findings;
-    SqliteRecordset report(PrepareSqlite(handle, QStringLiteral("PRAGMA integrity_check")));
+    SqliteRecordset report(PrepareSqlite(handle, u"PRAGMA integrity_check"_s));
     for (; !report.AtEnd(); report.MoveNext()) {
         const FieldValue finding = report.Value(0);
-        if (const auto* text = std::get_if<CString>(&finding);
-            text != nullptr && *text != QStringLiteral("ok")) {
+        if (const auto* text = std::get_if<CString>(&finding); text != nullptr && *text != u"ok"_s) {
             findings += *text;
         }
     }

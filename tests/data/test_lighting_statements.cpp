@@ -43,23 +43,14 @@ struct Held {
     std::vector<std::pair<CString, CString*>> GivenTexts() {
         tagLUMINAIREINFO& l = luminaire;
         tagILLUMINANCESTANDARD& s = standard;
-        return {{u"LamphouseModel"_s, &source.LamphouseModel},
-                {u"Factory"_s, &source.Factory},
-                {u"LamphouseName"_s, &source.LamphouseName},
-                {u"LamphouseTypeID"_s, &l.LamphouseTypeID},
-                {u"LampName"_s, &l.LampName},
-                {u"LampModel"_s, &l.LampModel},
-                {u"Factory"_s, &l.Factory},
-                {u"LamphouseCount"_s, &l.LamphouseCount},
-                {u"DefaultLamphouse"_s, &l.DefaultLamphouse},
-                {u"UtilizationFactorFormat"_s, &l.UtilizationFactorFormat},
-                {u"LampPhoto"_s, &l.LampPhoto},
-                {u"Vocation"_s, &s.Vocation},
-                {u"BuildingType"_s, &s.BuildingType},
-                {u"Location"_s, &s.Location},
-                {u"ReferencePlane"_s, &s.ReferencePlane},
-                {u""_s, &word},
-                {u""_s, &other}};
+        // clang-format off
+        return {{u"LamphouseModel"_s, &source.LamphouseModel}, {u"Factory"_s, &source.Factory}, {u"LamphouseName"_s, &source.LamphouseName},
+                {u"LamphouseTypeID"_s, &l.LamphouseTypeID}, {u"LampName"_s, &l.LampName}, {u"LampModel"_s, &l.LampModel}, {u"Factory"_s, &l.Factory},
+                {u"LamphouseCount"_s, &l.LamphouseCount}, {u"DefaultLamphouse"_s, &l.DefaultLamphouse},
+                {u"UtilizationFactorFormat"_s, &l.UtilizationFactorFormat}, {u"LampPhoto"_s, &l.LampPhoto},
+                {u"Vocation"_s, &s.Vocation}, {u"BuildingType"_s, &s.BuildingType}, {u"Location"_s, &s.Location}, {u"ReferencePlane"_s, &s.ReferencePlane},
+                {u""_s, &word}, {u""_s, &other}};
+        // clang-format on
     }
 };
 

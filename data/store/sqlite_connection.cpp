@@ -30,13 +30,13 @@ constexpr int kWaitAgainMs = 1000;
 // At the start nothing is shown yet, and a program that ends with a message must be started again.
 constexpr int kStartTimeoutMs = 3000;
 
-// A file up to this size is checked before it is used (2 ms), so that a damaged one is refused at once. The
-// check of a larger one runs on while the first window opens.
+// A file up to this size is checked before it is used, so that a damaged one is refused at once. The check
+// takes 8 ms for 0.6 MB. That of a larger file (70 ms for 6 MB) runs on while the first window opens.
 constexpr qint64 kCheckedAtOnce = 1 << 20;
 constexpr std::chrono::seconds kLongestCheckAtOnce{1};
 
-// The check below reads the file page by page in no order. When the file is not yet in memory this takes 270
-// ms for 100,000 light sources, and 39 ms when the system is told to read all of it first.
+// The check reads the file page by page in no order. This is several times faster for a file that is not yet
+// in memory when the system is told to read all of it first.
 void ReadAhead(const CString& path) {
 #ifdef Q_OS_LINUX
     QFile file(path);

@@ -6,8 +6,10 @@
 #include <QTest>
 #include <QVBoxLayout>
 
+#include "app/damage_notice.h"
 #include "app/main_dialog.h"
 #include "app/single_instance.h"
+#include "tests/support/fake_connection.h"
 #include "tests/support/message_answers.h"
 #include "widgets/dialog_template.h"
 
@@ -79,6 +81,18 @@ struct Fixture {
     MessageAnswers answers;
 };
 
+// A connection whose check of the file goes on until it is ended.
+struct CheckedConnection : FakeConnection {
+    bool IsCheckRunning() const override { return isRunning; }
+    void RequireSoundFile() override {
+        if (isDamaged) {
+            throw ProviderError(u"row 7 missing from index"_s, FailureKind::Damaged);
+        }
+    }
+    bool isRunning = true;
+    bool isDamaged = true;
+};
+
 constexpr int kSubmit = 1003;
 constexpr int kDelete = 1002;
 constexpr int kExit = 1000;
@@ -133,6 +147,25 @@ private Q_SLOTS:
         fixture.Press(kExit);
         QVERIFY(!fixture.dialog->isVisible());
         QCOMPARE(fixture.answers.TakeSeen(), QStringList({kQuestion, kQuestion}));
+    }
+
+    void DamageIsToldOnceTheCheckHasEnded() {
+        const auto connection = std::make_shared<CheckedConnection>();
+        CLightingDatabase database(FakeConnection::Factory(connection), u"/opt/q/bin/quorvane"_s);
+        QVERIFY(database.Connect());
+        Fixture fixture;
+        const auto seenAfter = [&](bool isRunning, bool isDamaged) {
+            connection->isRunning = isRunning;
+            connection->isDamaged = isDamaged;
+            const DamageNotice notice(database, *fixture.dialog);
+            fixture.answers.Plan(u"确定"_s);
+            QTest::qWait(350);
+            return fixture.answers.TakeSeen();
+        };
+        QCOMPARE(seenAfter(true, true), QStringList());
+        QCOMPARE(seenAfter(false, false), QStringList());
+        const QStringList told = seenAfter(false, true);
+        QVERIFY(told.size() == 1 && told[0].contains(u"row 7 missing from index"_s));
     }
 
     // Without a folder for it there is no lock, and the program starts all the same.

@@ -36,6 +36,29 @@ bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString
     return Ask(parent, caption, FormatText(u"确定是否删除选中数据:第%d行,%s的全部信息?"_s, {row, title}));
 }
 
+bool AskToPaste(QWidget* parent, const CString& caption, const PasteLoss& loss, bool rowsCome) {
+    int lost = loss.beyondColumns + (rowsCome ? 0 : loss.belowRows);
+    const PasteLoss::Refused* noChoice = nullptr;
+    for (const PasteLoss::Refused& refused : loss.refused) {
+        lost += rowsCome || refused.cell.row <= loss.lastRow ? 1 : 0;
+        noChoice = noChoice == nullptr && refused.isNoChoice ? &refused : noChoice;
+    }
+    if (lost == 0) {
+        return true;
+    }
+    CString text =
+        FormatText(u"剪贴板中有%d个单元格的内容,其中%d个超出表格或不能填入所在的单元格,不会粘贴。"_s,
+                   {loss.texts, lost});
+    if (noChoice != nullptr) {
+        text += FormatText(u"\n第%d行:“%s”不是可选的内容。"_s, {noChoice->cell.row, noChoice->text});
+    }
+    if (lost == loss.texts) {
+        ShowMessage(parent, text, caption);
+        return false;
+    }
+    return Ask(parent, caption, text + u"\n是否粘贴其余内容?"_s);
+}
+
 void TellIncompleteLoad(QWidget* parent, const CString& caption) {
     ShowMessage(parent, u"数据未能全部读取,显示的内容不完整。"_s, caption);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/records.h"
+#include "grid/grid_types.h"
 #include "model/photo_library.h"
 #include "model/working_records.h"
 #include "widgets/message_box.h"
@@ -10,6 +11,9 @@ namespace quorvane {
 
 // Whether changes are to be submitted before other records are shown.
 bool AskToSubmit(QWidget* parent, const CString& caption);
+// Before a paste that leaves texts out: how many, and whether the rest is to be pasted. rowsCome: an append
+// row takes what lies below the last row. Asks nothing when nothing is lost after all.
+bool AskToPaste(QWidget* parent, const CString& caption, const PasteLoss& loss, bool rowsCome);
 // Whether the row's record, which `title` names, is to be deleted.
 bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title);
 // Tells that something could not be read completely.

@@ -50,6 +50,9 @@ public:
         m_grid->SetRowMaker([this](int row) { MakeRow(row); });
         QObject::connect(m_grid, &CGridCtrl::EndLabelEdit, &m_parent,
                          [this](int row, int column) { TakeCell(row, column); });
+        m_grid->SetPasteQuestion([this](const PasteLoss& loss) {
+            return AskToPaste(&m_parent, m_rules.caption, loss, m_hasAppendRow);
+        });
         QObject::connect(m_grid, &CGridCtrl::ButtonClicked, &m_parent, [this](int row, int column) {
             Open({row, column});
         });

@@ -328,12 +328,25 @@ bool GridController::Copy() {
     return text.has_value();
 }
 
+bool GridController::MayPaste(const CString& text) const {
+    if (!m_askBeforePaste) {
+        return true;
+    }
+    const PasteLoss loss = LossOfPaste(m_core, text);
+    const PasteQuestion ask = m_askBeforePaste;  // the answer may take the grid away
+    return (loss.beyondColumns == 0 && loss.belowRows == 0 && loss.refused.empty()) || ask(loss);
+}
+
 bool GridController::Paste() {
-    GridPaste paste(m_core, QApplication::clipboard()->text());
-    if (paste.IsDone()) {
+    const CString text = QApplication::clipboard()->text();
+    if (GridPaste(m_core, text).IsDone()) {
         return false;
     }
     const QPointer<CGridCtrl> alive(&m_grid);
+    if (!MayPaste(text) || alive.isNull()) {
+        return true;
+    }
+    GridPaste paste(m_core, text);
     Perform([&] { m_core.FocusWithoutSelecting(paste.Start()); });
     const auto step = [&] {
         if (const auto next = paste.Next()) {

@@ -74,6 +74,7 @@ public:
     void EndEditAndGoOn(GridMove move);
     // What every ended edit does: puts the text into the cell and notifies.
     void TakeText(CCellID cell, const CString& text);
+    void SetPasteQuestion(PasteQuestion ask) { m_askBeforePaste = std::move(ask); }
     bool PressButton(CCellID cell, int button);
     // Gives the focus to the cell that place finds once the grid has the keyboard; then presses its button or
     // drops down its list.
@@ -132,6 +133,7 @@ private:
     void Click(CCellID cell);
     bool Copy();
     bool Paste();
+    bool MayPaste(const CString& text) const;
     void ScrollOn();
 
     CGridCtrl& m_grid;
@@ -140,6 +142,7 @@ private:
     InPlaceEdit m_edit;
     GridAnnouncer m_announcer;
     QPointer<ComboList> m_choices;
+    PasteQuestion m_askBeforePaste;
     QTimer m_scrollTimer;  // while a selecting drag is beyond the window
     std::vector<Notice> m_notices;
     bool m_isInStep = false;

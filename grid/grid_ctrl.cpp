@@ -262,6 +262,10 @@ void CGridCtrl::CancelEdit() {
     m_controller->CancelEdit();
 }
 
+void CGridCtrl::SetPasteQuestion(PasteQuestion ask) {
+    m_controller->SetPasteQuestion(std::move(ask));
+}
+
 void CGridCtrl::SetTypesByColumns(bool typesByColumns) {
     MutableCore().typesByColumns = typesByColumns;
 }

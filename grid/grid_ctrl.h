@@ -126,6 +126,8 @@ public:
     void EndEdit();
     // Leaves the cell as it was; no notification.
     void CancelEdit();
+    // Is asked before a paste that leaves texts out changes anything. Without a question the rest is pasted.
+    void SetPasteQuestion(PasteQuestion ask);
     // Whether Enter at the foot of a column goes on at the head of the next one, instead of staying.
     void SetTypesByColumns(bool typesByColumns);
 

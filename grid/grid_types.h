@@ -4,7 +4,9 @@
 #include <QColor>
 #include <QFont>
 #include <QString>
+#include <functional>
 #include <optional>
+#include <vector>
 
 namespace quorvane {
 
@@ -81,5 +83,23 @@ struct GridItem {
     std::optional<QFont> font = {};
     int margin = 0;  // pixels
 };
+
+// Which texts of the clipboard a paste would leave out.
+struct PasteLoss {
+    struct Refused {
+        CCellID cell;
+        CString text;
+        bool isNoChoice;  // the cell has a list of choices, and this is none of them
+    };
+    int texts = 0;          // on the clipboard
+    int beyondColumns = 0;  // right of the last column
+    int belowRows = 0;      // below the last row; rows may come while the texts are entered
+    int lastRow = 0;
+    // By cells that do not take them. A text below the last row is judged by the cell above it in that row.
+    std::vector<Refused> refused = {};
+};
+
+// Whether to paste the rest.
+using PasteQuestion = std::function<bool(const PasteLoss& loss)>;
 
 }  // namespace quorvane

@@ -71,6 +71,8 @@ CCoefficientTableDlg::CCoefficientTableDlg(CLightingDatabase& database, int lumi
     }
     connect(m_tree, &FactorTableTree::LabelEdited, this, &CCoefficientTableDlg::OnLabelEdited);
     connect(m_tree, &FactorTableTree::CommandChosen, this, &CCoefficientTableDlg::OnCommand);
+    m_grid->SetPasteQuestion(
+        [this](const PasteLoss& loss) { return AskToPaste(MessageParent(), {}, loss, false); });
     connect(m_grid, &CGridCtrl::EndLabelEdit, this, &CCoefficientTableDlg::OnFactorEdited);
 }
 

@@ -51,6 +51,33 @@ std::optional<CString> CopiedText(const GridCore& core) {
     return WriteTabText(table);
 }
 
+PasteLoss LossOfPaste(const GridCore& core, const CString& text) {
+    PasteLoss loss{.lastRow = core.RowCount() - 1};
+    CCellID cell = PasteStart(core);
+    if (!cell.IsValid()) {
+        return loss;
+    }
+    const int firstColumn = cell.col;
+    for (const std::vector<CString>& texts : ReadTabText(text)) {
+        cell.col = firstColumn;
+        for (const CString& field : texts) {
+            ++loss.texts;
+            const CCellID judge{std::min(cell.row, loss.lastRow), cell.col};
+            if (!field.isEmpty() && cell.col >= core.ColumnCount()) {
+                ++loss.beyondColumns;
+            } else if (!field.isEmpty()) {
+                loss.belowRows += cell.row > loss.lastRow ? 1 : 0;
+                if (!core.Takes(judge, field) && core.Text(cell) != field) {
+                    loss.refused.push_back({cell, field, core.EditingOf(judge) == CellEditing::Choice});
+                }
+            }
+            ++cell.col;
+        }
+        ++cell.row;
+    }
+    return loss;
+}
+
 GridPaste::GridPaste(const GridCore& core, const CString& text)
     : m_core(core),
       m_start(PasteStart(core)),

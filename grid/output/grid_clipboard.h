@@ -14,6 +14,9 @@ class GridCore;
 // selection and a focus.
 std::optional<CString> CopiedText(const GridCore& core);
 
+// What pasting this text would leave out. Empty texts are no loss, nor is one that the cell shows already.
+PasteLoss LossOfPaste(const GridCore& core, const CString& text);
+
 // Pastes tab-separated text cell by cell, to the right and down of the first selected cell, or of the focus
 // cell when none is selected. Cells that the user could not give this text are passed over; the grid gets no
 // rows or columns. The focus goes to Start() before the first cell. Between two cells others may change the

@@ -1,3 +1,4 @@
+#include <QClipboard>
 #include <QRadioButton>
 #include <QTest>
 
@@ -69,6 +70,25 @@ private Q_SLOTS:
         QCOMPARE(fixture.Rows(), QStringList(u"追加|白炽灯|||0|0|"_s));
         fixture.Choose(kCategoryList, 1);
         QCOMPARE(fixture.Rows().last(), u"追加|荧光灯|||0|0|"_s);
+    }
+
+    void APasteSaysWhatItLeavesOut() {
+        Fixture fixture;
+        fixture.ChooseFluorescent();
+        QApplication::clipboard()->setText(u"水银灯\t甲\r\n荧光灯\t乙\r\n荧光灯\t丙\r\n"_s);
+        for (const QString& answer : {u"否"_s, u"是"_s}) {
+            QCOMPARE(fixture.Rows().size(), 4);
+            fixture.Click(3, Category);
+            fixture.answers.Plan(answer);
+            QTest::keySequence(fixture.grid, QKeySequence(QKeySequence::Paste));
+        }
+        const QString question =
+            u"光源库|剪贴板中有6个单元格的内容,其中1个超出表格或不能填入所在的单元格,"
+            "不会粘贴。\n第3行:“水银灯”不是可选的内容。\n是否粘贴其余内容?|是/否"_s;
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList({question, question}));
+        QCOMPARE(fixture.Rows().mid(2),
+                 QStringList({u"3|荧光灯|甲|T5-14|1.23457E+06|14|甲厂"_s, u"追加|荧光灯|乙||0|0|"_s,
+                              u"追加|荧光灯|丙||0|0|"_s, u"追加|荧光灯|||0|0|"_s}));
     }
 
     // A category that its cell does not offer outlives the edit of another cell.

@@ -4,6 +4,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <memory>
+#include <vector>
 
 #include "grid/grid_controller.h"
 #include "grid/output/tab_text.h"
@@ -79,6 +80,34 @@ private Q_SLOTS:
         QCOMPARE(Texts({2, 1, 2, 2}), u"one x"_s);
         Paste(u"two"_s);
         QCOMPARE(Texts({2, 1, 2, 1}), u"two"_s);
+    }
+
+    void AsksBeforeItLeavesTextsOut() {
+        std::vector<PasteLoss> losses;
+        bool answer = false;
+        m_grid->SetPasteQuestion([&](const PasteLoss& loss) {
+            losses.push_back(loss);
+            return answer;
+        });
+        m_shown->MakeCombo(5, 2, {u"one"_s, u"two"_s});
+        m_grid->SetItemState(5, 3, CellState::ReadOnly);
+        m_grid->SetFocusCell({5, 1});
+        Paste(u"a\ttwo\t5,3\t\n"_s);  // the read-only cell shows its text already
+        QCOMPARE(Texts({5, 1, 5, 3}), u"a two 5,3"_s);
+        QVERIFY(losses.empty());
+        const CString block = u"b\tthree\tx\ty\nc\tfour"_s;
+        Paste(block);
+        QCOMPARE(Texts({5, 1, 5, 3}), u"a two 5,3"_s);
+        answer = true;
+        Paste(block);
+        QCOMPARE(Texts({5, 1, 5, 3}), u"b two 5,3"_s);
+        QCOMPARE(losses.size(), std::size_t(2));
+        const PasteLoss& loss = losses.front();
+        QVERIFY(loss.texts == 6 && loss.beyondColumns == 1 && loss.belowRows == 2 && loss.lastRow == 5);
+        QCOMPARE(loss.refused.size(), std::size_t(3));
+        QVERIFY(loss.refused[0].text == u"three" && loss.refused[0].isNoChoice);
+        QVERIFY(loss.refused[1].text == u"x" && !loss.refused[1].isNoChoice);
+        QCOMPARE(loss.refused[2].cell, (CCellID{6, 2}));
     }
 
     void FollowsRowsThatCome() {

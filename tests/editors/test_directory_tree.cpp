@@ -163,6 +163,15 @@ private Q_SLOTS:
         QVERIFY(AsyncReader::WaitForAll(5s));
         QTest::qWait(10);
         QCOMPARE(Names(model.index(0, 0)), QStringList(u"a.jpg"_s));
+        // A selection on its way is given up for another, here for none.
+        m_tree->Show(m_folder->path(), true);
+        m_tree->SelectPath(Path(u"dead 1/late.jpg"_s));
+        QTest::qWait(50);
+        m_tree->SelectPath({});
+        m_tree->letGo->release();
+        QVERIFY(AsyncReader::WaitForAll(5s));
+        QTest::qWait(10);
+        QCOMPARE(m_tree->SelectedPath(), QString());
         // The tree goes before its folder answers.
         m_tree->Show(Path(u"dead 1"_s), true);
         const auto letGo = m_tree->letGo;

@@ -110,6 +110,7 @@ private Q_SLOTS:
         fixture.Type(3, Count, u"0"_s);
         QCOMPARE(fixture.Rows().last(), kAppendRow);
         fixture.Pick(3, Category, u"高压钠灯"_s);
+        QCOMPARE(fixture.grid->GetItemText(3, Number), u"3"_s);
         fixture.Type(4, Count, u"4"_s);
         fixture.Pick(3, LightSource, u"钠灯:NG250"_s);
         fixture.answers.Plan(u"否"_s);

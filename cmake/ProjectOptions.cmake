@@ -29,6 +29,19 @@ if(QUORVANE_SANITIZE)
   target_link_options(quorvane_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+# What a user runs stops at an overwritten stack, at a jump to no function's beginning and at a text longer than its
+# buffer, and nobody can write the tables through which it calls libraries. Debug builds keep to the last of these.
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND NOT WIN32 AND NOT APPLE)
+  target_compile_options(quorvane_options INTERFACE
+    "$<$<CONFIG:Release>:-fstack-protector-strong;-fstack-clash-protection>")
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    target_compile_options(quorvane_options INTERFACE $<$<CONFIG:Release>:-fcf-protection>)
+  endif()
+  target_compile_options(quorvane_options INTERFACE
+    "$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>")
+  target_link_options(quorvane_options INTERFACE -pie -Wl,-z,relro,-z,now)
+endif()
+
 # quorvane_unit(TARGET UNIT SOURCE...): the preset release compiles these sources as one.
 function(quorvane_unit target unit)
   list(FILTER ARGN INCLUDE REGEX "\\.cpp$")

@@ -1,9 +1,13 @@
 #include "editors/grid_setup.h"
 
+#include <QLineEdit>
 #include <QStyle>
+#include <QToolTip>
 
 #include "grid/cells/btn_data_base.h"
 #include "grid/cells/grid_btn_cell.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 namespace {
@@ -84,6 +88,15 @@ void ShowCell(CGridCtrl& grid, CBtnDataBase& buttons, CCellID cell, const CellSe
             item.backColour = item.state != 0 ? kReadOnlyColour : QColor();
     }
     grid.SetItem(item);
+}
+
+void ShowQuoteTip(QWidget* editor, const CString& text) {
+    if (text.contains(u'\'')) {
+        QToolTip::showText(editor->mapToGlobal(QPoint(0, editor->height())),
+                           u"文字中含有单引号,不能写入数据库。"_s, editor);
+    } else {
+        QToolTip::hideText();
+    }
 }
 
 void ShowRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool isUnwritten) {

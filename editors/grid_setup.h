@@ -52,6 +52,8 @@ struct CellSetup {
 // among its choices, and has a format of its own.
 void ShowCell(CGridCtrl& grid, CBtnDataBase& buttons, CCellID cell, const CellSetup& setup,
               const CString& text, unsigned format);
+// Tells beside the editor of a cell that its text holds a single quote, which cannot be written.
+void ShowQuoteTip(QWidget* editor, const CString& text);
 // Column 0: the row number or the append row's marker, and the record's ID as item data.
 void ShowRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool isUnwritten);
 

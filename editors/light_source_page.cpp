@@ -203,7 +203,7 @@ void CQuorvaneLamphouseDlg::Load() {
     m_grid.Fill();
     if (!complete) {
         (byCategory ? m_categories : m_makers)->ForgetChoice();
-        TellIncompleteLoad(this, kCaption);
+        TellIncompleteLoad(this, kCaption, m_database.LastFailure());
     }
 }
 
@@ -212,7 +212,8 @@ bool CQuorvaneLamphouseDlg::Submit() {
         .isBlank = IsBlank,
         .insert = [this](tagLAMPHOUSEINFO& record) { return m_database.InsertLightSource(record); },
         .update = [this](tagLAMPHOUSEINFO& record) { return m_database.UpdateLightSource(record); },
-        .remove = [this](int id) { return m_database.DeleteLightSource(id); }};
+        .remove = [this](int id) { return m_database.DeleteLightSource(id); },
+        .cause = [this] { return m_database.LastFailure(); }};
     RunSubmit(this, kCaption, m_database,
               [&](const ProgressCallback& progress) { return m_records.Submit(statements, progress); });
     m_lists.Invalidate();

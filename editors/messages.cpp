@@ -1,5 +1,6 @@
 #include "editors/messages.h"
 
+#include <QHash>
 #include <QTimer>
 #include <QWidget>
 
@@ -26,7 +27,59 @@ CString PhotoProblemText(PhotoProblem problem) {
     }
 }
 
+// The heading under which a column of the file is shown, or the column's own name.
+CString HeadingOf(const CString& column) {
+    static const QHash<CString, CString> headings{{u"LamphouseName"_s, u"名称"_s},
+                                                  {u"LamphouseModel"_s, u"光源型号"_s},
+                                                  {u"Factory"_s, u"厂家"_s},
+                                                  {u"LampName"_s, u"灯具名称"_s},
+                                                  {u"LampModel"_s, u"灯具型号"_s},
+                                                  {u"LamphouseTypeID"_s, u"灯具类别"_s},
+                                                  {u"LamphouseCount"_s, u"光源个数"_s},
+                                                  {u"DefaultLamphouse"_s, u"默认光源"_s},
+                                                  {u"LampPhoto"_s, u"灯具图片"_s},
+                                                  {u"Location"_s, u"场所"_s},
+                                                  {u"ReferencePlane"_s, u"参考平面"_s}};
+    return headings.value(column, column);
+}
+
+CString UnwritableText(const ProviderFailure& failure, int row) {
+    const CString place = failure.column.isEmpty() || row == 0
+                              ? u"文字"_s
+                              : FormatText(u"第%d行“%s”一列"_s, {row, HeadingOf(failure.column)});
+    return place + (failure.kind == FailureKind::QuoteInText ? u"中含有单引号,不能写入。"_s
+                                                             : u"中含有不能写入的字符或数值。"_s);
+}
+
 }  // namespace
+
+CString CauseText(const ProviderFailure& failure, int row) {
+    switch (failure.kind) {
+        case FailureKind::NotConnected:
+            return u"原因:没有连接数据库。"_s;
+        case FailureKind::DiskFull:
+            return u"原因:磁盘已满。"_s;
+        case FailureKind::FileGone:
+            return u"原因:数据库文件已被移走、改名或替换,或其所在的磁盘没有响应。"_s;
+        case FailureKind::FileChanged:
+            return u"原因:数据库文件已被其他程序改动。"_s;
+        case FailureKind::Locked:
+            return u"原因:数据库文件被其他程序占用。"_s;
+        case FailureKind::ReadOnly:
+            return u"原因:数据库文件或其所在的文件夹只读。"_s;
+        case FailureKind::Damaged:
+            return u"原因:数据库文件已损坏。"_s;
+        case FailureKind::OutOfMemory:
+            return u"原因:内存不足。"_s;
+        case FailureKind::TimeLimit:
+            return u"原因:写入超时,已中断。"_s;
+        case FailureKind::QuoteInText:
+        case FailureKind::UnwritableValue:
+            return u"原因:"_s + UnwritableText(failure, row);
+        default:
+            return u"可能的原因:数据库文件只读或被其他程序占用,或文字中含有单引号。"_s;
+    }
+}
 
 bool AskToSubmit(QWidget* parent, const CString& caption) {
     return Ask(parent, caption, u"数据已经修改是否提交?"_s);
@@ -59,8 +112,12 @@ bool AskToPaste(QWidget* parent, const CString& caption, const PasteLoss& loss, 
     return Ask(parent, caption, text + u"\n是否粘贴其余内容?"_s);
 }
 
-void TellIncompleteLoad(QWidget* parent, const CString& caption) {
-    ShowMessage(parent, u"数据未能全部读取,显示的内容不完整。"_s, caption);
+void TellIncompleteLoad(QWidget* parent, const CString& caption, const ProviderFailure& failure) {
+    CString text = u"数据未能全部读取,显示的内容不完整。"_s;
+    if (failure.kind == FailureKind::QuoteInText) {
+        text += u"\n所选名称中含有单引号,不能按它读取。"_s;
+    }
+    ShowMessage(parent, text, caption);
 }
 
 void TellIncompleteLoadSoon(QWidget* parent, const CString& caption) {
@@ -81,7 +138,7 @@ void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures&
                            {failures.photos, PhotoProblemText(photoProblem)});
     }
     if (failures.writes > failures.photos || failures.deletes > 0) {
-        text += u"可能的原因:数据库文件只读或被其他程序占用,或文字中含有单引号。"_s;
+        text += CauseText(failures.cause, failures.row);
     }
     text += u"请排除后再次提交。"_s;
     ShowMessage(parent, text, caption);

@@ -16,13 +16,15 @@ bool AskToSubmit(QWidget* parent, const CString& caption);
 bool AskToPaste(QWidget* parent, const CString& caption, const PasteLoss& loss, bool rowsCome);
 // Whether the row's record, which `title` names, is to be deleted.
 bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title);
-// Tells that something could not be read completely.
-void TellIncompleteLoad(QWidget* parent, const CString& caption);
+// Tells that something could not be read completely, and why when a name cannot be searched for.
+void TellIncompleteLoad(QWidget* parent, const CString& caption, const ProviderFailure& failure = {});
 // The same from the event loop, for a page that is not shown yet.
 void TellIncompleteLoadSoon(QWidget* parent, const CString& caption);
 // Tells what a submit could not write; photoProblem is that of the photos among it.
 void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures,
                   PhotoProblem photoProblem = PhotoProblem::None);
+// Why statements failed; row is that of the failed record, or 0.
+CString CauseText(const ProviderFailure& failure, int row = 0);
 // A line that tells how many records or values a submit could not write.
 CString UnwrittenText(int count);
 

@@ -53,6 +53,7 @@ public:
         m_grid->SetPasteQuestion([this](const PasteLoss& loss) {
             return AskToPaste(&m_parent, m_rules.caption, loss, m_hasAppendRow);
         });
+        QObject::connect(m_grid, &CGridCtrl::TextTyped, &m_parent, ShowQuoteTip);
         QObject::connect(m_grid, &CGridCtrl::ButtonClicked, &m_parent, [this](int row, int column) {
             Open({row, column});
         });
@@ -263,7 +264,12 @@ private:
         }
         Record record = RecordAt(row);
         const CString text = m_grid->GetItemText(row, number);
+        const Record before = record;
         column.take(text, record);
+        // A cell that was only looked at may show its value rounded.
+        if (!m_grid->IsEditTyped() && column.show(record) == column.show(before)) {
+            record = before;
+        }
         Take(row, record);
         const CString shown = column.show(record);
         if (shown != text) {

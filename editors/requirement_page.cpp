@@ -111,7 +111,7 @@ void CQuorvaneDemandDlg::ChangeBuildingType(QTreeWidgetItem* item) {
     if (complete) {
         m_grid.Fill();
     } else {
-        TellIncompleteLoad(this, kCaption);
+        TellIncompleteLoad(this, kCaption, m_database.LastFailure());
     }
 }
 
@@ -121,7 +121,8 @@ bool CQuorvaneDemandDlg::Submit() {
         .isBlank = IsBlank,
         .insert = [this](Record& record) { return m_database.InsertIlluminanceStandard(record); },
         .update = [this](Record& record) { return m_database.UpdateIlluminanceStandard(record); },
-        .remove = [this](int id) { return m_database.DeleteIlluminanceStandard(id); }};
+        .remove = [this](int id) { return m_database.DeleteIlluminanceStandard(id); },
+        .cause = [this] { return m_database.LastFailure(); }};
     RunSubmit(this, kCaption, m_database,
               [&](const ProgressCallback& progress) { return m_records.Submit(statements, progress); });
     return true;

@@ -63,6 +63,7 @@ bool GridController::EndStep(const QPointer<CGridCtrl>& alive) {
 
 void GridController::EmitNotice(const Notice& notice) {
     if (notice.cell != nullptr) {
+        m_isEditTyped = notice.isTyped;
         (m_grid.*notice.cell)(notice.place.row, notice.place.col);
     } else if (notice.button >= 0) {
         Q_EMIT m_grid.ButtonClicked(notice.place.row, notice.place.col, notice.button);

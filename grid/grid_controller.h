@@ -35,6 +35,7 @@ public:
     const GridCore& Core() const { return m_core; }
     GridAnnouncer& Announcer() { return m_announcer; }
     const InPlaceEdit& Edit() const { return m_edit; }
+    bool IsEditTyped() const { return m_isEditTyped; }
     const GridMouse& Mouse() const { return m_mouse; }
     // The list that is dropped down from a cell; null when none is.
     ComboList* OpenList() const {
@@ -73,7 +74,7 @@ public:
     void EndEditAndMove(GridMove move);
     void EndEditAndGoOn(GridMove move);
     // What every ended edit does: puts the text into the cell and notifies.
-    void TakeText(CCellID cell, const CString& text);
+    void TakeText(CCellID cell, const CString& text, bool isTyped = true);
     void SetPasteQuestion(PasteQuestion ask) { m_askBeforePaste = std::move(ask); }
     bool PressButton(CCellID cell, int button);
     // Gives the focus to the cell that place finds once the grid has the keyboard; then presses its button or
@@ -104,6 +105,7 @@ private:
         void (CGridCtrl::*cell)(int, int) = nullptr;  // a signal about a cell; else one of the others
         CCellID place = {};
         int button = -1;
+        bool isTyped = true;
     };
 
     template <typename Step>
@@ -146,6 +148,7 @@ private:
     QTimer m_scrollTimer;  // while a selecting drag is beyond the window
     std::vector<Notice> m_notices;
     bool m_isInStep = false;
+    bool m_isEditTyped = true;
     bool m_isSyncDue = false;    // of the scroll bars, at the end of the present event
     bool m_isRedrawDue = false;  // of the whole window; single cells need not ask then
 };

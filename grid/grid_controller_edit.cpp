@@ -87,16 +87,17 @@ void GridController::DropDown(CCellID cell) {
 void GridController::EndEdit() {
     Perform([this] {
         const CCellID cell = m_edit.Cell();
+        const bool isTyped = m_edit.IsTyped();
         if (const std::optional<CString> text = m_edit.Close()) {
-            TakeText(cell, *text);
+            TakeText(cell, *text, isTyped || *text != m_core.Text(cell));
         }
     });
 }
 
-void GridController::TakeText(CCellID cell, const CString& text) {
+void GridController::TakeText(CCellID cell, const CString& text, bool isTyped) {
     Perform([&] {
         if (m_core.SetText(cell, text)) {
-            m_notices.push_back({&CGridCtrl::EndLabelEdit, cell});
+            m_notices.push_back({.cell = &CGridCtrl::EndLabelEdit, .place = cell, .isTyped = isTyped});
         }
     });
 }

@@ -258,6 +258,10 @@ void CGridCtrl::EndEdit() {
     m_controller->EndEdit();
 }
 
+bool CGridCtrl::IsEditTyped() const {
+    return m_controller->IsEditTyped();
+}
+
 void CGridCtrl::CancelEdit() {
     m_controller->CancelEdit();
 }

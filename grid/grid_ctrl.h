@@ -124,6 +124,9 @@ public:
     bool IsEditing() const;
     // Takes the typed text into the cell and notifies; nothing when no editor is open.
     void EndEdit();
+    // During EndLabelEdit: false when the cell was only opened and left, without anything typed, chosen or
+    // pasted.
+    bool IsEditTyped() const;
     // Leaves the cell as it was; no notification.
     void CancelEdit();
     // Is asked before a paste that leaves texts out changes anything. Without a question the rest is pasted.
@@ -152,6 +155,8 @@ public:
 Q_SIGNALS:
     // In-place editing of a cell ended and its new text is already in the cell.
     void EndLabelEdit(int row, int column);
+    // The text in the open editor has changed by typing.
+    void TextTyped(QWidget* editor, const QString& text);
     // A push button inside a cell was pressed, by mouse or by key.
     void ButtonClicked(int row, int column, int button);
     // A cell was clicked with the left mouse button (also a read-only one; not a fixed one).

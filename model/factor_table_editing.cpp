@@ -52,8 +52,9 @@ int FactorTableEditing::Count(FactorTableBranch branch) const {
                                                               : m_table.Headings().size());
 }
 
-bool FactorTableEditing::TakeLabel(FactorTableBranch branch, int index, const CString& text) {
-    if (index >= 0 && text == Label(branch, index)) {
+bool FactorTableEditing::TakeLabel(FactorTableBranch branch, int index, const CString& text, bool isTyped) {
+    const bool mayBeKept = !isTyped || branch == FactorTableBranch::Headings;
+    if (index >= 0 && mayBeKept && text == Label(branch, index)) {
         return true;
     }
     return branch == FactorTableBranch::Rows ? TakeRowValue(index, text) : TakeHeading(index, text);

@@ -29,15 +29,16 @@ public:
     CString Label(FactorTableBranch branch, int index) const;
     int Count(FactorTableBranch branch) const;
 
-    // Takes the text of an edited label; index -1 adds an entry. A label left as it was changes nothing,
-    // because it may be rounded, or show a heading of the file that may not be typed. False when the text is
+    // Takes the text of an edited label; index -1 adds an entry. A row value that was
+    // only looked at (not isTyped) changes nothing, because its label may be rounded; nor does a heading left
+    // as it was, which may be one of the file that may not be typed. False when the text is
     // no heading (three integers from 0 to 100) or no row value (an unsigned decimal). The table may still
     // refuse a valid text as a duplicate.
-    bool TakeLabel(FactorTableBranch branch, int index, const CString& text);
+    bool TakeLabel(FactorTableBranch branch, int index, const CString& text, bool isTyped = true);
     void Delete(FactorTableBranch branch, int index);
 
-    // Takes the text of a factor's cell, addressed as in UtilizationFactorTable::GetFactor. isUntouched: the
-    // cell shows what it showed before; its factor then stays as it is, because it may have more decimals.
+    // Takes the text of a factor's cell, addressed as in UtilizationFactorTable::GetFactor. isUntouched:
+    // nothing was typed; the factor then stays as it is, because it may have more decimals than are shown.
     // Returns the text to show, which has as many digits as the file can keep; nothing, with the factor
     // unchanged, when the text is no unsigned decimal.
     std::optional<CString> TakeFactor(int gridRow, int gridColumn, const CString& text, bool isUntouched);

@@ -36,7 +36,7 @@ std::optional<int> CheckInteger(const CString& text) {
 }
 
 double TypedReal(const CString& text, double present) {
-    return text == FormatReal(present) ? present : CheckReal(text).value_or(0);
+    return CheckReal(text).value_or(text == FormatReal(present) ? present : 0);
 }
 
 int TypedInteger(const CString& text) {

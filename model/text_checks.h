@@ -18,8 +18,8 @@ std::optional<double> CheckReal(const CString& text);
 // the limit.
 std::optional<int> CheckInteger(const CString& text);
 
-// The number that a typed text stands for; 0 for a text that is no number. A text that shows `present`, the
-// value so far, is that value to the last digit, even in a form that may not be typed ("1.23457E+06").
+// The number that a typed text stands for; 0 for a text that is no number. A form that may not
+// be typed, but shows `present`, the value so far, is that value to the last digit ("1.23457E+06").
 double TypedReal(const CString& text, double present);
 int TypedInteger(const CString& text);
 

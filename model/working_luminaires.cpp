@@ -1,5 +1,6 @@
 #include "model/working_luminaires.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quorvane {
@@ -42,7 +43,8 @@ RecordStatements<tagLUMINAIREINFO> WorkingLuminaires::Statements() {
     return {.isBlank = IsEmptyLuminaire,
             .insert = [this](tagLUMINAIREINFO& record) { return Insert(record); },
             .update = [this](tagLUMINAIREINFO& record) { return Update(record); },
-            .remove = [this](int id) { return Delete(id); }};
+            .remove = [this](int id) { return Delete(id); },
+            .cause = [this] { return m_database.LastFailure(); }};
 }
 
 SubmitFailures WorkingLuminaires::Submit(const ProgressCallback& progress) {
@@ -50,7 +52,7 @@ SubmitFailures WorkingLuminaires::Submit(const ProgressCallback& progress) {
     CopyUsedPictures();
     const PhotoLibrary::CachedListing listing(m_photos);
     SubmitFailures failures = m_records.Submit(Statements(), progress);
-    failures.photos = m_photoFailures;
+    failures.photos = std::min(m_photoFailures, failures.writes);
     return failures;
 }
 
@@ -233,6 +235,7 @@ WorkingLuminaires::Saved WorkingLuminaires::Paste(int id) {
     if (m_copied.isForeignPhoto) {
         m_storedPhotos.insert(id, luminaire.LampPhoto);
     }
+    m_records.NoteChange(id);
     m_unsaved[id] = {luminaire.LampPhoto, m_copied.picture, m_copied.factors};
     const Saved saved = Save(id);
     m_records.SetModified(!saved.written || wasModified);

@@ -1,9 +1,9 @@
 // WorkingRecords: the records that an editor shows, as the user has changed them since they were loaded.
 //
-// A stored record has an ID above 0. A record added by the user has a provisional ID below 0 (-1, -2, …, from
-// -1 again after every load) until it is stored. Nothing here touches a screen or a database: Submit is given
-// the statements to run. Finding, adding and removing a record takes a time that does not grow with their
-// number, or with its logarithm only.
+// A record added by the user has a provisional ID below 0 (-1, -2, …, from -1 again after every load) until
+// it is stored. Another program may have stored negative IDs; the provisional ones then lie below them.
+// Nothing here touches a screen or a database: Submit is given the statements to run. Finding, adding and
+// removing a record takes a time that does not grow with their number, or with its logarithm only.
 #pragma once
 
 #include <QHash>
@@ -14,15 +14,18 @@
 #include <utility>
 #include <vector>
 
+#include "data/connection.h"
 #include "model/slot_order.h"
 
 namespace quorvane {
 
 // What a submit could not write.
 struct SubmitFailures {
-    int writes = 0;   // records neither inserted nor updated
-    int deletes = 0;  // records still in the file
-    int photos = 0;   // of the writes: those whose photo alone could not be stored
+    int writes = 0;              // records neither inserted nor updated
+    int deletes = 0;             // records still in the file
+    int photos = 0;              // of the writes: those whose photo alone could not be stored
+    int row = 0;                 // of the first record that could not be written, from 1
+    ProviderFailure cause = {};  // of the first failure
 
     bool None() const { return writes == 0 && deletes == 0; }
 };
@@ -37,6 +40,7 @@ struct RecordStatements {
     std::function<bool(Record&)> insert;         // stores the new ID into the record
     std::function<bool(Record&)> update;
     std::function<bool(int id)> remove;
+    std::function<ProviderFailure()> cause = {};  // of the last failure
 };
 
 // Which IDs new records get: provisional ones, or the next above the highest (records without a database).
@@ -80,6 +84,7 @@ public:
     int Append(Record record) {
         const int id = m_newIds == NewIds::Serial ? ++m_lastNewId : --m_lastNewId;
         record.ID = id;
+        m_changed.insert(id);
         Apply({.slot = m_order.SlotCount(), .before = {}, .after = std::move(record)});
         m_modified = true;
         return id;
@@ -93,10 +98,14 @@ public:
             return;
         }
         if (slot >= 0) {
+            m_changed.insert(record.ID);
             Apply({.slot = slot, .before = Slot(slot), .after = record});
         }
         m_modified = true;
     }
+
+    // Counts the record as changed: what is stored together with it has changed.
+    void NoteChange(int id) { m_changed.insert(id); }
 
     // Removes the record with that ID; the next submit deletes it. Leaves the modified flag to the caller.
     void Remove(int id) {
@@ -115,7 +124,7 @@ public:
     // Replaces all records by loaded ones. Clears the modified flag and starts the provisional IDs again.
     // Pending deletions of stored records stay pending, and loaded records among them are left out.
     void TakeLoaded(std::vector<Record> records) {
-        std::erase_if(m_deleted, [](const Record& record) { return record.ID < 0; });
+        std::erase_if(m_deleted, [this](const Record& record) { return IsNew(record.ID); });
         std::set<int> deleted;
         for (const Record& record : m_deleted) {
             deleted.insert(record.ID);
@@ -128,8 +137,11 @@ public:
         m_order.Reset(static_cast<int>(m_records.size()));
         m_slotById.reset();
         m_unwritten.clear();
+        m_changed.clear();
         m_modified = false;
         m_lastNewId = 0;
+        ForEach([this](const Record& record) { m_lastNewId = std::min(m_lastNewId, record.ID); });
+        m_lowestStoredId = m_lastNewId;
         if (m_newIds == NewIds::Serial) {
             ForEach([this](const Record& record) { m_lastNewId = std::max(m_lastNewId, record.ID); });
         }
@@ -139,7 +151,8 @@ public:
     bool IsUnwritten(int id) const { return m_unwritten.contains(id); }
     bool HasUnwritten() const { return !m_unwritten.empty(); }
 
-    // Writes the record with that ID, which must exist, at once, and leaves everything else pending. The
+    // Writes the record with that ID, which must exist, at once, and leaves everything else pending. A record
+    // that nobody has changed counts as written even if its update fails: the file holds it as it is. The
     // result holds the record's ID from now on: a new record may have been inserted before a later statement
     // failed.
     struct Saved {
@@ -158,8 +171,8 @@ public:
 
     // Writes every record that is not blank (insert for a provisional ID, otherwise update), then runs the
     // pending deletions in their order, and clears what was pending. A failed statement stops nothing: it is
-    // counted and its record is remembered as unwritten. A stored record that could not be deleted is
-    // appended again, for it is still in the file.
+    // counted and its record is remembered as unwritten, unless nobody has changed it. A stored record that
+    // could not be deleted is appended again, for it is still in the file.
     SubmitFailures Submit(const RecordStatements<Record>& statements, const ProgressCallback& progress = {}) {
         SubmitFailures failures;
         m_unwritten.clear();
@@ -174,13 +187,18 @@ public:
         for (int slot = 0; slot < m_order.SlotCount(); ++slot) {
             if (m_order.IsFilled(slot)) {
                 const bool written = statements.isBlank(Slot(slot)) || Write(slot, statements);
-                failures.writes += written ? 0 : 1;
+                if (!written && ++failures.writes == 1) {
+                    failures.row = m_order.PositionOf(slot) + 1;
+                    failures.cause = CauseFrom(statements);
+                }
                 tell();
             }
         }
         for (Record& record : m_deleted) {
-            if (!statements.remove(record.ID) && record.ID > 0) {
-                ++failures.deletes;
+            if (!statements.remove(record.ID) && !IsNew(record.ID)) {
+                if (++failures.deletes == 1 && failures.writes == 0) {
+                    failures.cause = CauseFrom(statements);
+                }
                 m_unwritten.insert(record.ID);
                 Add(std::move(record));
             }
@@ -219,9 +237,14 @@ private:
     bool Write(int slot, const RecordStatements<Record>& statements) {
         Record& record = Slot(slot);
         const int id = record.ID;
-        const bool written = id < 0 ? statements.insert(record) : statements.update(record);
-        if (!written) {
+        const bool ran = IsNew(id) ? statements.insert(record) : statements.update(record);
+        const bool written = ran || !m_changed.contains(id);
+        if (written) {
+            m_changed.erase(id);
+        } else {
             m_unwritten.insert(record.ID);
+            m_changed.erase(id);
+            m_changed.insert(record.ID);
         }
         if (record.ID != id && m_slotById) {
             m_slotById->remove(id);
@@ -229,6 +252,11 @@ private:
         }
         return written;
     }
+
+    static ProviderFailure CauseFrom(const RecordStatements<Record>& statements) {
+        return statements.cause ? statements.cause() : ProviderFailure{};
+    }
+    bool IsNew(int id) const { return id < m_lowestStoredId; }
 
     Record& Slot(int slot) { return m_records[static_cast<size_t>(slot)]; }
     const Record& Slot(int slot) const { return m_records[static_cast<size_t>(slot)]; }
@@ -254,7 +282,9 @@ private:
     mutable std::optional<QHash<int, int>> m_slotById;
     std::vector<Record> m_deleted;  // in order of deletion
     std::set<int> m_unwritten;      // IDs that the last submit failed to write or delete
+    std::set<int> m_changed;  // IDs of records that the user has added or changed and that are unwritten
     int m_lastNewId = 0;
+    int m_lowestStoredId = 0;  // or 0
     bool m_modified = false;
 };
 

@@ -27,7 +27,10 @@ public:
 
     void setModelData(QWidget* editor, QAbstractItemModel* /*model*/,
                       const QModelIndex& /*index*/) const override {
-        m_tree.m_typed = qobject_cast<const QLineEdit*>(editor)->text();
+        const auto* line = qobject_cast<const QLineEdit*>(editor);
+        if (line->isModified()) {
+            m_tree.m_typed = line->text();
+        }
     }
 
 protected:
@@ -86,7 +89,7 @@ void LabelEditTree::EmitEnd() {
     QTreeWidgetItem* item = itemFromIndex(m_edited);
     if (item != nullptr) {
         const QString text = m_typed.value_or(QString()).trimmed();
-        Q_EMIT LabelEdited(item, text.isEmpty() ? item->text(0) : text);
+        Q_EMIT LabelEdited(item, text.isEmpty() ? item->text(0) : text, !text.isEmpty());
     }
 }
 

@@ -26,8 +26,8 @@ public:
 
 Q_SIGNALS:
     // An edit has ended. Emitted once, after the editor is closed. The text is trimmed. For a cancelled or
-    // empty edit it is the text of the item.
-    void LabelEdited(QTreeWidgetItem* item, const QString& text);
+    // empty edit, or one in which nothing was typed, it is the text of the item, and isTyped is false.
+    void LabelEdited(QTreeWidgetItem* item, const QString& text, bool isTyped);
     // The user requests a menu for an item, which is now the current one, or for the free area (null).
     void MenuRequested(QTreeWidgetItem* item, const QPoint& globalPosition);
 
@@ -44,7 +44,7 @@ private:
 
     QPointer<QWidget> m_editor;
     QPersistentModelIndex m_edited;
-    std::optional<QString> m_typed;  // no value: the edit was cancelled
+    std::optional<QString> m_typed;  // no value: cancelled, or nothing typed
     bool m_isEndPending = false;
 };
 

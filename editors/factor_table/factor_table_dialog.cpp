@@ -54,6 +54,7 @@ CString RowLabel(const CString& kindText) {
 CCoefficientTableDlg::CCoefficientTableDlg(CLightingDatabase& database, int luminaireId, const CString& title,
                                            const CString& kindText, QWidget* parent)
     : QDialog(parent),
+      m_database(database),
       m_rowLabel(RowLabel(kindText)),
       m_editing(database, [this](const CString& text) { ShowMessage(MessageParent(), text); }) {
     setObjectName(u"factorTableDialog"_s);
@@ -175,9 +176,9 @@ void CCoefficientTableDlg::DeleteEntry(Branch branch, const CString& question) {
     }
 }
 
-void CCoefficientTableDlg::OnLabelEdited(QTreeWidgetItem* item, const CString& text) {
+void CCoefficientTableDlg::OnLabelEdited(QTreeWidgetItem* item, const CString& text, bool isTyped) {
     const Branch branch = m_tree->BranchOf(item);
-    if (m_editing.TakeLabel(branch, FactorTableTree::IndexOf(item), text)) {
+    if (m_editing.TakeLabel(branch, FactorTableTree::IndexOf(item), text, isTyped)) {
         ShowAfterOperation(branch);
         return;
     }
@@ -198,10 +199,10 @@ void CCoefficientTableDlg::ShowAfterOperation(Branch branch) {
 
 void CCoefficientTableDlg::OnFactorEdited(int row, int column) {
     const CString text = m_grid->GetItemText(row, column);
-    const bool isUntouched = m_grid->IsUntouched(row, column, m_editing.Table().GetFactor(row, column));
+    const bool isUntouched = !m_grid->IsEditTyped();
     const std::optional<CString> shown = m_editing.TakeFactor(row, column, text, isUntouched);
     if (!isUntouched) {
-        m_grid->ShowTyped(row, column, shown.value_or(FormatInteger(0)));
+        m_grid->SetItemText(row, column, shown.value_or(FormatInteger(0)));
     }
     if (!shown) {
         RefuseFactor();
@@ -252,10 +253,9 @@ bool CCoefficientTableDlg::Submit() {
         unwritten = m_editing.Submit(std::ref(progress));
     }
     if (unwritten > 0) {
-        ShowMessage(
-            this,
-            UnwrittenText(unwritten) + u"可能的原因:数据库文件只读或被其他程序占用。请排除后再次提交。"_s,
-            windowTitle());
+        ShowMessage(this,
+                    UnwrittenText(unwritten) + CauseText(m_database.LastFailure()) + u"请排除后再次提交。"_s,
+                    windowTitle());
     }
     m_grid->Show(m_editing.Table());
     return unwritten == 0;

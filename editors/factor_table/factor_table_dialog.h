@@ -49,7 +49,7 @@ private:
     void ForbidEditing();
 
     void OnCommand(FactorTableTree::Command command);
-    void OnLabelEdited(QTreeWidgetItem* item, const CString& text);
+    void OnLabelEdited(QTreeWidgetItem* item, const CString& text, bool isTyped);
     void OnFactorEdited(int row, int column);
     void OnSubmit();
     void OnClear();
@@ -64,6 +64,7 @@ private:
     bool Ask(const CString& question);
     void TellError(const CString& text);
 
+    CLightingDatabase& m_database;
     CString m_rowLabel;
     FactorTableEditing m_editing;
     FactorTableTree* m_tree = nullptr;

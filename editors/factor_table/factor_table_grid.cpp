@@ -22,7 +22,6 @@ constexpr int kRowHeight = 20;
 constexpr int kLines = 2;  // pixels of grid lines and bevels in a cell
 // An ellipsis tells the user that a value is too long for its cell.
 constexpr unsigned kFactorFormat = kCentred | CellFormat::EndEllipsis;
-constexpr int kTyped = 1;  // item data of a cell that shows a typed text
 
 // The usual width, or more when the font needs it.
 int WidthFor(const QStringList& texts, const QFontMetrics& metrics, int usualWidth) {
@@ -135,17 +134,6 @@ void FactorTableGrid::MergeHeadings() {
     if (!m_headings.empty()) {
         MergeCells(kLabelRow, kFirstColumn, 0, static_cast<int>(m_headings.size()) - 1);
     }
-}
-
-bool FactorTableGrid::IsUntouched(int row, int column, double factor) const {
-    const CString text = GetItemText(row, column);
-    const bool isRounded = GetItemData(row, column) != kTyped;
-    return text == FormatReal(factor) || (isRounded && text == FormatFixed2(factor));
-}
-
-void FactorTableGrid::ShowTyped(int row, int column, const CString& text) {
-    SetItemText(row, column, text);
-    SetItemData(row, column, kTyped);
 }
 
 }  // namespace quorvane

@@ -25,12 +25,6 @@ public:
     // neighbour when the factor was removed.
     void Show(UtilizationFactorTable& table);
 
-    // Whether a cell shows its factor, so that nothing new was typed. A cell shows two decimals until the
-    // user types into it.
-    bool IsUntouched(int row, int column, double factor) const;
-    // Shows a typed text, which is not rounded to two decimals.
-    void ShowTyped(int row, int column, const CString& text);
-
 private:
     CCellID PlaceAfterChange(CCellID cell, const UtilizationFactorTable& table) const;
     void Build(UtilizationFactorTable& table);

@@ -335,9 +335,12 @@ void CQuorvaneLuminaireDlg::OpenMixedLightSources(int row) {
 
 void CQuorvaneLuminaireDlg::OpenPhoto(int row) {
     tagLUMINAIREINFO record = m_grid.RecordAt(row);
-    CLuminairePhotoSettingDlg dialog(m_luminaires.Photos().FilePath(record.LampPhoto), record.LampName, this);
+    const CString present = m_luminaires.Photos().FilePath(record.LampPhoto);
+    CLuminairePhotoSettingDlg dialog(present, record.LampName, this);
     if (dialog.exec() == QDialog::Accepted) {
-        record.LampPhoto = dialog.Path();
+        // A photo outside the library that came with the file has not been chosen by opening the dialog.
+        const bool isForeign = !record.LampPhoto.isEmpty() && !m_luminaires.Photos().Holds(record.LampPhoto);
+        record.LampPhoto = isForeign && dialog.Path() == present ? record.LampPhoto : dialog.Path();
         m_grid.Put(row, record);
     }
 }
@@ -376,7 +379,11 @@ bool CQuorvaneLuminaireDlg::Submit() {
 void CQuorvaneLuminaireDlg::ShowSaved(int row, const WorkingLuminaires::Saved& saved) {
     m_grid.ShowSaved(row, saved.id, saved.written);
     if (!saved.written) {
-        TellFailures(this, kCaption, {.writes = 1, .photos = m_luminaires.PhotoFailures()},
+        TellFailures(this, kCaption,
+                     {.writes = 1,
+                      .photos = m_luminaires.PhotoFailures(),
+                      .row = row,
+                      .cause = m_database.LastFailure()},
                      m_luminaires.LastPhotoProblem());
     }
 }

@@ -32,6 +32,8 @@ void InPlaceEdit::Begin(CCellID cell, Start start) {
         m_editor->setText(source.GetText());
     }
     m_editor->installEventFilter(this);
+    connect(m_editor, &QLineEdit::textEdited, this,
+            [this](const QString& text) { Q_EMIT m_controller.Grid().TextTyped(m_editor, text); });
     Place();
     m_editor->show();
     if (start != Start::Composing) {

@@ -37,6 +37,8 @@ public:
     // True while the input method is told to forget a composition whose edit has ended. What it sends in
     // answer belongs to that edit.
     bool DropsComposition() const { return m_dropsComposition; }
+    // Whether the user has typed into the open editor.
+    bool IsTyped() const { return IsOn() && m_editor->isModified(); }
 
     // Closes the editor. Gives the text for the cell; none when no edit was on or its cell is no longer one
     // of editable text.

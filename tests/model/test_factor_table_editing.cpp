@@ -89,7 +89,9 @@ private Q_SLOTS:
         using Edit = void (*)(FactorTableEditing&);
         const std::tuple<const char*, Edit, bool> edits[] = {
             {"a heading as it was", [](auto& e) { e.TakeLabel(Branch::Headings, 0, u"80,50,20"_s); }, false},
-            {"a rounded row value as shown", [](auto& e) { e.TakeLabel(Branch::Rows, 1, u"1.26"_s); }, false},
+            {"a rounded row value looked at", [](auto& e) { e.TakeLabel(Branch::Rows, 1, u"1.26"_s, false); },
+             false},
+            {"a rounded row value typed", [](auto& e) { e.TakeLabel(Branch::Rows, 1, u"1.26"_s); }, true},
             {"a duplicate heading", [](auto& e) { e.TakeLabel(Branch::Headings, -1, u"80,50,20"_s); }, false},
             {"a duplicate row value", [](auto& e) { e.TakeLabel(Branch::Rows, 0, u"1.256"_s); }, false},
             {"a new row value that is shown like another",

@@ -31,6 +31,7 @@ private Q_SLOTS:
         QCOMPARE(TypedReal(u"1.23457E+06"_s, 1234567), 1234567.0);  // what the present value shows
         QCOMPARE(TypedReal(u"1.23457E+06"_s, 5), 0.0);
         QCOMPARE(TypedReal(u" 12.5 "_s, 5), 12.5);
+        QCOMPARE(TypedReal(u"0.123457"_s, 0.12345678), 0.123457);
         QCOMPARE(TypedInteger(u"+3"_s), 3);
         QCOMPARE(TypedInteger(u"1.5"_s), 0);
     }

@@ -126,14 +126,15 @@ private Q_SLOTS:
                  u"update 1,update 5,insert 7,insert 8,delete 4,delete 3,delete -3"_s);
         QCOMPARE(progress.size(), 8);
         QCOMPARE(progress.constLast(), u"8/8 "_s);
-        QCOMPARE(failures.writes, 2);
+        QCOMPARE(failures.writes, 1);  // nobody has changed record 1
         QCOMPARE(failures.deletes, 1);
+        QCOMPARE(failures.row, 5);
         QCOMPARE(Shown(records), u"1:0 2:99 5:0 101:7 -2:8 4:0"_s);
         QCOMPARE(records.Find(101)->value, 7);
         QVERIFY(records.Find(-1) == nullptr && records.Find(4) != nullptr);
         QVERIFY(records.IsModified() && records.HasUnwritten());
         for (const int id : {1, -2, 4, 5, 101}) {
-            QCOMPARE(records.IsUnwritten(id), id == 1 || id == -2 || id == 4);
+            QCOMPARE(records.IsUnwritten(id), id == -2 || id == 4);
         }
         // Nothing is deleted a second time, and nothing is unwritten any more.
         table = {};
@@ -172,6 +173,18 @@ private Q_SLOTS:
         records.DiscardChanges();
         records.TakeLoaded(Loaded(3));
         QCOMPARE(records.Count(), 3);
+    }
+
+    // Other programs can store them.
+    void StoredNegativeIdsAreNotNew() {
+        WorkingRecords<Item> records;
+        records.TakeLoaded({{-1, 0}, {-5, 0}, {3, 0}});
+        QCOMPARE(records.Append({0, 7}), -6);
+        records.Remove(-5);
+        Table table;
+        table.failing = QStringList{u"delete -5"_s};
+        QCOMPARE(records.Submit(table.Statements()).deletes, 1);
+        QCOMPARE(table.statements.join(u','), u"update -1,update 3,insert 7,delete -5"_s);
     }
 
     void SerialIdsGoOnAboveTheHighest() {

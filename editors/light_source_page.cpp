@@ -202,7 +202,6 @@ void CQuorvaneLamphouseDlg::Load() {
     m_records.TakeLoaded(std::move(records));
     m_grid.Fill();
     if (!complete) {
-        (byCategory ? m_categories : m_makers)->ForgetChoice();
         TellIncompleteLoad(this, kCaption, m_database.LastFailure());
     }
 }

@@ -1,8 +1,10 @@
 #include "editors/requirement_page.h"
 
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QSignalBlocker>
 #include <QTreeWidget>
+#include <utility>
 
 #include "editors/submit.h"
 #include "widgets/dialog_template.h"
@@ -42,8 +44,16 @@ CQuorvaneDemandDlg::CQuorvaneDemandDlg(CLightingDatabase& database, QWidget* par
     m_grid.Create(kGrid, DialogItem(this, kGridFrame)->geometry(), SharesOf::WindowWidth);
     m_grid.SetHasAppendRow(false);
     FillTree();
-    connect(m_tree, &QTreeWidget::itemSelectionChanged, this,
-            [this] { ChangeBuildingType(m_tree->selectedItems().value(0)); });
+    connect(m_tree, &QTreeWidget::itemSelectionChanged, this, [this] {
+        m_isChosenByPress = QGuiApplication::mouseButtons() != Qt::NoButton;
+        ChangeBuildingType(m_tree->selectedItems().value(0));
+    });
+    // A click on the building type that is shown loads it again.
+    connect(m_tree, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) {
+        if (!std::exchange(m_isChosenByPress, false) && item == m_shownItem) {
+            ChangeBuildingType(item);
+        }
+    });
 }
 
 RecordGridRules<tagILLUMINANCESTANDARD> CQuorvaneDemandDlg::Rules() {

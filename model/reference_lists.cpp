@@ -47,6 +47,11 @@ void ReferenceLists::Invalidate() {
     m_lightSources.clear();
     m_choicesByIds.clear();
     m_choicesByCategoryName.clear();
+    for (auto& [id, text] : m_textById) {
+        if (!text.isEmpty()) {
+            m_formerTexts.insert_or_assign(id, std::move(text));
+        }
+    }
     m_textById.clear();
     m_idByText.clear();
     m_isComplete = true;
@@ -197,11 +202,13 @@ CString ReferenceLists::LightSourceText(const CString& idText) {
         tagLAMPHOUSEINFO onlyId;
         onlyId.ID = id;
         tagLAMPHOUSEINFO lightSource;
-        m_isComplete = m_database.LoadLightSourceByID(id, lightSource) && m_isComplete;
+        const bool answered = m_database.LoadLightSourceByID(id, lightSource);
+        m_isComplete = answered && m_isComplete;
         if (lightSource != onlyId) {  // without a row only the ID is set
             Remember({lightSource});
         }
-        known = m_textById.try_emplace(id).first;
+        const auto former = answered ? m_formerTexts.end() : m_formerTexts.find(id);
+        known = m_textById.try_emplace(id, former == m_formerTexts.end() ? CString() : former->second).first;
     }
     return known->second.isEmpty() ? idText : known->second;
 }

@@ -85,6 +85,7 @@ private:
     std::map<CString, SharedTexts> m_choicesByCategoryName;  // complete ones only
     std::map<int, CString> m_textById;                       // an empty text: there is no such light source
     std::map<CString, int> m_idByText;
+    std::map<int, CString> m_formerTexts;  // shown while the database does not answer
     bool m_isComplete = true;
 };
 

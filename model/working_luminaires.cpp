@@ -60,8 +60,9 @@ WorkingLuminaires::Saved WorkingLuminaires::Save(int id) {
     m_lists.Invalidate();
     CopyUsedPictures();
     SubmitScope scope(m_database);  // pasted factors are many statements
+    const bool isChanged = m_records.IsChanged(id);
     Saved saved = m_records.SubmitOne(id, Statements());
-    saved.written = scope.Finish() && saved.written;
+    saved.written = (scope.Finish() || !isChanged) && saved.written;
     return saved;
 }
 

@@ -104,6 +104,7 @@ public:
         m_modified = true;
     }
 
+    bool IsChanged(int id) const { return m_changed.contains(id); }
     // Counts the record as changed: what is stored together with it has changed.
     void NoteChange(int id) { m_changed.insert(id); }
 

@@ -11,10 +11,8 @@ namespace quorvane {
 CEaseComboBox::CEaseComboBox(bool sorted, QWidget* parent) : QComboBox(parent), m_sorted(sorted) {
     setMaxVisibleItems(16);
     connect(this, &QComboBox::activated, this, [this](int index) {
-        if (index != m_selected) {
-            m_selected = index;
-            Q_EMIT SelectionChanged();
-        }
+        m_selected = index;
+        Q_EMIT SelectionChanged();
     });
 }
 

@@ -21,16 +21,13 @@ public:
     // Selects the entry with exactly this text, or none. Emits no SelectionChanged.
     void SelectString(const QString& text);
     void ClearSelection();
-    // Lets the present entry count as a new choice when it is chosen again: what it stands for could not be
-    // shown.
-    void ForgetChoice() { m_selected = -1; }
 
     void showPopup() override;
 
 Q_SIGNALS:
     // The list is about to open.
     void DropDown();
-    // The user chose another entry.
+    // The user chose an entry of the open list, or another one by a key.
     void SelectionChanged();
 
 protected:
@@ -41,7 +38,7 @@ private:
     int PlaceOf(const QString& text) const;
 
     bool m_sorted;
-    int m_selected = -1;  // the entry last chosen, to tell a new choice from the same one
+    int m_selected = -1;  // the entry last chosen
 };
 
 }  // namespace quorvane

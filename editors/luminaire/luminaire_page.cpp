@@ -241,9 +241,6 @@ void CQuorvaneLuminaireDlg::ChangeFilter() {
     const bool complete = m_luminaires.Load(m_filterCategoryId);
     LoadListsOfRecords();
     m_grid.Fill();
-    if (!complete) {
-        m_filter->ForgetChoice();
-    }
     if (!complete || !m_lists.IsComplete()) {
         TellIncompleteLoad(this, kCaption);
     }

@@ -162,6 +162,14 @@ private Q_SLOTS:
         other.Execute(u"rollback"_s);
     }
 
+    void TheShownCategoryIsLoadedAgainWhenChosenAgain() {
+        Fixture fixture;
+        fixture.ChooseFluorescent();
+        fixture.file.Raw().Execute(u"update 光源 set LamphouseName='新'"_s);
+        fixture.ChooseFluorescent();
+        QCOMPARE(fixture.grid->GetItemText(1, Name), u"新"_s);
+    }
+
     void IncompleteLoadIsTold() {
         Fixture fixture(kFile + u"update 光源 set Factory=null where ID=12;"_s);
         QStringList seen;

@@ -92,6 +92,15 @@ private Q_SLOTS:
         }
     }
 
+    void FormerTextsStandWhileTheDatabaseDoesNotAnswer() {
+        Lists lists;
+        QCOMPARE(lists.LightSourceTexts(u"11"_s), u"直管:T8"_s);
+        lists.log.failing = QStringList{u"from 光源 "_s};
+        lists.Invalidate();
+        QCOMPARE(lists.LightSourceTexts(u"11"_s), u"直管:T8"_s);
+        QVERIFY(!lists.IsComplete());
+    }
+
     void ATextThatWasNotFoundIsResolvedLater() {
         Lists lists;
         lists.log.failing = QStringList{u"from 光源 "_s};

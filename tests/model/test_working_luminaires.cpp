@@ -138,6 +138,16 @@ private Q_SLOTS:
         QCOMPARE(place.Photos(), u"33.jpg=old"_s);
     }
 
+    // The factors of a file that cannot be written can be looked at.
+    void AnUnchangedLuminaireNeedsNoWriting() {
+        Place place;
+        place.log.failing = QStringList{u"update 灯具"_s};
+        QCOMPARE(place.luminaires.Save(31).StoredId(), 31);
+        QVERIFY(place.luminaires.Submit().None());
+        place.SetPhoto(31, {});
+        QCOMPARE(place.luminaires.Save(31).StoredId(), 0);
+    }
+
     void ACopyNeedsAllFactors() {
         Place place;
         place.Copy(32);

@@ -77,7 +77,9 @@ CString CauseText(const ProviderFailure& failure, int row) {
         case FailureKind::UnwritableValue:
             return u"原因:"_s + UnwritableText(failure, row);
         default:
-            return u"可能的原因:数据库文件只读或被其他程序占用,或文字中含有单引号。"_s;
+            return failure.message.isEmpty()
+                       ? u"可能的原因:数据库文件只读或被其他程序占用,或文字中含有单引号。"_s
+                       : FormatText(u"原因:数据库报告“%s”。"_s, {failure.message});
     }
 }
 

@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "data/connection.h"
+#include "data/lighting_database.h"
 #include "model/slot_order.h"
 
 namespace quorvane {

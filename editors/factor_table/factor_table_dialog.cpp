@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 
+#include "data/lighting_database.h"
 #include "data/number_text.h"
 #include "editors/factor_table/factor_table_grid.h"
 #include "editors/messages.h"

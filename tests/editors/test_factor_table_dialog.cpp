@@ -255,7 +255,7 @@ private Q_SLOTS:
                         u"create trigger refuse before update on 利用系数 when new.ID in (2,3) "
                         "begin select raise(abort,'refused'); end;"_s);
         const QString told =
-            u"甲灯 利用系数表|有2条数据未能写入数据库。\n可能的原因:数据库文件只读或被其他程序占用。请排除后再次提交。|确定|unplanned"_s;
+            u"甲灯 利用系数表|有2条数据未能写入数据库。\n原因:数据库报告“refused”。请排除后再次提交。|确定|unplanned"_s;
         fixture.Type(5, 1, u"0.7"_s);
         fixture.Press(Submit);
         QVERIFY(fixture.dialog->IsModified());  // what is not in the file is not forgotten

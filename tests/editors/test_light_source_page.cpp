@@ -142,7 +142,7 @@ private Q_SLOTS:
         fixture.page->Submit();
         fixture.page->Refresh();
         QVERIFY(fixture.answers.TakeSeen().constLast().contains(
-            u"有2条数据未能写入数据库。\n有1条数据未能从数据库删除。"_s));
+            u"有1条数据未能写入数据库。\n有1条数据未能从数据库删除。\n原因:数据库文件被其他程序占用。"_s));
         QCOMPARE(fixture.grid->GetItemText(3, Name), u"细管"_s);  // still in the file, so back on the screen
         QCOMPARE(afterRefusal([&] { fixture.Choose(kCategoryList, 0); }), u"2荧光灯"_s);
         QCOMPARE(fixture.grid->GetItemText(4, Category), u"荧光灯"_s);  // that of the append row

@@ -251,11 +251,10 @@ private Q_SLOTS:
     }
 
     void TellsWhatWasNotWritten() {
-        Fixture fixture(kFile +
-                        u"create trigger refuse before update on 利用系数 when new.ID in (2,3) "
-                        "begin select raise(abort,'refused'); end;"_s);
+        Fixture fixture;
+        fixture.log.failing = {u"where ID=2"_s, u"where ID=3"_s};
         const QString told =
-            u"甲灯 利用系数表|有2条数据未能写入数据库。\n原因:数据库报告“refused”。请排除后再次提交。|确定|unplanned"_s;
+            u"甲灯 利用系数表|有2条数据未能写入数据库。\n原因:数据库文件被其他程序占用。请排除后再次提交。|确定|unplanned"_s;
         fixture.Type(5, 1, u"0.7"_s);
         fixture.Press(Submit);
         QVERIFY(fixture.dialog->IsModified());  // what is not in the file is not forgotten

@@ -152,6 +152,7 @@ private Q_SLOTS:
 
     void UnwrittenRecordsArePointedOut() {
         Fixture fixture(60);
+        fixture.records.Replace({40, u"changed"_s, 0});
         fixture.grid->SetFocusCell({5, Count});
         fixture.Submit(40);
         fixture.shown.Refresh();

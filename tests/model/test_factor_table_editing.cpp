@@ -80,8 +80,8 @@ private Q_SLOTS:
         Fixture fixture;
         QVERIFY(fixture.editing.TakeLabel(Branch::Rows, -1, u"2.23456789"_s));
         QCOMPARE(fixture.editing.Table().RowValues()[2], 2.23457);
-        QVERIFY(fixture.editing.TakeLabel(Branch::Rows, 1, u"2.234568"_s));  // the same six digits
-        QVERIFY(fixture.editing.TakeLabel(Branch::Rows, 1, u"1.26"_s));      // as it is shown
+        QVERIFY(fixture.editing.TakeLabel(Branch::Rows, 1, u"2.234568"_s));     // the same six digits
+        QVERIFY(fixture.editing.TakeLabel(Branch::Rows, 1, u"1.26"_s, false));  // as it is shown
         QCOMPARE(fixture.editing.Table().RowValues()[1], 1.256);
     }
 

@@ -12,6 +12,7 @@
 #include "editors/page.h"
 #include "grid/grid_ctrl.h"
 #include "model/reference_lists.h"
+#include "tests/support/failing_connection.h"
 #include "tests/support/message_answers.h"
 #include "tests/support/temporary_lighting_database.h"
 #include "widgets/dialog_template.h"
@@ -101,7 +102,8 @@ private:
 
 struct ShownGrid : WorkedGrid {
     // Fills the file by rows (any statements) and opens it.
-    explicit ShownGrid(const QString& rows) : file(), database(CreateStoreConnection, file.ExecutablePath()) {
+    explicit ShownGrid(const QString& rows)
+        : file(), database(FailingConnection::Factory(log), file.ExecutablePath()) {
         file.Raw().Execute(rows);
         if (!database.Connect()) {
             qFatal("the database did not open");
@@ -109,6 +111,7 @@ struct ShownGrid : WorkedGrid {
     }
 
     TemporaryLightingDatabase file;
+    StatementLog log;  // tells statements to fail
     CLightingDatabase database;
     ReferenceLists lists{database};
 };

@@ -1,12 +1,17 @@
-// A power cut at every moment of a submit: what the disk had not confirmed is lost, kept or torn by chance.
-// What the next opening finds must be whole and must hold every statement that had been promised.
+// A power cut, or the end of the process, at every moment of a submit. A power cut loses, keeps or tears by
+// chance what the disk had not confirmed. What the next opening finds must be whole and must hold every
+// statement that had been promised: those that were finished when the process ends, those that the disk had
+// confirmed when the power fails.
 
 #include <sqlite3.h>
 
 #include <QDir>
 #include <QMap>
 #include <QRandomGenerator>
+#include <QSet>
 #include <QTest>
+#include <map>
+#include <optional>
 
 #include "data/lighting_database.h"
 #include "data/store/store_factory.h"
@@ -20,47 +25,49 @@ namespace {
 constexpr int kSectorSize = 512;
 
 struct Step {
-    enum Kind { Write, Truncate, Sync, Delete, Promise } kind;
+    enum Kind { Write, Truncate, Sync, Delete, Finish, Promise } kind;
     QString path;
-    qint64 offset = 0;  // for Delete: whether the folder is synced; for Promise: how many statements
+    qint64 offset = 0;  // for Delete: whether the folder is synced; last: the number of statements
     QByteArray bytes;
 };
+
+using Files = QMap<QString, QByteArray>;
+enum Fate { AllLost, AllKept, EachByChance };
 
 // The files as a disk may hold them after a power cut.
 class Disk {
 public:
-    explicit Disk(QMap<QString, QByteArray> files) : m_durable(std::move(files)) {}
+    explicit Disk(Files files) : m_durable(std::move(files)) {}
 
     void Run(const Step& step) {
+        bool isFolderSynced = step.kind == Step::Delete && step.offset != 0;
         if (step.kind == Step::Sync) {
-            RunPending([&](const Step& pending) { return pending.path == step.path; });
-            // The first sync of a new file syncs its folder as well.
-            if (!m_synced.contains(step.path)) {
-                RunPending([](const Step& pending) { return pending.kind == Step::Delete; });
-                m_synced.append(step.path);
-            }
-        } else if (step.kind == Step::Delete) {
-            m_synced.removeAll(step.path);
-            m_pending.append(step);
-            if (step.offset != 0) {
-                RunPending([](const Step& pending) { return pending.kind == Step::Delete; });
-            }
-        } else if (step.kind != Step::Promise) {
+            Confirm([&](const Step& pending) { return pending.path == step.path; });
+            isFolderSynced = !m_synced.contains(step.path);  // with the first sync of a new file
+            m_synced.insert(step.path);
+        } else if (step.kind < Step::Finish) {
             m_pending.append(step);
         }
+        if (step.kind == Step::Delete) {
+            m_synced.remove(step.path);
+        }
+        if (isFolderSynced) {
+            Confirm([](const Step& pending) { return pending.kind == Step::Delete; });
+        }
     }
-    // Decides by chance what becomes of the steps that no sync has confirmed.
-    QMap<QString, QByteArray> CutPower(QRandomGenerator& chance) {
-        const int mood = chance.bounded(3);  // all lost, all kept, each for itself
+    // Decides what becomes of the steps that no sync has confirmed.
+    Files CutPower(Fate fate, QRandomGenerator& chance) {
+        const auto isKept = [&] {
+            return fate == AllKept || (fate == EachByChance && chance.bounded(2) == 0);
+        };
         for (const Step& step : std::exchange(m_pending, {})) {
-            for (qint64 done = 0; step.kind == Step::Write && mood == 2 && done < step.bytes.size();
-                 done += kSectorSize) {
-                if (chance.bounded(2) == 0) {
+            if (step.kind != Step::Write && isKept()) {
+                Apply(step);
+            }
+            for (qint64 done = 0; done < step.bytes.size(); done += kSectorSize) {
+                if (isKept()) {
                     Apply({Step::Write, step.path, step.offset + done, step.bytes.mid(done, kSectorSize)});
                 }
-            }
-            if (mood == 1 || (mood == 2 && step.kind != Step::Write && chance.bounded(2) == 0)) {
-                Apply(step);
             }
         }
         return m_durable;
@@ -68,7 +75,7 @@ public:
 
 private:
     template <typename Predicate>
-    void RunPending(Predicate isConfirmed) {
+    void Confirm(Predicate isConfirmed) {
         QList<Step> left;
         for (const Step& step : std::exchange(m_pending, {})) {
             isConfirmed(step) ? Apply(step) : left.append(step);
@@ -76,12 +83,10 @@ private:
         m_pending = left;
     }
     void Apply(const Step& step) {
+        QByteArray& file = m_durable[step.path];
         if (step.kind == Step::Delete) {
             m_durable.remove(step.path);
-            return;
-        }
-        QByteArray& file = m_durable[step.path];
-        if (step.kind == Step::Truncate) {
+        } else if (step.kind == Step::Truncate) {
             file.resize(step.offset);
         } else {
             file.append(std::max<qint64>(step.offset + step.bytes.size() - file.size(), 0), '\0');
@@ -89,32 +94,27 @@ private:
         }
     }
 
-    QMap<QString, QByteArray> m_durable;
+    Files m_durable;
     QList<Step> m_pending;
-    QStringList m_synced;
+    QSet<QString> m_synced;
 };
 
-// A file system under SQLite that writes down what is asked of it. It offers no shared memory.
+// The file system under SQLite, but it writes down what changes the disk, and offers no shared memory.
 struct Recorder : sqlite3_vfs {
-    struct File : sqlite3_file {
-        const char* path;
-        sqlite3_file* Real() { return reinterpret_cast<sqlite3_file*>(this + 1); }
-    };
-    static File* At(sqlite3_file* file) { return static_cast<File*>(file); }
-
     static Recorder& Instance() {
         static Recorder recorder;
         return recorder;
     }
     Recorder() : sqlite3_vfs(*sqlite3_vfs_find(nullptr)), real(sqlite3_vfs_find(nullptr)) {
         zName = "recorder";
-        szOsFile = static_cast<int>(sizeof(File)) + real->szOsFile;
         xOpen = [](sqlite3_vfs*, const char* path, sqlite3_file* file, int flags, int* outFlags) {
-            static const sqlite3_io_methods methods = Methods();
-            At(file)->path = path;
-            sqlite3_vfs* vfs = Instance().real;
-            const int result = vfs->xOpen(vfs, path, At(file)->Real(), flags, outFlags);
-            file->pMethods = At(file)->Real()->pMethods == nullptr ? nullptr : &methods;
+            Recorder& recorder = Instance();
+            recorder.paths[file] = QString::fromUtf8(path);
+            const int result = recorder.real->xOpen(recorder.real, path, file, flags, outFlags);
+            if (file->pMethods != nullptr) {
+                recorder.realMethods = file->pMethods;  // writing is the same for all kinds of file
+                file->pMethods = recorder.Changed(file->pMethods);
+            }
             return result;
         };
         xDelete = [](sqlite3_vfs*, const char* path, int syncFolder) {
@@ -124,55 +124,41 @@ struct Recorder : sqlite3_vfs {
         sqlite3_vfs_register(this, 1);
     }
     static void Note(sqlite3_file* file, Step::Kind kind, qint64 offset = 0, const QByteArray& bytes = {}) {
-        Instance().steps.append({kind, QString::fromUtf8(At(file)->path), offset, bytes});
+        Instance().steps.append({kind, Instance().paths[file], offset, bytes});
     }
-    static sqlite3_io_methods Methods() {
-        using F = sqlite3_file;
-        sqlite3_io_methods methods{};
+    const sqlite3_io_methods* Changed(const sqlite3_io_methods* given) {
+        sqlite3_io_methods& methods = changed.try_emplace(given, *given).first->second;
         methods.iVersion = 1;
-        methods.xClose = [](F* f) { return At(f)->Real()->pMethods->xClose(At(f)->Real()); };
-        methods.xRead = [](F* f, void* to, int size, sqlite3_int64 offset) {
-            return At(f)->Real()->pMethods->xRead(At(f)->Real(), to, size, offset);
+        methods.xWrite = [](sqlite3_file* file, const void* from, int size, sqlite3_int64 offset) {
+            Note(file, Step::Write, offset, QByteArray(static_cast<const char*>(from), size));
+            return Instance().realMethods->xWrite(file, from, size, offset);
         };
-        methods.xWrite = [](F* f, const void* from, int size, sqlite3_int64 offset) {
-            Note(f, Step::Write, offset, QByteArray(static_cast<const char*>(from), size));
-            return At(f)->Real()->pMethods->xWrite(At(f)->Real(), from, size, offset);
+        methods.xTruncate = [](sqlite3_file* file, sqlite3_int64 size) {
+            Note(file, Step::Truncate, size);
+            return Instance().realMethods->xTruncate(file, size);
         };
-        methods.xTruncate = [](F* f, sqlite3_int64 size) {
-            Note(f, Step::Truncate, size);
-            return At(f)->Real()->pMethods->xTruncate(At(f)->Real(), size);
-        };
-        methods.xSync = [](F* f, int /*flags*/) {
-            Note(f, Step::Sync);
+        methods.xSync = [](sqlite3_file* file, int /*flags*/) {
+            Note(file, Step::Sync);
             return SQLITE_OK;
         };
-        methods.xFileSize = [](F* f, sqlite3_int64* size) {
-            return At(f)->Real()->pMethods->xFileSize(At(f)->Real(), size);
-        };
-        methods.xLock = [](F* f, int lock) { return At(f)->Real()->pMethods->xLock(At(f)->Real(), lock); };
-        methods.xUnlock = [](F* f, int lock) {
-            return At(f)->Real()->pMethods->xUnlock(At(f)->Real(), lock);
-        };
-        methods.xCheckReservedLock = [](F* f, int* held) {
-            return At(f)->Real()->pMethods->xCheckReservedLock(At(f)->Real(), held);
-        };
-        methods.xFileControl = [](F*, int, void*) { return SQLITE_NOTFOUND; };
-        methods.xSectorSize = [](F*) { return kSectorSize; };
-        methods.xDeviceCharacteristics = [](F*) { return 0; };
-        return methods;
+        methods.xSectorSize = [](sqlite3_file*) { return kSectorSize; };
+        methods.xDeviceCharacteristics = [](sqlite3_file*) { return 0; };
+        return &methods;
     }
 
     sqlite3_vfs* real;
+    const sqlite3_io_methods* realMethods = nullptr;
+    std::map<const sqlite3_io_methods*, sqlite3_io_methods> changed;
+    QMap<sqlite3_file*, QString> paths;
     QList<Step> steps;
 };
 
-QMap<QString, QByteArray> FilesIn(const QString& folder) {
-    QMap<QString, QByteArray> files;
+QStringList PathsIn(const QString& folder) {
+    QStringList paths;
     for (const QFileInfo& info : QDir(folder).entryInfoList(QDir::Files)) {
-        QFile file(info.filePath());
-        files[info.filePath()] = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        paths += info.filePath();
     }
-    return files;
+    return paths;
 }
 
 }  // namespace
@@ -182,54 +168,52 @@ class TestPowerCut : public QObject {
 
 private Q_SLOTS:
     void LosesNoPromisedStatement() {
-        const auto insert = [this](int count) {
-            for (int row = 0; row < count; ++row) {
-                tagLAMPHOUSEINFO record;
-                record.LuminousFlux = ++m_written;
-                record.Factory =
-                    u"x"_s.repeated(qsizetype{3000} * (m_written % 4));  // up to some pages a row
-                QVERIFY(m_database.InsertLightSource(record));
-            }
-        };
         m_file.Raw().Execute(u"insert into 光源 values (1, 1, '', 0, 0, '', '')"_s);
-        const QMap<QString, QByteArray> before = FilesIn(m_file.DatabaseFolder());
-        Recorder::Instance();
+        const Files before{{m_file.FilePath(), m_file.Bytes()}};
+        QList<Step>& noted = Recorder::Instance().steps;
         QVERIFY(m_database.Connect());
         for (const int submitted : {12, 0, 7}) {
-            for (int alone = 0; alone < 2; ++alone) {
-                insert(1);
-                Promise();
+            for (const int count : {1, 1, submitted}) {
+                std::optional<SubmitScope> submit;
+                if (count == submitted) {
+                    submit.emplace(m_database);
+                }
+                for (int row = 0; row < count; ++row) {
+                    const CString factory =
+                        u"x"_s.repeated(qsizetype{3000} * (++m_written % 4));  // up to some pages
+                    tagLAMPHOUSEINFO record{0, 0, u""_s, double(m_written), 0, factory, u""_s};
+                    QVERIFY(m_database.InsertLightSource(record));
+                    noted.append({Step::Finish, {}, m_written, {}});
+                }
+                QVERIFY(!submit || submit->Finish());
+                noted.append({Step::Promise, {}, m_written, {}});
             }
-            SubmitScope submit(m_database);
-            insert(submitted);
-            QVERIFY(submit.Finish());
-            Promise();
-            QCOMPARE(QDir(m_file.DatabaseFolder()).entryList(QDir::Files).size(), 1);
+            QCOMPARE(PathsIn(m_file.DatabaseFolder()).size(), 1);
         }
         QVERIFY(m_database.Disconnect());
 
-        const QList<Step> steps = std::exchange(Recorder::Instance().steps, {});
+        const QList<Step> steps = std::exchange(noted, {});
+        qint64 finished = 0;
         qint64 promised = 0;
         for (qsizetype end = 0; end <= steps.size(); ++end) {
-            for (int chance = 0; chance < 4; ++chance) {
+            for (const Fate fate : {AllLost, AllKept, EachByChance, EachByChance}) {
                 Disk disk(before);
                 std::for_each(steps.begin(), steps.begin() + end, [&](const Step& step) { disk.Run(step); });
-                Check(disk.CutPower(m_chance), promised);
+                Check(disk.CutPower(fate, m_chance), fate == AllKept ? finished : promised);
                 if (QTest::currentTestFailed()) {
                     QFAIL(qPrintable(u"power cut after step %1 of %2"_s.arg(end).arg(steps.size())));
                 }
             }
-            promised = end < steps.size() && steps[end].kind == Step::Promise ? steps[end].offset : promised;
+            if (end < steps.size() && steps[end].kind >= Step::Finish) {
+                (steps[end].kind == Step::Finish ? finished : promised) = steps[end].offset;
+            }
         }
     }
 
 private:
-    void Promise() { Recorder::Instance().steps.append({Step::Promise, {}, m_written, {}}); }
-
-    void Check(const QMap<QString, QByteArray>& files, qint64 promised) {
-        QDir folder(m_file.DatabaseFolder());
-        for (const QString& name : folder.entryList(QDir::Files)) {
-            QVERIFY(folder.remove(name));
+    void Check(const Files& files, qint64 promised) {
+        for (const QString& path : PathsIn(m_file.DatabaseFolder())) {
+            QVERIFY(QFile::remove(path));
         }
         for (auto entry = files.begin(); entry != files.end(); ++entry) {
             QFile file(entry.key());
@@ -240,11 +224,12 @@ private:
         std::vector<tagLAMPHOUSEINFO> rows;
         QVERIFY(database.LoadAllLightSources(rows));
         QVERIFY(qint64(rows.size()) - 1 >= promised);
-        std::sort(rows.begin(), rows.end(), [](const auto& l, const auto& r) { return l.ID < r.ID; });
+        std::ranges::sort(rows, {}, &tagLAMPHOUSEINFO::ID);
         for (std::size_t row = 0; row < rows.size(); ++row) {
             QCOMPARE(rows[row].LuminousFlux, double(row));  // a beginning of the statements
         }
-        QVERIFY(database.Disconnect());
+        QVERIFY(database.UpdateLightSource(rows[0]) && database.Disconnect());
+        QCOMPARE(PathsIn(m_file.DatabaseFolder()).size(), 1);
         QCOMPARE(m_file.Raw().Rows(u"PRAGMA integrity_check"_s), QStringList{u"'ok'"_s});
     }
 

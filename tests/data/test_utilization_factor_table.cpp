@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <optional>
 #include <random>
+#include <set>
 
 #include "data/lighting_database.h"
 #include "data/store/store_factory.h"
@@ -17,7 +19,7 @@ namespace {
 
 using Values = std::vector<double>;
 using Triple = std::array<int, 3>;
-using Cells = std::map<std::pair<Triple, double>, double>;
+using Place = std::pair<Triple, double>;
 
 const CString kExists = u"数据已存在"_s;
 constexpr int kLuminaire = 7;
@@ -51,30 +53,50 @@ struct Bench {
     UtilizationFactorTable table{database, [this](const CString& message) { messages << message; }};
 };
 
-Triple TripleOf(const auto& owner) {
+template <typename Owner>
+Triple TripleOf(const Owner& owner) {
     return {owner.Pcc, owner.Pw, owner.Pf};
 }
 
-// All factors, once headings, row values and factors are seen to stand in their order and complete.
-Cells CellsOf(const UtilizationFactorTable& table) {
-    Cells cells;
-    std::vector<Triple> headings;
-    for (const tagColHeading& heading : table.Headings()) {
-        headings.push_back(TripleOf(heading));
-        for (const double rcr : table.RowValues()) {
-            const tagLUMINAIREUTILIZATIONFACTOR& factor = table.Factors().at(cells.size());
-            cells[{TripleOf(factor), factor.RCR_RI}] = factor.UtilizationFactor;
-            if (TripleOf(factor) != headings.back() || factor.RCR_RI != rcr) {
-                QTest::qFail("a factor is out of place", __FILE__, __LINE__);
+// What the table should hold.
+struct Model {
+    std::set<Triple, std::greater<>> headings;
+    std::set<double> rows;
+    std::map<Place, double> cells;
+
+    // Adds TO where FROM is empty, removes FROM where TO is empty, and else renames FROM with its cells.
+    template <typename Owners, typename Part>
+    bool Change(Owners& owners, Part Place::*part, std::optional<Part> from, std::optional<Part> to) {
+        if (to && !owners.insert(*to).second) {
+            return false;
+        }
+        if (from) {
+            owners.erase(*from);
+        }
+        for (const auto& [present, value] : std::exchange(cells, {})) {
+            Place place = present;
+            const bool isMoved = from && place.*part == *from;
+            if (!isMoved || to) {
+                place.*part = isMoved ? *to : place.*part;
+                cells[place] = value;
             }
         }
+        return true;
     }
-    if (!std::is_sorted(headings.rbegin(), headings.rend()) || cells.size() != table.Factors().size() ||
-        !std::is_sorted(table.RowValues().begin(), table.RowValues().end())) {
-        QTest::qFail("the table is out of order", __FILE__, __LINE__);
+
+    bool IsShownBy(const UtilizationFactorTable& table) {
+        auto factor = table.Factors().begin();
+        bool isSame = table.Factors().size() == headings.size() * rows.size();
+        for (auto heading = headings.begin(); isSame && heading != headings.end(); ++heading) {
+            for (auto row = rows.begin(); isSame && row != rows.end(); ++row, ++factor) {
+                isSame = TripleOf(*factor) == *heading && factor->RCR_RI == *row &&
+                         factor->UtilizationFactor == cells[{*heading, *row}];
+            }
+        }
+        return isSame && std::ranges::equal(table.RowValues(), rows) &&
+               std::ranges::equal(table.Headings(), headings, {}, TripleOf<tagColHeading>);
     }
-    return cells;
-}
+};
 
 }  // namespace
 
@@ -87,83 +109,44 @@ private Q_SLOTS:
         UtilizationFactorTable& table = bench.table;
         std::mt19937 random(1);
         const auto below = [&](std::size_t bound) { return static_cast<int>(random() % bound); };
-        for (int step = 0; step < 600 && !QTest::currentTestFailed(); ++step) {
-            const Cells before = CellsOf(table);
-            const std::vector<tagColHeading> headings = table.Headings();
-            const Values rows = table.RowValues();
+        Model model{{{80, 50, 20}}, {1}, {{{{80, 50, 20}, 1}, 0.1}}};
+        for (int step = 0; step < 600; ++step) {
+            const bool isEmpty = model.headings.empty() || model.rows.empty();
+            const int kind = below(isEmpty ? 2 : 8);  // add, modify, delete; a heading or a row
+            const int column = isEmpty ? 0 : below(model.headings.size());
+            const int row = isEmpty ? 0 : below(model.rows.size());
             const Triple to{50 + 10 * below(3), 30 + 20 * below(2), 20 * below(2)};
-            const double toRow =
-                std::array{0., 1e-300, 0.6, 0.8, 1., 1e300}[static_cast<std::size_t>(below(6))];
-            const bool isEmpty = headings.empty() || rows.empty();
-            const int column = isEmpty ? 0 : below(headings.size());
-            const int row = isEmpty ? 0 : below(rows.size());
-            const Triple from = isEmpty ? to : TripleOf(headings[std::size_t(column)]);
-            const double fromRow = isEmpty ? toRow : rows[std::size_t(row)];
-            const bool hasTo =
-                std::any_of(headings.begin(), headings.end(),
-                            [&](const tagColHeading& heading) { return TripleOf(heading) == to; });
-            const bool hasToRow = std::find(rows.begin(), rows.end(), toRow) != rows.end();
-            bench.messages.clear();
-            bool isTold = false;
-            Cells after = before;
-            // Takes the cells of the column or row to another one, or away.
-            const auto move = [&](auto part, const auto& present, const auto* other) {
-                after.clear();
-                for (const auto& [presentKey, value] : before) {
-                    auto key = presentKey;
-                    if (key.*part == present && other != nullptr) {
-                        key.*part = *other;
-                        after[key] = value;
-                    } else if (key.*part != present) {
-                        after[key] = value;
-                    }
-                }
-            };
-            using Key = Cells::key_type;
-            switch (isEmpty ? below(2) : below(8)) {
-                case 0:
-                    QCOMPARE(table.AddHeading(to[0], to[1], to[2]), !hasTo);
-                    isTold = hasTo;
-                    for (const double rcr : rows) {
-                        after.try_emplace({to, rcr}, 0);
-                    }
-                    break;
-                case 1:
-                    QCOMPARE(table.AddRow(toRow), !hasToRow);
-                    isTold = hasToRow;
-                    for (const tagColHeading& heading : headings) {
-                        after.try_emplace({TripleOf(heading), toRow}, 0);
-                    }
-                    break;
-                case 2:
-                    QCOMPARE(table.ModifyHeading(column, to[0], to[1], to[2]), !hasTo);
-                    isTold = hasTo && to != from;
-                    hasTo ? void() : move(&Key::first, from, &to);
-                    break;
-                case 3:
-                    QCOMPARE(table.ModifyRow(row, toRow), !hasToRow);
-                    isTold = hasToRow && toRow != fromRow;
-                    hasToRow ? void() : move(&Key::second, fromRow, &toRow);
-                    break;
-                case 4:
-                    QVERIFY(table.DeleteHeading(column));
-                    move(&Key::first, from, static_cast<const Triple*>(nullptr));
-                    break;
-                case 5:
-                    QVERIFY(table.DeleteRow(row));
-                    move(&Key::second, fromRow, static_cast<const double*>(nullptr));
-                    break;
-                case 6:
-                    table.SetFactor(row + 4, column + 1, after[{from, fromRow}] = below(10000) / 1e4);
-                    QCOMPARE(table.GetFactor(row + 4, column + 1), after.at({from, fromRow}));
-                    break;
-                default:
-                    table.Submit();
-                    QCOMPARE(table.UnwrittenCount(), 0);
-                    QVERIFY(table.DeletedIds().empty() && table.Load(kLuminaire) && table.IsWhole());
+            const double toRow = std::array{0., 1e-300, 0.6, 0.8, 1., 1e300}.at(std::size_t(below(6)));
+            std::optional<Triple> from;
+            std::optional<double> fromRow;
+            if (kind >= 2) {
+                from = *std::next(model.headings.begin(), column);
+                fromRow = *std::next(model.rows.begin(), row);
             }
-            QCOMPARE(bench.messages, isTold ? QStringList(kExists) : QStringList());
-            QCOMPARE(CellsOf(table), after);
+            bench.messages.clear();
+            if (kind < 6) {
+                const auto newHeading = kind < 4 ? std::optional(to) : std::nullopt;
+                const auto newRow = kind < 4 ? std::optional(toRow) : std::nullopt;
+                const bool isSame = kind % 2 == 0 ? newHeading == from : newRow == fromRow;
+                const bool isChanged = kind % 2 == 0
+                                           ? model.Change(model.headings, &Place::first, from, newHeading)
+                                           : model.Change(model.rows, &Place::second, fromRow, newRow);
+                const bool results[]{kind == 0 && table.AddHeading(to[0], to[1], to[2]),
+                                     kind == 1 && table.AddRow(toRow),
+                                     kind == 2 && table.ModifyHeading(column, to[0], to[1], to[2]),
+                                     kind == 3 && table.ModifyRow(row, toRow),
+                                     kind == 4 && table.DeleteHeading(column),
+                                     kind == 5 && table.DeleteRow(row)};
+                QCOMPARE(results[kind], isChanged);
+                QCOMPARE(bench.messages, isChanged || isSame ? QStringList() : QStringList(kExists));
+            } else if (kind == 6) {
+                table.SetFactor(row + 4, column + 1, model.cells[{*from, *fromRow}] = below(10000) / 1e4);
+                QCOMPARE(table.GetFactor(row + 4, column + 1), (model.cells.at({*from, *fromRow})));
+            } else {
+                QVERIFY(table.Submit() && table.UnwrittenCount() == 0 && table.DeletedIds().empty());
+                QVERIFY(table.Load(kLuminaire) && table.IsWhole() && bench.messages.isEmpty());
+            }
+            QVERIFY2(model.IsShownBy(table), qPrintable(QString::number(step)));
         }
         QCOMPARE(bench.file.Raw().Text(u"select UtilizationFactor from 利用系数 where ID=900"_s), u"0.9"_s);
     }

@@ -23,7 +23,7 @@ namespace quorvane {
 // Signals are emitted in one place, at the end of a step. Whoever receives one may change or destroy the
 // grid, so an operation that goes on afterwards is written as several steps, and no step runs when the grid
 // is gone.
-class GridController : private GridListener {
+class GridController final : private GridListener {
 public:
     explicit GridController(CGridCtrl& grid);
     ~GridController();

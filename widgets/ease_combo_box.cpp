@@ -1,8 +1,7 @@
 #include "widgets/ease_combo_box.h"
 
 #include <QWheelEvent>
-#include <algorithm>
-#include <ranges>
+#include <utility>
 
 #include "widgets/chinese_order.h"
 
@@ -10,10 +9,7 @@ namespace quorvane {
 
 CEaseComboBox::CEaseComboBox(bool sorted, QWidget* parent) : QComboBox(parent), m_sorted(sorted) {
     setMaxVisibleItems(16);
-    connect(this, &QComboBox::activated, this, [this](int index) {
-        m_selected = index;
-        Q_EMIT SelectionChanged();
-    });
+    connect(this, &QComboBox::activated, this, &CEaseComboBox::TakeChoice);
 }
 
 void CEaseComboBox::AddString(const QString& text) {
@@ -21,16 +17,23 @@ void CEaseComboBox::AddString(const QString& text) {
     const int selected = currentIndex();
     insertItem(place, text);
     // The base class selects the first entry that an empty list gets.
-    m_selected = selected < 0 ? -1 : selected + (place <= selected ? 1 : 0);
-    setCurrentIndex(m_selected);
+    setCurrentIndex(selected < 0 ? -1 : selected + (place <= selected ? 1 : 0));
 }
 
 // Where a sorted list takes a text: behind the last entry that is not greater. Asks for as few entries as
 // possible, because a list may be filled with thousands one by one.
 int CEaseComboBox::PlaceOf(const QString& text) const {
-    const auto entries = std::views::iota(0, count());
-    return *std::ranges::upper_bound(entries, text, PinyinLess,
-                                     [this](int index) { return itemText(index); });
+    int first = 0;
+    int end = count();
+    while (first < end) {
+        const int middle = first + (end - first) / 2;
+        if (PinyinLess(text, itemText(middle))) {
+            end = middle;
+        } else {
+            first = middle + 1;
+        }
+    }
+    return first;
 }
 
 bool CEaseComboBox::Holds(const QString& text) const {
@@ -47,18 +50,29 @@ std::vector<QString> CEaseComboBox::Strings() const {
 }
 
 void CEaseComboBox::SelectString(const QString& text) {
-    m_selected = findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
-    setCurrentIndex(m_selected);
+    setCurrentIndex(findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive));
 }
 
 void CEaseComboBox::ClearSelection() {
-    m_selected = -1;
     setCurrentIndex(-1);
 }
 
 void CEaseComboBox::showPopup() {
     Q_EMIT DropDown();
+    m_isChoiceDue = true;
     QComboBox::showPopup();
+}
+
+void CEaseComboBox::keyPressEvent(QKeyEvent* event) {
+    m_isInKeyPress = true;
+    QComboBox::keyPressEvent(event);
+    m_isInKeyPress = false;
+}
+
+void CEaseComboBox::TakeChoice() {
+    if (std::exchange(m_isChoiceDue, false) || m_isInKeyPress) {
+        Q_EMIT SelectionChanged();
+    }
 }
 
 void CEaseComboBox::wheelEvent(QWheelEvent* event) {

@@ -33,12 +33,17 @@ Q_SIGNALS:
 protected:
     // A wheel turned over a closed list scrolls nothing: it would change the filter unasked.
     void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     int PlaceOf(const QString& text) const;
+    // One opening of the list gives one choice. While a screen reader runs, the key that chooses an entry
+    // reaches the list a second time, when the list has closed.
+    void TakeChoice();
 
     bool m_sorted;
-    int m_selected = -1;  // the entry last chosen
+    bool m_isChoiceDue = false;
+    bool m_isInKeyPress = false;
 };
 
 }  // namespace quorvane

@@ -83,7 +83,7 @@ CString MakeBackupCopy(const CString& path) {
     if (QFileInfo(path + u"-wal"_s).size() > 0) {
         throw ProviderError(u"another program keeps part of %1 in a second file"_s.arg(path));
     }
-    const CString copy = path + QDateTime::currentDateTime().toString(u"'.'yyyy-MM-dd-HHmmss'.bak'"_s);
+    CString copy = path + QDateTime::currentDateTime().toString(u"'.'yyyy-MM-dd-HHmmss'.bak'"_s);
     Copy(path, copy);
     RequireSame(path, copy);
     DeleteOldCopies(QFileInfo(path));

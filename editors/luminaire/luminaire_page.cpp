@@ -188,9 +188,11 @@ std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
     };
 }
 
-// The append row has no categories yet, and offers the light sources of the chosen one.
+// The append row, and a new luminaire until its categories are ticked, offer the light sources of the chosen
+// category.
 const CString& CQuorvaneLuminaireDlg::CategoriesOf(const tagLUMINAIREINFO& record) const {
-    return record.ID == 0 ? m_filterCategoryId : record.LamphouseTypeID;
+    const bool isUnstored = record.ID <= 0;
+    return isUnstored && record.LamphouseTypeID.isEmpty() ? m_filterCategoryId : record.LamphouseTypeID;
 }
 
 // The default light source is chosen from the light sources of the categories. Those of a mixed-light

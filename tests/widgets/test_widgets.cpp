@@ -1,4 +1,5 @@
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QContextMenuEvent>
 #include <QMessageBox>
 #include <QPushButton>
@@ -78,6 +79,10 @@ private Q_SLOTS:
         QCOMPARE(list.currentIndex(), -1);
         QTest::keyClick(&list, Qt::Key_Home);
         QCOMPARE(changes, 2);
+        list.showPopup();
+        QTest::keyClick(list.view(), Qt::Key_Return);
+        Q_EMIT list.activated(0);  // the same key once more, as it comes while a screen reader runs
+        QCOMPARE(changes, 3);
     }
 
     void MessageBoxAnswersKeys() {

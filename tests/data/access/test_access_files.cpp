@@ -129,7 +129,7 @@ private Q_SLOTS:
 
 private:
     QString Copy(const QString& file) {
-        const QString path = m_folder.filePath(file);
+        QString path = m_folder.filePath(file);
         QFile::copy(kFolder + u'/' + file, path);
         QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
         return path;

@@ -11,6 +11,8 @@
 #include "data/store/access/database.h"
 #include "tests/data/access/simulated_disk.h"
 
+Q_DECLARE_METATYPE(quorvane::access::Value)
+
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane::access;
 
@@ -115,7 +117,7 @@ private Q_SLOTS:
         QTest::newRow("accdb") << Patched(good, 4, "Standard ACE DB") << u"Access 2007"_s << u""_s;
         QTest::newRow("encrypted") << Patched(good, 62, "x") << u"encrypted"_s << u""_s;
         QTest::newRow("password") << Patched(good, 68, "x") << u""_s << u"password"_s;
-        QTest::newRow("no catalogue") << Patched(good, 2 * 4096, "\1") << u"damaged"_s << u""_s;
+        QTest::newRow("no catalogue") << Patched(good, qsizetype{2} * 4096, "\1") << u"damaged"_s << u""_s;
         // The global map as references: its first pointer names no page.
         const QByteArray references = "\1" + QByteArray(68, '\0');
         const auto mapRow = static_cast<qsizetype>(ReadU16(good, 4096 + 14) & 0x1FFF);
@@ -228,7 +230,7 @@ private Q_SLOTS:
         database.EndSubmit();
         QCOMPARE(CountStates(database.AllPages(), luminaires, SlotState::Target),
                  CountStates(database.AllPages(), luminaires, SlotState::Pointer));
-        QVERIFY(disk.Bytes(kPath).size() > 4096 * pages);
+        QVERIFY(disk.Bytes(kPath).size() > qsizetype{4096} * pages);
         RewriteLongMemos(database);
         QCOMPARE(Texts(categories).size(), before + 2 + kRounds / 2);
         expected.sort();
@@ -306,8 +308,6 @@ private Q_SLOTS:
 private:
     QTemporaryDir m_folder;
 };
-
-Q_DECLARE_METATYPE(quorvane::access::Value)
 
 QTEST_APPLESS_MAIN(TestAccessLimits)
 #include "test_access_limits.moc"

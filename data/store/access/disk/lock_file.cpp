@@ -36,8 +36,8 @@ QString ComputerNames(const QByteArray& bytes) {
     QStringList names;
     for (qsizetype at = 0; at < bytes.size(); at += kSlotLength) {
         const QByteArray name = bytes.mid(at, kNameLength);
-        names +=
-            QString::fromLocal8Bit(name.first(qstrnlen(name.constData(), static_cast<size_t>(name.size()))));
+        const qsizetype end = name.indexOf('\0');
+        names += QString::fromLocal8Bit(end < 0 ? name : name.first(end));
     }
     names.removeDuplicates();
     names.removeAll(QString());

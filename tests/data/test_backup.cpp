@@ -39,28 +39,23 @@ private Q_SLOTS:
         QVERIFY(copy.open(QIODevice::ReadOnly) && copy.readAll() == before && file.Bytes() != before);
     }
 
-    void AsksOnceWithoutACopy_data() {
-        QTest::addColumn<bool>("goOn");
-        QTest::newRow("yes") << true;
-        QTest::newRow("no") << false;
-    }
-
     void AsksOnceWithoutACopy() {
-        QFETCH(bool, goOn);
-        const TemporaryLightingDatabase file;
-        QFile log(file.FilePath() + u"-wal"_s);
-        const auto connection = Connect(file.FilePath(), goOn);
-        QVERIFY(log.open(QIODevice::WriteOnly) && log.write("x") == 1 && log.flush());
-        int failed = 0;
-        for (int round = 0; round < 2; ++round) {
-            try {
-                connection->Execute(u"insert into 光源类别 (LamphouseType) values ('直管')"_s);
-            } catch (const ProviderError& error) {
-                failed += error.Message().contains(u"could not be copied"_s);
+        for (const bool goOn : {true, false}) {
+            const TemporaryLightingDatabase file;
+            QFile log(file.FilePath() + u"-wal"_s);
+            const auto connection = Connect(file.FilePath(), goOn);
+            QVERIFY(log.open(QIODevice::WriteOnly) && log.write("x") == 1 && log.flush());
+            int failed = 0;
+            for (int round = 0; round < 2; ++round) {
+                try {
+                    connection->Execute(u"insert into 光源类别 (LamphouseType) values ('直管')"_s);
+                } catch (const ProviderError& error) {
+                    failed += error.Message().contains(u"could not be copied"_s);
+                }
             }
+            QCOMPARE(failed, goOn ? 0 : 2);
+            QCOMPARE(m_asked, 1);
         }
-        QCOMPARE(failed, goOn ? 0 : 2);
-        QCOMPARE(m_asked, 1);
     }
 
 private:

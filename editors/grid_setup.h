@@ -21,7 +21,7 @@ inline const QColor kReadOnlyColour{255, 255, 128};
 // Background of the row number of a record that the last submit could not write.
 inline const QColor kUnwrittenColour{255, 150, 120};
 
-// Of which width of the grid a column's share is, less a vertical scroll bar and 3 pixels.
+// The width of the grid that column shares refer to. A vertical scroll bar and 3 pixels are taken off it.
 enum class SharesOf {
     WindowWidth,  // the frame included
     ClientWidth,
@@ -48,8 +48,8 @@ struct CellSetup {
     CString caption = {};
 };
 
-// Makes the cell one of that kind and shows the text in it. A drop-down list shows also a text that is not
-// among its choices, and has a format of its own.
+// Gives the cell the kind that the setup names, and shows the text in it. A drop-down list also shows a text
+// that is not among its choices, and uses its own format.
 void ShowCell(CGridCtrl& grid, CBtnDataBase& buttons, CCellID cell, const CellSetup& setup,
               const CString& text, unsigned format);
 // Tells beside the editor of a cell that its text holds a single quote, which cannot be written.

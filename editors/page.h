@@ -1,4 +1,4 @@
-// What the main dialog knows of a tab page, and all that it knows.
+// CPage: everything that the main dialog knows of a tab page.
 #pragma once
 
 #include <QWidget>

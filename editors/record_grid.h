@@ -144,8 +144,8 @@ public:
         m_blank = m_rules.makeBlank();
         m_grid->InsertRow({});
     }
-    // The row's record was written on its own, or could not be written: shows it. A record that had no stored
-    // ID before gets the next row number.
+    // Shows a record that has just been written on its own, or could not be written. A record that had no
+    // stored ID before gets the next row number.
     void ShowSaved(int row, int id, bool isWritten) {
         const int oldId = IdAt(row);
         CString head = m_grid->GetItemText(row, 0);

@@ -19,7 +19,7 @@
 
 namespace quorvane {
 
-// Is told of each change after it is complete. It may read the core and must not change it.
+// Receives each change after it is complete. A listener may read the core and must not change it.
 class GridListener {
 public:
     virtual void LinesInserted(Qt::Orientation lines, int at, int count) = 0;
@@ -31,7 +31,7 @@ public:
     virtual void RowsRemade(int first, int last) = 0;
     virtual void BlocksChanged() = 0;
     virtual void CellChanged(CCellID cell) = 0;
-    // Besides CellChanged.
+    // Called in addition to CellChanged.
     virtual void TextChanged(CCellID cell) = 0;
     // The focus, the selected ranges, or both have changed.
     virtual void SelectionChanged(bool focus, bool ranges) = 0;
@@ -58,7 +58,7 @@ public:
 
     // ---- Shape and sizes
     const GridLayout& Layout() const { return m_layout; }
-    // For whoever knows the window: its size, the scroll position and the default sizes.
+    // The window sets its size, the scroll position and the default sizes here.
     GridLayout& Layout() { return m_layout; }
     int RowCount() const { return m_layout.rows.Count(); }
     int ColumnCount() const { return m_layout.columns.Count(); }

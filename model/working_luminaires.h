@@ -20,7 +20,7 @@
 
 namespace quorvane {
 
-// What a luminaire without any entry is: no luminaire to write or to copy. A photo alone makes no luminaire.
+// A luminaire without any entry. It is neither written nor copied. A photo alone does not count as an entry.
 tagLUMINAIREINFO EmptyLuminaire();
 bool IsEmptyLuminaire(const tagLUMINAIREINFO& luminaire);
 
@@ -70,8 +70,8 @@ private:
 
     // What is written together with a record.
     struct Unsaved {
-        CString photo;                      // while this is the record's photo,
-        PhotoLibrary::PictureCopy picture;  // this is its picture, if there is one
+        CString photo;                      // the photo text that the picture belongs to
+        PhotoLibrary::PictureCopy picture;  // a copy of that picture, or none
         std::optional<Factors> factors;     // pasted ones, which replace those in the database
     };
 

@@ -43,7 +43,8 @@ private:
     }
 };
 
-// Below the cell, or above it when it only fits there; where it fits nowhere, on the side with more room.
+// The list stands below the cell, or above it when it only fits there. When it fits nowhere it stands on the
+// side with more room.
 QRect PlaceBeside(const QRect& cell, QSize size, const QRect& screen) {
     const int roomBelow = screen.bottom() - cell.bottom();
     const int roomAbove = cell.top() - screen.top();

@@ -36,7 +36,7 @@ void GridMerges::Put(const CCellRange& range) {
 }
 
 CCellRange GridMerges::Extent(CCellID cell) const {
-    // Of the blocks that start in one row only the last one at or left of the cell can hold it.
+    // Only one block of each row can hold the cell: the last one that starts at or left of it.
     int row = cell.row;
     while (!m_blocks.empty() && row >= cell.row - m_mostExtraRows) {
         auto next = m_blocks.upper_bound({row, cell.col});

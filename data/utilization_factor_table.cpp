@@ -211,6 +211,7 @@ bool UtilizationFactorTable::Submit(const ProgressCallback& progress) {
     if (!submit.Finish()) {
         m_unwrittenCount = done;
     }
+    CompareWithFile();
     return true;
 }
 
@@ -304,7 +305,7 @@ void UtilizationFactorTable::WriteFactors(const CountCallback& count) {
         const bool written = factor.ID == 0 ? m_database->InsertUtilizationFactor(factor)
                                             : m_database->UpdateUtilizationFactor(factor);
         if (!written) {
-            m_unwrittenRows.insert(factor.RCR_RI);
+            m_unwrittenRows[factor.RCR_RI] = Unwritten::Failed;
         }
         count(written);
     }
@@ -317,6 +318,28 @@ void UtilizationFactorTable::WriteSurplus(const CountCallback& count) {
             surplus.UtilizationFactor = cell->UtilizationFactor;
         }
         count(m_database->UpdateUtilizationFactor(surplus));
+    }
+}
+
+void UtilizationFactorTable::CompareWithFile() {
+    StoredRecords<Factor> file([](const Factor&) { return CString(); },
+                               [this](const CString&, std::vector<Factor>& factors) {
+                                   return m_database->LoadUtilizationFactors(m_luminaireID, factors);
+                               });
+    m_differentCount = 0;
+    m_unreadCount = 0;
+    for (const std::vector<Factor>* factors : {&m_factors, &m_surplus}) {
+        for (const Factor& factor : *factors) {
+            if (WhyUnwritten(factor.RCR_RI) == Unwritten::Failed) {
+                continue;
+            }
+            const std::optional<Unwritten> why = file.Compare(factor);
+            m_unreadCount += why ? 0 : 1;
+            if (why.value_or(Unwritten::No) != Unwritten::No) {
+                ++m_differentCount;
+                m_unwrittenRows[factor.RCR_RI] = *why;
+            }
+        }
     }
 }
 

@@ -15,10 +15,11 @@
 #pragma once
 
 #include <functional>
-#include <set>
+#include <map>
 #include <vector>
 
 #include "data/records.h"
+#include "data/stored_records.h"
 
 namespace quorvane {
 
@@ -75,14 +76,22 @@ public:
     bool DeleteHeading(int column);
     bool DeleteRow(int row);
 
-    // Inserts new factors, updates stored ones, then deletes removed ones. Calls progress after each of them
-    // with the rows done and all rows. Always true; see UnwrittenCount.
+    // Inserts new factors, updates stored ones, then deletes removed ones, and compares all factors with
+    // what the file then holds. Calls progress after each statement with the rows done and all rows. Always
+    // true; see UnwrittenCount and DifferentCount.
     bool Submit(const ProgressCallback& progress = {});
     // The statements of the last submit that failed, or all of them when the disk did not confirm the submit.
     // The next submit tries all of them again.
     int UnwrittenCount() const { return m_unwrittenCount; }
-    // Whether the last submit could not write a factor of that row value.
-    bool IsUnwritten(double rowValue) const { return m_unwrittenRows.contains(rowValue); }
+    // The factors that are not in the file as they stand here, although the last submit wrote them.
+    int DifferentCount() const { return m_differentCount; }
+    // The factors of which that could not be found out.
+    int UnreadCount() const { return m_unreadCount; }
+    // Whether and why a factor of that row value is not in the file after the last submit.
+    Unwritten WhyUnwritten(double rowValue) const {
+        const auto found = m_unwrittenRows.find(rowValue);
+        return found == m_unwrittenRows.end() ? Unwritten::No : found->second;
+    }
 
 private:
     using Factor = tagLUMINAIREUTILIZATIONFACTOR;
@@ -110,6 +119,7 @@ private:
     void WriteFactors(const CountCallback& count);
     void WriteSurplus(const CountCallback& count);
     void WriteDeletions(const CountCallback& count);
+    void CompareWithFile();
 
     CLightingDatabase* m_database;
     MessageCallback m_showMessage;
@@ -121,7 +131,9 @@ private:
     std::vector<Factor> m_surplus;
     std::vector<int> m_failedDeletions;
     int m_unwrittenCount = 0;
-    std::set<double> m_unwrittenRows;
+    int m_differentCount = 0;
+    int m_unreadCount = 0;
+    std::map<double, Unwritten> m_unwrittenRows;
     bool m_whole = true;
 };
 

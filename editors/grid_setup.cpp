@@ -1,8 +1,10 @@
 #include "editors/grid_setup.h"
 
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QStyle>
 #include <QToolTip>
+#include <utility>
 
 #include "grid/cells/btn_data_base.h"
 #include "grid/cells/grid_btn_cell.h"
@@ -48,6 +50,31 @@ unsigned StateOf(CellSetup::Kind kind) {
             return 0;
     }
 }
+
+// Answers for column 0 where its tip has a text; the grid answers otherwise.
+class RowTips : public QObject {
+public:
+    RowTips(CGridCtrl& grid, std::function<CString(int row)> textOf)
+        : QObject(&grid), m_grid(grid), m_textOf(std::move(textOf)) {}
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::ToolTip) {
+            const auto& help = static_cast<const QHelpEvent&>(*event);
+            const CCellID cell = m_grid.CellAt(help.pos());
+            const CString text = cell.IsValid() && cell.col == 0 ? m_textOf(cell.row) : CString();
+            if (!text.isEmpty()) {
+                QToolTip::showText(help.globalPos(), text, m_grid.viewport(),
+                                   m_grid.CellRect(cell.row, cell.col));
+                return true;
+            }
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    CGridCtrl& m_grid;
+    std::function<CString(int row)> m_textOf;
+};
 
 }  // namespace
 
@@ -97,6 +124,10 @@ void ShowQuoteTip(QWidget* editor, const CString& text) {
     } else {
         QToolTip::hideText();
     }
+}
+
+void ShowRowTips(CGridCtrl& grid, const std::function<CString(int row)>& textOf) {
+    grid.viewport()->installEventFilter(new RowTips(grid, textOf));
 }
 
 void ShowRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool isUnwritten) {

@@ -213,10 +213,27 @@ bool CQuorvaneLamphouseDlg::Submit() {
         .update = [this](tagLAMPHOUSEINFO& record) { return m_database.UpdateLightSource(record); },
         .remove = [this](int id) { return m_database.DeleteLightSource(id); },
         .cause = [this] { return m_database.LastFailure(); }};
-    RunSubmit(this, kCaption, m_database,
-              [&](const ProgressCallback& progress) { return m_records.Submit(statements, progress); });
+    RunSubmit(
+        this, kCaption, m_database,
+        {.write = [&](const ProgressCallback& progress) { return m_records.Submit(statements, progress); },
+         .compare = [this](SubmitFailures& failures) { Compare(failures); }});
     m_lists.Invalidate();
     return true;
+}
+
+// A light source that has got another category or maker has left what is shown.
+void CQuorvaneLamphouseDlg::Compare(SubmitFailures& failures) {
+    using Record = tagLAMPHOUSEINFO;
+    StoredRecords<Record> byCategory([](const Record& record) { return FormatInteger(record.LamphouseType); },
+                                     [this](const CString& category, std::vector<Record>& records) {
+                                         return m_database.LoadLightSourcesByType(ToInteger(category),
+                                                                                  records);
+                                     });
+    StoredRecords<Record> byMaker([](const Record& record) { return record.Factory; },
+                                  [this](const CString& maker, std::vector<Record>& records) {
+                                      return m_database.LoadLightSourcesByFactory(maker, records);
+                                  });
+    m_records.Compare(m_mode == Mode::ByCategory ? byCategory : byMaker, IsBlank, failures);
 }
 
 }  // namespace quorvane

@@ -39,6 +39,7 @@ private:
     bool SettleChanges();
     void ChangeFilter(CEaseComboBox& list, CString& lastText);
     void Load();
+    void Compare(SubmitFailures& failures);
 
     CLightingDatabase& m_database;
     ReferenceLists& m_lists;

@@ -51,8 +51,7 @@ CString UnwritableText(const ProviderFailure& failure, int row) {
                                                              : u"中含有不能写入的字符或数值。"_s);
 }
 
-}  // namespace
-
+// Why statements failed; row is that of the failed record, or 0.
 CString CauseText(const ProviderFailure& failure, int row) {
     switch (failure.kind) {
         case FailureKind::NotConnected:
@@ -82,6 +81,8 @@ CString CauseText(const ProviderFailure& failure, int row) {
                        : FormatText(u"原因:数据库报告“%s”。"_s, {failure.message});
     }
 }
+
+}  // namespace
 
 bool AskToSubmit(QWidget* parent, const CString& caption) {
     return Ask(parent, caption, u"数据已经修改是否提交?"_s);
@@ -128,9 +129,16 @@ void TellIncompleteLoadSoon(QWidget* parent, const CString& caption) {
 
 void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures,
                   PhotoProblem photoProblem) {
+    if (failures.None()) {
+        if (failures.unread > 0) {
+            ShowMessage(parent, FormatText(u"数据已经提交,但有%d条未能重新读取核对。"_s, {failures.unread}),
+                        caption);
+        }
+        return;
+    }
     CString text;
     if (failures.writes > 0) {
-        text += UnwrittenText(failures.writes);
+        text += FormatText(u"有%d条数据未能写入数据库。\n"_s, {failures.writes});
     }
     if (failures.deletes > 0) {
         text += FormatText(u"有%d条数据未能从数据库删除。\n"_s, {failures.deletes});
@@ -139,6 +147,10 @@ void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures&
         text += FormatText(u"其中%d个灯具的图片未能存入图片库:%s\n"_s,
                            {failures.photos, PhotoProblemText(photoProblem)});
     }
+    if (failures.different > 0) {
+        text += FormatText(u"有%d条数据提交后与数据库文件中的不同,行号已标红,鼠标停在行号上可见说明。\n"_s,
+                           {failures.different});
+    }
     if (failures.writes > failures.photos || failures.deletes > 0) {
         text += CauseText(failures.cause, failures.row);
     }
@@ -146,8 +158,18 @@ void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures&
     ShowMessage(parent, text, caption);
 }
 
-CString UnwrittenText(int count) {
-    return FormatText(u"有%d条数据未能写入数据库。\n"_s, {count});
+CString UnwrittenTip(Unwritten why) {
+    switch (why) {
+        case Unwritten::No:
+            return {};
+        case Unwritten::Failed:
+            return u"这一行上次提交时未能写入或删除。"_s;
+        case Unwritten::Missing:
+            return u"数据库文件中没有这一行,可能已被其他程序删除。如需保留,请在“追加”行重新输入。"_s;
+        case Unwritten::Different:
+            return u"数据库文件中的这一行与显示的不同:提交时被其他程序改动,或有内容不能按原样保存。"_s;
+    }
+    return {};
 }
 
 }  // namespace quorvane

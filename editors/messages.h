@@ -20,12 +20,10 @@ bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString
 void TellIncompleteLoad(QWidget* parent, const CString& caption, const ProviderFailure& failure = {});
 // The same from the event loop, for a page that is not shown yet.
 void TellIncompleteLoadSoon(QWidget* parent, const CString& caption);
-// Tells what a submit could not write; photoProblem is that of the photos among it.
+// Tells what is not in the file after a submit, if anything; photoProblem is that of the photos among it.
 void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures,
                   PhotoProblem photoProblem = PhotoProblem::None);
-// Why statements failed; row is that of the failed record, or 0.
-CString CauseText(const ProviderFailure& failure, int row = 0);
-// A line that tells how many records or values a submit could not write.
-CString UnwrittenText(int count);
+// The tip of a marked row; empty for one that is not marked.
+CString UnwrittenTip(Unwritten why);
 
 }  // namespace quorvane

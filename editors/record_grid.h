@@ -53,6 +53,7 @@ public:
         m_grid->SetPasteQuestion([this](const PasteLoss& loss) {
             return AskToPaste(&m_parent, m_rules.caption, loss, m_hasAppendRow);
         });
+        ShowRowTips(*m_grid, [this](int row) { return UnwrittenTip(m_records.WhyUnwritten(IdAt(row))); });
         QObject::connect(m_grid, &CGridCtrl::TextTyped, &m_parent, ShowQuoteTip);
         QObject::connect(m_grid, &CGridCtrl::ButtonClicked, &m_parent, [this](int row, int column) {
             Open({row, column});

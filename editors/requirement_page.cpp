@@ -133,8 +133,15 @@ bool CQuorvaneDemandDlg::Submit() {
         .update = [this](Record& record) { return m_database.UpdateIlluminanceStandard(record); },
         .remove = [this](int id) { return m_database.DeleteIlluminanceStandard(id); },
         .cause = [this] { return m_database.LastFailure(); }};
-    RunSubmit(this, kCaption, m_database,
-              [&](const ProgressCallback& progress) { return m_records.Submit(statements, progress); });
+    StoredRecords<Record> file([](const Record& record) { return record.BuildingType; },
+                               [this](const CString& buildingType, std::vector<Record>& records) {
+                                   return m_database.LoadIlluminanceStandards(m_vocation, buildingType,
+                                                                              records);
+                               });
+    RunSubmit(
+        this, kCaption, m_database,
+        {.write = [&](const ProgressCallback& progress) { return m_records.Submit(statements, progress); },
+         .compare = [&](SubmitFailures& failures) { m_records.Compare(file, IsBlank, failures); }});
     return true;
 }
 

@@ -7,23 +7,20 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 
-bool RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& database,
-               const std::function<SubmitFailures(const ProgressCallback&)>& submit,
-               const std::function<PhotoProblem()>& photoProblem) {
+void RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& database, const SubmitSteps& steps) {
     SubmitFailures failures;
     bool isOnDisk = false;
     {
         SubmitProgress progress(page, u"正在提交数据……"_s);
         SubmitScope scope(database);
-        failures = submit([&progress](int done, int total) { progress(done, total); });
+        failures = steps.write([&progress](int done, int total) { progress(done, total); });
         isOnDisk = scope.Finish();
+        steps.compare(failures);
     }
-    if (!failures.None()) {
-        TellFailures(page, caption, failures, photoProblem ? photoProblem() : PhotoProblem::None);
-    } else if (!isOnDisk) {
+    TellFailures(page, caption, failures, steps.photoProblem ? steps.photoProblem() : PhotoProblem::None);
+    if (failures.None() && !isOnDisk) {
         ShowMessage(page, u"数据已经写入,但磁盘报告错误,断电后可能丢失。"_s, caption);
     }
-    return failures.None() && isOnDisk;
 }
 
 }  // namespace quorvane

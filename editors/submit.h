@@ -10,10 +10,15 @@ class QWidget;
 
 namespace quorvane {
 
-// submit(progress) runs the statements and calls progress after each row; photoProblem() then tells why
-// photos could not be stored. True when everything has been written and is on the disk.
-bool RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& database,
-               const std::function<SubmitFailures(const ProgressCallback&)>& submit,
-               const std::function<PhotoProblem()>& photoProblem = {});
+struct SubmitSteps {
+    // Runs the statements and calls progress after each row.
+    std::function<SubmitFailures(const ProgressCallback& progress)> write;
+    // Reads the records again, and adds those that are not in the file as they are shown.
+    std::function<void(SubmitFailures&)> compare;
+    // Why photos could not be stored.
+    std::function<PhotoProblem()> photoProblem = {};
+};
+
+void RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& database, const SubmitSteps& steps);
 
 }  // namespace quorvane

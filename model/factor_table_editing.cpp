@@ -30,7 +30,7 @@ std::optional<tagColHeading> ParseHeading(const CString& text) {
 
 FactorTableEditing::FactorTableEditing(CLightingDatabase& database,
                                        UtilizationFactorTable::MessageCallback showMessage)
-    : m_table(database, std::move(showMessage)) {}
+    : m_database(database), m_table(database, std::move(showMessage)) {}
 
 bool FactorTableEditing::Load(int luminaireId) {
     m_modified = false;
@@ -104,10 +104,14 @@ void FactorTableEditing::Clear() {
     m_modified = true;
 }
 
-int FactorTableEditing::Submit(const UtilizationFactorTable::ProgressCallback& progress) {
+SubmitFailures FactorTableEditing::Submit(const UtilizationFactorTable::ProgressCallback& progress) {
     m_table.Submit(progress);
-    m_modified = m_table.UnwrittenCount() > 0;
-    return m_table.UnwrittenCount();
+    const SubmitFailures failures{.writes = m_table.UnwrittenCount(),
+                                  .cause = m_database.LastFailure(),
+                                  .different = m_table.DifferentCount(),
+                                  .unread = m_table.UnreadCount()};
+    m_modified = !failures.None();
+    return failures;
 }
 
 }  // namespace quorvane

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "data/utilization_factor_table.h"
+#include "model/working_records.h"
 
 namespace quorvane {
 
@@ -45,14 +46,15 @@ public:
     // Sets all factors to 0.
     void Clear();
 
-    // Writes the table. Returns how many statements failed; the table stays modified when some did.
-    int Submit(const UtilizationFactorTable::ProgressCallback& progress = {});
+    // Writes the table. It stays modified when something could not be written.
+    SubmitFailures Submit(const UtilizationFactorTable::ProgressCallback& progress = {});
 
 private:
     bool TakeHeading(int index, const CString& text);
     bool TakeRowValue(int index, const CString& text);
     void NoteChange(bool changed) { m_modified = m_modified || changed; }
 
+    CLightingDatabase& m_database;
     UtilizationFactorTable m_table;
     bool m_modified = false;
 };

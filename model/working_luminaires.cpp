@@ -28,6 +28,7 @@ WorkingLuminaires::WorkingLuminaires(CLightingDatabase& database, ReferenceLists
 bool WorkingLuminaires::Load(const CString& categoryText) {
     std::vector<tagLUMINAIREINFO> luminaires;
     const bool complete = m_database.LoadLuminairesByType(categoryText, luminaires);
+    m_loadedCategory = categoryText;
     m_unsaved.clear();
     m_storedPhotos.clear();
     for (const tagLUMINAIREINFO& luminaire : luminaires) {
@@ -54,6 +55,17 @@ SubmitFailures WorkingLuminaires::Submit(const ProgressCallback& progress) {
     SubmitFailures failures = m_records.Submit(Statements(), progress);
     failures.photos = std::min(m_photoFailures, failures.writes);
     return failures;
+}
+
+// A luminaire that has got other categories has left what was loaded.
+void WorkingLuminaires::Compare(SubmitFailures& failures) {
+    StoredRecords<tagLUMINAIREINFO> file(
+        [](const tagLUMINAIREINFO& record) { return record.LamphouseTypeID; },
+        [this](const CString& categoryText, std::vector<tagLUMINAIREINFO>& records) {
+            return m_database.LoadLuminairesByType(categoryText, records);
+        },
+        m_loadedCategory);
+    m_records.Compare(file, IsEmptyLuminaire, failures);
 }
 
 WorkingLuminaires::Saved WorkingLuminaires::Save(int id) {

@@ -41,6 +41,8 @@ public:
 
     // Writes all records and deletes the removed ones with their photos.
     SubmitFailures Submit(const ProgressCallback& progress = {});
+    // To be called after a submit; see WorkingRecords.
+    void Compare(SubmitFailures& failures);
     // Writes the record with that ID, which must exist, at once.
     Saved Save(int id);
     // Why a photo could not be stored by the last Submit, Save or Paste.
@@ -90,7 +92,8 @@ private:
     ReferenceLists& m_lists;
     PhotoLibrary m_photos;
     WorkingRecords<tagLUMINAIREINFO> m_records;
-    std::map<int, Unsaved> m_unsaved;  // by record ID
+    std::optional<CString> m_loadedCategory;  // the text by which the records were loaded
+    std::map<int, Unsaved> m_unsaved;         // by record ID
     CopyBuffer m_copied;
     QHash<int, CString> m_storedPhotos;  // by record ID: the photos in the file
     PhotoProblem m_photoProblem = PhotoProblem::None;

@@ -9,12 +9,14 @@
 #include <QHash>
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <utility>
 #include <vector>
 
 #include "data/lighting_database.h"
+#include "data/stored_records.h"
 #include "model/slot_order.h"
 
 namespace quorvane {
@@ -26,8 +28,10 @@ struct SubmitFailures {
     int photos = 0;              // of the writes: those whose photo alone could not be stored
     int row = 0;                 // of the first record that could not be written, from 1
     ProviderFailure cause = {};  // of the first failure
+    int different = 0;  // records that are not in the file as they are shown, although they were written
+    int unread = 0;     // records of which that could not be found out
 
-    bool None() const { return writes == 0 && deletes == 0; }
+    bool None() const { return writes == 0 && deletes == 0 && different == 0; }
 };
 
 // Called during a submit, after each of `total` statements.
@@ -148,9 +152,14 @@ public:
         }
     }
 
-    // Whether the last submit could not write or delete this record, or any record.
+    // Whether the last submit could not write or delete this record, or any record, or the file did not hold
+    // it afterwards.
     bool IsUnwritten(int id) const { return m_unwritten.contains(id); }
     bool HasUnwritten() const { return !m_unwritten.empty(); }
+    Unwritten WhyUnwritten(int id) const {
+        const auto found = m_unwritten.find(id);
+        return found == m_unwritten.end() ? Unwritten::No : found->second;
+    }
 
     // Writes the record with that ID, which must exist, at once, and leaves everything else pending. A record
     // that nobody has changed counts as written even if its update fails: the file holds it as it is. The
@@ -168,6 +177,25 @@ public:
         const int slot = SlotOf(id);
         const bool written = Write(slot, statements);
         return {Slot(slot).ID, written};
+    }
+
+    // After a submit: counts a record as unwritten that is not in the file as it stands here, although no
+    // statement failed.
+    void Compare(StoredRecords<Record>& file, const std::function<bool(const Record&)>& isBlank,
+                 SubmitFailures& failures) {
+        ForEach([&](const Record& record) {
+            if (isBlank(record) || IsUnwritten(record.ID)) {
+                return;
+            }
+            const std::optional<Unwritten> why = file.Compare(record);
+            failures.unread += why ? 0 : 1;
+            if (why.value_or(Unwritten::No) != Unwritten::No) {
+                ++failures.different;
+                m_unwritten[record.ID] = *why;
+                m_changed.insert(record.ID);
+            }
+        });
+        m_modified = HasUnwritten();
     }
 
     // Writes every record that is not blank (insert for a provisional ID, otherwise update), then runs the
@@ -200,7 +228,7 @@ public:
                 if (++failures.deletes == 1 && failures.writes == 0) {
                     failures.cause = CauseFrom(statements);
                 }
-                m_unwritten.insert(record.ID);
+                m_unwritten[record.ID] = Unwritten::Failed;
                 Add(std::move(record));
             }
             tell();
@@ -243,7 +271,7 @@ private:
         if (written) {
             m_changed.erase(id);
         } else {
-            m_unwritten.insert(record.ID);
+            m_unwritten[record.ID] = Unwritten::Failed;
             m_changed.erase(id);
             m_changed.insert(record.ID);
         }
@@ -282,7 +310,8 @@ private:
     SlotOrder m_order;
     mutable std::optional<QHash<int, int>> m_slotById;
     std::vector<Record> m_deleted;  // in order of deletion
-    std::set<int> m_unwritten;      // IDs that the last submit failed to write or delete
+    std::map<int, Unwritten>
+        m_unwritten;          // by ID: what is not in the file as the last submit should have left it
     std::set<int> m_changed;  // IDs of records that the user has added or changed and that are unwritten
     int m_lastNewId = 0;
     int m_lowestStoredId = 0;  // or 0

@@ -55,7 +55,6 @@ CString RowLabel(const CString& kindText) {
 CCoefficientTableDlg::CCoefficientTableDlg(CLightingDatabase& database, int luminaireId, const CString& title,
                                            const CString& kindText, QWidget* parent)
     : QDialog(parent),
-      m_database(database),
       m_rowLabel(RowLabel(kindText)),
       m_editing(database, [this](const CString& text) { ShowMessage(MessageParent(), text); }) {
     setObjectName(u"factorTableDialog"_s);
@@ -247,19 +246,15 @@ bool CCoefficientTableDlg::EndEditing() {
 // False when something could not be written; its rows are marked then, and the dialog stays modified.
 bool CCoefficientTableDlg::Submit() {
     m_tree->repaint();
-    int unwritten = 0;
+    SubmitFailures failures;
     {
         const WaitCursor waiting;
         SubmitProgress progress(this, u"正在提交数据……"_s);
-        unwritten = m_editing.Submit(std::ref(progress));
+        failures = m_editing.Submit(std::ref(progress));
     }
-    if (unwritten > 0) {
-        ShowMessage(this,
-                    UnwrittenText(unwritten) + CauseText(m_database.LastFailure()) + u"请排除后再次提交。"_s,
-                    windowTitle());
-    }
+    TellFailures(this, windowTitle(), failures);
     m_grid->Show(m_editing.Table());
-    return unwritten == 0;
+    return failures.None();
 }
 
 void CCoefficientTableDlg::accept() {

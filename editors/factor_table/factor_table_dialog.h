@@ -64,7 +64,6 @@ private:
     bool Ask(const CString& question);
     void TellError(const CString& text);
 
-    CLightingDatabase& m_database;
     CString m_rowLabel;
     FactorTableEditing m_editing;
     FactorTableTree* m_tree = nullptr;

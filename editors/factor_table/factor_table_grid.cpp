@@ -6,6 +6,7 @@
 
 #include "data/number_text.h"
 #include "editors/grid_setup.h"
+#include "editors/messages.h"
 #include "grid/cells/cell_attributes.h"
 #include "model/index_after_change.h"
 
@@ -40,6 +41,10 @@ int HeightFor(const QFontMetrics& metrics) {
 
 FactorTableGrid::FactorTableGrid(const CString& rowLabel) : m_rowLabel(rowLabel) {
     SetBackgroundColour(Qt::white);
+    ShowRowTips(*this, [this](int row) {
+        return row < kFirstRow ? CString()
+                               : UnwrittenTip(m_unwritten[static_cast<std::size_t>(row - kFirstRow)]);
+    });
 }
 
 void FactorTableGrid::Show(UtilizationFactorTable& table) {
@@ -66,6 +71,10 @@ CCellID FactorTableGrid::PlaceAfterChange(CCellID cell, const UtilizationFactorT
 void FactorTableGrid::Build(UtilizationFactorTable& table) {
     m_headings = table.Headings();
     m_rowValues = table.RowValues();
+    m_unwritten.clear();
+    for (const double rowValue : m_rowValues) {
+        m_unwritten.push_back(table.WhyUnwritten(rowValue));
+    }
     DeleteAllItems();
     SetRowCount(kFirstRow + static_cast<int>(m_rowValues.size()));
     SetColumnCount(kFirstColumn + static_cast<int>(m_headings.size()));
@@ -98,7 +107,7 @@ void FactorTableGrid::BuildLabels(const UtilizationFactorTable& table) {
         } else {
             const double rowValue = m_rowValues[static_cast<std::size_t>(row - kFirstRow)];
             SetItemText(row, 0, FormatFixed2(rowValue));
-            if (table.IsUnwritten(rowValue)) {
+            if (table.WhyUnwritten(rowValue) != Unwritten::No) {
                 SetItem({.row = row, .col = 0, .mask = ItemMask::BackColour, .backColour = kUnwrittenColour});
             }
         }

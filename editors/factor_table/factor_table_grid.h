@@ -35,6 +35,7 @@ private:
     CString m_rowLabel;
     std::vector<tagColHeading> m_headings;  // those shown
     std::vector<double> m_rowValues;
+    std::vector<Unwritten> m_unwritten;  // by row value
 };
 
 }  // namespace quorvane

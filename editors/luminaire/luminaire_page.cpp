@@ -361,10 +361,10 @@ void CQuorvaneLuminaireDlg::OpenFactorTable(int row) {
 // ---- Storing
 
 bool CQuorvaneLuminaireDlg::Submit() {
-    RunSubmit(
-        this, kCaption, m_database,
-        [this](const ProgressCallback& progress) { return m_luminaires.Submit(progress); },
-        [this] { return m_luminaires.LastPhotoProblem(); });
+    RunSubmit(this, kCaption, m_database,
+              {.write = [this](const ProgressCallback& progress) { return m_luminaires.Submit(progress); },
+               .compare = [this](SubmitFailures& failures) { m_luminaires.Compare(failures); },
+               .photoProblem = [this] { return m_luminaires.LastPhotoProblem(); }});
     const int withoutCategory = m_luminaires.CountWithoutCategory();
     if (withoutCategory > 0) {
         ShowMessage(

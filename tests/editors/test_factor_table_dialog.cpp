@@ -196,6 +196,7 @@ private Q_SLOTS:
         QCOMPARE(fixture.Grid()[4], u"0.60|0.61|0.65|0.12"_s);
         fixture.Type(4, 3, u"0.12"_s);  // its display, but typed
         fixture.Press(Submit);
+        QVERIFY(!fixture.dialog->IsModified());
         QCOMPARE(fixture.Value(3) + fixture.Value(5) + fixture.Value(4), u"0.120.6540.54"_s);
     }
 
@@ -263,6 +264,11 @@ private Q_SLOTS:
         QCOMPARE(fixture.answers.TakeSeen(), QStringList({told, kLeave, told}));
         QVERIFY(fixture.dialog->isVisible() && fixture.dialog->IsModified());
         QCOMPARE(fixture.grid->Cell(4, 0)->GetBackColour(), QColor(255, 150, 120));
+        // A statement that met no row has written nothing either.
+        fixture.log.failing.clear();
+        fixture.file.Raw().Execute(u"delete from 利用系数 where ID=2"_s);
+        fixture.Press(Submit);
+        QVERIFY(fixture.answers.TakeSeen().value(0).contains(u"有1条数据提交后"_s));
         fixture.answers.Plan(u"否"_s);
         fixture.dialog->close();
         QVERIFY(!fixture.dialog->isVisible());

@@ -1,6 +1,8 @@
 #include <QClipboard>
+#include <QHelpEvent>
 #include <QRadioButton>
 #include <QTest>
+#include <QToolTip>
 
 #include "editors/light_source_page.h"
 #include "tests/support/shown_page.h"
@@ -160,6 +162,31 @@ private Q_SLOTS:
             afterRefusal([&] { QTest::keyClick(DialogItem(fixture.page, kCategoryList), Qt::Key_Down); }),
             u"2"_s);
         other.Execute(u"rollback"_s);
+    }
+
+    // Another program deletes one row before the submit and changes one between the submit and the
+    // comparison.
+    void WhatTheFileDoesNotHoldIsMarked() {
+        Fixture fixture;
+        fixture.ChooseFluorescent();
+        fixture.file.Raw().Execute(u"delete from 光源 where ID=11"_s);
+        fixture.log.onStatement = [&](const QString& statement) {
+            if (statement.startsWith(u"select ID, Lamp"_s)) {
+                fixture.file.Raw().Execute(u"update 光源 set LuminousFlux=LuminousFlux+1 where ID>11"_s);
+            }
+        };
+        fixture.PickCategory(3, Qt::Key_Up);
+        fixture.page->Submit();
+        fixture.page->Refresh();
+        QVERIFY(fixture.answers.TakeSeen().value(0).contains(u"有2条数据提交后与数据库文件中的不同"_s));
+        QVERIFY(fixture.page->IsModified());
+        const auto tip = [&](int row) {
+            const QPoint place = fixture.grid->CellRect(row, Number).center();
+            QHelpEvent help(QEvent::ToolTip, place, fixture.grid->viewport()->mapToGlobal(place));
+            QCoreApplication::sendEvent(fixture.grid->viewport(), &help);
+            return QToolTip::text().left(9);
+        };
+        QCOMPARE(tip(1) + tip(2) + tip(3), u"数据库文件中没有这数据库文件中的这一"_s);  // six digits are kept
     }
 
     void TheShownCategoryIsLoadedAgainWhenChosenAgain() {

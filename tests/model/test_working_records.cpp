@@ -16,6 +16,10 @@ struct Item {
     bool operator==(const Item&) const = default;
 };
 
+bool IsSameInFile(const Item& left, const Item& right) {
+    return left == right;
+}
+
 std::vector<Item> Loaded(int count) {
     std::vector<Item> items;
     for (int id = 1; id <= count; ++id) {
@@ -140,6 +144,39 @@ private Q_SLOTS:
         table = {};
         QVERIFY(records.Submit(table.Statements()).None() && !records.HasUnwritten());
         QCOMPARE(table.statements.join(u','), u"update 1,update 5,update 101,insert 8,update 4"_s);
+    }
+
+    // The slice of a record is its tens. One of those in the file cannot be read to its end.
+    void WhatTheFileDoesNotHoldCountsAsUnwritten() {
+        using enum Unwritten;
+        const auto slice = [](const Item& item) { return QString::number(item.value / 10); };
+        for (const bool isComplete : {true, false}) {
+            QStringList read;
+            StoredRecords<Item> file(
+                slice,
+                [&](const QString& name, std::vector<Item>& items) {
+                    read += name;
+                    items = name == u"0"_s ? std::vector<Item>{{1, 1}, {2, 7}} : std::vector<Item>{{4, 14}};
+                    return isComplete;
+                },
+                u"0"_s);
+            WorkingRecords<Item> records;
+            records.TakeLoaded({{1, 1}, {2, 2}, {3, 3}, {4, 14}, {5, 15}, {6, 99}, {7, 7}});
+            records.Replace({7, 8});
+            Table table;
+            table.failing = QStringList(u"update 7"_s);
+            SubmitFailures failures = records.Submit(table.Statements());
+            records.Compare(file, table.Statements().isBlank, failures);
+            const Unwritten missing = isComplete ? Missing : No;
+            const Unwritten expected[] = {No, Different, missing, No, missing, No, Failed};
+            for (int id = 1; id <= 7; ++id) {
+                QCOMPARE(records.WhyUnwritten(id), expected[id - 1]);
+            }
+            QCOMPARE(failures.different, isComplete ? 3 : 1);
+            QCOMPARE(failures.unread, isComplete ? 0 : 2);
+            QCOMPARE(read, QStringList({u"0"_s, u"1"_s}));
+            QVERIFY(records.IsModified());
+        }
     }
 
     void OneIsSavedAtOnce() {

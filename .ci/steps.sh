@@ -55,6 +55,7 @@ readonly screenPackages=(
     python3 python3-gi             # the driver
     xdotool x11-xserver-utils      # keys and mouse; keys for Chinese characters
     scrot                          # pictures
+    mdbtools                       # an independent reader of the database file
 )
 readonly benchPackages=(
     sqlitebrowser                  # the yardstick: a program that shows the same file

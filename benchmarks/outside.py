@@ -144,7 +144,7 @@ def leave_cache(file):
 
 
 def measure(place):
-    small, large = (driver.ProgramFolder(place / name, BINARIES) for name in ("small", "large"))
+    small, large = (driver.ProgramFolder(place / name, BINARIES, "sqlite") for name in ("small", "large"))
     peer_small = shutil.copy2(small.database, place / "small.db")
     places = Places(small, peer_small)
     add_light_sources(large.database, places.last_category)

@@ -45,21 +45,24 @@ QString Literal(const FieldValue& value) {
     return text == nullptr ? u"null"_s : u'\'' + QString(*text).replace(u'\'', u"''"_s) + u'\'';
 }
 
-std::vector<FieldValue> Row(const Recordset& rows, qsizetype columns) {
-    std::vector<FieldValue> values;
-    values.reserve(static_cast<std::size_t>(columns));
-    for (int column = 0; column < columns; ++column) {
-        values.push_back(rows.Value(column));
-    }
-    return values;
-}
+using Row = std::vector<FieldValue>;
 
-std::unique_ptr<Recordset> Rows(Connection& connection, const TableColumns& table) {
-    return connection.Execute(u"select %1 from %2 order by ID"_s.arg(table.columns.join(u','), table.name));
+// All at once: a query is given up after some time, and what is done with each row can take longer.
+std::vector<Row> Rows(Connection& connection, const TableColumns& table) {
+    std::vector<Row> rows;
+    const auto result =
+        connection.Execute(u"select %1 from %2 order by ID"_s.arg(table.columns.join(u','), table.name));
+    for (; !result->AtEnd(); result->MoveNext()) {
+        Row& row = rows.emplace_back();
+        for (int column = 0; column < table.columns.size(); ++column) {
+            row.push_back(result->Value(column));
+        }
+    }
+    return rows;
 }
 
 // An omitted field may get a default from the table; a NULL has to be written over it.
-void CopyRow(Connection& to, const TableColumns& table, const std::vector<FieldValue>& values) {
+void CopyRow(Connection& to, const TableColumns& table, const Row& values) {
     QStringList given;
     QStringList literals;
     QStringList missing;
@@ -83,11 +86,11 @@ int CopyTable(Connection& from, Connection& to, const TableColumns& table) {
     if (!to.Execute(u"select ID from %1 limit 1"_s.arg(table.name))->AtEnd()) {
         throw SampleError(u"table %1 of the target holds rows already"_s.arg(table.name));
     }
-    int count = 0;
-    for (const auto rows = Rows(from, table); !rows->AtEnd(); rows->MoveNext(), ++count) {
-        CopyRow(to, table, Row(*rows, table.columns.size()));
+    const std::vector<Row> rows = Rows(from, table);
+    for (const Row& row : rows) {
+        CopyRow(to, table, row);
     }
-    return count;
+    return static_cast<int>(rows.size());
 }
 
 // A whole number and the same one as a real are alike: the columns may be of different types.
@@ -103,20 +106,19 @@ bool Same(const FieldValue& left, const FieldValue& right) {
 }
 
 void Compare(Connection& from, Connection& to, const TableColumns& table) {
-    const auto expected = Rows(from, table);
-    const auto found = Rows(to, table);
-    for (; !expected->AtEnd() && !found->AtEnd(); expected->MoveNext(), found->MoveNext()) {
-        const auto wanted = Row(*expected, table.columns.size());
-        const auto copied = Row(*found, table.columns.size());
-        for (std::size_t column = 0; column < wanted.size(); ++column) {
-            if (!Same(wanted[column], copied[column])) {
+    const std::vector<Row> expected = Rows(from, table);
+    const std::vector<Row> found = Rows(to, table);
+    if (expected.size() != found.size()) {
+        throw SampleError(u"table %1 has another number of rows after copying"_s.arg(table.name));
+    }
+    for (std::size_t row = 0; row < expected.size(); ++row) {
+        for (std::size_t column = 0; column < expected[row].size(); ++column) {
+            if (!Same(expected[row][column], found[row][column])) {
                 throw SampleError(u"table %1, ID %2: column %3 differs after copying"_s.arg(
-                    table.name, Literal(wanted.front()), table.columns[static_cast<qsizetype>(column)]));
+                    table.name, Literal(expected[row].front()),
+                    table.columns[static_cast<qsizetype>(column)]));
             }
         }
-    }
-    if (expected->AtEnd() != found->AtEnd()) {
-        throw SampleError(u"table %1 has another number of rows after copying"_s.arg(table.name));
     }
 }
 

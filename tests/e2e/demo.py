@@ -24,26 +24,9 @@ from story import Story
 
 ROADS = [light_source_road, requirement_road, factor_table_road, luminaire_road]
 
-# Picture of the story -> its name in the documents.
-DOCUMENTED = {
-    "category": "main-window",
-    "append-row": "light-sources-append",
-    "building-type": "requirements",
-    "luminaires": "luminaires",
-    "type-chooser": "type-chooser",
-    "mixed-light-sources": "mixed-light",
-    "photo": "photo",
-    "heading-menu": "factor-menu",
-    "factors-typed": "factor-table",
-    "mixed-light-luminaire": "mixed-light-row",
-}
-
-
-def copy_documented(pictures, docs):
-    docs.mkdir(parents=True, exist_ok=True)
-    for name, document in DOCUMENTED.items():
-        picture = sorted(pictures.glob(f"[0-9][0-9]-{name}.png"))[0]
-        shutil.copyfile(picture, docs / f"{document}.png")
+# The pictures that the documents show.
+DOCUMENTED = ["main-window", "light-sources-append", "requirements", "luminaires", "type-chooser", "mixed-light",
+              "photo", "factor-menu", "factor-table", "mixed-light-row"]
 
 
 def main():
@@ -67,8 +50,8 @@ def main():
         screen.picture(given.into / "99-failure.png")
         print(f"demo: {type(error).__name__}: {error}", file=sys.stderr, flush=True)
         return 1
-    if given.docs:
-        copy_documented(given.into, given.docs)
+    for name in DOCUMENTED if given.docs else ():
+        shutil.copyfile(next(given.into.glob(f"[0-9][0-9]-{name}.png")), given.docs / f"{name}.png")
     print("demo: the file holds what was typed, and nothing else in it was changed")
     return 0
 

@@ -10,6 +10,8 @@
 What is found are objects of Debian's bindings to AT-SPI. It runs under tests/e2e/virtual_screen.
 """
 
+import json
+import os
 import re
 import shutil
 import sqlite3
@@ -82,10 +84,29 @@ def find_all(element, wanted, name=None):
     return found
 
 
-class ProgramFolder:
-    """A program laid out as it is installed, FOLDER/bin beside FOLDER/Vexal, with a database of its own."""
+def access_tables(file):
+    """Name and rows of each table, as mdbtools read them. They leave out what is empty, and write a digit too many."""
+    for table in screen.run("mdb-tables", "-1", file).split():
+        rows = [json.loads(line, parse_float=lambda text: float(f"{float(text):.15g}"))
+                for line in screen.run("mdb-json", file, table).splitlines()]
+        assert len(rows) == int(screen.run("mdb-count", file, table)), f"{table} counts more or less than its rows"
+        empty = {name: "" for row in rows for name in row}
+        yield table, [empty | row for row in rows]
 
-    def __init__(self, folder, binaries):
+
+def sqlite_tables(file):
+    database = sqlite3.connect(file)
+    database.row_factory = sqlite3.Row
+    for (table,) in database.execute("select name from sqlite_master where type = 'table' and name not like 'sqlite%'"):
+        yield table, [dict(row) for row in database.execute(f"select * from [{table}]")]
+
+
+class ProgramFolder:
+    """A program laid out as it is installed, FOLDER/bin beside FOLDER/Vexal, with a database of its own, which is an
+    Access file, or an SQLite file when DATABASE_KIND is sqlite."""
+
+    def __init__(self, folder, binaries, kind=os.environ.get("DATABASE_KIND", "access")):
+        option, self.read = {"access": ((), access_tables), "sqlite": (("--sqlite",), sqlite_tables)}[kind]
         self.folder = Path(folder)
         self.program = self.folder / "bin" / "quorvane"
         self.database = self.folder / "Vexal" / "灯具数据库.mdb"
@@ -94,35 +115,26 @@ class ProgramFolder:
         self.database.parent.mkdir()
         # A copy, because the program looks for its data beside the folder that it was really started from.
         shutil.copy2(Path(binaries) / "quorvane", self.program)
-        subprocess.run([Path(binaries) / "quorvane-sample-database", "--sqlite", self.database], check=True, timeout=120,
+        subprocess.run([Path(binaries) / "quorvane-sample-database", *option, self.database], check=True, timeout=120,
                        stdout=subprocess.DEVNULL)
 
-    def query(self, statement):
-        """The rows of a statement as dictionaries, read past the program from its file. Ask while it is idle."""
+    def first_category(self):
+        """ID and LamphouseType of the category of the first light source."""
+        tables = self.everything()
+        return next(row for row in tables["光源类别"] if row["ID"] == tables["光源"][0]["LamphouseType"])
+
+    def photos(self):
+        """Name -> content of the files in the photo library."""
+        return {file.name: file.read_bytes() for file in self.database.parent.glob("LuminairePhotoLib/*")}
+
+    def everything(self):
+        """Table name -> its rows by their IDs, read past the program from its file. Ask while it is idle."""
         # From a copy: a reader of the file itself could stand in the way of the program's writing.
         with tempfile.TemporaryDirectory() as place:
             copy = shutil.copytree(self.database.parent, Path(place) / "copy",
                                    ignore=shutil.ignore_patterns("LuminairePhotoLib", "*-shm"))
-            connection = sqlite3.connect(copy / self.database.name)
-            connection.row_factory = sqlite3.Row
-            rows = [dict(row) for row in connection.execute(statement)]
-            connection.close()
-            return rows
-
-    def first_category(self):
-        """Id and name of the first category that the page offers and that has light sources."""
-        return self.query("select ID, LamphouseType as name from 光源类别 where LamphouseType not in "
-                          "('混光灯', '常用灯具') and ID in (select LamphouseType from 光源) order by ID")[0]
-
-    def photos(self):
-        """Name -> content of the files in the photo library."""
-        library = self.database.parent / "LuminairePhotoLib"
-        return {file.name: file.read_bytes() for file in sorted(library.iterdir())} if library.is_dir() else {}
-
-    def everything(self):
-        """Table name -> its rows."""
-        tables = self.query("select name from sqlite_master where type = 'table' and name not like 'sqlite%'")
-        return {table["name"]: self.query(f"select * from [{table['name']}] order by ID") for table in tables}
+            return {table: sorted(rows, key=lambda row: row["ID"])
+                    for table, rows in self.read(copy / self.database.name)}
 
 
 class Program:

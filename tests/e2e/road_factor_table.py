@@ -21,11 +21,11 @@ def factor_table_road(story):
     (stored,) = (row for row in before["灯具"] if row["LampModel"] == luminaire["灯具型号"])
     window.press_in_cell(0, "利用系数表")
     table = story.program.dialog(f"{luminaire['灯具名称']} 利用系数表")
-    story.show("factor-table")
+    story.show("factor-table-opened")
 
     heading = ",".join(map(str, NEW_HEADING))
     story.tell(f"adding the heading {heading} and the row {NEW_ROW}")
-    new_label(story, table, "列表头", "新建列表头", heading, heading, picture="heading-menu")
+    new_label(story, table, "列表头", "新建列表头", heading, heading, picture="factor-menu")
     story.show("heading-added")
     new_label(story, table, "室空间比RCR", "新建室空间比RCR", f"{NEW_ROW}", f"{NEW_ROW}.00", picture="row-menu")
     story.show("row-added")
@@ -33,7 +33,7 @@ def factor_table_road(story):
     story.tell(f"typing {len(FACTORS)} factors")
     for (*reflectances, ratio), factor in FACTORS.items():
         type_factor(table, reflectances, ratio, factor)
-    story.show("factors-typed")
+    story.show("factor-table")
     story.expect(folder.everything() == before, "the file was changed before the factors were submitted")
 
     story.tell("submitting the table and leaving it with 确定")

@@ -67,13 +67,11 @@ def add_plain_luminaire(story, row):
 def picture_folder(folder):
     """A folder outside the program's own, with two pictures to choose from; name -> file."""
     drawn = sorted((folder.database.parent / "LuminairePhotoLib").glob("*.jpg"))
-    place = Path(tempfile.mkdtemp(prefix="quorvane-", dir="/var/tmp"))
-    try:
-        (place / "灯具图片").mkdir()
-        yield {name: Path(shutil.copy2(file, place / "灯具图片" / f"{name}.jpg"))
+    with tempfile.TemporaryDirectory(prefix="quorvane-", dir="/var/tmp") as place:
+        pictures = Path(place) / "灯具图片"
+        pictures.mkdir()
+        yield {name: Path(shutil.copy2(file, pictures / f"{name}.jpg"))
                for name, file in zip(("三防灯", "格栅灯盘"), reversed(drawn[:2]))}
-    finally:
-        shutil.rmtree(place)
 
 
 def choose_photo(story, row, photo):
@@ -119,12 +117,12 @@ def add_mixed_luminaire(story, row):
         dialog.choose_in_cell(number, "光源类别", category)
         dialog.choose_in_cell(number, "光源", source)
         dialog.enter(number, "数量", f"{count}")
-    story.show("mixed-light-sources")
+    story.show("mixed-light")
     dialog.press_button("确定")
     dialog.wait_until_closed()
     window.wait_for_cell(row, "默认光源", ",".join(source for _, source, _ in MIXED_SOURCES))
     window.wait_for_cell(row, "光源个数", ",".join(str(count) for *_, count in MIXED_SOURCES))
-    story.show("mixed-light-luminaire")
+    story.show("mixed-light-row")
 
 
 def copy_and_paste(story, row):

@@ -16,7 +16,7 @@ def requirement_road(story):
     window.expand(TRADE)
     window.click_tree(BUILDING)
     window.wait_for_cell(0, "序号", "1")
-    story.show("building-type")
+    story.show("requirements")
 
     first = window.row_texts(0)
     story.tell(f"typing {NEW_ILLUMINANCE} lx over {first['照度标准值']} lx for {first['场所']}")

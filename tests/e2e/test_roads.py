@@ -71,7 +71,7 @@ class Roads(unittest.TestCase):
             self.assertEqual(self.folder.everything(), before)
             program = self.start()
             window = program.main_window()
-            window.choose("按光源类型显示", self.folder.first_category()["name"])
+            window.choose("按光源类型显示", self.folder.first_category()["LamphouseType"])
             window.enter(0, "光通量", "4321")
             window.show_tab("灯具库")  # changing between the pages asks nothing
             window.choose("灯具类型:", "混光灯")

@@ -16,8 +16,7 @@ namespace quorvane {
 namespace {
 
 const CString kLibraryFolder = u"\\Vexal\\LuminairePhotoLib\\"_s;
-constexpr qsizetype kBlock = 1 << 20;         // bytes copied at a time
-constexpr qint64 kLargestPhoto = 64LL << 20;  // bytes
+constexpr qsizetype kBlock = 1 << 20;  // bytes copied at a time
 
 // The text from the last "." on, or the whole path when it has none.
 CString Extension(const CString& path) {

@@ -20,6 +20,9 @@ namespace quorvane {
 // Why a picture could not be put into the library.
 enum class PhotoProblem { None, UnreadableSource, LinkedLibrary, UnwritableLibrary };
 
+// The largest file that is copied, in bytes.
+inline constexpr qint64 kLargestPhoto = 64LL << 20;
+
 class PhotoLibrary {
 public:
     // baseFolder, with either kind of separator, has none at its end. With an empty one no file is touched.

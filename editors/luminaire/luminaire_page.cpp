@@ -334,12 +334,9 @@ void CQuorvaneLuminaireDlg::OpenMixedLightSources(int row) {
 
 void CQuorvaneLuminaireDlg::OpenPhoto(int row) {
     tagLUMINAIREINFO record = m_grid.RecordAt(row);
-    const CString present = m_luminaires.Photos().FilePath(record.LampPhoto);
-    CLuminairePhotoSettingDlg dialog(present, record.LampName, this);
-    if (dialog.exec() == QDialog::Accepted) {
-        // A photo outside the library that came with the file has not been chosen by opening the dialog.
-        const bool isForeign = !record.LampPhoto.isEmpty() && !m_luminaires.Photos().Holds(record.LampPhoto);
-        record.LampPhoto = isForeign && dialog.Path() == present ? record.LampPhoto : dialog.Path();
+    CLuminairePhotoSettingDlg dialog(m_luminaires.Photos().FilePath(record.LampPhoto), record.LampName, this);
+    if (dialog.exec() == QDialog::Accepted && dialog.IsChosen()) {
+        record.LampPhoto = dialog.Path();
         m_grid.Put(row, record);
     }
 }

@@ -3,6 +3,8 @@
 #include <QDir>
 #include <algorithm>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 namespace {
@@ -16,6 +18,7 @@ struct DirTreeModel::Node {
     QString name;
     Kind kind = Kind::Folder;
     State state = State::Unread;
+    bool isReadable = true;
     int row = 0;
     Node* parent = nullptr;
     std::vector<std::unique_ptr<Node>> children;
@@ -73,8 +76,9 @@ void DirTreeModel::Fill(Node& folder, const FolderContents& contents) {
     const QModelIndex index = IndexOf(folder);
     const auto count = static_cast<int>(contents.folders.size() + contents.files.size());
     folder.state = State::Read;
+    folder.isReadable = contents.isReadable;
     if (count == 0) {
-        // The view removes its mark for opening.
+        // The view removes its mark for opening, and shows whether the folder could be read.
         Q_EMIT dataChanged(index, index);
     } else {
         beginInsertRows(index, 0, count - 1);
@@ -156,7 +160,7 @@ QVariant DirTreeModel::data(const QModelIndex& index, int role) const {
         return {};
     }
     if (role == Qt::DisplayRole) {
-        return NodeOf(index).name;
+        return NodeOf(index).isReadable ? NodeOf(index).name : NodeOf(index).name + u" (不能读取)"_s;
     }
     return role == Qt::DecorationRole ? m_icons[static_cast<size_t>(KindOf(index))] : QVariant();
 }

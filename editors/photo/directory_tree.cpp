@@ -173,6 +173,7 @@ void CDirTreeCtrl::WalkOn() {
     StopWalk();
     const QScopedValueRollback selecting(m_selecting, true);
     setCurrentIndex(found);
+    expand(found);
     scrollTo(found, PositionAtCenter);
 }
 

@@ -3,6 +3,8 @@
 #include <QDirIterator>
 #include <QFileInfo>
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -65,7 +67,13 @@ FolderContents ReadFolder(const QString& folder, const TreeContent& wanted) {
             files.emplace_back(name);
         }
     }
-    return {QFileInfo(folder).isDir(), SortedNames(folders), SortedNames(files)};
+    // The toolkit does not say that it could not read.
+    std::error_code error;
+    const std::filesystem::directory_iterator opened(QFileInfo(folder).filesystemFilePath(), error);
+    return {.isFolder = QFileInfo(folder).isDir(),
+            .folders = SortedNames(folders),
+            .files = SortedNames(files),
+            .isReadable = !error};
 }
 
 }  // namespace quorvane

@@ -20,9 +20,10 @@ struct FolderContents {
     bool isFolder = false;
     QStringList folders;  // names
     QStringList files;    // names
+    bool isReadable = true;
 };
 
-// Thread-safe. It takes as long as the drive does. A folder that cannot be read counts as empty.
+// Thread-safe. It takes as long as the drive does.
 FolderContents ReadFolder(const QString& folder, const TreeContent& wanted);
 
 using FolderReader = std::function<FolderContents(const QString& folder, const TreeContent& wanted)>;

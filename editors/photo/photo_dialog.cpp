@@ -13,6 +13,7 @@
 #include "widgets/dialog_template.h"
 #include "widgets/ease_combo_box.h"
 #include "widgets/image_button.h"
+#include "widgets/message_box.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -73,11 +74,19 @@ CString KeptPath(const CString& path) {
     return kept ? QDir::toNativeSeparators(path) : CString();
 }
 
+// False for a picture on a drive that does not answer.
+bool IsIncomplete(const CString& path) {
+    constexpr std::chrono::seconds patience(2);
+    constexpr QSize smallest(1, 1);
+    const auto problem = AsyncReader::Within(patience, [=] { return LoadPicture(path, smallest).problem; });
+    return problem == PictureProblem::Incomplete;
+}
+
 }  // namespace
 
 CLuminairePhotoSettingDlg::CLuminairePhotoSettingDlg(const CString& initialPath, const CString& title,
                                                      QWidget* parent)
-    : QDialog(parent), m_path(KeptPath(initialPath)) {
+    : QDialog(parent), m_keptPath(KeptPath(initialPath)), m_path(m_keptPath) {
     setObjectName(u"photoDialog"_s);
     setWindowTitle(title + u" 图片设置"_s);
     CreateControls(this, kTemplate, MakeCustomControl);
@@ -90,7 +99,7 @@ CLuminairePhotoSettingDlg::CLuminairePhotoSettingDlg(const CString& initialPath,
     m_tree->SetExtensions(PictureExtensions());
     FillDriveList();
     ShowDrive();
-    m_tree->SelectPath(m_path);
+    m_tree->SelectPath(m_path.isEmpty() && !initialPath.isEmpty() ? QFileInfo(initialPath).path() : m_path);
     DecorateButtons();
     ShowPicture(m_path);
     m_tree->setFocus();
@@ -178,12 +187,17 @@ void CLuminairePhotoSettingDlg::EnableSteps() {
 }
 
 void CLuminairePhotoSettingDlg::OnClear() {
+    m_isCleared = true;
     ShowPicture({});
 }
 
 void CLuminairePhotoSettingDlg::accept() {
     m_path = m_pathEdit->text();
-    QDialog::accept();
+    if (m_path == m_keptPath || !IsIncomplete(m_path) ||
+        ShowMessage(this, u"所选图片不完整或已损坏,是否仍然使用?"_s, windowTitle(), MessageButtons::YesNo,
+                    MessageIcon::Question) == MessageAnswer::Yes) {
+        QDialog::accept();
+    }
 }
 
 }  // namespace quorvane

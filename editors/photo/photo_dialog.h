@@ -26,7 +26,10 @@ public:
 
     // The chosen native path after OK; empty when the luminaire gets no picture.
     const CString& Path() const { return m_path; }
+    // Whether the user has chosen a picture, or none, since the dialog was opened.
+    bool IsChosen() const { return m_isCleared || m_path != m_keptPath; }
 
+    // Asks first when the picture of the path is incomplete.
     void accept() override;
 
 private:
@@ -40,7 +43,9 @@ private:
     void EnableSteps();
     void OnClear();
 
+    CString m_keptPath;  // at the opening
     CString m_path;
+    bool m_isCleared = false;
     QStringList m_history;  // pictures chosen in this dialog, the latest last
     qsizetype m_shown = 0;  // index of the one shown
 

@@ -7,51 +7,94 @@
 #include <QPainter>
 
 #include "editors/photo/picture_wholeness.h"
+#include "model/photo_library.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 namespace {
 
 constexpr qint64 kMostPixels = 100'000'000;
-constexpr qint64 kMostBytes = 256LL << 20;  // of a file
 // One slow file must not delay the next. The bound limits the memory for pictures that are no longer wanted.
 constexpr int kLoadedAtOnce = 2;
-
-bool IsBearable(const QSize& size) {
-    return !size.isEmpty() && qint64{size.width()} * size.height() <= kMostPixels;
-}
 
 bool IsPhotoFormat(const QByteArray& format) {
     return QByteArrayList{"bmp", "gif", "jpeg", "jpg", "png"}.contains(format);
 }
 
-QByteArray Contents(const CString& path) {
+PictureProblem Read(const CString& path, QByteArray& contents) {
     QFile file(path);
-    const bool readable =
-        QFileInfo(path).isFile() && file.size() <= kMostBytes && file.open(QIODevice::ReadOnly);
-    return readable ? file.readAll() : QByteArray();
+    if (!file.exists()) {
+        return PictureProblem::Gone;
+    }
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return PictureProblem::Unreadable;
+    }
+    if (file.size() > kLargestPhoto) {
+        return PictureProblem::TooLarge;
+    }
+    contents = file.readAll();
+    return file.error() == QFile::NoError ? PictureProblem::None : PictureProblem::Unreadable;
+}
+
+// The size decides how much memory decoding takes, so it is checked before.
+PictureProblem Examine(const QByteArray& contents, const QByteArray& format, const QSize& size) {
+    if (!IsPhotoFormat(format) || size.isEmpty()) {
+        return PictureProblem::NoPicture;
+    }
+    if (qint64{size.width()} * size.height() > kMostPixels) {
+        return PictureProblem::TooManyPixels;
+    }
+    return IsWholePicture(contents, format) ? PictureProblem::None : PictureProblem::Incomplete;
+}
+
+CString ProblemText(PictureProblem problem) {
+    switch (problem) {
+        case PictureProblem::None:
+            return {};
+        case PictureProblem::Gone:
+            return u"图片文件不存在。"_s;
+        case PictureProblem::Unreadable:
+            return u"图片文件不能读取。"_s;
+        case PictureProblem::TooLarge:
+            return u"文件大于64MB,不能用作图片。"_s;
+        case PictureProblem::NoPicture:
+            return u"文件中没有可以识别的图片。"_s;
+        case PictureProblem::TooManyPixels:
+            return u"图片的像素太多,不能预览。"_s;
+        case PictureProblem::Incomplete:
+            return u"图片不完整或已损坏。"_s;
+    }
+    return {};
 }
 
 }  // namespace
 
-QImage LoadPicture(const CString& file, const QSize& area) {
+LoadedPicture LoadPicture(const CString& file, const QSize& area) {
     // The limit of the toolkit is lower, and holds only for some formats. A pixel takes at most eight bytes.
     static const bool limited = (QImageReader::setAllocationLimit(kMostPixels * 8 >> 20), true);
     Q_UNUSED(limited)
-    QByteArray contents = Contents(file);
+    QByteArray contents;
+    LoadedPicture picture{.problem = Read(file, contents)};
+    if (picture.problem != PictureProblem::None) {
+        return picture;
+    }
     QBuffer buffer(&contents);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer);
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     const QByteArray format = QImageReader::imageFormat(&buffer);
-    // The size decides how much memory decoding takes, so it is checked first.
-    if (!IsPhotoFormat(format) || !IsBearable(reader.size()) || !IsWholePicture(contents, format)) {
-        return {};
+    picture.problem = Examine(contents, format, reader.size());
+    if (picture.problem != PictureProblem::None) {
+        return picture;
     }
     if (reader.size().width() > area.width() && reader.size().height() > area.height()) {
         reader.setScaledSize(area);
     }
-    return reader.read();
+    picture.image = reader.read();
+    picture.problem = picture.image.isNull() ? PictureProblem::Incomplete : PictureProblem::None;
+    return picture;
 }
 
 PicturePreview::PicturePreview(QWidget* parent) : QFrame(parent), m_loading(kLoadedAtOnce) {
@@ -59,8 +102,7 @@ PicturePreview::PicturePreview(QWidget* parent) : QFrame(parent), m_loading(kLoa
 }
 
 void PicturePreview::ShowFile(const CString& file) {
-    m_picture = QImage();
-    update();
+    Show({});
     m_loading.DropWaiting();
     const int request = ++m_request;
     if (file.isEmpty()) {
@@ -68,18 +110,26 @@ void PicturePreview::ShowFile(const CString& file) {
     }
     const QSize area = contentsRect().size() * devicePixelRatio();
     m_loading.Run([file, area] { return LoadPicture(file, area); },
-                  [this, request](const QImage& picture) {
+                  [this, request](const LoadedPicture& picture) {
                       if (request == m_request) {
-                          m_picture = picture;
-                          update();
+                          Show(picture);
                       }
                   });
 }
 
+void PicturePreview::Show(const LoadedPicture& picture) {
+    m_picture = picture.image;
+    m_note = ProblemText(picture.problem);
+    setAccessibleDescription(m_note);
+    update();
+}
+
 void PicturePreview::paintEvent(QPaintEvent* event) {
     QFrame::paintEvent(event);
-    if (!m_picture.isNull()) {
-        QPainter painter(this);
+    QPainter painter(this);
+    if (!m_note.isEmpty()) {
+        painter.drawText(contentsRect(), Qt::AlignCenter | Qt::TextWordWrap, m_note);
+    } else if (!m_picture.isNull()) {
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.drawImage(contentsRect(), m_picture);
     }

@@ -9,27 +9,40 @@
 
 namespace quorvane {
 
+// Why a file cannot be shown.
+enum class PictureProblem { None, Gone, Unreadable, TooLarge, NoPicture, TooManyPixels, Incomplete };
+
+struct LoadedPicture {
+    QImage image = {};  // null when there is a problem
+    PictureProblem problem = PictureProblem::None;
+};
+
 // The picture of a file for an area of that many pixels. The picture may be larger or smaller than the area.
-// Null when the file is no complete picture or needs too much memory. The name of the file does not matter.
-// Thread-safe.
-QImage LoadPicture(const CString& file, const QSize& area);
+// The name of the file does not matter. Thread-safe.
+LoadedPicture LoadPicture(const CString& file, const QSize& area);
 
 class PicturePreview : public QFrame {
 public:
     explicit PicturePreview(QWidget* parent);
 
-    // Shows the picture once it is loaded, and nothing until then, without delaying the event loop. Nothing
-    // is shown for an empty path or a file without a picture. A later call replaces an earlier one.
+    // Shows the picture once it is loaded, and nothing until then, without delaying the event loop. In the
+    // place of a picture that cannot be shown stands the reason. Nothing is shown for an empty path. A later
+    // call replaces an earlier one.
     void ShowFile(const CString& file);
     bool IsBlank() const { return m_picture.isNull(); }
+    // The reason, or empty.
+    const CString& Note() const { return m_note; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void Show(const LoadedPicture& picture);
+
     AsyncReader m_loading;
     int m_request = 0;  // number of the last ShowFile
     QImage m_picture;
+    CString m_note;
 };
 
 }  // namespace quorvane

@@ -10,6 +10,7 @@
 #include "editors/photo/directory_tree.h"
 #include "editors/photo/drives.h"
 #include "tests/support/message_answers.h"
+#include "tests/support/unprivileged_scope.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -90,6 +91,16 @@ private Q_SLOTS:
         QVERIFY(QDir(Path(u"outer2"_s)).removeRecursively());
         m_tree->expand(model.index(1, 0, root));
         QTRY_VERIFY(!model.hasChildren(model.index(1, 0, root)));
+    }
+
+    void AFolderThatCannotBeReadSaysSo() {
+        Add({u"locked/a.jpg"_s});
+        QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7777)));
+        QVERIFY(QFile::setPermissions(Path(u"locked"_s), {}));
+        const UnprivilegedScope unprivileged;
+        const QModelIndex root = ShowFolder();
+        m_tree->expand(m_tree->model()->index(0, 0, root));
+        QTRY_COMPARE(Names(root), QStringList(u"locked (不能读取)"_s));
     }
 
     void SelectsDownToThePath() {

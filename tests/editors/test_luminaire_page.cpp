@@ -9,7 +9,7 @@ using namespace quorvane;
 
 namespace {
 
-enum { Cancel = 2, Filter = 1006, CopyButton = 1022, PasteButton = 1023, PhotoPath = 1025 };
+enum { Ok = 1, Cancel, Filter = 1006, CopyButton = 1022, PasteButton = 1023, PhotoPath = 1025 };
 enum {
     Number,
     Name,
@@ -182,8 +182,10 @@ private Q_SLOTS:
             PressIn(dialog, Cancel);
         });
         fixture.PressCell(1, Photo);
+        const DialogAnswer unchanged(u"photoDialog"_s, [](QWidget* dialog) { PressIn(dialog, Ok); });
+        fixture.PressCell(1, Photo);
         fixture.Type(1, LightSourceCount, u"2"_s);
-        QVERIFY(answer.WasShown && photo.WasShown && !fixture.page->IsModified());
+        QVERIFY(answer.WasShown && photo.WasShown && unchanged.WasShown && !fixture.page->IsModified());
         fixture.Type(1, LightSourceCount, {});
         fixture.Submit();
         QCOMPARE(fixture.Field("LamphouseCount", 31), u"0"_s);

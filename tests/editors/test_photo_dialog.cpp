@@ -9,6 +9,9 @@
 #include "editors/photo/directory_tree.h"
 #include "editors/photo/photo_dialog.h"
 #include "editors/photo/picture_preview.h"
+#include "model/photo_library.h"
+#include "tests/support/message_answers.h"
+#include "tests/support/unprivileged_scope.h"
 #include "widgets/dialog_template.h"
 #include "widgets/ease_combo_box.h"
 
@@ -101,6 +104,50 @@ private Q_SLOTS:
         }
     }
 
+    // Typed, because the tree offers pictures alone.
+    void APictureThatCannotBeShownSaysWhy() {
+        MessageAnswers answers;
+        Write(u"locked.bmp"_s, Encoded("bmp"));
+        Write(u"text.bmp"_s, "text");
+        Write(u"cut.jpg"_s, Encoded("jpg").chopped(9));
+        Write(u"large.bmp"_s, {});
+        QVERIFY(QFile::resize(Path(u"large.bmp"_s), kLargestPhoto + 1));
+        QVERIFY(QFile::setPermissions(Path(u"locked.bmp"_s), {}));
+        QVERIFY(QFile::setPermissions(m_folder.path(), QFile::Permissions(0x7777)));
+        const UnprivilegedScope unprivileged;
+        const QString notes =
+            u"gone.bmp:图片文件不存在。;locked.bmp:图片文件不能读取。;large.bmp:文件大于64MB,不能用作图片。;"
+            "text.bmp:文件中没有可以识别的图片。;a.png.bmp:;cut.jpg:图片不完整或已损坏。"_s;
+        Open({});
+        for (const QString& pair : notes.split(u';')) {
+            Item(PathEdit)->setFocus();
+            Item<QLineEdit>(PathEdit)->setText(Path(pair.section(u':', 0, 0)));
+            QTest::keyClick(Item(PathEdit), Qt::Key_Tab);
+            QTRY_COMPARE(Item<PicturePreview>(Preview)->Note(), pair.section(u':', 1));
+        }
+        for (const QString& answer : {u"否"_s, u"是"_s}) {
+            answers.Plan(answer);
+            Press(Ok);
+            QCOMPARE(m_dialog->isVisible(), answer == u"否"_s);
+        }
+        QCOMPARE(answers.TakeSeen().size(), 2);
+    }
+
+    // Nor does one whose file is gone: its folder is offered.
+    void OkAloneChoosesNothing() {
+        for (const QString& name : {u"d.gif"_s, u"gone.gif"_s}) {
+            Open(Path(name));
+            auto* tree = Item<CDirTreeCtrl>(TreeControl);
+            QTRY_COMPARE(tree->SelectedPath(), name == u"d.gif"_s ? Path(name) : m_folder.path());
+            Press(Ok);
+            QVERIFY(!m_dialog->IsChosen());
+            Open(Path(name));
+            Press(Clear);
+            Press(Ok);
+            QVERIFY(m_dialog->IsChosen());
+        }
+    }
+
     void BrokenPicturesShowNothing() {
         QList<QByteArray> broken{
             {}, "not a picture\n", "/* XPM */\nstatic char *x[]={\"1 1 1 1\",\"a c red\",\"a\"};"};
@@ -121,7 +168,7 @@ private Q_SLOTS:
         qToLittleEndian<qint32>(100'000, broken.last().data() + 22);
         for (const QByteArray& content : whole + broken) {
             Write(u"tried.jpg"_s, content);
-            QVERIFY2(LoadPicture(Path(u"tried.jpg"_s), {60, 40}).isNull() == broken.contains(content),
+            QVERIFY2(LoadPicture(Path(u"tried.jpg"_s), {60, 40}).image.isNull() == broken.contains(content),
                      content.left(20).toHex().constData());
         }
     }

@@ -1,4 +1,4 @@
-// The grid without a window: what keys and mouse ask for, buttons in cells, and what is painted.
+// The grid without a window: column widths, buttons in cells, what is painted, and selections.
 #include <QImage>
 #include <QPainter>
 #include <QTest>
@@ -9,13 +9,10 @@
 #include "grid/cells/grid_btn_cell.h"
 #include "grid/grid_core.h"
 #include "grid/grid_painter.h"
-#include "grid/input/grid_keys.h"
 #include "grid/input/grid_mouse.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
-
-using Kind = GridCommand::Kind;
 
 namespace {
 
@@ -42,10 +39,6 @@ CGridBtnCell& MakeButtonCell(GridCore& core, CCellID cell) {
     return dynamic_cast<CGridBtnCell&>(*core.Cell(cell));
 }
 
-QMouseEvent Mouse(QEvent::Type type, const QPointF& position, Qt::MouseButton button = Qt::LeftButton) {
-    return {type, position, position, button, button, {}};
-}
-
 QImage Painted(const GridCore& core, const GridLooks& looks) {
     QImage image(5 * kWidth, 6 * kHeight, QImage::Format_RGB32);
     QPainter painter(&image);
@@ -59,58 +52,10 @@ class TestGridCore : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void keysSayWhatTheyAskFor() {
-        const auto core = MakeCore(40, 4, 1, 1);
-        core->Merge({5, 2}, 2, 1);
-        core->SetSize(Qt::Vertical, 3, 0);
-        core->Set({2, 1}, &CGridCellBase::SetState, CellState::ReadOnly);
-        constexpr auto kCtrl = Qt::ControlModifier;
-        constexpr auto kShift = Qt::ShiftModifier;
-        const struct {
-            CCellID focus;
-            Qt::Key key;
-            Qt::KeyboardModifiers modifiers;
-            Kind kind;
-            CCellID cell;
-        } cases[]{{{}, Qt::Key_Down, {}, Kind::Focus, {1, 1}},
-                  {{}, Qt::Key_Down, kCtrl, Kind::Nothing, {1, 1}},
-                  {{}, Qt::Key_A, {}, Kind::PassOn, {}},
-                  {{2, 1}, Qt::Key_Down, {}, Kind::Focus, {4, 1}},
-                  {{4, 1}, Qt::Key_Up, {}, Kind::Focus, {2, 1}},
-                  {{4, 3}, Qt::Key_Down, {}, Kind::Focus, {5, 2}},
-                  {{5, 2}, Qt::Key_Down, {}, Kind::Focus, {8, 2}},
-                  {{5, 2}, Qt::Key_Right, {}, Kind::Focus, {5, 2}},
-                  {{6, 1}, Qt::Key_Right, kShift, Kind::Extend, {5, 2}},
-                  {{9, 3}, Qt::Key_Home, {}, Kind::Focus, {9, 1}},
-                  {{9, 1}, Qt::Key_End, kCtrl, Kind::Focus, {39, 3}},
-                  {{9, 1}, Qt::Key_PageDown, {}, Kind::Focus, {13, 1}},
-                  {{9, 1}, Qt::Key_PageUp, {}, Kind::Focus, {5, 1}},
-                  {{9, 3}, Qt::Key_Tab, {}, Kind::Focus, {10, 1}},
-                  {{9, 1}, Qt::Key_Backtab, kShift, Kind::Focus, {8, 3}},
-                  {{39, 3}, Qt::Key_Tab, {}, Kind::PassOn, {}},
-                  {{39, 3}, Qt::Key_Return, {}, Kind::Nothing, {}},
-                  {{9, 3}, Qt::Key_Return, kShift, Kind::Focus, {8, 3}},
-                  {{9, 3}, Qt::Key_F2, {}, Kind::EditAtEnd, {9, 3}},
-                  {{2, 1}, Qt::Key_F2, {}, Kind::PassOn, {2, 1}},
-                  {{2, 1}, Qt::Key_Delete, {}, Kind::PassOn, {2, 1}},
-                  {{9, 3}, Qt::Key_Delete, {}, Kind::ClearText, {9, 3}},
-                  {{9, 3}, Qt::Key_A, kCtrl, Kind::SelectAll, {}},
-                  {{9, 3}, Qt::Key_F4, {}, Kind::PassOn, {9, 3}}};
-        for (const auto& [focus, key, modifiers, kind, cell] : cases) {
-            core->SetFocus(focus);
-            const GridCommand command =
-                CommandOfKey(*core, QKeyEvent(QEvent::KeyPress, key, modifiers, QString()));
-            const QByteArray which =
-                "key " + QByteArray::number(key, 16) + " in row " + QByteArray::number(focus.row);
-            QVERIFY2(command.kind == kind, which.constData());
-            QVERIFY2(kind == Kind::PassOn || !cell.IsValid() || command.cell == cell, which.constData());
-        }
-    }
-
     void columnEdgesAndWidths() {
         const auto core = MakeCore(4, 4, 2, 0);
         core->Merge({0, 1}, 0, 1);
-        GridMouse mouse(*core);
+        const GridMouse mouse(*core);
         QCOMPARE(mouse.EdgeAt({kWidth + 2, 5}), std::optional(0));
         QCOMPARE(mouse.EdgeAt({2 * kWidth, 5}), std::nullopt);  // inside a merged heading
         QCOMPARE(mouse.EdgeAt({2 * kWidth, kHeight + 5}), std::optional(1));
@@ -118,53 +63,12 @@ private Q_SLOTS:
         core->Merge({0, 3}, 1, 0);
         QCOMPARE(core->ColumnHeadingText(3), u"0,3"_s);
         QCOMPARE(core->ColumnHeadingText(2), u"0,1 1,2"_s);
-        mouse.Press(Mouse(QEvent::MouseButtonPress, {kWidth - 2.0, 5}));
-        const GridCommand drag = mouse.Drag({kWidth + 28, 5});
-        QVERIFY(drag.kind == Kind::ColumnWidth && drag.cell.col == 0);
-        QCOMPARE(drag.number, kWidth + 30);
-        QCOMPARE(mouse.Drag({-50, 5}).number, GridMouse::kSmallestColumn);
-
         const int usual = core->NeededWidth(0, 1, 1000);
         core->SetText({1, 0}, CString(20, u'm'));
         const int heading = core->NeededWidth(0, 1, 1000);
         core->SetText({3, 0}, CString(40, u'm'));
         QVERIFY(usual < heading && heading < core->NeededWidth(0, 1, 1000));
         QCOMPARE(core->NeededWidth(0, 1, 50), 50);
-    }
-
-    void clicksAndPresses() {
-        const auto core = MakeCore(6, 4, 1, 1);
-        CGridBtnCell& cell = MakeButtonCell(*core, {2, 2});
-        core->SetText({2, 2}, {});
-        cell.SetupBtns(0, BtnType::Button, BtnState::PushButton, 0, 0, 0, u"..."_s);
-        GridMouse mouse(*core);
-        const auto press = [&](CCellID at) {
-            return mouse.Press(Mouse(QEvent::MouseButtonPress, core->CellRect(at).center()));
-        };
-        const auto release = [&](CCellID at) {
-            return mouse.Release(Mouse(QEvent::MouseButtonRelease, core->CellRect(at).center()));
-        };
-        QVERIFY(press({3, 1}).kind == Kind::Focus && release({3, 1}).kind == Kind::Click);
-        QVERIFY(press({3, 1}).kind == Kind::Focus && release({3, 2}).kind == Kind::Nothing);
-        QVERIFY(press({2, 2}).kind == Kind::Focus && mouse.PressedCell() == (CCellID{2, 2}));
-        QVERIFY(release({2, 2}).kind == Kind::PressButton);
-        press({2, 2});
-        mouse.Drag(core->CellRect({3, 2}).center());
-        QVERIFY(!mouse.PressedCell().IsValid() && release({3, 2}).kind == Kind::Redraw);
-        QVERIFY(press({0, 0}).kind == Kind::SelectAll);
-        QCOMPARE(press({3, 0}).lines, (CCellRange{3, 1, 3, 3}));
-        QCOMPARE(press({0, 2}).lines, (CCellRange{1, 2, 5, 2}));
-        press({3, 3});
-        mouse.Drag({2 * kWidth, 6 * kHeight + 12});
-        QCOMPARE(mouse.Overshoot(), QPoint(0, 13));
-        QVERIFY(mouse.DoubleClick(Mouse(QEvent::MouseButtonDblClick, {})).kind == Kind::Edit);
-        QVERIFY(release({3, 3}).kind == Kind::Nothing);
-        core->Set({4, 1}, &CGridCellBase::SetState, CellState::ReadOnly);
-        press({4, 1});
-        QVERIFY(mouse.DoubleClick(Mouse(QEvent::MouseButtonDblClick, {})).kind == Kind::Nothing);
-        QVERIFY(release({4, 1}).kind == Kind::Nothing);  // the second press is no second click
-        press({2, 2});
-        QVERIFY(mouse.DoubleClick(Mouse(QEvent::MouseButtonDblClick, {})).kind == Kind::Nothing);
     }
 
     void buttonsOfACell() {
@@ -291,7 +195,9 @@ private Q_SLOTS:
         core->DeleteRow(0);
         QCOMPARE(core->Layout().rows.FixedCount(), 2);
         QVERIFY(core->Layout().IsFixed({1, 4}) && core->IsSelectable({2, 1}));
-        core->SelectRange({2, 1, 3, 4});
+        core->SelectRange({3, 1, 4, 4});
+        core->DeleteRow(2);
+        QCOMPARE(core->SelectedRange(), (CCellRange{2, 1, 3, 4}));
         core->DeleteRow(2);
         core->DeleteRow(2);
         QVERIFY(core->Selection().Ranges().empty());

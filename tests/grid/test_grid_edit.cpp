@@ -1,9 +1,11 @@
-// Editing in place: every way in, every way out, and notification handlers that change the grid meanwhile.
+// Editing in place: every way in, every way out, notification handlers that change the grid meanwhile, and
+// cells with a list or a button.
 #include <QAction>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDropEvent>
 #include <QInputMethodEvent>
+#include <QListWidget>
 #include <QMimeData>
 #include <QPointer>
 #include <QScrollBar>
@@ -17,6 +19,15 @@
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
+
+namespace {
+
+QListWidget* List() {
+    auto* list = qobject_cast<QListWidget*>(QApplication::activePopupWidget());
+    return list != nullptr && list->objectName() == u"gridComboList"_s ? list : nullptr;
+}
+
+}  // namespace
 
 class TestGridEdit : public QObject {
     Q_OBJECT
@@ -137,84 +148,66 @@ private Q_SLOTS:
         const ShownGrid shown(4, 3, 1, 1);
         CGridCtrl& grid = *shown.grid;
         grid.SetItemState(2, 1, CellState::ReadOnly);
+        const QSignalSpy clicked(&grid, &CGridCtrl::CellClicked);
         shown.DoubleClick(2, 1);
-        QVERIFY(!grid.IsEditing());
+        QTest::mouseRelease(grid.viewport(), Qt::LeftButton, {}, shown.Middle(2, 1));
+        QVERIFY(!grid.IsEditing() && clicked.count() == 1);  // the second press is no second click
         QVERIFY(!grid.inputMethodQuery(Qt::ImEnabled).toBool());
-        for (const Qt::Key key : {Qt::Key_F2, Qt::Key_A, Qt::Key_Delete, Qt::Key_Space, Qt::Key_Escape}) {
-            QKeyEvent press(QEvent::KeyPress, key, {}, key == Qt::Key_A ? u"a"_s : QString());
-            QCoreApplication::sendEvent(&grid, &press);
-            QVERIFY(!grid.IsEditing());
-            QVERIFY(!press.isAccepted());  // passed on
-        }
         shown.DoubleClick(2, 0);
         QVERIFY(!grid.IsEditing());
         QVERIFY(!grid.BeginEdit(0, 1) && !grid.BeginEdit(9, 9));
     }
 
-    void enterGoesDown() {
-        const ShownGrid shown(6, 2);
-        CGridCtrl& grid = *shown.grid;
-        grid.SetItemState(4, 0, CellState::ReadOnly);
-        const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
-        grid.BeginEdit(1, 0);
-        QTest::keyClicks(shown.Editor(), u"a"_s);
-        QTest::keyClick(shown.Editor(), Qt::Key_Return);
-        QCOMPARE(grid.GetItemText(1, 0), u"a"_s);
-        QCOMPARE(shown.Editor()->selectedText(), u"2,0"_s);
-        QTest::keyClick(shown.Editor(), Qt::Key_Enter, Qt::KeypadModifier);
-        QTest::keyClick(shown.Editor(), Qt::Key_Return, Qt::ShiftModifier);
-        QCOMPARE(shown.Editor()->text(), u"2,0"_s);
-        QTest::keyClick(shown.Editor(), Qt::Key_Return);
-        QTest::keyClick(shown.Editor(), Qt::Key_Return);  // onto the read-only cell
-        QVERIFY(!grid.IsEditing() && grid.hasFocus());
-        QCOMPARE(grid.GetFocusCell(), (CCellID{4, 0}));
-        QCOMPARE(ended.count(), 5);
-
-        connect(&grid, &CGridCtrl::EndLabelEdit, &grid, [&grid] { grid.InsertRow({}); });
-        grid.BeginEdit(5, 0);
-        QTest::keyClick(shown.Editor(), Qt::Key_Return);
-        QVERIFY(grid.IsEditing());
-        QCOMPARE(grid.GetFocusCell(), (CCellID{6, 0}));
-    }
-
     // At the foot of a column the next number must not fall upon the one just typed.
-    void enterGoesOnInTheNextColumn() {
-        const ShownGrid shown(4, 3);
-        CGridCtrl& grid = *shown.grid;
-        grid.SetTypesByColumns(true);
-        shown.Click(3, 0);
-        for (const QString& text : {u"1"_s, u"2"_s}) {
-            QTest::keyClicks(QApplication::focusWidget(), text);
-            QTest::keyClick(shown.Editor(), Qt::Key_Return);
-        }
-        QCOMPARE(grid.GetItemText(3, 0), u"1"_s);
-        QCOMPARE(grid.GetItemText(1, 1), u"2"_s);
-        QTest::keyClick(shown.Editor(), Qt::Key_Return, Qt::ShiftModifier);
-        QTest::keyClick(shown.Editor(), Qt::Key_Return, Qt::ShiftModifier);
-        QCOMPARE(grid.GetFocusCell(), (CCellID{3, 0}));
-    }
-
-    void tabGoesToTheNextEditableCell() {
-        const ShownGrid shown(3, 4);
+    void keysGoOnToTheNextCell() {
+        const ShownGrid shown(6, 4);
         CGridCtrl& grid = *shown.grid;
         shown.other->setFocus();
         QTest::keyClick(shown.other, Qt::Key_Backtab, Qt::ShiftModifier);
         QCOMPARE(grid.GetFocusCell(), (CCellID{1, 0}));
-        grid.SetItemState(2, 0, CellState::ReadOnly);
+        grid.SetItemState(4, 0, CellState::ReadOnly);
         grid.SetColumnWidth(2, 0);  // hidden
-        grid.BeginEdit(1, 1);
-        QTest::keyClick(shown.Editor(), Qt::Key_Tab);
-        QCOMPARE(shown.Editor()->selectedText(), u"1,3"_s);
-        QTest::keyClick(shown.Editor(), Qt::Key_Tab);
-        QCOMPARE(shown.Editor()->selectedText(), u"2,1"_s);
-        QTest::keyClick(shown.Editor(), Qt::Key_Backtab, Qt::ShiftModifier);
-        QCOMPARE(shown.Editor()->selectedText(), u"1,3"_s);
-        grid.BeginEdit(2, 3);
-        QTest::keyClick(shown.Editor(), Qt::Key_Tab);
-        QVERIFY(!grid.IsEditing() && grid.hasFocus());
-        QCOMPARE(grid.GetFocusCell(), (CCellID{2, 3}));
+        constexpr auto kShift = Qt::ShiftModifier;
+        const struct {
+            CCellID from;
+            Qt::Key key;
+            Qt::KeyboardModifiers modifiers;
+            CCellID to;
+            bool isEdited;
+            bool byColumns;
+        } cases[]{{{1, 0}, Qt::Key_Return, {}, {2, 0}, true, false},
+                  {{1, 0}, Qt::Key_Enter, Qt::KeypadModifier, {2, 0}, true, false},
+                  {{2, 0}, Qt::Key_Return, kShift, {1, 0}, true, false},
+                  {{3, 0}, Qt::Key_Return, {}, {4, 0}, false, true},
+                  {{5, 1}, Qt::Key_Return, {}, {5, 1}, false, false},
+                  {{5, 0}, Qt::Key_Return, {}, {1, 1}, true, true},
+                  {{1, 1}, Qt::Key_Return, kShift, {5, 0}, true, true},
+                  {{5, 3}, Qt::Key_Return, {}, {5, 3}, false, true},
+                  {{2, 1}, Qt::Key_Up, {}, {1, 1}, false, false},
+                  {{2, 1}, Qt::Key_Down, {}, {3, 1}, false, false},
+                  {{1, 1}, Qt::Key_Tab, {}, {1, 3}, true, false},
+                  {{3, 3}, Qt::Key_Tab, {}, {4, 1}, true, false},
+                  {{4, 1}, Qt::Key_Backtab, kShift, {3, 3}, true, false},
+                  {{5, 3}, Qt::Key_Tab, {}, {5, 3}, false, false}};
+        const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
+        for (const auto& [from, key, modifiers, to, isEdited, byColumns] : cases) {
+            grid.SetTypesByColumns(byColumns);
+            grid.BeginEdit(from.row, from.col);
+            QTest::keyClicks(shown.Editor(), u"new"_s);
+            QTest::keyClick(shown.Editor(), key, modifiers);
+            QCOMPARE(grid.GetItemText(from.row, from.col), u"new"_s);
+            QCOMPARE(grid.GetFocusCell(), to);
+            QVERIFY(grid.IsEditing() == isEdited && grid.hasFocus() != isEdited);
+            QVERIFY(!isEdited || shown.Editor()->selectedText() == grid.GetItemText(to.row, to.col));
+            grid.CancelEdit();
+        }
+        QCOMPARE(ended.count(), qsizetype(std::size(cases)));
         shown.Key(Qt::Key_Tab);  // without an edit the last cell's Tab leaves the grid
         QVERIFY(shown.other->hasFocus());
+        connect(&grid, &CGridCtrl::EndLabelEdit, &grid, [&grid] { grid.InsertRow({}); });
+        grid.BeginEdit(5, 1);
+        QTest::keyClick(shown.Editor(), Qt::Key_Return);
+        QVERIFY(grid.IsEditing() && grid.GetFocusCell() == (CCellID{6, 1}));
     }
 
     void waysOut() {
@@ -232,13 +225,9 @@ private Q_SLOTS:
         type(u"b"_s);
         QTest::mouseClick(shown.other, Qt::LeftButton);
         QCOMPARE(grid.GetItemText(2, 0), u"b"_s);
-        type(u"c"_s);
-        QTest::keyClick(shown.Editor(), Qt::Key_Up);
-        QCOMPARE(grid.GetItemText(2, 0), u"c"_s);
-        QCOMPARE(grid.GetFocusCell(), (CCellID{1, 0}));
         type(u"x"_s);
         QTest::keyClick(shown.Editor(), Qt::Key_Escape);
-        QCOMPARE(grid.GetItemText(2, 0), u"c"_s);
+        QCOMPARE(grid.GetItemText(2, 0), u"b"_s);
         QVERIFY(grid.hasFocus());
 
         type(u"d"_s);
@@ -251,7 +240,7 @@ private Q_SLOTS:
         second.show();
         second.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&second));
-        QCOMPARE(ended.count(), 3);
+        QCOMPARE(ended.count(), 2);
         QCOMPARE(shown.Editor()->text(), u"d"_s);  // another window is no other place either
         shown.window.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&shown.window));
@@ -315,6 +304,89 @@ private Q_SLOTS:
             QTest::keyClick(shown.Editor(), key);
             QVERIFY(grid.isNull());
         }
+    }
+
+    void listByMouse() {
+        const ShownGrid shown(4, 3);
+        CGridCtrl& grid = *shown.grid;
+        shown.MakeCombo(2, 1, {u"RCR"_s, u"2,1"_s, u"荧光灯"_s});
+        const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
+        shown.Click(2, 1);
+        QVERIFY(List() == nullptr);  // the first click only gives the focus
+        shown.Click(2, 1);
+        QCOMPARE(List()->currentItem()->text(), u"2,1"_s);
+        const QRect third = List()->visualItemRect(List()->item(2));
+        QTest::mouseClick(List()->viewport(), Qt::LeftButton, {}, third.center());
+        QVERIFY(List() == nullptr);
+        QCOMPARE(grid.GetItemText(2, 1), u"荧光灯"_s);
+        QCOMPARE(ended.count(), 1);
+        QCOMPARE(ended.at(0), (QVariantList{2, 1}));
+
+        const std::function<void()> changes[]{[&] { grid.DeleteRow(3); }, [&] { grid.RemakeRow(2); }};
+        for (const auto& change : changes) {
+            shown.Click(2, 1);
+            QVERIFY(List() != nullptr && List()->hasFocus());
+            change();
+            QVERIFY(List() == nullptr);
+        }
+    }
+
+    void listByKeys() {
+        const ShownGrid shown(4, 3);
+        CGridCtrl& grid = *shown.grid;
+        shown.MakeCombo(2, 1, {u"RCR"_s, u"RI"_s, u"荧光灯"_s});
+        grid.SetFocusCell({2, 1});
+        const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
+        using Keys = std::pair<Qt::Key, Qt::KeyboardModifiers>;
+        for (const auto& [key, modifiers] :
+             {Keys(Qt::Key_Space, {}), Keys(Qt::Key_F2, {}), Keys(Qt::Key_Down, Qt::AltModifier)}) {
+            shown.Key(key, modifiers);
+            QVERIFY(List() != nullptr);
+            QTest::keyClick(List(), Qt::Key_Escape);
+            QVERIFY(List() == nullptr);
+        }
+        QCOMPARE(ended.count(), 0);
+
+        shown.Key(Qt::Key_Space);
+        QTest::keyClick(List(), Qt::Key_End);
+        QTest::keyClick(List(), Qt::Key_Up);
+        QTest::keyClick(List(), Qt::Key_Return);
+        QCOMPARE(grid.GetItemText(2, 1), u"RI"_s);
+        shown.Key(Qt::Key_Space);
+        QTest::keyClicks(List(), u"rc"_s);
+        QTest::keyClick(List(), Qt::Key_Enter);
+        QCOMPARE(grid.GetItemText(2, 1), u"RCR"_s);
+        grid.SetItemText(2, 1, u"no choice"_s);
+        shown.Key(Qt::Key_Space);
+        QTest::keyClick(List(), Qt::Key_Return);  // nothing is current
+        QTest::keyClick(List(), Qt::Key_Escape);
+        QCOMPARE(grid.GetItemText(2, 1), u"no choice"_s);
+        QCOMPARE(ended.count(), 2);
+
+        grid.SetItemState(2, 1, CellState::DropDown | CellState::ReadOnly);
+        shown.Key(Qt::Key_F4);
+        QVERIFY(List() == nullptr);
+    }
+
+    void pushButtonByMouseAndKey() {
+        const ShownGrid shown(4, 3);
+        CGridCtrl& grid = *shown.grid;
+        shown.MakeButton(2, 2, BtnState::PushButton, u"利用系数表"_s);
+        const QSignalSpy pressed(&grid, &CGridCtrl::ButtonClicked);
+        const QSignalSpy clicked(&grid, &CGridCtrl::CellClicked);
+        shown.Click(2, 2);
+        QCOMPARE(pressed.count(), 1);
+        QCOMPARE(pressed.at(0), (QVariantList{2, 2, 0}));
+        QCOMPARE(clicked.count(), 0);
+        shown.Key(Qt::Key_Space);
+        QCOMPARE(pressed.count(), 2);
+        QTest::mousePress(grid.viewport(), Qt::LeftButton, {}, shown.Middle(2, 2));
+        QTest::mouseMove(grid.viewport(), shown.Middle(1, 0));
+        QTest::mouseRelease(grid.viewport(), Qt::LeftButton, {}, shown.Middle(1, 0));
+        QCOMPARE(pressed.count(), 2);
+        shown.Key(Qt::Key_F2);
+        QTest::keyClicks(&grid, u"a"_s);
+        QVERIFY(!grid.IsEditing());
     }
 };
 

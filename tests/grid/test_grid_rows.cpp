@@ -1,7 +1,8 @@
-// Rows whose cells are made when they are first shown or touched.
+// Rows that come and go, and rows whose cells are made when they are first shown or touched.
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QRandomGenerator>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -43,6 +44,90 @@ class TestGridRows : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void countsStayInBounds() {
+        CGridCtrl grid;
+        QVERIFY(grid.SetFixedRowCount(4) && grid.SetFixedColumnCount(1));
+        QVERIFY(grid.GetRowCount() == 4 && grid.GetColumnCount() == 1);
+        QVERIFY(!grid.SetRowCount(-1) && !grid.SetFixedColumnCount(-1));
+        grid.SetRowCount(2);
+        QVERIFY(grid.DeleteRow(1) && !grid.DeleteRow(8));
+        QCOMPARE(grid.GetFixedRowCount(), 1);
+        QCOMPARE(grid.InsertRow({}, 4), -1);
+        QCOMPARE(grid.InsertColumn({}, 0, -2), -1);
+    }
+
+    void randomChangesAgreeWithAPlainTable() {
+        struct Line {
+            QString text;
+            int height;
+        };
+        QRandomGenerator random(31);
+        CGridCtrl grid;
+        grid.SetColumnCount(3);
+        const int usualHeight = CGridCtrl(1, 1).GetRowHeight(0);
+        std::vector<Line> lines;
+        int focused = 0;  // the item data of the row with the focus
+        for (int step = 1; step <= 2000; ++step) {
+            const int rows = static_cast<int>(lines.size());
+            const int row = random.bounded(rows + 1);
+            const int kind = row == rows ? 0 : random.bounded(7);
+            if (kind < 3) {
+                QCOMPARE(grid.InsertRow(QString::number(step), row), row);
+                lines.insert(lines.begin() + row, {QString::number(step), usualHeight});
+                grid.SetItemData(row, 0, step);
+            } else if (kind == 3) {
+                focused = grid.GetFocusCell().row == row ? 0 : focused;
+                QVERIFY(grid.DeleteRow(row));
+                lines.erase(lines.begin() + row);
+            } else if (kind < 6) {
+                // Often the default and often nothing: both are special inside.
+                const int heights[] = {0, usualHeight, random.bounded(60)};
+                lines[size_t(row)].height = heights[random.bounded(3)];
+                grid.SetRowHeight(row, lines[size_t(row)].height);
+            } else {
+                grid.SetFocusCell({row, 0});
+                focused = grid.GetItemData(row, 0);
+            }
+            QCOMPARE(grid.GetItemData(grid.GetFocusCell().row, 0), focused);
+            QCOMPARE(grid.IsValid(grid.GetSelectedCellRange()), focused != 0);
+            grid.verticalScrollBar()->setValue(0);
+            for (int at = 0, top = 0; step % 100 == 0 && at < grid.GetRowCount(); ++at) {
+                const auto& [text, height] = lines[size_t(at)];
+                QCOMPARE(grid.GetItemText(at, 0), text);
+                QCOMPARE(grid.CellRect(at, 0).height(), height);
+                QVERIFY(height == 0 || grid.CellAt({1, top}) == (CCellID{at, 0}));
+                QVERIFY(height == 0 || grid.CellAt({1, top + height - 1}) == (CCellID{at, 0}));
+                top += height;
+            }
+        }
+    }
+
+    void mergedBlocksFollowRows() {
+        CGridCtrl grid(8, 4);
+        grid.MergeCells(2, 1, 2, 1);
+        grid.DeleteRow(2);  // the row of its first cell
+        QCOMPARE(grid.MergeExtent(3, 2), (CCellRange{2, 1, 3, 2}));
+        grid.InsertRow({}, 3);
+        QCOMPARE(grid.MergeExtent(3, 2), (CCellRange{2, 1, 4, 2}));
+        grid.InsertRow({}, 0);
+        grid.MergeCells(5, 0, 1, 1);  // a block takes the place of one it touches
+        QCOMPARE(grid.MergeExtent(3, 1), (CCellRange{3, 1, 3, 1}));
+        QCOMPARE(grid.MergeExtent(6, 1), (CCellRange{5, 0, 6, 1}));
+    }
+
+    void refillKeepsTheScrollPosition() {
+        CGridCtrl grid(200, 3, 1);
+        grid.resize(200, 200);
+        grid.show();
+        QCoreApplication::processEvents();
+        grid.verticalScrollBar()->setValue(1000);
+        grid.DeleteAllItems();
+        grid.SetColumnCount(3);
+        grid.SetRowCount(200);
+        QCoreApplication::processEvents();
+        QCOMPARE(grid.verticalScrollBar()->value(), 1000);
+    }
+
     void eachTouchMakesItsRowOnce() {
         const std::function<void(CGridCtrl&)> touches[]{
             [](CGridCtrl& grid) { grid.GetItemText(7, 0); },

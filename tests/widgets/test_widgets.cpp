@@ -2,14 +2,17 @@
 #include <QAbstractItemView>
 #include <QContextMenuEvent>
 #include <QMessageBox>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 
 #include "widgets/ease_combo_box.h"
 #include "widgets/icons.h"
 #include "widgets/label_edit_tree.h"
 #include "widgets/message_box.h"
+#include "widgets/submit_progress.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -41,6 +44,69 @@ QString ShownText(const QString& text) {
     ShowMessage(nullptr, text);
     return shown;
 }
+
+// A window with a button, in which a submit can go on.
+struct Window : QWidget {
+    Window() {
+        resize(500, 300);
+        other.setGeometry(10, 10, 100, 30);
+        other.installEventFilter(this);
+        connect(&other, &QPushButton::clicked, this, [this] { ++clicks; });
+        connect(&timer, &QTimer::timeout, this, [this] { ++ticks; });
+        show();
+        activateWindow();
+        if (!QTest::qWaitForWindowActive(this)) {
+            qFatal("the window was not activated");
+        }
+        other.setFocus();
+        timer.start(0);
+    }
+    void paintEvent(QPaintEvent* /*event*/) override { ++paintings; }
+    bool eventFilter(QObject* /*receiver*/, QEvent* event) override {
+        reached += event->type() == QEvent::MouseButtonPress || event->type() == QEvent::KeyPress ? 1 : 0;
+        return false;
+    }
+
+    // A click and a key, queued as they are while the program is busy.
+    void Strike() {
+        const QPoint place = other.geometry().center();
+        for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            const bool down = type == QEvent::MouseButtonPress;
+            QCoreApplication::postEvent(windowHandle(),
+                                        new QMouseEvent(type, place, mapToGlobal(place), Qt::LeftButton,
+                                                        down ? Qt::LeftButton : Qt::NoButton, {}));
+        }
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QCoreApplication::postEvent(windowHandle(), new QKeyEvent(type, Qt::Key_Space, {}));
+        }
+    }
+    void Submit(int rows) {
+        paintings = 0;
+        const int before = ticks;
+        Strike();
+        SubmitProgress progress(&other, QStringLiteral("正在提交"));
+        for (int row = 1; row <= rows; ++row) {
+            QThread::msleep(10);
+            update();
+            progress(row, rows);
+            bar = findChild<QProgressBar*>();
+            if (bar != nullptr && !barSeen) {
+                barSeen = bar->isVisible() && bar->value() == row && bar->maximum() == rows;
+                Strike();
+                QCoreApplication::postEvent(windowHandle(), new QEvent(QEvent::Close));
+                other.click();  // as an assistive program presses it
+            }
+        }
+        Strike();
+        ticksDuringSubmit = ticks - before;
+    }
+
+    QPushButton other{this};
+    QTimer timer;
+    QPointer<QProgressBar> bar;
+    bool barSeen = false;
+    int clicks = 0, reached = 0, ticks = 0, ticksDuringSubmit = 0, paintings = 0;
+};
 
 }  // namespace
 
@@ -153,6 +219,27 @@ private Q_SLOTS:
         QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, QPoint(500, 500));
         QCoreApplication::sendEvent(&tree, &event);
         QCOMPARE(asked, QList({item, item, item}));
+    }
+
+    void DropsWhatIsClickedAndTypedDuringALongSubmit() {
+        for (const auto& [rows, shows] : {std::pair{3, false}, {70, true}}) {
+            Window window;
+            window.Submit(rows);
+            QCOMPARE(window.paintings > 2, shows);
+            QCOMPARE(window.barSeen, shows);
+            QCOMPARE(window.ticksDuringSubmit, 0);
+            QVERIFY(window.isVisible() && window.isEnabled());
+            QVERIFY(window.other.hasFocus());
+            QVERIFY(window.findChild<QProgressBar*>() == nullptr || !window.bar->isVisible());
+            QCoreApplication::processEvents();
+            // Two strikes of a mouse click and a key each.
+            QCOMPARE(window.clicks, shows ? 0 : 4);
+            QCOMPARE(window.reached, shows ? 0 : 4);
+            QTRY_VERIFY(window.ticks > 0);
+            window.clicks = 0;
+            window.Strike();
+            QTRY_COMPARE(window.clicks, 2);
+        }
     }
 };
 

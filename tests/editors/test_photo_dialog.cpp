@@ -1,12 +1,17 @@
+#include <QAbstractItemModelTester>
 #include <QBuffer>
+#include <QDir>
 #include <QFile>
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QtEndian>
 #include <memory>
+#include <semaphore>
 
 #include "editors/photo/directory_tree.h"
+#include "editors/photo/drives.h"
 #include "editors/photo/photo_dialog.h"
 #include "editors/photo/picture_preview.h"
 #include "model/photo_library.h"
@@ -18,6 +23,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 using namespace quorvane;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -35,12 +41,207 @@ QByteArray Encoded(const char* format) {
     return buffer.data();
 }
 
+// A tree on a machine whose drives and pictures the test chooses.
+class Tree : public CDirTreeCtrl {
+public:
+    Tree() : CDirTreeCtrl(nullptr) {
+        new QAbstractItemModelTester(model(), QAbstractItemModelTester::FailureReportingMode::QtTest, this);
+        resize(300, 400);
+        show();
+    }
+    QStringList drives = LogicalDrives();
+    bool hasIcons = true;
+    // A folder with "dead" in its path answers only when it is let go.
+    const std::shared_ptr<std::counting_semaphore<>> letGo = std::make_shared<std::counting_semaphore<>>(0);
+
+protected:
+    QStringList Drives() const override { return drives; }
+    FolderReader Reader() const override {
+        return [gate = letGo](const QString& folder, const TreeContent& wanted) {
+            if (folder.contains(u"dead"_s)) {
+                gate->acquire();
+            }
+            return ReadFolder(folder, wanted);
+        };
+    }
+    QIcon SystemIcon(QFileIconProvider::IconType type) const override {
+        return hasIcons ? CDirTreeCtrl::SystemIcon(type) : QIcon();
+    }
+};
+
 }  // namespace
 
 class TestPhotoDialog : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void init() {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_tree = std::make_unique<Tree>();
+        m_chosen.clear();
+        QVERIFY(AsyncReader::WaitForAll(5s));
+        connect(m_tree.get(), &CDirTreeCtrl::FileChosen, this,
+                [this](const CString& path) { m_chosen += path; });
+    }
+
+    void FoldersStandFirstInAPersonsOrder() {
+        Add({u"10.jpg"_s, u"2.JPG"_s, u"荧光灯.jpg"_s, u"白炽灯.Jpeg"_s, u"b 1.gif"_s, u"A.bmp"_s,
+             u".x.jpg"_s, u"note.txt"_s, u"jpg"_s, u"z/1"_s, u"卤钨/1"_s, u"高压/1"_s, u"Recycled/1"_s,
+             u"a.jpg/1"_s});
+        const QModelIndex root = ShowFolder({u".bmp"_s, u".jpg"_s, u".GIF"_s, u".jpeg"_s});
+        QCOMPARE(root.data().toString(), m_folder->path() + u'/');
+        const QStringList names = Names(root);
+        // Which of the two scripts stands first is the system's habit.
+        QCOMPARE(names.filter(QRegularExpression(u"[一-龥]"_s)).join(u' '),
+                 u"高压 卤钨 白炽灯.Jpeg 荧光灯.jpg"_s);
+        QCOMPARE(names.filter(QRegularExpression(u"^[ -~]*$"_s)).join(u'|'),
+                 u"a.jpg|z|.x.jpg|2.JPG|10.jpg|A.bmp|b 1.gif"_s);
+        QVERIFY(names.indexOf(u"高压"_s) < 4 && names.indexOf(u"z"_s) < 4);
+    }
+
+    void AFolderIsReadWhenItIsOpened() {
+        Add({u"outer/inner/a.jpg"_s, u"outer2/vanished"_s});
+        const QModelIndex root = ShowFolder();
+        const QAbstractItemModel& model = *m_tree->model();
+        const QPersistentModelIndex outer = model.index(0, 0, root);
+        QVERIFY(model.hasChildren(outer) && model.rowCount(outer) == 0);
+        Add({u"outer/b.jpg"_s});
+        m_tree->setCurrentIndex(outer);
+        QTest::keyClick(m_tree.get(), Qt::Key_Right);
+        QTRY_COMPARE(Names(outer), (QStringList{u"inner"_s, u"b.jpg"_s}));
+        QCOMPARE(model.rowCount(model.index(0, 0, outer)), 0);
+        QVERIFY(QDir(Path(u"outer2"_s)).removeRecursively());
+        m_tree->expand(model.index(1, 0, root));
+        QTRY_VERIFY(!model.hasChildren(model.index(1, 0, root)));
+    }
+
+    void AFolderThatCannotBeReadSaysSo() {
+        Add({u"locked/a.jpg"_s});
+        QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7777)));
+        QVERIFY(QFile::setPermissions(Path(u"locked"_s), {}));
+        const UnprivilegedScope unprivileged;
+        const QModelIndex root = ShowFolder();
+        m_tree->expand(m_tree->model()->index(0, 0, root));
+        QTRY_COMPARE(Names(root), QStringList(u"locked (不能读取)"_s));
+    }
+
+    void SelectsDownToThePath() {
+        // A link back up is followed as far as the path goes.
+        QVERIFY(QFile::link(m_folder->path(), Path(u"loop"_s)));
+        Add({u"outer/图 片/a.b.jpg"_s, u"outer/图 片/.x.jpg"_s, u"outer/note.txt"_s});
+        m_tree->SetExtensions({u".jpg"_s});
+        for (const QString& root : {QString(), m_folder->path()}) {
+            for (const auto& [path, selected] :
+                 {std::pair{u"outer/图 片/a.b.jpg"_s, u"outer/图 片/a.b.jpg"_s},
+                  {u"outer//图 片/../图 片/.x.jpg"_s, u"outer/图 片/.x.jpg"_s},
+                  {u"loop/loop/outer/note.txt"_s, u"loop/loop/outer"_s}}) {
+                m_tree->Show(root, true);
+                m_tree->SelectPath(Path(path));
+                QTRY_COMPARE(m_tree->SelectedPath(), Path(selected));
+                QVERIFY(m_tree->viewport()->rect().intersects(m_tree->visualRect(m_tree->currentIndex())));
+            }
+            // The last of two paths counts, and one that is not there selects nothing.
+            m_tree->SelectPath(Path(u"outer/图 片/a.b.jpg"_s));
+            m_tree->SelectPath(Path(u"outer/none.jpg"_s));
+            QVERIFY(AsyncReader::WaitForAll(5s));
+            QTest::qWait(10);
+            QCOMPARE(m_tree->SelectedPath(), Path(u"loop/loop/outer"_s));
+        }
+        QCOMPARE(m_chosen, QStringList());
+    }
+
+    void ReportsFilesThatTheUserPicks() {
+        Add({u"folder.jpg/x"_s, u"b.jpg"_s});
+        const QModelIndex root = ShowFolder();
+        for (const int row : {0, 1, 1}) {  // the folder, then the file twice
+            const QRect item = m_tree->visualRect(m_tree->model()->index(row, 0, root));
+            QTest::mouseClick(m_tree->viewport(), Qt::LeftButton, {}, item.topLeft() + QPoint(8, 8));
+        }
+        QCOMPARE(m_chosen, QStringList({Path(u"b.jpg"_s), Path(u"b.jpg"_s)}));
+        // What the user does meanwhile goes before a selection that is still on its way.
+        m_tree->SelectPath(Path(u"folder.jpg/x"_s));
+        QTest::keyClick(m_tree.get(), Qt::Key_Up);
+        QTest::keyClick(m_tree.get(), Qt::Key_Down);
+        QCOMPARE(m_chosen.size(), 3);
+        QTest::qWait(50);
+        QCOMPARE(m_tree->SelectedPath(), Path(u"b.jpg"_s));
+    }
+
+    void AHungFolderHoldsUpNothing() {
+        QStringList files{u"live/a.jpg"_s};
+        for (int number = 0; number < 6; ++number) {  // more than are read at once
+            files += u"dead %1/late.jpg"_s.arg(number);
+        }
+        Add(files);
+        const QModelIndex root = ShowFolder();
+        QAbstractItemModel& model = *m_tree->model();
+        for (int row = 0; row < 7; ++row) {
+            m_tree->expand(model.index(row, 0, root));
+        }
+        QTRY_COMPARE(Names(model.index(6, 0, root)), QStringList(u"a.jpg"_s));
+        m_tree->letGo->release();
+        const auto filled = [&] {
+            int rows = 0;
+            for (int row = 0; row < 6; ++row) {
+                rows += model.rowCount(model.index(row, 0, root));
+            }
+            return rows;
+        };
+        QTRY_COMPARE(filled(), 1);
+        // Another root goes before those that are still read, and what they held is not put into it.
+        m_tree->Show(Path(u"live"_s), true);
+        m_tree->SelectPath(Path(u"live/a.jpg"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(m_tree->SelectedPath(), Path(u"live/a.jpg"_s), 500);
+        m_tree->letGo->release(5);
+        QVERIFY(AsyncReader::WaitForAll(5s));
+        QTest::qWait(10);
+        QCOMPARE(Names(model.index(0, 0)), QStringList(u"a.jpg"_s));
+        // A selection on its way is given up for another, here for none.
+        m_tree->Show(m_folder->path(), true);
+        m_tree->SelectPath(Path(u"dead 1/late.jpg"_s));
+        QTest::qWait(50);
+        m_tree->SelectPath({});
+        m_tree->letGo->release();
+        QVERIFY(AsyncReader::WaitForAll(5s));
+        QTest::qWait(10);
+        QCOMPARE(m_tree->SelectedPath(), QString());
+        // The tree goes before its folder answers.
+        m_tree->Show(Path(u"dead 1"_s), true);
+        const auto letGo = m_tree->letGo;
+        m_tree.reset();
+        letGo->release();
+        QVERIFY(AsyncReader::WaitForAll(5s));
+    }
+
+    void TellsWhatIsMissing() {
+        MessageAnswers answers;
+        const auto told = [&](const QString& folder) {
+            answers.Plan(u"确定"_s);
+            m_tree->Show(folder, true);
+            QString text;
+            (void)QTest::qWaitFor([&] { return !(text += answers.TakeSeen().join(u'\n')).isEmpty(); });
+            return text.section(u'|', 1, 1) + u' ' + QString::number(m_tree->model()->rowCount());
+        };
+        QCOMPARE(told(Path(u"unplugged"_s)), u"Error Gettting SystemFileInfo! 0"_s);
+        m_tree->drives.clear();
+        QCOMPARE(told({}), u"Error Getting Logical DriveStrings! 0"_s);
+        m_tree->hasIcons = false;
+        QCOMPARE(told(m_folder->path()), u"Cannot retrieve the Handle of SystemImageList! 0"_s);
+    }
+
+    void DrivesAreThoseOfTheMountTable() {
+        QFile table(Path(u"mounts"_s));
+        QVERIFY(table.open(QIODevice::WriteOnly));
+        table.write(
+            "/dev/sda1 / ext4 rw 0 0\ntmpfs /home/t tmpfs rw 0 0\n"
+            "box:/a\\040b /srv/图\\040a\\134b nfs4 rw 0 0\n/dev/sdb1 /run/media/me/- vfat rw 0 0\n"
+            "/dev/sdc1 /var/lib ext4 rw 0 0\ngvfsd-fuse /run/user/1/gvfs fuse.gvfsd-fuse rw 0 0\n");
+        table.close();
+        QCOMPARE(UserFolders(MountedVolumes(QFile::encodeName(table.fileName()).constData())),
+                 QStringList({u"/"_s, u"/run/media/me/-"_s, u"/run/user/1/gvfs"_s, u"/srv/图 a\\b"_s}));
+        QVERIFY(LogicalDrives().contains(QDir::toNativeSeparators(QDir::rootPath())));
+    }
+
     void initTestCase() {
         for (const QString& name : {u"a.png.bmp"_s, u"b.JPG"_s, u"c.jpeg"_s}) {
             Write(name, Encoded("bmp"));
@@ -49,10 +250,10 @@ private Q_SLOTS:
     }
 
     void KeepsTheHistory() {
-        Open(Path(u"d.gif"_s));
+        Open(Picture(u"d.gif"_s));
         QCOMPARE(m_dialog->windowTitle(), u"筒灯 T5 图片设置"_s);
         QCOMPARE(Shown(), u"d.gif --"_s);
-        QTRY_COMPARE(Item<CDirTreeCtrl>(TreeControl)->SelectedPath(), Path(u"d.gif"_s));
+        QTRY_COMPARE(Item<CDirTreeCtrl>(TreeControl)->SelectedPath(), Picture(u"d.gif"_s));
         // A file is chosen or a button pressed; chosen again, the first goes to the end.
         const QString steps =
             u"a.png.bmp:a.png.bmp --;b.JPG:b.JPG <-;c.jpeg:c.jpeg <-;<:b.JPG <>;<:a.png.bmp ->;"
@@ -70,11 +271,11 @@ private Q_SLOTS:
     }
 
     void ALatePictureIsNotShown() {
-        Open(m_folder.path());  // no picture
+        Open(m_pictures.path());  // no picture
         QCOMPARE(m_dialog->Path(), QString());
-        Open(Path(u"a.png.bmp"_s));
+        Open(Picture(u"a.png.bmp"_s));
         Press(Clear);
-        QVERIFY(AsyncReader::WaitForAll(std::chrono::seconds(5)));
+        QVERIFY(AsyncReader::WaitForAll(5s));
         QTest::qWait(10);
         QVERIFY(Item<PicturePreview>(Preview)->IsBlank());
     }
@@ -84,7 +285,7 @@ private Q_SLOTS:
             Open({});
             auto* edit = Item<QLineEdit>(PathEdit);
             edit->setFocus();
-            QTest::keyClicks(edit, Path(u"d.gif"_s));
+            QTest::keyClicks(edit, Picture(u"d.gif"_s));
             QTest::keyClick(edit, Qt::Key_Tab);
             QTRY_VERIFY(!Item<PicturePreview>(Preview)->IsBlank());
             QCOMPARE(Shown(), u"d.gif --"_s);
@@ -100,7 +301,7 @@ private Q_SLOTS:
             QVERIFY(!m_dialog->isVisible());
             QCOMPARE(m_dialog->result(),
                      int(way == Ok || way == Qt::Key_Return ? QDialog::Accepted : QDialog::Rejected));
-            QVERIFY(way != Qt::Key_Return || m_dialog->Path() == Path(u"d.gi"_s));
+            QVERIFY(way != Qt::Key_Return || m_dialog->Path() == Picture(u"d.gi"_s));
         }
     }
 
@@ -111,9 +312,9 @@ private Q_SLOTS:
         Write(u"text.bmp"_s, "text");
         Write(u"cut.jpg"_s, Encoded("jpg").chopped(9));
         Write(u"large.bmp"_s, {});
-        QVERIFY(QFile::resize(Path(u"large.bmp"_s), kLargestPhoto + 1));
-        QVERIFY(QFile::setPermissions(Path(u"locked.bmp"_s), {}));
-        QVERIFY(QFile::setPermissions(m_folder.path(), QFile::Permissions(0x7777)));
+        QVERIFY(QFile::resize(Picture(u"large.bmp"_s), kLargestPhoto + 1));
+        QVERIFY(QFile::setPermissions(Picture(u"locked.bmp"_s), {}));
+        QVERIFY(QFile::setPermissions(m_pictures.path(), QFile::Permissions(0x7777)));
         const UnprivilegedScope unprivileged;
         const QString notes =
             u"gone.bmp:图片文件不存在。;locked.bmp:图片文件不能读取。;large.bmp:文件大于64MB,不能用作图片。;"
@@ -121,7 +322,7 @@ private Q_SLOTS:
         Open({});
         for (const QString& pair : notes.split(u';')) {
             Item(PathEdit)->setFocus();
-            Item<QLineEdit>(PathEdit)->setText(Path(pair.section(u':', 0, 0)));
+            Item<QLineEdit>(PathEdit)->setText(Picture(pair.section(u':', 0, 0)));
             QTest::keyClick(Item(PathEdit), Qt::Key_Tab);
             QTRY_COMPARE(Item<PicturePreview>(Preview)->Note(), pair.section(u':', 1));
         }
@@ -136,12 +337,12 @@ private Q_SLOTS:
     // Nor does one whose file is gone: its folder is offered.
     void OkAloneChoosesNothing() {
         for (const QString& name : {u"d.gif"_s, u"gone.gif"_s}) {
-            Open(Path(name));
+            Open(Picture(name));
             auto* tree = Item<CDirTreeCtrl>(TreeControl);
-            QTRY_COMPARE(tree->SelectedPath(), name == u"d.gif"_s ? Path(name) : m_folder.path());
+            QTRY_COMPARE(tree->SelectedPath(), name == u"d.gif"_s ? Picture(name) : m_pictures.path());
             Press(Ok);
             QVERIFY(!m_dialog->IsChosen());
-            Open(Path(name));
+            Open(Picture(name));
             Press(Clear);
             Press(Ok);
             QVERIFY(m_dialog->IsChosen());
@@ -168,19 +369,46 @@ private Q_SLOTS:
         qToLittleEndian<qint32>(100'000, broken.last().data() + 22);
         for (const QByteArray& content : whole + broken) {
             Write(u"tried.jpg"_s, content);
-            QVERIFY2(LoadPicture(Path(u"tried.jpg"_s), {60, 40}).image.isNull() == broken.contains(content),
-                     content.left(20).toHex().constData());
+            QVERIFY2(
+                LoadPicture(Picture(u"tried.jpg"_s), {60, 40}).image.isNull() == broken.contains(content),
+                content.left(20).toHex().constData());
         }
     }
 
 private:
-    QString Path(const QString& name) const { return m_folder.filePath(name); }
+    void Add(const QStringList& files) const {
+        for (const QString& file : files) {
+            QVERIFY(QDir().mkpath(QFileInfo(Path(file)).path()));
+            QVERIFY(QFile(Path(file)).open(QIODevice::WriteOnly));
+        }
+    }
+    QString Path(const QString& name) const { return m_folder->filePath(name); }
+    // Shows the test's folder alone and waits until it is read.
+    QModelIndex ShowFolder(const QStringList& extensions = {}) {
+        m_tree->SetExtensions(extensions);
+        m_tree->Show(m_folder->path(), true);
+        const QModelIndex root = m_tree->model()->index(0, 0);
+        return QTest::qWaitFor([&] { return m_tree->model()->rowCount(root) > 0; }) ? root : QModelIndex();
+    }
+    QStringList Names(const QModelIndex& folder) const {
+        QStringList names;
+        for (int row = 0; row < m_tree->model()->rowCount(folder); ++row) {
+            names += m_tree->model()->index(row, 0, folder).data().toString();
+        }
+        return names;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<Tree> m_tree;
+    QStringList m_chosen;
+
+    QString Picture(const QString& name) const { return m_pictures.filePath(name); }
     template <typename Widget = QWidget>
     Widget* Item(int id) const {
         return static_cast<Widget*>(DialogItem(m_dialog.get(), id));
     }
     void Write(const QString& name, const QByteArray& content) const {
-        QFile file(Path(name));
+        QFile file(Picture(name));
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(content);
     }
@@ -191,8 +419,8 @@ private:
     }
     void Choose(const QString& name) const {
         auto* tree = Item<CDirTreeCtrl>(TreeControl);
-        tree->SelectPath(Path(name));
-        QTRY_COMPARE(tree->SelectedPath(), Path(name));
+        tree->SelectPath(Picture(name));
+        QTRY_COMPARE(tree->SelectedPath(), Picture(name));
         const QPoint corner = tree->visualRect(tree->currentIndex()).topLeft();
         QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, corner + QPoint(8, 8));
     }
@@ -203,7 +431,7 @@ private:
                (Item(Previous)->isEnabled() ? u" <"_s : u" -"_s) + (Item(Next)->isEnabled() ? u'>' : u'-');
     }
 
-    QTemporaryDir m_folder;
+    QTemporaryDir m_pictures;
     std::unique_ptr<CLuminairePhotoSettingDlg> m_dialog;
 };
 

@@ -1,5 +1,3 @@
-#include <QListWidget>
-
 #include "editors/luminaire/mixed_light_source_dialog.h"
 #include "tests/support/shown_page.h"
 
@@ -27,13 +25,7 @@ struct Fixture : ShownGrid {
         Show(&dialog);
     }
 
-    QListWidget* DropDown(int row, int column) const {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        grid->SetFocusCell({row, column});
-        QTest::keyClick(grid, Qt::Key_F4);
-        return grid->findChild<QListWidget*>(u"gridComboList"_s);
-    }
-    QString Choices(int row, int column) const {
+    QString Choices(int row, int column) {
         QListWidget* list = DropDown(row, column);
         QStringList texts;
         for (int i = 0; i < list->count(); ++i) {
@@ -41,12 +33,6 @@ struct Fixture : ShownGrid {
         }
         QTest::keyClick(list, Qt::Key_Escape);
         return texts.join(u' ');
-    }
-    void Pick(int row, int column, const QString& text) const {
-        QListWidget* list = DropDown(row, column);
-        QListWidgetItem* item = list->findItems(text, Qt::MatchExactly).value(0);
-        QVERIFY2(item != nullptr, qPrintable(text));
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(item).center());
     }
     QString Results() const { return dialog.GetLightSources() + u'|' + dialog.GetCounts(); }
 

@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QInputMethodEvent>
+#include <QListWidget>
 #include <QTest>
 #include <memory>
 
@@ -69,6 +70,20 @@ struct WorkedGrid {
     void Type(int row, int column, const QString& text) {
         QTest::keyClick(TypeOpen(row, column, text), Qt::Key_Return);
         grid->CancelEdit();
+    }
+    // Opens the list of a cell.
+    QListWidget* DropDown(int row, int column) {
+        Activate();
+        grid->SetFocusCell({row, column});
+        QTest::keyClick(grid, Qt::Key_F4);
+        return qobject_cast<QListWidget*>(QApplication::activePopupWidget());
+    }
+    // Chooses an entry of the list of a cell.
+    void Pick(int row, int column, const QString& text) {
+        QListWidget* list = DropDown(row, column);
+        QListWidgetItem* item = list->findItems(text, Qt::MatchExactly).value(0);
+        QVERIFY2(item != nullptr, qPrintable(text));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(item).center());
     }
     // Opens the cell and leaves it as it is, as Tab does in passing.
     void PassThrough(int row, int column) {

@@ -51,7 +51,7 @@ def main():
         print(f"demo: {type(error).__name__}: {error}", file=sys.stderr, flush=True)
         return 1
     for name in DOCUMENTED if given.docs else ():
-        shutil.copyfile(next(given.into.glob(f"[0-9][0-9]-{name}.png")), given.docs / f"{name}.png")
+        shutil.copyfile(min(given.into.glob(f"[0-9][0-9]-{name}.png")), given.docs / f"{name}.png")
     print("demo: the file holds what was typed, and nothing else in it was changed")
     return 0
 

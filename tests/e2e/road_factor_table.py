@@ -23,24 +23,10 @@ def factor_table_road(story):
     table = story.program.dialog(f"{luminaire['灯具名称']} 利用系数表")
     story.show("factor-table-opened")
 
-    heading = ",".join(map(str, NEW_HEADING))
-    story.tell(f"adding the heading {heading} and the row {NEW_ROW}")
-    new_label(story, table, "列表头", "新建列表头", heading, heading, picture="factor-menu")
-    story.show("heading-added")
-    new_label(story, table, "室空间比RCR", "新建室空间比RCR", f"{NEW_ROW}", f"{NEW_ROW}.00", picture="row-menu")
-    story.show("row-added")
-
-    story.tell(f"typing {len(FACTORS)} factors")
-    for (*reflectances, ratio), factor in FACTORS.items():
-        type_factor(table, reflectances, ratio, factor)
+    fill_table(story, table, "室空间比RCR", [NEW_HEADING], [NEW_ROW], FACTORS)
     story.show("factor-table")
     story.expect(folder.everything() == before, "the file was changed before the factors were submitted")
-
-    story.tell("submitting the table and leaving it with 确定")
-    table.submit()
-    story.show("factors-submitted")
-    table.press_button("确定")
-    table.wait_until_closed()
+    leave_table(story, table)
 
     _, now, new = story.changes(before, "利用系数")["利用系数"]
     story.expect(factors_of(stored["ID"], folder.everything()) == expected(stored["ID"], before),
@@ -48,18 +34,26 @@ def factor_table_road(story):
     story.expect(not now and all(row["LuminaireID"] == stored["ID"] for row in new), "other factors were changed")
 
 
-def new_label(story, table, root, command, text, label, picture=None):
-    """Adds an entry below a root of the table's tree by its menu, and types its label."""
-    table.choose_from_menu(root, command, seen=lambda: picture and story.show(picture))
-    story.program.wait_until(lambda: story.program.focused("text"), "the label to type")
-    screen.press("ctrl+a")
-    screen.type_text(text)
-    screen.press("Return")
-    table.tree_item(label)
+def fill_table(story, table, row_label, headings, ratios, factors):
+    story.tell(f"adding headings {headings} and rows {ratios}, typing {len(factors)} factors")
+    labels = [",".join(map(str, heading)) for heading in headings]
+    for root, typed, label in ([("列表头", label, label) for label in labels]
+                               + [(row_label, f"{ratio}", f"{ratio:.2f}") for ratio in ratios]):
+        table.choose_from_menu(root, f"新建{root}", seen=lambda: story.show("factor-menu"))
+        story.program.wait_until(lambda: story.program.focused("text"), "the label to type")
+        screen.press("ctrl+a")
+        screen.type_text(typed)
+        screen.press("Return")
+        table.tree_item(label)
+    for (*reflectances, ratio), factor in factors.items():
+        table.enter(table.row_of(f"{ratio:.2f}"), ",".join(map(str, reflectances)), f"{factor}")
 
 
-def type_factor(table, reflectances, ratio, factor):
-    table.enter(table.row_of(f"{ratio:.2f}"), ",".join(map(str, reflectances)), f"{factor}")
+def leave_table(story, table):
+    story.tell("submitting the table and leaving it with 确定")
+    table.submit()
+    table.press_button("确定")
+    table.wait_until_closed()
 
 
 def factors_of(luminaire, tables):

@@ -6,7 +6,7 @@ from contextlib import contextmanager
 from pathlib import Path
 
 from driver import Atspi, find_all
-from road_factor_table import factors_of, new_label, type_factor
+from road_factor_table import factors_of, fill_table, leave_table
 
 CATEGORY = "T5直管荧光灯"
 PLAIN = {"灯具名称": "高效格栅灯盘", "灯具型号": "DEMO-GS228", "灯具效率": "78", "A-A": "1.35", "B-B": "1.26"}
@@ -90,20 +90,11 @@ def choose_photo(story, row, photo):
 
 
 def fill_factor_table(story, row):
-    story.tell("filling its factor table")
     story.window.press_in_cell(row, "利用系数表")
     table = story.program.dialog(f"{PLAIN['灯具名称']} 利用系数表")
-    for heading in HEADINGS:
-        text = ",".join(map(str, heading))
-        new_label(story, table, "列表头", "新建列表头", text, text)
-    for ratio in sorted({key[3] for key in FACTORS}):
-        new_label(story, table, "室形系数RI", "新建室形系数RI", f"{ratio}", f"{ratio:.2f}")
-    for (*reflectances, ratio), factor in FACTORS.items():
-        type_factor(table, reflectances, ratio, factor)
+    fill_table(story, table, "室形系数RI", HEADINGS, sorted({key[3] for key in FACTORS}), FACTORS)
     story.show("luminaire-factors")
-    table.submit()
-    table.press_button("确定")
-    table.wait_until_closed()
+    leave_table(story, table)
 
 
 def add_mixed_luminaire(story, row):

@@ -7,6 +7,7 @@
 #include <QTest>
 #include <QThread>
 #include <QTimer>
+#include <functional>
 
 #include "widgets/ease_combo_box.h"
 #include "widgets/icons.h"
@@ -20,29 +21,17 @@ using namespace quorvane;
 
 namespace {
 
-// Shows a box and sends it one key; the box is closed by its last button when the key did not close it.
-MessageAnswer AnswerWithKey(MessageButtons buttons, Qt::Key key, bool* closedByKey) {
-    QTimer::singleShot(0, [=] {
+// Shows a box and does the work in it. A box that is still open then is closed by its last button.
+MessageAnswer Answer(const QString& text, MessageButtons buttons,
+                     const std::function<void(QMessageBox*)>& work) {
+    QTimer::singleShot(0, [&work] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        QTest::keyClick(box, key);
-        *closedByKey = !box->isVisible();
-        if (!*closedByKey) {
+        work(box);
+        if (box->isVisible()) {
             QTest::mouseClick(box->buttons().constLast(), Qt::LeftButton);
         }
     });
-    return ShowMessage(nullptr, u"?"_s, {}, buttons);
-}
-
-// The text as a box shows it.
-QString ShownText(const QString& text) {
-    QString shown;
-    QTimer::singleShot(0, [&shown] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        shown = box->textFormat() == Qt::PlainText ? box->text() : QString();
-        QTest::keyClick(box, Qt::Key_Escape);
-    });
-    ShowMessage(nullptr, text);
-    return shown;
+    return ShowMessage(nullptr, text, {}, buttons);
 }
 
 // A window with a button, in which a submit can go on.
@@ -164,14 +153,17 @@ private Q_SLOTS:
         };
         for (const auto& [buttons, key, closes, answer] : cases) {
             bool closedByKey = false;
-            QCOMPARE(AnswerWithKey(buttons, key, &closedByKey), answer);
+            const auto strike = [key = key, &closedByKey](QMessageBox* box) {
+                QTest::keyClick(box, key);
+                closedByKey = !box->isVisible();
+            };
+            QCOMPARE(Answer(u"?"_s, buttons, strike), answer);
             QCOMPARE(closedByKey, closes);
         }
     }
 
     void AHeldKeyDoesNotAnswer() {
-        QTimer::singleShot(0, [] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        const auto hold = [](QMessageBox* box) {
             for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Y}) {
                 for (QWidget* target :
                      {static_cast<QWidget*>(box->defaultButton()), static_cast<QWidget*>(box)}) {
@@ -182,15 +174,20 @@ private Q_SLOTS:
                     QTest::keyRelease(target, key);
                 }
             }
-            QVERIFY(box->isVisible());
-            QTest::keyClick(box, Qt::Key_N);
-        });
-        QCOMPARE(ShowMessage(nullptr, u"?"_s, {}, MessageButtons::YesNo), MessageAnswer::No);
+        };
+        QCOMPARE(Answer(u"?"_s, MessageButtons::YesNo, hold), MessageAnswer::No);
     }
 
     void MessageBoxShowsTextAsItStands() {
-        QCOMPARE(ShownText(u"<b>%s & 100%</b>"_s), u"<b>%s & 100%</b>"_s);
-        const QString cut = ShownText(u"头"_s + QString(1000000, u'长') + u"尾"_s);
+        const auto shown = [](const QString& text) {
+            QString seen;
+            Answer(text, MessageButtons::Ok, [&seen](QMessageBox* box) {
+                seen = box->textFormat() == Qt::PlainText ? box->text() : QString();
+            });
+            return seen;
+        };
+        QCOMPARE(shown(u"<b>%s & 100%</b>"_s), u"<b>%s & 100%</b>"_s);
+        const QString cut = shown(u"头"_s + QString(1000000, u'长') + u"尾"_s);
         QVERIFY(cut.size() < 1000 && cut.startsWith(u'头') && cut.endsWith(u'尾'));
     }
 

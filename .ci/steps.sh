@@ -62,6 +62,7 @@ readonly benchPackages=(
 )
 readonly checkPackages=(
     clang-format clang-tidy
+    g++-mingw-w64-i686-posix       # compiles what is for Windows alone
     locales                        # sources of a locale with a decimal comma, for the tests
 )
 

@@ -2,6 +2,7 @@
 #include <cstdlib>
 
 #include "app/application.h"
+#include "app/platform_session.h"
 #include "app/single_instance.h"
 #include "model/async_reader.h"
 
@@ -14,6 +15,7 @@ void RunProgram(int argc, char* argv[]) {
     if (guard.IsAlreadyRunning()) {
         return;
     }
+    const quorvane::PlatformSession session;
     QApplication application(argc, argv);
     quorvane::CQuorvaneApp(application).Run();
 }

@@ -1,5 +1,7 @@
 #include "data/database_path.h"
 
+#include <QDir>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
@@ -32,11 +34,7 @@ CString DatabasePath(const CString& executablePath) {
 }
 
 CString NativePath(const CString& storedPath) {
-#ifdef Q_OS_WIN
-    return storedPath;
-#else
-    return CString(storedPath).replace(kSeparator, u'/');
-#endif
+    return CString(storedPath).replace(kSeparator, QDir::separator());
 }
 
 }  // namespace quorvane

@@ -39,11 +39,10 @@ void SlotOrder::Empty(int slot) {
             m_tree[Element(number)] = LowestBit(number);
         }
     }
-    Count(slot, -1);
-}
-
-void SlotOrder::Fill(int slot) {
-    Count(slot, 1);
+    --m_filledCount;
+    for (int number = slot + 1; number <= m_slotCount; number += LowestBit(number)) {
+        --m_tree[Element(number)];
+    }
 }
 
 bool SlotOrder::IsFilled(int slot) const {
@@ -74,14 +73,6 @@ int SlotOrder::FilledBefore(int slot) const {
         filled += m_tree[Element(number)];
     }
     return filled;
-}
-
-// Counts the slot as filled (1) or no longer filled (-1).
-void SlotOrder::Count(int slot, int filled) {
-    m_filledCount += filled;
-    for (int number = slot + 1; number <= m_slotCount; number += LowestBit(number)) {
-        m_tree[Element(number)] += filled;
-    }
 }
 
 }  // namespace quorvane

@@ -1,6 +1,5 @@
 #include "data/store/sqlite_background_check.h"
 
-#include <QFileInfo>
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
@@ -9,6 +8,7 @@
 #include <thread>
 
 #include "data/store/sqlite_guard.h"
+#include "data/store/sqlite_open.h"
 #include "data/store/sqlite_recordset.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -38,7 +38,7 @@ struct SqliteBackgroundCheck::State {
         changed.notify_all();
     }
 
-    void Run(const QByteArray& path);
+    void Run(const CString& path);
     void Check(sqlite3* database);
 };
 
@@ -58,11 +58,10 @@ void SqliteBackgroundCheck::State::Check(sqlite3* database) {
     }
 }
 
-void SqliteBackgroundCheck::State::Run(const QByteArray& path) {
+void SqliteBackgroundCheck::State::Run(const CString& path) {
     sqlite3* database = nullptr;
     try {
-        const int result =
-            sqlite3_open_v2(path.constData(), &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr);
+        const int result = OpenSqliteFile(path, &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX);
         if (result != SQLITE_OK) {
             throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
         }
@@ -81,9 +80,7 @@ void SqliteBackgroundCheck::State::Run(const QByteArray& path) {
 }
 
 SqliteBackgroundCheck::SqliteBackgroundCheck(const CString& path) : m_state(std::make_shared<State>()) {
-    std::thread([state = m_state, file = QFileInfo(path).absoluteFilePath().toUtf8()] {
-        state->Run(file);
-    }).detach();
+    std::thread([state = m_state, path] { state->Run(path); }).detach();
 }
 
 SqliteBackgroundCheck::~SqliteBackgroundCheck() {

@@ -1,6 +1,7 @@
 #include "data/store/sqlite_check.h"
 
 #include "data/store/sqlite_connection.h"
+#include "data/store/sqlite_open.h"
 #include "data/store/sqlite_recordset.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -9,7 +10,7 @@ namespace quorvane {
 
 QStringList CheckSqliteFile(const QString& path) {
     sqlite3* handle = nullptr;
-    const int result = sqlite3_open_v2(path.toUtf8().constData(), &handle, SQLITE_OPEN_READONLY, nullptr);
+    const int result = OpenSqliteFile(path, &handle, SQLITE_OPEN_READONLY);
     const std::unique_ptr<sqlite3, SqliteCloser> database(handle);
     if (result != SQLITE_OK) {
         throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));

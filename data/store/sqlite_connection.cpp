@@ -1,10 +1,5 @@
 #include "data/store/sqlite_connection.h"
 
-#ifdef __linux__
-#include <fcntl.h>
-#endif
-
-#include <QFile>
 #include <QFileInfo>
 #include <utility>
 
@@ -12,6 +7,7 @@
 #include "data/store/connection_string.h"
 #include "data/store/dialect.h"
 #include "data/store/sqlite_guard.h"
+#include "data/store/sqlite_open.h"
 #include "data/store/sqlite_recordset.h"
 #include "data/store/sqlite_submit.h"
 
@@ -35,29 +31,15 @@ constexpr int kStartTimeoutMs = 3000;
 constexpr qint64 kCheckedAtOnce = 1 << 20;
 constexpr std::chrono::seconds kLongestCheckAtOnce{1};
 
-// The check reads the file page by page in no order. This is several times faster for a file that is not yet
-// in memory when the system is told to read all of it first.
-void ReadAhead(const CString& path) {
-#ifdef Q_OS_LINUX
-    QFile file(path);
-    if (file.open(QIODevice::ReadOnly)) {
-        posix_fadvise(file.handle(), 0, 0, POSIX_FADV_WILLNEED);
-    }
-#else
-    Q_UNUSED(path)
-#endif
-}
-
 Database OpenFile(const CString& path) {
+    // The check reads the file page by page in no order. This is several times faster for a file that is not
+    // yet in memory when the system is told to read all of it first.
     ReadAhead(path);
     RefuseSuperJournal(path);
 
-    // An absolute path cannot be taken for a URI.
-    const QByteArray absolutePath = QFileInfo(path).absoluteFilePath().toUtf8();
     sqlite3* handle = nullptr;
     // One thread uses a connection, so SQLite need not lock it for each column of each row.
-    const int result = sqlite3_open_v2(absolutePath.constData(), &handle,
-                                       SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int result = OpenSqliteFile(path, &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX);
     Database database(handle);
     if (handle == nullptr) {
         throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));

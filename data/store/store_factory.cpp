@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QLoggingCategory>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -9,6 +10,7 @@
 #include "data/database_path.h"
 #include "data/store/access/header.h"
 #include "data/store/access/sql/access_connection.h"
+#include "data/store/ado/ado_connection.h"
 #include "data/store/backed_up_connection.h"
 #include "data/store/connection_string.h"
 #include "data/store/sqlite_check.h"
@@ -20,18 +22,29 @@ namespace quorvane {
 
 namespace {
 
+Q_LOGGING_CATEGORY(lcStore, "quorvane.database.store", QtDebugMsg)
+
 constexpr qint64 kHeadSize = 32;  // every kind of database tells itself within its first bytes
+
+bool Always() {
+    return true;
+}
 
 struct Driver {
     bool (*recognises)(const QByteArray& head);
+    bool (*isThere)();
     std::shared_ptr<Connection> (*create)();
     QStringList (*check)(const QString& path);
+    const char* why;  // for the trace
 };
 
-// One line a driver.
+// One line a driver. The first one that recognises the file and is there opens it.
 constexpr std::array kDrivers{
-    Driver{IsSqliteFile, CreateSqliteConnection, CheckSqliteFile},
-    Driver{access::IsAccessFile, CreateAccessConnection, CheckAccessFile},
+    Driver{IsSqliteFile, Always, CreateSqliteConnection, CheckSqliteFile, "SQLite, for an SQLite file"},
+    Driver{access::IsAccessFile, IsJetRegistered, CreateAdoConnection, CheckAccessFile,
+           "ADO, for an Access file where Jet 4.0 is registered"},
+    Driver{access::IsAccessFile, Always, CreateAccessConnection, CheckAccessFile,
+           "the program's own driver, for an Access file where Jet 4.0 is not registered"},
 };
 
 QByteArray ReadHead(const CString& path) {
@@ -51,8 +64,9 @@ QByteArray ReadHead(const CString& path) {
 
 const Driver& DriverOf(const CString& path) {
     const QByteArray head = ReadHead(path);
-    const auto* driver = std::find_if(kDrivers.begin(), kDrivers.end(),
-                                      [&](const Driver& candidate) { return candidate.recognises(head); });
+    const auto* driver = std::find_if(kDrivers.begin(), kDrivers.end(), [&](const Driver& candidate) {
+        return candidate.recognises(head) && candidate.isThere();
+    });
     if (driver == kDrivers.end()) {
         throw ProviderError(head.isEmpty() ? u"%1 is empty"_s.arg(path)
                                            : u"%1 is not a database"_s.arg(path));
@@ -67,7 +81,13 @@ std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionStrin
     if (path.isEmpty()) {
         throw ProviderError(u"the connection string names no data source"_s);
     }
-    return DriverOf(path).create();
+    const Driver& driver = DriverOf(path);
+    qCDebug(lcStore) << "driver:" << driver.why;
+    return driver.create();
+}
+
+CString StoreDriver(const CString& path) {
+    return QString::fromLatin1(DriverOf(path).why);
 }
 
 ConnectionFactory BackedUpStore(std::function<bool(const CString& reason)> goOn) {

@@ -12,7 +12,10 @@ namespace quorvane {
 // ProviderError that says so. Opening never creates or changes a file.
 std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionString);
 
-// The same, but the file is copied beside itself before the first statement of a connection that writes.
+// Which driver CreateStoreConnection chooses for a file, and why, as one line; throws as it does.
+CString StoreDriver(const CString& path);
+
+// A connection likewise, but the file is copied beside itself before the first statement of a connection that writes.
 // Where that fails, GOON is asked once, with the reason, whether to write without a copy.
 ConnectionFactory BackedUpStore(std::function<bool(const CString& reason)> goOn);
 

@@ -45,6 +45,7 @@ void DirTreeModel::SetIcons(const std::array<QIcon, 3>& icons) {
 void DirTreeModel::Clear(const TreeContent& content, const FolderReader& reader) {
     beginResetModel();
     m_top = std::make_unique<Node>();
+    m_looks.clear();
     m_content = content;
     m_read = reader;
     m_reading = std::make_unique<AsyncReader>(kReadAtOnce);
@@ -55,7 +56,13 @@ void DirTreeModel::AddDrive(const QString& rootFolder) {
     const int row = rowCount();
     beginInsertRows({}, row, row);
     m_top->Add(rootFolder, Kind::Drive);
+    m_looks.emplace_back();
     endInsertRows();
+}
+
+void DirTreeModel::SetDriveLook(const QModelIndex& drive, const QString& name, const QIcon& icon) {
+    m_looks[static_cast<size_t>(drive.row())] = {name, icon};
+    Q_EMIT dataChanged(drive, drive);
 }
 
 void DirTreeModel::ReadFolder(const QModelIndex& folder) {
@@ -159,10 +166,16 @@ QVariant DirTreeModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) {
         return {};
     }
+    const Node& node = NodeOf(index);
+    const Look look = node.kind == Kind::Drive ? m_looks[static_cast<size_t>(node.row)] : Look();
     if (role == Qt::DisplayRole) {
-        return NodeOf(index).isReadable ? NodeOf(index).name : NodeOf(index).name + u" (不能读取)"_s;
+        const QString name = look.name.isEmpty() ? node.name : look.name;
+        return node.isReadable ? name : name + u" (不能读取)"_s;
     }
-    return role == Qt::DecorationRole ? m_icons[static_cast<size_t>(KindOf(index))] : QVariant();
+    if (role == Qt::DecorationRole) {
+        return look.icon.isNull() ? m_icons[static_cast<size_t>(node.kind)] : look.icon;
+    }
+    return {};
 }
 
 Qt::ItemFlags DirTreeModel::flags(const QModelIndex& index) const {

@@ -28,6 +28,8 @@ public:
     void Clear(const TreeContent& content, const FolderReader& reader);
     // Adds a root folder under the name to show.
     void AddDrive(const QString& rootFolder);
+    // Shows a root folder under another name and icon. What is empty stays as it is.
+    void SetDriveLook(const QModelIndex& drive, const QString& name, const QIcon& icon);
 
     // Starts to read a folder that has not been read yet, and returns at once. The event loop later adds all
     // children together and then emits FolderRead.
@@ -54,6 +56,10 @@ Q_SIGNALS:
 
 private:
     enum class State { Unread, Reading, Read };
+    struct Look {
+        QString name;
+        QIcon icon;
+    };
     struct Node;
 
     Node& NodeOf(const QModelIndex& index) const;
@@ -61,6 +67,7 @@ private:
     void Fill(Node& folder, const FolderContents& contents);
 
     std::unique_ptr<Node> m_top;  // its children are the root folders
+    std::vector<Look> m_looks;    // of the root folders, in their order
     TreeContent m_content;
     std::array<QIcon, 3> m_icons;
     FolderReader m_read;

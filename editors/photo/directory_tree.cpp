@@ -17,6 +17,7 @@ namespace quorvane {
 namespace {
 
 constexpr int kChecksAtOnce = 4;
+constexpr int kLooksAtOnce = 4;
 
 // Empty when path does not exist.
 QString CleanPath(const QString& path) {
@@ -27,7 +28,7 @@ QString CleanPath(const QString& path) {
 }  // namespace
 
 CDirTreeCtrl::CDirTreeCtrl(QWidget* parent)
-    : QTreeView(parent), m_model(new DirTreeModel(this)), m_checks(kChecksAtOnce) {
+    : QTreeView(parent), m_model(new DirTreeModel(this)), m_checks(kChecksAtOnce), m_looks(kLooksAtOnce) {
     setModel(m_model);
     setHeaderHidden(true);
     setUniformRowHeights(true);
@@ -101,14 +102,27 @@ void CDirTreeCtrl::Show(const CString& rootFolder, bool withFiles) {
         ShowMessage(this, u"Error Getting Logical DriveStrings!"_s);
     }
     for (const QString& drive : drives) {
-        m_model->AddDrive(drive);
+        AddDrive(drive);
     }
     MakeRoomForNames();
 }
 
+// The system's name and icon of a drive come later, when the drive has answered.
+void CDirTreeCtrl::AddDrive(const QString& rootFolder) {
+    m_model->AddDrive(rootFolder);
+    const QPersistentModelIndex drive = m_model->index(m_model->rowCount() - 1, 0);
+    m_looks.Run([rootFolder] { return ReadDriveLook(rootFolder); },
+                [this, drive](const DriveLook& look) {
+                    if (drive.isValid()) {
+                        m_model->SetDriveLook(drive, look.name, QPixmap::fromImage(look.icon));
+                        MakeRoomForNames();
+                    }
+                });
+}
+
 void CDirTreeCtrl::AddRoot(const CString& rootFolder) {
     const CString native = QDir::toNativeSeparators(rootFolder);
-    m_model->AddDrive(native.endsWith(QDir::separator()) ? native : native + QDir::separator());
+    AddDrive(native.endsWith(QDir::separator()) ? native : native + QDir::separator());
     m_root = m_model->index(0, 0);
     expand(m_root);
 }
@@ -149,7 +163,7 @@ void CDirTreeCtrl::BeginWalk(const QString& path) {
 QModelIndex CDirTreeCtrl::FindDrive(const QString& path) const {
     QStringList drives;
     for (int row = 0; row < m_model->rowCount(); ++row) {
-        drives += m_model->index(row, 0).data().toString();
+        drives += QDir::toNativeSeparators(m_model->FilePath(m_model->index(row, 0)));
     }
     return m_model->index(static_cast<int>(drives.indexOf(DriveOfPath(path, drives))), 0);
 }

@@ -55,6 +55,7 @@ protected:
 private:
     bool AttachIcons();
     void MakeRoomForNames();
+    void AddDrive(const QString& rootFolder);
     void AddRoot(const CString& rootFolder);
     void RootIsGone();
     QModelIndex FindDrive(const QString& path) const;
@@ -67,6 +68,7 @@ private:
     QStringList m_extensions;
     QPersistentModelIndex m_root;      // the one root folder, unless all drives are shown
     AsyncReader m_checks;              // whether the path to select exists
+    AsyncReader m_looks;               // the system's names and icons of drives
     CString m_pathToSelect;            // while it is being checked
     bool m_walking = false;            // expanding the tree to the path to select
     QPersistentModelIndex m_walkedTo;  // the last item reached

@@ -9,12 +9,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace quorvane {
 namespace {
 
-#ifdef Q_OS_WIN
-constexpr Qt::CaseSensitivity kPathCase = Qt::CaseInsensitive;
-#else
-constexpr Qt::CaseSensitivity kPathCase = Qt::CaseSensitive;
-#endif
-
 QString WithTrailingSeparator(const QString& folder) {
     return QDir::toNativeSeparators(folder.endsWith(u'/') ? folder : folder + u'/');
 }

@@ -7,6 +7,16 @@
 
 namespace quorvane {
 
+const Qt::CaseSensitivity kPathCase = Qt::CaseSensitive;
+
+DriveLook ReadDriveLook(const QString& /*rootFolder*/) {
+    return {};
+}
+
+QString NetworkShare(const QString& /*path*/) {
+    return {};  // a share is part of the one tree of folders
+}
+
 std::vector<Volume> MountedVolumes(const char* table) {
     const std::unique_ptr<FILE, int (*)(FILE*)> file(setmntent(table, "r"), endmntent);
     std::vector<Volume> volumes;

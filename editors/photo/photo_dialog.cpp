@@ -112,7 +112,11 @@ CLuminairePhotoSettingDlg::CLuminairePhotoSettingDlg(const CString& initialPath,
 CLuminairePhotoSettingDlg::~CLuminairePhotoSettingDlg() = default;
 
 void CLuminairePhotoSettingDlg::FillDriveList() {
-    const QStringList drives = LogicalDrives();
+    QStringList drives = LogicalDrives();
+    const QString share = NetworkShare(m_path);
+    if (!share.isEmpty()) {
+        drives += share;
+    }
     for (const QString& drive : drives) {
         m_drives->AddString(drive);
     }

@@ -10,9 +10,32 @@
 #include "tools/database_sense.h"
 #include "tools/sample_database.h"
 #include "tools/sample_error.h"
+#include "tools/self_check.h"
 
 using namespace quorvane;
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// A driver that loses a blank at the end of a text.
+class TrimmingConnection : public Connection {
+public:
+    explicit TrimmingConnection(std::shared_ptr<Connection> connection)
+        : m_connection(std::move(connection)) {}
+    void Open(const CString& connectionString, const CString& user, const CString& password,
+              int options) override {
+        m_connection->Open(connectionString, user, password, options);
+    }
+    std::unique_ptr<Recordset> Execute(const CString& statement) override {
+        return m_connection->Execute(CString(statement).replace(u" '"_s, u"'"_s));
+    }
+    void Close() override { m_connection->Close(); }
+
+private:
+    std::shared_ptr<Connection> m_connection;
+};
+
+}  // namespace
 
 class TestDatabaseTools : public QObject {
     Q_OBJECT
@@ -21,6 +44,17 @@ private Q_SLOTS:
     void initTestCase() {
         m_file = m_folder.filePath(u"Vexal/灯具数据库.mdb"_s);
         WriteSampleDatabase(ReadSampleData({}), m_file, DatabaseKind::Access);
+    }
+
+    void SelfCheckFindsWhatADriverLoses() {
+        const auto check = [&](const ConnectionFactory& factory) {
+            return CheckOperations(m_file, factory).lines.filter(u"失败"_s).value(0);
+        };
+        QCOMPARE(check(CreateStoreConnection), QString());
+        QCOMPARE(check([](const CString& source) {
+                     return std::make_shared<TrimmingConnection>(CreateStoreConnection(source));
+                 }),
+                 u"失败  LoadAllLightSources 读回：读回的内容与写入的不同"_s);
     }
 
     void NonsenseIsFound() {

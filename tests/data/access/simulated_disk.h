@@ -13,8 +13,6 @@ namespace quorvane::access {
 
 class SimulatedDisk : public FileSystem {
 public:
-    static constexpr int kSector = 512;  // bytes; written whole or not at all
-
     enum class Trouble {
         None,
         Kill,       // the process ends before the operation
@@ -44,7 +42,6 @@ public:
     std::unique_ptr<File> Open(const QString& path, Mode mode) override;
     bool Exists(const QString& path) override { return m_names.contains(path); }
     void Remove(const QString& path) override;
-    void Truncate(const QString& path, qint64 size);
     void Rename(const QString& from, const QString& to) override;
     void SyncFolder(const QString& path) override;
     QString ComputerName() override { return QStringLiteral("WORKBENCH"); }
@@ -52,7 +49,7 @@ public:
 private:
     friend class SimulatedFile;
     struct Written {
-        qint64 offset = 0;  // without bytes: the new size of the file
+        qint64 offset = 0;
         QByteArray bytes;
     };
     struct Node {
@@ -66,7 +63,6 @@ private:
 
     // Counts an operation and lets it go wrong. False: a write is to be done in part.
     bool Operate(bool isWrite = false);
-    void Change(Node& node, const Written& written);
     void CutPower(Node& node, QRandomGenerator& random) const;
 
     NamesByPath m_names;

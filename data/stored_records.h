@@ -56,6 +56,12 @@ public:
         return m_isComplete ? std::optional(Unwritten::Missing) : std::nullopt;
     }
 
+    // The record with that ID in the slices that have been read, or null.
+    const Record* Find(int id) const {
+        const auto stored = m_records.constFind(id);
+        return stored == m_records.constEnd() ? nullptr : &*stored;
+    }
+
 private:
     void Read(const CString& slice) {
         if (!m_slices.insert(slice).second) {

@@ -16,9 +16,6 @@ namespace {
 
 using Factor = tagLUMINAIREUTILIZATIONFACTOR;
 
-constexpr int kHeadingRows = 4;
-constexpr int kHeadingColumns = 1;
-
 tagColHeading HeadingOf(const Factor& factor) {
     return {factor.Pcc, factor.Pw, factor.Pf};
 }
@@ -116,6 +113,13 @@ void UtilizationFactorTable::SetFactor(int gridRow, int gridColumn, double value
     if (IsInPlace(cell)) {
         m_factors[cell.index].UtilizationFactor = value;
     }
+}
+
+std::optional<double> UtilizationFactorTable::FactorOf(const tagColHeading& heading, double rcr) const {
+    const Factor sought = NewFactor(heading, rcr);
+    const auto found = std::lower_bound(m_factors.begin(), m_factors.end(), sought, FactorBefore);
+    const bool isFound = found != m_factors.end() && SameCell(*found, sought);
+    return isFound ? std::optional(found->UtilizationFactor) : std::nullopt;
 }
 
 void UtilizationFactorTable::ClearFactors() {

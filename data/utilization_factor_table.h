@@ -16,6 +16,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <vector>
 
 #include "data/records.h"
@@ -38,6 +39,10 @@ class UtilizationFactorTable {
 public:
     using MessageCallback = std::function<void(const CString&)>;
     using ProgressCallback = std::function<void(int done, int total)>;
+
+    // In a grid, the rows and columns before the first factor.
+    static constexpr int kHeadingRows = 4;
+    static constexpr int kHeadingColumns = 1;
 
     // An empty table of no luminaire. showMessage tells the user; the database must outlive the table. A copy
     // has its own matrix and pending deletions, and shares database and callback.
@@ -64,6 +69,8 @@ public:
     double GetFactor(int gridRow, int gridColumn);
     // Stores a value into the same cell; does nothing while its factor is missing at its place.
     void SetFactor(int gridRow, int gridColumn, double value);
+    // The factor of that heading and room ratio; nothing when there is none.
+    std::optional<double> FactorOf(const tagColHeading& heading, double rcr) const;
     // Sets every factor to 0.
     void ClearFactors();
 

@@ -1,7 +1,6 @@
 #include "grid/grid_controller.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QFontMetrics>
 #include <QScrollBar>
 #include <algorithm>
@@ -10,7 +9,8 @@
 
 #include "grid/cells/cell_text.h"
 #include "grid/cells/grid_btn_cell.h"
-#include "grid/output/grid_clipboard.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 namespace {
@@ -32,7 +32,8 @@ GridController::GridController(CGridCtrl& grid)
       m_core(DefaultRowHeight(grid.font()), DefaultColumnWidth(grid.font())),
       m_mouse(m_core),
       m_edit(*this),
-      m_announcer(grid, m_core) {
+      m_announcer(grid, m_core),
+      m_menu(*this) {
     m_core.SetFont(grid.font());
     m_core.SetListener(this);
     m_scrollTimer.setInterval(std::chrono::milliseconds(40));
@@ -53,23 +54,12 @@ bool GridController::EndStep(const QPointer<CGridCtrl>& alive) {
     m_isInStep = false;
     const std::vector<Notice> notices = std::exchange(m_notices, {});
     for (const Notice& notice : notices) {
-        EmitNotice(notice);
+        notice();
         if (alive.isNull()) {
             return false;
         }
     }
     return true;
-}
-
-void GridController::EmitNotice(const Notice& notice) {
-    if (notice.cell != nullptr) {
-        m_isEditTyped = notice.isTyped;
-        (m_grid.*notice.cell)(notice.place.row, notice.place.col);
-    } else if (notice.button >= 0) {
-        Q_EMIT m_grid.ButtonClicked(notice.place.row, notice.place.col, notice.button);
-    } else {
-        Q_EMIT m_grid.SelectionChanged();
-    }
 }
 
 // ---- Changes of the core
@@ -123,10 +113,11 @@ void GridController::SelectionChanged(bool focus, bool ranges) {
     }
     Perform([&] {
         if (focus) {
-            m_notices.push_back({&CGridCtrl::FocusCellChanged, m_core.Focus()});
+            m_notices.emplace_back(
+                [this, cell = m_core.Focus()] { Q_EMIT m_grid.FocusCellChanged(cell.row, cell.col); });
         }
         if (ranges) {
-            m_notices.push_back({});
+            m_notices.emplace_back([this] { Q_EMIT m_grid.SelectionChanged(); });
         }
     });
 }
@@ -237,6 +228,12 @@ bool GridController::Execute(const GridCommand& command, const QEvent* event) {
         case Kind::SelectLines:
             m_core.SelectLines(command.lines, command.modifiers);
             return true;
+        case Kind::SelectRows:
+            m_core.SelectWhole(Qt::Vertical);
+            return true;
+        case Kind::SelectColumns:
+            m_core.SelectWhole(Qt::Horizontal);
+            return true;
         case Kind::SelectAll:
             m_core.SelectRange(m_core.Layout().ScrollingCells());
             return true;
@@ -254,8 +251,14 @@ bool GridController::Execute(const GridCommand& command, const QEvent* event) {
         case Kind::Click:
             Click(cell);
             return true;
-        case Kind::ClearText:
-            TakeText(cell, {});
+        case Kind::ClearContents:
+            return EnterAll(u"清除内容"_s, ClearEntries(m_core));
+        case Kind::Cut:
+            return Copy() && EnterAll(u"剪切"_s, ClearEntries(m_core));
+        case Kind::FillDown:
+            return FillDown();
+        case Kind::Menu:
+            OpenMenu();
             return true;
         case Kind::Copy:
             return Copy();
@@ -283,9 +286,12 @@ bool GridController::PressButton(CCellID cell, int button) {
         return BeginEdit(cell, InPlaceEdit::Start::AllSelected);
     }
     return Do([&] {
-        const bool pressed = m_core.PressBtn(cell, button);
-        if (pressed) {
-            m_notices.push_back({nullptr, cell, button});
+        const bool isHeading = m_core.Layout().IsFixed(cell);
+        const bool pressed = isHeading || m_core.PressBtn(cell, button);
+        if (isHeading) {
+            m_notices.emplace_back([this, cell] { Q_EMIT m_grid.HeadingButtonClicked(cell.col); });
+        } else if (pressed) {
+            m_notices.emplace_back([=, this] { Q_EMIT m_grid.ButtonClicked(cell.row, cell.col, button); });
         }
         return pressed;
     });
@@ -310,53 +316,13 @@ void GridController::FocusAndPress(const std::function<CCellID()>& place, bool p
 void GridController::Click(CCellID cell) {
     const bool opensChoices = m_mouse.OpensChoices();
     Perform(
-        [=, this] {
-            m_notices.push_back({&CGridCtrl::CellClicked, cell});
-        },
+        [=, this] { m_notices.emplace_back([=, this] { Q_EMIT m_grid.CellClicked(cell.row, cell.col); }); },
         [=, this] {
             const bool opens = opensChoices && !m_edit.IsOn() && m_core.Focus() == cell;
             if (opens && m_core.EditingOf(cell) == CellEditing::Choice) {
                 OpenAt(cell, InPlaceEdit::Start::AllSelected, nullptr);
             }
         });
-}
-
-bool GridController::Copy() {
-    const std::optional<CString> text = CopiedText(m_core);
-    if (text) {
-        QApplication::clipboard()->setText(*text);
-    }
-    return text.has_value();
-}
-
-bool GridController::MayPaste(const CString& text) const {
-    if (!m_askBeforePaste) {
-        return true;
-    }
-    const PasteLoss loss = LossOfPaste(m_core, text);
-    const PasteQuestion ask = m_askBeforePaste;  // the answer may take the grid away
-    return (loss.beyondColumns == 0 && loss.belowRows == 0 && loss.refused.empty()) || ask(loss);
-}
-
-bool GridController::Paste() {
-    const CString text = QApplication::clipboard()->text();
-    if (GridPaste(m_core, text).IsDone()) {
-        return false;
-    }
-    const QPointer<CGridCtrl> alive(&m_grid);
-    if (!MayPaste(text) || alive.isNull()) {
-        return true;
-    }
-    GridPaste paste(m_core, text);
-    Perform([&] { m_core.FocusWithoutSelecting(paste.Start()); });
-    const auto step = [&] {
-        if (const auto next = paste.Next()) {
-            TakeText(next->cell, next->text);
-        }
-    };
-    while (!alive.isNull() && !paste.IsDone() && !m_edit.IsOn() && RunStep(step, alive)) {
-    }
-    return true;
 }
 
 // ---- Mouse

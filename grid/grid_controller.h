@@ -11,9 +11,11 @@
 #include <vector>
 
 #include "grid/accessibility/grid_announcer.h"
+#include "grid/commands/grid_menu.h"
 #include "grid/grid_core.h"
 #include "grid/grid_ctrl.h"
 #include "grid/input/combo_list.h"
+#include "grid/input/grid_entries.h"
 #include "grid/input/grid_keys.h"
 #include "grid/input/grid_mouse.h"
 #include "grid/input/in_place_edit.h"
@@ -77,6 +79,11 @@ public:
     void TakeText(CCellID cell, const CString& text, bool isTyped = true);
     void SetPasteQuestion(PasteQuestion ask) { m_askBeforePaste = std::move(ask); }
     bool PressButton(CCellID cell, int button);
+    // Ends the edit with its text in all selected cells.
+    void EndEditAndFill();
+    void AddMenuAction(GridMenuGroup group, QAction* action) { m_menu.Add(group, action); }
+    // Opens the context menu at a point of the screen.
+    void PopUpMenu(const QPoint& globalPosition);
     // Gives the focus to the cell that place finds once the grid has the keyboard; then presses its button or
     // drops down its list.
     void FocusAndPress(const std::function<CCellID()>& place, bool press);
@@ -101,12 +108,7 @@ public:
     void Painted() { m_isRedrawDue = false; }
 
 private:
-    struct Notice {
-        void (CGridCtrl::*cell)(int, int) = nullptr;  // a signal about a cell; else one of the others
-        CCellID place = {};
-        int button = -1;
-        bool isTyped = true;
-    };
+    using Notice = std::function<void()>;  // emits one signal
 
     template <typename Step>
     bool RunStep(Step& step, const QPointer<CGridCtrl>& alive) {
@@ -117,7 +119,6 @@ private:
     }
     // Emits what the step has recorded. False when the grid is gone.
     bool EndStep(const QPointer<CGridCtrl>& alive);
-    void EmitNotice(const Notice& notice);
 
     void LinesInserted(Qt::Orientation lines, int at, int count) override;
     void LinesRemoved(Qt::Orientation lines, int at, int count) override;
@@ -135,7 +136,11 @@ private:
     void Click(CCellID cell);
     bool Copy();
     bool Paste();
-    bool MayPaste(const CString& text) const;
+    bool FillDown();
+    bool MayEnter(const std::vector<GridEntry>& entries) const;
+    // One step of the given name; false when there is nothing to enter.
+    bool EnterAll(const CString& name, const std::vector<GridEntry>& entries);
+    void OpenMenu();
     void ScrollOn();
 
     CGridCtrl& m_grid;
@@ -143,6 +148,7 @@ private:
     GridMouse m_mouse;
     InPlaceEdit m_edit;
     GridAnnouncer m_announcer;
+    GridMenu m_menu;
     QPointer<ComboList> m_choices;
     PasteQuestion m_askBeforePaste;
     QTimer m_scrollTimer;  // while a selecting drag is beyond the window

@@ -97,7 +97,10 @@ void GridController::EndEdit() {
 void GridController::TakeText(CCellID cell, const CString& text, bool isTyped) {
     Perform([&] {
         if (m_core.SetText(cell, text)) {
-            m_notices.push_back({.cell = &CGridCtrl::EndLabelEdit, .place = cell, .isTyped = isTyped});
+            m_notices.emplace_back([=, this] {
+                m_isEditTyped = isTyped;
+                Q_EMIT m_grid.EndLabelEdit(cell.row, cell.col);
+            });
         }
     });
 }

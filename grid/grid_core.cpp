@@ -8,6 +8,18 @@
 namespace quorvane {
 namespace {
 
+// Adds a range, or takes it away when it is selected besides others.
+void ToggleRange(GridSelection& selection, const CCellRange& range, CCellID anchor) {
+    GridSelection without = selection;
+    without.Remove(range);
+    if (selection.Covers(range) && !without.Ranges().empty()) {
+        selection = without;
+        selection.SetAnchor({});
+    } else {
+        selection.Add(range, anchor);
+    }
+}
+
 CString Joined(const CString& text, const CString& further) {
     return text.isEmpty() || further.isEmpty() ? text + further : text + u' ' + further;
 }
@@ -353,10 +365,31 @@ void GridCore::ExtendSelection(CCellID cell, bool moveFocus) {
 void GridCore::AddToSelection(CCellID cell) {
     if (IsSelectable(cell)) {
         GridSelection selection = m_selection;
-        selection.Add(Extent(cell), Origin(cell));
+        ToggleRange(selection, Extent(cell), Origin(cell));
         selection.SetFocus(Origin(cell));
         Apply(selection);
     }
+}
+
+void GridCore::SelectWhole(Qt::Orientation lines) {
+    const CCellRange all = m_layout.ScrollingCells();
+    GridSelection selection = m_selection;
+    std::vector<CCellRange> ranges = selection.Ranges();
+    if (ranges.empty() && Focus().IsValid()) {
+        ranges = {Extent(Focus())};
+    }
+    selection.Clear();
+    for (CCellRange range : ranges) {
+        if (lines == Qt::Vertical) {
+            range.minCol = all.minCol;
+            range.maxCol = all.maxCol;
+        } else {
+            range.minRow = all.minRow;
+            range.maxRow = all.maxRow;
+        }
+        selection.Add(m_merges.GrownToBlocks(range), {range.minRow, range.minCol});
+    }
+    Apply(selection);
 }
 
 void GridCore::SelectLines(const CCellRange& lines, Qt::KeyboardModifiers modifiers) {
@@ -376,7 +409,7 @@ void GridCore::SelectLines(const CCellRange& lines, Qt::KeyboardModifiers modifi
         return;
     }
     if ((modifiers & Qt::ControlModifier) != 0) {
-        selection.Add(grown, first);
+        ToggleRange(selection, grown, first);
     } else {
         selection.SelectOnly(grown, first);
     }

@@ -123,9 +123,12 @@ public:
     // Extends the range selected last from its anchor to a cell, with or without the focus. With the focus
     // and no anchor this is SetFocus.
     void ExtendSelection(CCellID cell, bool moveFocus);
+    // A cell that is selected besides others is taken from the selection instead.
     void AddToSelection(CCellID cell);
+    // All cells of the rows, or columns, of the selected cells.
+    void SelectWhole(Qt::Orientation lines);
     // What a click on the heading of whole rows or columns does: selects them alone, with Ctrl besides the
-    // others, with Shift together with all from the anchor.
+    // others, or takes them away, with Shift together with all from the anchor.
     void SelectLines(const CCellRange& lines, Qt::KeyboardModifiers modifiers);
 
     // ---- What the user may change
@@ -135,6 +138,8 @@ public:
     bool Takes(CCellID cell, const CString& text) const;
     // Whether typing goes on at the head of the next column after the foot of one.
     bool typesByColumns = false;
+    // Whether the last row is one for new entries, which fills of several rows leave out.
+    bool hasAppendRow = false;
 
 private:
     void InsertLines(Qt::Orientation lines, int at, int count, unsigned format);

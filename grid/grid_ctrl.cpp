@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "grid/cells/grid_heading_cell.h"
 #include "grid/grid_controller.h"
 
 namespace quorvane {
@@ -232,6 +233,10 @@ CCellRange CGridCtrl::GetSelectedCellRange() const {
     return Core().SelectedRange();
 }
 
+std::vector<GridRowRun> CGridCtrl::GetSelectedRows() const {
+    return Core().Selection().Rows();
+}
+
 bool CGridCtrl::IsValid(const CCellRange& range) const {
     return Core().Layout().Holds(range);
 }
@@ -272,6 +277,49 @@ void CGridCtrl::SetPasteQuestion(PasteQuestion ask) {
 
 void CGridCtrl::SetTypesByColumns(bool typesByColumns) {
     MutableCore().typesByColumns = typesByColumns;
+}
+
+void CGridCtrl::SetHasAppendRow(bool hasAppendRow) {
+    MutableCore().hasAppendRow = hasAppendRow;
+}
+
+void CGridCtrl::AddMenuAction(GridMenuGroup group, QAction* action) {
+    m_controller->AddMenuAction(group, action);
+}
+
+// ---- Marks and tips
+
+void CGridCtrl::SetMarkSource(MarkSource marks) {
+    m_marks = std::move(marks);
+    m_controller->Redraw();
+}
+
+void CGridCtrl::SetHighlightSource(HighlightSource highlights) {
+    m_highlights = std::move(highlights);
+    m_controller->Redraw();
+}
+
+void CGridCtrl::SetTipSource(TipSource tips) {
+    m_tips = std::move(tips);
+}
+
+unsigned CGridCtrl::MarksOf(CCellID cell) const {
+    return m_marks && Core().IsSelectable(cell) ? m_marks(cell) : 0;
+}
+
+GridTip CGridCtrl::TipOf(CCellID cell) const {
+    return m_tips && Core().Layout().Holds(cell) ? m_tips(cell) : GridTip();
+}
+
+bool CGridCtrl::SetHeadingButton(int column, HeadingOrder order, bool isFiltered) {
+    const CCellID heading = Core().Origin({GetFixedRowCount() - 1, column});
+    if (dynamic_cast<CGridHeadingCell*>(MutableCore().Cell(heading)) == nullptr &&
+        !SetCellType<CGridHeadingCell>(heading.row, heading.col)) {
+        return false;
+    }
+    dynamic_cast<CGridHeadingCell&>(*MutableCore().Cell(heading)).SetOrder(order, isFiltered);
+    m_controller->Redraw();
+    return true;
 }
 
 // ---- Looks and geometry

@@ -8,11 +8,15 @@
 
 #include <QAbstractScrollArea>
 #include <QIcon>
+#include <QPointer>
+#include <functional>
 #include <memory>
 #include <vector>
 
 #include "grid/cells/grid_btn_cell.h"
 #include "grid/grid_core.h"
+
+class QAction;
 
 namespace quorvane {
 
@@ -112,6 +116,9 @@ public:
     void SetSelectedRange(const CCellRange& range);
     // The smallest range that holds all selected cells; invalid when nothing is selected.
     CCellRange GetSelectedCellRange() const;
+    // The rows in which a cell is selected, as runs from top to bottom that do not touch. A row that Ctrl
+    // left out is in none of them.
+    std::vector<GridRowRun> GetSelectedRows() const;
     bool IsValid(const CCellRange& range) const;
 
     // In-place editing. Only cells that are neither fixed nor read-only are edited.
@@ -134,6 +141,38 @@ public:
     // Whether Enter at the foot of a column goes on at the head of the next one, instead of staying.
     void SetTypesByColumns(bool typesByColumns);
 
+    // Whether the last row is one for new entries. A fill of several rows leaves it out.
+    void SetHasAppendRow(bool hasAppendRow);
+
+    // Commands. The grid's own are in its context menu; an editor adds its own to a group, behind those that
+    // are there. The key of an action works while the grid, an editor in it or its foot bar has the keyboard;
+    // an open edit is ended first. Keys by which one edits a text (undo, redo, copy, …) belong to an open
+    // editor. An action that is in use elsewhere already keeps its shortcut context. The caller keeps
+    // ownership, sets what is enabled (at the latest in MenuAboutToShow), and gives a disabled action its
+    // reason as tool tip.
+    void AddMenuAction(GridMenuGroup group, QAction* action);
+
+    // Marks and tips are asked for when a cell is painted or pointed at, and never stored. The grid asks for
+    // cells that are not fixed (marks, highlights) or all (tips). Whoever knows that answers have changed
+    // calls Refresh(). An empty function asks nothing.
+    using MarkSource = std::function<unsigned(CCellID)>;  // CellMark bits
+    void SetMarkSource(MarkSource marks);
+    // Whether a cell is one that the user has searched for.
+    using HighlightSource = std::function<bool(CCellID)>;
+    void SetHighlightSource(HighlightSource highlights);
+    // What is told of a cell besides a text that does not fit.
+    using TipSource = std::function<GridTip(CCellID)>;
+    void SetTipSource(TipSource tips);
+
+    // Gives the lowest heading of a column a button that shows how the rows are ordered by it and whether
+    // they are filtered. A press emits HeadingButtonClicked; the grid itself orders nothing. False for a
+    // column without a heading.
+    bool SetHeadingButton(int column, HeadingOrder order, bool isFiltered = false);
+
+    // Puts a bar at the grid's foot, inside its frame; the grid owns it, and shows it when the bar is shown.
+    // When the bar is hidden while it has the keyboard, the grid gets it. Null takes the present bar away.
+    void SetFootBar(QWidget* bar);
+
     // Looks. An invalid colour means the system's.
     void SetBackgroundColour(const QColor& colour);
     // Redraws the whole window.
@@ -150,11 +189,23 @@ public:
     // For units beside the control: accessibility, printing, text files.
     GridController& Controller() { return *m_controller; }
     const GridCore& Core() const;
+    unsigned MarksOf(CCellID cell) const;
+    GridTip TipOf(CCellID cell) const;
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 Q_SIGNALS:
     // In-place editing of a cell ended and its new text is already in the cell.
     void EndLabelEdit(int row, int column);
+    // One gesture enters texts into many cells. EndLabelEdit is emitted for each between the two; an edit
+    // outside of them is a step of its own. name says what was done ("粘贴"), cells counts the edits. When an
+    // edit is refused or the place is lost, the rest is left out. A grid that is destroyed meanwhile does not
+    // end the step.
+    void StepBegan();
+    void StepEnded(const QString& name, int cells);
+    // The context menu is about to open.
+    void MenuAboutToShow();
+    // The button in a column's heading was pressed.
+    void HeadingButtonClicked(int column);
     // The text in the open editor has changed by typing.
     void TextTyped(QWidget* editor, const QString& text);
     // A push button inside a cell was pressed, by mouse or by key.
@@ -172,6 +223,8 @@ protected:
     void scrollContentsBy(int dx, int dy) override;
     void keyPressEvent(QKeyEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
@@ -183,12 +236,17 @@ protected:
 
 private:
     GridCore& MutableCore();
+    void PlaceFootBar();
     void ShowTip(const QPoint& position, const QPoint& globalPosition);
 
     std::unique_ptr<GridController> m_controller;
     int m_controlId = 0;
     QColor m_background;  // invalid: the system's
     std::vector<QIcon> m_images;
+    MarkSource m_marks;
+    HighlightSource m_highlights;
+    TipSource m_tips;
+    QPointer<QWidget> m_footBar;
 };
 
 }  // namespace quorvane

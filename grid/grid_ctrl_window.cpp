@@ -1,4 +1,6 @@
 // The events of CGridCtrl; each goes to the unit that knows what it means.
+#include <QBuffer>
+#include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
@@ -16,6 +18,24 @@ namespace quorvane {
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+// Escaped, so that a text that looks like markup is shown as it was typed.
+QString TipMarkup(const QString& text, const QImage& picture) {
+    constexpr qsizetype kMostCharacters = 2000;
+    QString markup =
+        u"<div style='white-space:pre-wrap'>%1</div>"_s.arg(text.left(kMostCharacters).toHtmlEscaped());
+    if (!picture.isNull()) {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        picture.save(&buffer, "PNG");
+        markup += u"<img src='data:image/png;base64,%1'>"_s.arg(QLatin1StringView(bytes.toBase64()));
+    }
+    return markup;
+}
+
+}  // namespace
+
 // ---- Painting and sizes
 
 void CGridCtrl::paintEvent(QPaintEvent* event) {
@@ -28,13 +48,16 @@ void CGridCtrl::paintEvent(QPaintEvent* event) {
                           .pressedCell = mouse.PressedCell(),
                           .pressedButton = mouse.PressedButton(),
                           .widget = this,
-                          .images = &m_images};
+                          .images = &m_images,
+                          .marks = &m_marks,
+                          .highlights = &m_highlights};
     QPainter painter(viewport());
     GridPainter(Core(), looks, painter).Paint(event->rect());
 }
 
 void CGridCtrl::resizeEvent(QResizeEvent* event) {
     QAbstractScrollArea::resizeEvent(event);
+    PlaceFootBar();
     m_controller->SyncScrollBars();
     m_controller->PlaceEditor();
 }
@@ -56,6 +79,65 @@ QSize CGridCtrl::sizeHint() const {
     return {Core().Layout().columns.DefaultSize() * kColumns, Core().Layout().rows.DefaultSize() * kRows};
 }
 
+// ---- Foot bar
+
+void CGridCtrl::SetFootBar(QWidget* bar) {
+    if (m_footBar != nullptr) {
+        m_footBar->removeEventFilter(this);
+        m_footBar->deleteLater();
+    }
+    m_footBar = bar;
+    if (bar != nullptr) {
+        const bool isShown = !bar->isHidden();
+        bar->setParent(this);
+        bar->installEventFilter(this);
+        bar->setVisible(isShown);
+    }
+    PlaceFootBar();
+}
+
+void CGridCtrl::PlaceFootBar() {
+    const bool isShown = m_footBar != nullptr && !m_footBar->isHidden();
+    const int height = isShown ? m_footBar->sizeHint().height() : 0;
+    if (viewportMargins().bottom() != height) {
+        setViewportMargins(0, 0, 0, height);  // comes back here through resizeEvent
+    }
+    if (isShown) {
+        const QRect cells = viewport()->geometry();
+        m_footBar->setGeometry(cells.left(), cells.bottom() + 1, cells.width(), height);
+    }
+}
+
+bool CGridCtrl::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_footBar) {
+        switch (event->type()) {
+            case QEvent::HideToParent:
+                if (m_footBar->isAncestorOf(window()->focusWidget())) {
+                    setFocus();
+                }
+                PlaceFootBar();
+                break;
+            case QEvent::ShowToParent:
+            case QEvent::LayoutRequest:
+                PlaceFootBar();
+                break;
+            default:
+                break;
+        }
+    }
+    return QAbstractScrollArea::eventFilter(watched, event);
+}
+
+// ---- Tips and context menu
+
+void CGridCtrl::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        m_controller->Execute({GridCommand::Kind::Menu, GetFocusCell()});
+    } else {
+        m_controller->PopUpMenu(event->globalPos());
+    }
+}
+
 void CGridCtrl::ShowTip(const QPoint& position, const QPoint& globalPosition) {
     const CCellID id = CellAt(position);
     const CGridCellBase* cell = Core().Cell(id);
@@ -65,15 +147,14 @@ void CGridCtrl::ShowTip(const QPoint& position, const QPoint& globalPosition) {
         const QSize room = cell->TextRect(rect.adjusted(0, 0, -1, -1), font).size();
         return !CellTextFits(font, room, cell->GetTipText(), cell->GetFormat());
     };
-    if (cell == nullptr || cell->GetTipText().isEmpty() || !isCut()) {
+    const GridTip tip = TipOf(id);
+    CString text = cell != nullptr && isCut() ? cell->GetTipText() : CString();
+    text += text.isEmpty() || tip.text.isEmpty() ? tip.text : u'\n' + tip.text;
+    if (text.isEmpty() && tip.picture.isNull()) {
         QToolTip::hideText();
         return;
     }
-    constexpr qsizetype kMostCharacters = 2000;
-    // Escaped, so that a text that looks like markup is shown as it was typed.
-    const CString text = cell->GetTipText().left(kMostCharacters).toHtmlEscaped();
-    QToolTip::showText(globalPosition, u"<div style='white-space:pre-wrap'>%1</div>"_s.arg(text), viewport(),
-                       rect);
+    QToolTip::showText(globalPosition, TipMarkup(text, tip.picture), viewport(), rect);
 }
 
 // ---- Keys and input methods
@@ -103,7 +184,8 @@ void CGridCtrl::keyPressEvent(QKeyEvent* event) {
     if (m_controller->PassToEditor(*event)) {
         return;
     }
-    event->setAccepted(!IsEditing() && m_controller->Execute(CommandOfKey(Core(), *event), event));
+    const bool isBars = m_footBar != nullptr && m_footBar->isAncestorOf(window()->focusWidget());
+    event->setAccepted(!isBars && !IsEditing() && m_controller->Execute(CommandOfKey(Core(), *event), event));
 }
 
 void CGridCtrl::inputMethodEvent(QInputMethodEvent* event) {

@@ -75,7 +75,12 @@ QColor GridPainter::BackColour(CCellID cell, bool fixed) const {
     if (fixed) {
         return own.isValid() ? own : m_looks.FixedBackground();
     }
-    const QColor back = own.isValid() ? own : m_looks.Background();
+    QColor back = own.isValid() ? own : m_looks.Background();
+    if (m_looks.highlights != nullptr && *m_looks.highlights && (*m_looks.highlights)(cell)) {
+        constexpr QColor kSought(255, 210, 0);
+        constexpr int kSoughtPercent = 75;
+        back = Mix(back, kSought, kSoughtPercent);
+    }
     // Mixed, so that a cell's own colour can still be told while the cell is selected.
     constexpr int kSelectedPercent = 35;
     return m_core.Selection().IsSelected(cell)
@@ -101,7 +106,8 @@ QColor GridPainter::TextColour(const CGridCellBase& cell, const QColor& back, bo
     // The palette goes with its own backgrounds, not with every colour that a cell may be given.
     constexpr double kReadable = 4.5;
     const QColor usual = m_looks.palette.color(fixed ? QPalette::ButtonText : QPalette::Text);
-    if (!cell.GetBackColour().isValid() || Contrast(usual, back) >= kReadable) {
+    const bool isPalettes = fixed ? !cell.GetBackColour().isValid() : back == m_looks.Background();
+    if (isPalettes || Contrast(usual, back) >= kReadable) {
         return usual;
     }
     return Contrast(Qt::black, back) >= Contrast(Qt::white, back) ? Qt::black : Qt::white;
@@ -127,6 +133,41 @@ void GridPainter::PaintBlock(const CCellRange& block) {
     look.widget = m_looks.widget;
     look.images = m_looks.images;
     source->Paint(m_painter, look);
+    if (m_looks.marks != nullptr && *m_looks.marks && !fixed) {
+        PaintMarks((*m_looks.marks)(cell), look.rect, back);
+    }
+}
+
+void GridPainter::PaintMarks(unsigned marks, const QRect& rect, const QColor& back) {
+    if (marks == 0) {
+        return;
+    }
+    constexpr QColor kDark(170, 50, 0);
+    constexpr QColor kLight(255, 190, 120);
+    constexpr double kSide = 6;
+    const QRectF cell(rect);
+    m_painter.save();
+    m_painter.setClipRect(rect, Qt::IntersectClip);
+    m_painter.setRenderHint(QPainter::Antialiasing);
+    const QColor colour = Contrast(kDark, back) >= Contrast(kLight, back) ? kDark : kLight;
+    m_painter.setPen(Qt::NoPen);
+    m_painter.setBrush(colour);
+    // Each mark has a corner and a shape of its own.
+    if ((marks & CellMark::Changed) != 0) {
+        m_painter.drawPolygon(QPolygonF{cell.topRight() - QPointF(kSide, 0), cell.topRight(),
+                                        cell.topRight() + QPointF(0, kSide)});
+    }
+    if ((marks & CellMark::New) != 0) {
+        const QPointF middle = cell.bottomLeft() + QPointF(kSide - 1.5, -kSide + 1.5);
+        m_painter.drawRect(QRectF(middle - QPointF(3.5, 0.75), QSizeF(7, 1.5)));
+        m_painter.drawRect(QRectF(middle - QPointF(0.75, 3.5), QSizeF(1.5, 7)));
+    }
+    if ((marks & CellMark::DeletedAbove) != 0) {
+        m_painter.drawRect(QRectF(cell.topLeft(), QSizeF(cell.width(), 1.5)));
+        m_painter.drawPolygon(QPolygonF{cell.topLeft(), cell.topLeft() + QPointF(kSide, 0),
+                                        cell.topLeft() + QPointF(0, kSide)});
+    }
+    m_painter.restore();
 }
 
 void GridPainter::PaintFocus(const QRect& clip) {

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QPalette>
 #include <QRect>
+#include <functional>
 #include <vector>
 
 #include "grid/grid_types.h"
@@ -29,6 +30,9 @@ struct GridLooks {
     int pressedButton = -1;
     const QWidget* widget = nullptr;             // for the style; may be null
     const std::vector<QIcon>* images = nullptr;  // what the cells' image numbers mean; may be null
+    // The marks of a cell (CellMark), and whether it is one that was sought; may be null.
+    const std::function<unsigned(CCellID)>* marks = nullptr;
+    const std::function<bool(CCellID)>* highlights = nullptr;
 
     QColor Background() const { return background.isValid() ? background : palette.color(QPalette::Base); }
     QColor FixedBackground() const { return palette.color(QPalette::Button); }
@@ -49,6 +53,7 @@ private:
     void PaintBlock(const CCellRange& block);
     void PaintBackground(CCellID cell, const QRect& rect, const QColor& back, bool fixed);
     void PaintFocus(const QRect& clip);
+    void PaintMarks(unsigned marks, const QRect& rect, const QColor& back);
     QColor BackColour(CCellID cell, bool fixed) const;
     QColor TextColour(const CGridCellBase& cell, const QColor& back, bool fixed) const;
 

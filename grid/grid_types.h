@@ -3,6 +3,7 @@
 
 #include <QColor>
 #include <QFont>
+#include <QImage>
 #include <QString>
 #include <functional>
 #include <optional>
@@ -37,6 +38,13 @@ struct CCellRange {
     bool operator==(const CCellRange&) const = default;
 };
 
+// Rows first..last.
+struct GridRowRun {
+    int first = 0;
+    int last = -1;
+    bool operator==(const GridRowRun&) const = default;
+};
+
 // Text-drawing flags of a cell; combined with |.
 namespace CellFormat {
 inline constexpr unsigned Left = 0;
@@ -52,6 +60,7 @@ inline constexpr unsigned EndEllipsis = 32768;
 // State bits of a cell; combined with |.
 namespace CellState {
 inline constexpr unsigned ReadOnly = 1;   // not edited in place
+inline constexpr unsigned RowHead = 2;    // pressing it selects its row, as on a fixed column
 inline constexpr unsigned DropDown = 32;  // carries a drop-down list, perhaps one that its owner shows
 }  // namespace CellState
 
@@ -82,6 +91,37 @@ struct GridItem {
     unsigned format = 0;
     std::optional<QFont> font = {};
     int margin = 0;  // pixels
+};
+
+// What a small mark in a corner of a cell tells; combined with |.
+namespace CellMark {
+inline constexpr unsigned Changed = 1;  // it differs from what is stored
+inline constexpr unsigned New = 2;      // its row is not stored yet
+inline constexpr unsigned DeletedAbove =
+    4;  // stored rows have been removed between its row and the one above
+}  // namespace CellMark
+
+// How the rows shown are ordered by a column.
+enum class HeadingOrder { None, Ascending, Descending };
+
+// What is shown when the mouse rests on a cell, and told by assistive technology.
+struct GridTip {
+    CString text = {};    // shown as it is, never as markup
+    QImage picture = {};  // below the text; in pixels of the screen
+};
+
+// The places of the context menu, in their order. A line separates them.
+enum class GridMenuGroup {
+    Undo,       // 撤销, 恢复
+    Clipboard,  // 剪切, 复制, 粘贴
+    Contents,   // 清除内容, 向下填充
+    Select,     // 全选
+    Find,       // 查找…, 替换…
+    Order,      // 升序, 降序, 筛选
+    View,       // 冻结
+    Output,     // 打印…, 导出…
+    Editor,     // what only this editor has
+    Data,       // 提交, 重新读取
 };
 
 // Which texts of the clipboard a paste would leave out.

@@ -30,11 +30,13 @@ std::optional<tagColHeading> ParseHeading(const CString& text) {
 
 FactorTableEditing::FactorTableEditing(CLightingDatabase& database,
                                        UtilizationFactorTable::MessageCallback showMessage)
-    : m_database(database), m_table(database, std::move(showMessage)) {}
+    : m_database(database), m_table(database, std::move(showMessage)), m_stored(m_table) {}
 
 bool FactorTableEditing::Load(int luminaireId) {
     m_modified = false;
+    m_history.Clear();
     m_table.Load(luminaireId);
+    m_stored = m_table;
     return m_table.IsWhole();
 }
 
@@ -63,8 +65,10 @@ bool FactorTableEditing::TakeLabel(FactorTableBranch branch, int index, const CS
 bool FactorTableEditing::TakeHeading(int index, const CString& text) {
     const std::optional<tagColHeading> heading = ParseHeading(text);
     if (heading) {
-        const auto [Pcc, Pw, Pf] = *heading;
-        NoteChange(index < 0 ? m_table.AddHeading(Pcc, Pw, Pf) : m_table.ModifyHeading(index, Pcc, Pw, Pf));
+        Change([&] {
+            const auto& [Pcc, Pw, Pf] = *heading;
+            return index < 0 ? m_table.AddHeading(Pcc, Pw, Pf) : m_table.ModifyHeading(index, Pcc, Pw, Pf);
+        });
     }
     return heading.has_value();
 }
@@ -74,13 +78,15 @@ bool FactorTableEditing::TakeRowValue(int index, const CString& text) {
     if (value) {
         // Rounded to what the file keeps: two rows must not become one there.
         const double kept = FormatReal(*value).toDouble();
-        NoteChange(index < 0 ? m_table.AddRow(kept) : m_table.ModifyRow(index, kept));
+        Change([&] { return index < 0 ? m_table.AddRow(kept) : m_table.ModifyRow(index, kept); });
     }
     return value.has_value();
 }
 
 void FactorTableEditing::Delete(FactorTableBranch branch, int index) {
-    NoteChange(branch == FactorTableBranch::Rows ? m_table.DeleteRow(index) : m_table.DeleteHeading(index));
+    Change([&] {
+        return branch == FactorTableBranch::Rows ? m_table.DeleteRow(index) : m_table.DeleteHeading(index);
+    });
 }
 
 std::optional<CString> FactorTableEditing::TakeFactor(int gridRow, int gridColumn, const CString& text,
@@ -93,16 +99,76 @@ std::optional<CString> FactorTableEditing::TakeFactor(int gridRow, int gridColum
     if (!value) {
         return std::nullopt;
     }
-    m_table.SetFactor(gridRow, gridColumn, *value);
-    m_modified = true;
+    Change([&] {
+        m_table.SetFactor(gridRow, gridColumn, *value);
+        return true;
+    });
     const CString kept = FormatReal(*value);
     return kept.toDouble() == *value ? text : kept;
 }
 
 void FactorTableEditing::Clear() {
-    m_table.ClearFactors();
-    m_modified = true;
+    Change([&] {
+        m_table.ClearFactors();
+        return true;
+    });
 }
+
+std::optional<double> FactorTableEditing::StoredFactor(int gridRow, int gridColumn) const {
+    const int row = gridRow - UtilizationFactorTable::kHeadingRows;
+    const int column = gridColumn - UtilizationFactorTable::kHeadingColumns;
+    return m_stored.FactorOf(m_table.Headings()[static_cast<std::size_t>(column)],
+                             m_table.RowValues()[static_cast<std::size_t>(row)]);
+}
+
+// ---- Undo and redo
+
+// Of all changes of a step, the first one keeps the table as it was.
+template <typename Operation>
+void FactorTableEditing::Change(const Operation& operation) {
+    const StepScope step(*this, {});
+    std::optional<UtilizationFactorTable> before;
+    if (!m_history.HasAdded()) {
+        before = m_table;
+    }
+    if (operation()) {
+        m_modified = true;
+        if (before) {
+            m_history.Add(std::move(*before));
+        }
+    }
+}
+
+FactorTableEditing::Place FactorTableEditing::Undo() {
+    auto& step = m_history.TakeUndo();
+    m_modified = step.wasModified;
+    return Exchange(step);
+}
+
+FactorTableEditing::Place FactorTableEditing::Redo() {
+    auto& step = m_history.TakeRedo();
+    m_modified = step.isModified;
+    return Exchange(step);
+}
+
+FactorTableEditing::Place FactorTableEditing::Exchange(EditHistory<UtilizationFactorTable>::Step& step) {
+    UtilizationFactorTable& former = step.changes.front();
+    std::swap(m_table, former);
+    int column = UtilizationFactorTable::kHeadingColumns;
+    for (const tagColHeading& heading : m_table.Headings()) {
+        int row = UtilizationFactorTable::kHeadingRows;
+        for (const double rowValue : m_table.RowValues()) {
+            if (m_table.FactorOf(heading, rowValue) != former.FactorOf(heading, rowValue)) {
+                return std::pair(row, column);
+            }
+            ++row;
+        }
+        ++column;
+    }
+    return std::nullopt;
+}
+
+// ---- Submitting
 
 SubmitFailures FactorTableEditing::Submit(const UtilizationFactorTable::ProgressCallback& progress) {
     m_table.Submit(progress);
@@ -111,6 +177,12 @@ SubmitFailures FactorTableEditing::Submit(const UtilizationFactorTable::Progress
                                   .different = m_table.DifferentCount(),
                                   .unread = m_table.UnreadCount()};
     m_modified = !failures.None();
+    m_history.Clear();
+    if (m_modified) {
+        m_stored.Load(m_table.LuminaireID());
+    } else {
+        m_stored = m_table;
+    }
     return failures;
 }
 

@@ -1,11 +1,14 @@
 // FactorTableEditing: a utilization factor table while it is being edited, without a screen.
 //
-// It understands the typed texts, and knows whether the table holds changes that are not in the file.
+// It understands the typed texts, knows what the table holds that is not in the file, and undoes it step by
+// step until the next submit.
 #pragma once
 
 #include <optional>
+#include <utility>
 
 #include "data/utilization_factor_table.h"
+#include "model/edit_history.h"
 #include "model/working_records.h"
 
 namespace quorvane {
@@ -46,17 +49,38 @@ public:
     // Sets all factors to 0.
     void Clear();
 
+    // The factor at that place, addressed as in GetFactor, as it is in the file; nothing when it is not
+    // there.
+    std::optional<double> StoredFactor(int gridRow, int gridColumn) const;
+
+    // All changes between BeginStep and EndStep are undone at once; a change outside is a step of its own.
+    void BeginStep(const CString& name) { m_history.Begin(name, m_modified); }
+    void EndStep() { m_history.End(m_modified); }
+    // The names of the steps that Undo and Redo would take; null when there is none.
+    const CString* UndoName() const { return m_history.UndoName(); }
+    const CString* RedoName() const { return m_history.RedoName(); }
+    // Undo the last step, or do the step again that was undone last; there must be one. Return the place of
+    // the first factor that is another one now, in grid coordinates (row, column), if there is one.
+    using Place = std::optional<std::pair<int, int>>;
+    Place Undo();
+    Place Redo();
+
     // Writes the table. It stays modified when something could not be written.
     SubmitFailures Submit(const UtilizationFactorTable::ProgressCallback& progress = {});
 
 private:
     bool TakeHeading(int index, const CString& text);
     bool TakeRowValue(int index, const CString& text);
-    void NoteChange(bool changed) { m_modified = m_modified || changed; }
+    // Runs an operation on the table, which returns whether it changed something.
+    template <typename Operation>
+    void Change(const Operation& operation);
+    Place Exchange(EditHistory<UtilizationFactorTable>::Step& step);
 
     CLightingDatabase& m_database;
     UtilizationFactorTable m_table;
+    UtilizationFactorTable m_stored;  // as the file holds it
     bool m_modified = false;
+    EditHistory<UtilizationFactorTable> m_history{1000};  // by whole tables, which are small
 };
 
 }  // namespace quorvane

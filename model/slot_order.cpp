@@ -39,10 +39,11 @@ void SlotOrder::Empty(int slot) {
             m_tree[Element(number)] = LowestBit(number);
         }
     }
-    --m_filledCount;
-    for (int number = slot + 1; number <= m_slotCount; number += LowestBit(number)) {
-        --m_tree[Element(number)];
-    }
+    Count(slot, -1);
+}
+
+void SlotOrder::Fill(int slot) {
+    Count(slot, 1);
 }
 
 bool SlotOrder::IsFilled(int slot) const {
@@ -73,6 +74,14 @@ int SlotOrder::FilledBefore(int slot) const {
         filled += m_tree[Element(number)];
     }
     return filled;
+}
+
+// Counts the slot as filled (1) or no longer filled (-1).
+void SlotOrder::Count(int slot, int filled) {
+    m_filledCount += filled;
+    for (int number = slot + 1; number <= m_slotCount; number += LowestBit(number)) {
+        m_tree[Element(number)] += filled;
+    }
 }
 
 }  // namespace quorvane

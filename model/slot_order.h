@@ -14,18 +14,21 @@ public:
     void Reset(int count);
     // Adds a filled slot at the end and returns its number.
     int Append();
-    // Empties a filled slot.
+    // Empties a filled slot, and fills an empty one again.
     void Empty(int slot);
+    void Fill(int slot);
 
     int SlotCount() const { return m_slotCount; }
     int FilledCount() const { return m_filledCount; }
     bool IsFilled(int slot) const;
-    // The filled slot at a position, counted from 0, and the position of a filled slot.
+    // The filled slot at a position, counted from 0, and the position of a filled slot. An empty slot has the
+    // position of the next filled one.
     int SlotAt(int position) const;
     int PositionOf(int slot) const;
 
 private:
     int FilledBefore(int slot) const;
+    void Count(int slot, int filled);
 
     // A binary indexed tree: element i - 1 holds the number of filled slots among the last (i & -i) of the
     // first i. Built when the first slot is emptied.

@@ -2,8 +2,10 @@
 //
 // A record added by the user has a provisional ID below 0 (-1, -2, …, from -1 again after every load) until
 // it is stored. Another program may have stored negative IDs; the provisional ones then lie below them.
-// Nothing here touches a screen or a database: Submit is given the statements to run. Finding, adding and
-// removing a record takes a time that does not grow with their number, or with its logarithm only.
+// What the user does can be undone step by step, until a submit or a load; undone to the first step, the
+// records are those of the file again, and nothing is pending. Nothing here touches a screen or a database:
+// Submit is given the statements to run. Finding, adding and removing a record takes a time that does not
+// grow with their number, or with its logarithm only.
 #pragma once
 
 #include <QHash>
@@ -17,6 +19,7 @@
 
 #include "data/lighting_database.h"
 #include "data/stored_records.h"
+#include "model/edit_history.h"
 #include "model/slot_order.h"
 
 namespace quorvane {
@@ -55,17 +58,18 @@ class WorkingRecords {
 public:
     explicit WorkingRecords(NewIds newIds = NewIds::Provisional) : m_newIds(newIds) {}
 
-    // One change of one record. An insertion has no `before`, a removal no `after`. The slot keeps its number
-    // until the next load.
+    // One change of one record. The slot keeps its number until the next load.
     struct Change {
-        int slot;
-        std::optional<Record> before;
-        std::optional<Record> after;
+        int slot;                     // or kDraft
+        std::optional<Record> other;  // what the slot holds on the other side of the change; none: nothing
     };
+    static constexpr int kDraft = -1;
 
     int Count() const { return m_order.FilledCount(); }
     // The record at a position, counted from 0. Valid until records are added or removed.
     const Record& At(int position) const { return Slot(m_order.SlotAt(position)); }
+    // The position of the record in that slot. For an empty slot: of the next record.
+    int PositionOf(int slot) const { return m_order.PositionOf(slot); }
     // The record with that ID, or null. Valid until records are added or removed.
     const Record* Find(int id) const {
         const int slot = SlotOf(id);
@@ -86,10 +90,10 @@ public:
 
     // Appends the record under the next new ID, which is returned.
     int Append(Record record) {
+        const StepScope step(*this, {});
         const int id = m_newIds == NewIds::Serial ? ++m_lastNewId : --m_lastNewId;
         record.ID = id;
-        m_changed.insert(id);
-        Apply({.slot = m_order.SlotCount(), .before = {}, .after = std::move(record)});
+        Apply({m_order.SlotCount(), std::move(record)});
         m_modified = true;
         return id;
     }
@@ -101,29 +105,92 @@ public:
         if (slot >= 0 && Slot(slot) == record) {
             return;
         }
+        const StepScope step(*this, {});
         if (slot >= 0) {
-            m_changed.insert(record.ID);
-            Apply({.slot = slot, .before = Slot(slot), .after = record});
+            Apply({slot, record});
         }
         m_modified = true;
     }
-
-    bool IsChanged(int id) const { return m_changed.contains(id); }
-    // Counts the record as changed: what is stored together with it has changed.
-    void NoteChange(int id) { m_changed.insert(id); }
 
     // Removes the record with that ID; the next submit deletes it. Leaves the modified flag to the caller.
     void Remove(int id) {
         const int slot = SlotOf(id);
         if (slot >= 0) {
-            Apply({.slot = slot, .before = Slot(slot), .after = {}});
+            const StepScope step(*this, {});
+            Apply({slot, std::nullopt});
         }
     }
 
-    // Drops pending deletions and the modified flag; the caller is about to load other records.
+    // What has been entered for a record that is not appended yet. It is never written.
+    const Record& Draft() const { return m_draft; }
+    void SetDraft(const Record& draft) {
+        if (draft != m_draft) {
+            const StepScope step(*this, {});
+            Apply({kDraft, draft});
+        }
+    }
+    // Begins a new draft, outside the history.
+    void ResetDraft(Record draft) { m_draft = std::move(draft); }
+
+    // ---- What differs from the file
+
+    // Whether the record is new, changed or removed, and that is not written.
+    bool IsChanged(int id) const { return m_stored.contains(id); }
+    // Counts the record, which must exist, as changed: what is stored together with it has changed.
+    void NoteChange(int id) { m_stored.try_emplace(id, *Find(id)); }
+    // The record as it is in the file; null for one that is not there.
+    const Record* Stored(int id) const {
+        const auto stored = m_stored.find(id);
+        if (stored == m_stored.end()) {
+            return Find(id);
+        }
+        return stored->second ? &*stored->second : nullptr;
+    }
+    // How many records are new, changed or removed.
+    int EditCount() const { return static_cast<int>(m_stored.size()); }
+    // How many of them are in the file and will be deleted.
+    int RemovedCount() const {
+        return static_cast<int>(std::count_if(m_deleted.begin(), m_deleted.end(),
+                                              [this](const Record& record) { return !IsNew(record.ID); }));
+    }
+
+    // ---- Undo and redo
+
+    // All changes between BeginStep and EndStep are undone at once. Steps may stand inside a step, which they
+    // are part of. A change outside a step is one of its own, without a name.
+    void BeginStep(const CString& name) { m_history.Begin(name, m_modified); }
+    void EndStep() { m_history.End(m_modified); }
+    void RenameStep(const CString& name) { m_history.Rename(name); }
+    // The names of the steps that Undo and Redo would take; null when there is none.
+    const CString* UndoName() const { return m_history.UndoName(); }
+    const CString* RedoName() const { return m_history.RedoName(); }
+    // Undo the last step, or do the step again that was undone last; there must be one. The result holds what
+    // was in the slots before the call, and is valid until the next change.
+    const std::vector<Change>& Undo() {
+        auto& step = m_history.TakeUndo();
+        std::for_each(step.changes.rbegin(), step.changes.rend(),
+                      [this](Change& change) { Turn(change, Direction::Back); });
+        m_modified = step.wasModified || HasUnwritten();
+        return step.changes;
+    }
+    const std::vector<Change>& Redo() {
+        auto& step = m_history.TakeRedo();
+        for (Change& change : step.changes) {
+            Turn(change, Direction::Forth);
+        }
+        m_modified = step.isModified || HasUnwritten();
+        return step.changes;
+    }
+    // Nothing that was done up to now can be undone any more.
+    void EndHistory() { m_history.Clear(); }
+
+    // ---- Loading and submitting
+
+    // Drops pending deletions, the history and the modified flag; the caller is about to load other records.
     void DiscardChanges() {
         m_deleted.clear();
         m_modified = false;
+        EndHistory();
     }
 
     // Replaces all records by loaded ones. Clears the modified flag and starts the provisional IDs again.
@@ -134,6 +201,7 @@ public:
         for (const Record& record : m_deleted) {
             deleted.insert(record.ID);
         }
+        std::erase_if(m_stored, [&deleted](const auto& stored) { return !deleted.contains(stored.first); });
         if (!deleted.empty()) {
             std::erase_if(records, [&deleted](const Record& record) { return deleted.contains(record.ID); });
         }
@@ -142,8 +210,8 @@ public:
         m_order.Reset(static_cast<int>(m_records.size()));
         m_slotById.reset();
         m_unwritten.clear();
-        m_changed.clear();
         m_modified = false;
+        EndHistory();
         m_lastNewId = 0;
         ForEach([this](const Record& record) { m_lastNewId = std::min(m_lastNewId, record.ID); });
         m_lowestStoredId = m_lastNewId;
@@ -161,7 +229,8 @@ public:
         return found == m_unwritten.end() ? Unwritten::No : found->second;
     }
 
-    // Writes the record with that ID, which must exist, at once, and leaves everything else pending. A record
+    // Writes the record with that ID, which must exist, at once, and leaves everything else pending. What was
+    // done to this record can be undone no more. A record
     // that nobody has changed counts as written even if its update fails: the file holds it as it is. The
     // result holds the record's ID from now on: a new record may have been inserted before a later statement
     // failed.
@@ -175,6 +244,8 @@ public:
     Saved SubmitOne(int id, const RecordStatements<Record>& statements) {
         m_unwritten.erase(id);
         const int slot = SlotOf(id);
+        m_history.Forget([slot](const Change& change) { return change.slot == slot; },
+                         [](const Change& change) { return change.slot != kDraft; });
         const bool written = Write(slot, statements);
         return {Slot(slot).ID, written};
     }
@@ -192,7 +263,8 @@ public:
             if (why.value_or(Unwritten::No) != Unwritten::No) {
                 ++failures.different;
                 m_unwritten[record.ID] = *why;
-                m_changed.insert(record.ID);
+                const Record* stored = file.Find(record.ID);
+                m_stored[record.ID] = stored == nullptr ? std::nullopt : std::optional(*stored);
             }
         });
         m_modified = HasUnwritten();
@@ -229,7 +301,10 @@ public:
                     failures.cause = CauseFrom(statements);
                 }
                 m_unwritten[record.ID] = Unwritten::Failed;
-                Add(std::move(record));
+                std::erase_if(m_stored, [&record](const auto& stored) { return stored.second == record; });
+                Put(m_order.SlotCount(), std::move(record));
+            } else {
+                m_stored.erase(record.ID);
             }
             tell();
         }
@@ -239,41 +314,85 @@ public:
     }
 
 private:
+    enum class Direction { Forth, Back };
+
     // Every change that the user makes goes through here.
     void Apply(Change change) {
-        if (!change.before) {
-            Add(std::move(*change.after));
-        } else if (change.after) {
-            Slot(change.slot) = std::move(*change.after);
-        } else {
-            m_order.Empty(change.slot);
-            Slot(change.slot) = {};
-            if (m_slotById) {
-                m_slotById->remove(change.before->ID);
-            }
-            m_deleted.push_back(std::move(*change.before));
-        }
+        Turn(change, Direction::Forth);
+        m_history.Add(std::move(change));
     }
 
-    void Add(Record record) {
-        const int slot = m_order.Append();
+    // Exchanges what the slot holds for what the change holds. A removed record is deleted by the next
+    // submit, unless its appending was undone.
+    void Turn(Change& change, Direction direction) {
+        if (change.slot == kDraft) {
+            std::swap(m_draft, *change.other);
+            return;
+        }
+        std::optional<Record> held = Held(change.slot);
+        const int id = held ? held->ID : change.other->ID;
+        const auto stored = m_stored.try_emplace(id, held).first;
+        if (stored->second == change.other && !IsUnwritten(id)) {
+            m_stored.erase(stored);
+        }
+        if (!change.other) {
+            Empty(change.slot);
+            if (direction == Direction::Forth) {
+                m_deleted.push_back(*held);
+            }
+        } else if (held) {
+            Slot(change.slot) = std::move(*change.other);
+        } else {
+            Put(change.slot, std::move(*change.other));
+            if (direction == Direction::Back) {
+                Undelete(id);
+            }
+        }
+        change.other = std::move(held);
+    }
+
+    std::optional<Record> Held(int slot) const {
+        const bool isFilled = slot < m_order.SlotCount() && m_order.IsFilled(slot);
+        return isFilled ? std::optional<Record>(Slot(slot)) : std::nullopt;
+    }
+    void Empty(int slot) {
+        m_order.Empty(slot);
+        if (m_slotById) {
+            m_slotById->remove(Slot(slot).ID);
+        }
+        Slot(slot) = {};
+    }
+    // Puts the record into an empty slot, or into a new one at the end.
+    void Put(int slot, Record record) {
         if (m_slotById) {
             m_slotById->insert(record.ID, slot);
         }
-        m_records.push_back(std::move(record));
+        if (slot == m_order.SlotCount()) {
+            m_order.Append();
+            m_records.push_back(std::move(record));
+        } else {
+            m_order.Fill(slot);
+            Slot(slot) = std::move(record);
+        }
+    }
+    void Undelete(int id) {
+        const auto last = std::find_if(m_deleted.rbegin(), m_deleted.rend(),
+                                       [id](const Record& record) { return record.ID == id; });
+        if (last != m_deleted.rend()) {
+            m_deleted.erase(std::next(last).base());
+        }
     }
 
     bool Write(int slot, const RecordStatements<Record>& statements) {
         Record& record = Slot(slot);
         const int id = record.ID;
         const bool ran = IsNew(id) ? statements.insert(record) : statements.update(record);
-        const bool written = ran || !m_changed.contains(id);
-        if (written) {
-            m_changed.erase(id);
-        } else {
+        const bool written = ran || !IsChanged(id);
+        auto stored = m_stored.extract(id);
+        if (!written) {
             m_unwritten[record.ID] = Unwritten::Failed;
-            m_changed.erase(id);
-            m_changed.insert(record.ID);
+            stored.key() = record.ID;
+            m_stored.insert(std::move(stored));
         }
         if (record.ID != id && m_slotById) {
             m_slotById->remove(id);
@@ -309,10 +428,12 @@ private:
     std::vector<Record> m_records;  // by slot; an emptied slot holds an empty record
     SlotOrder m_order;
     mutable std::optional<QHash<int, int>> m_slotById;
-    std::vector<Record> m_deleted;  // in order of deletion
-    std::map<int, Unwritten>
-        m_unwritten;          // by ID: what is not in the file as the last submit should have left it
-    std::set<int> m_changed;  // IDs of records that the user has added or changed and that are unwritten
+    std::vector<Record> m_deleted;         // in order of deletion
+    std::map<int, Unwritten> m_unwritten;  // by ID: what the last submit did not leave in the file
+    // By ID: what the file holds, if anything, of the records that differ from it.
+    std::map<int, std::optional<Record>> m_stored;
+    EditHistory<Change> m_history{1'000'000};
+    Record m_draft = {};
     int m_lastNewId = 0;
     int m_lowestStoredId = 0;  // or 0
     bool m_modified = false;

@@ -4,7 +4,10 @@
 #include <algorithm>
 
 #include "grid/cells/grid_btn_cell.h"
+#include "grid/cells/grid_heading_cell.h"
 #include "grid/grid_controller.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 
@@ -47,6 +50,9 @@ bool GridAccessibleCell::HasCheckBox() const {
 // ---- Text
 
 QString GridAccessibleCell::text(QAccessible::Text text) const {
+    if (isValid() && text == QAccessible::Description) {
+        return Description();
+    }
     const bool known = text == QAccessible::Name || text == QAccessible::Value;
     if (!isValid() || !known) {
         return {};
@@ -54,6 +60,32 @@ QString GridAccessibleCell::text(QAccessible::Text text) const {
     const CString& content = Core().Cell(m_place)->GetText();
     const CGridBtnCellBase* cell = ButtonCell();
     return content.isEmpty() && cell != nullptr ? cell->GetBtn(0).caption : content;
+}
+
+QString GridAccessibleCell::Description() const {
+    QStringList parts;
+    const unsigned marks = Grid().MarksOf(m_place);
+    if ((marks & CellMark::New) != 0) {
+        parts << u"新增的行"_s;
+    }
+    if ((marks & CellMark::Changed) != 0) {
+        parts << u"已修改"_s;
+    }
+    if ((marks & CellMark::DeletedAbove) != 0) {
+        parts << u"上面有删除的行"_s;
+    }
+    if (const auto* heading = dynamic_cast<const CGridHeadingCell*>(Core().Cell(m_place))) {
+        if (heading->Order() != HeadingOrder::None) {
+            parts << (heading->Order() == HeadingOrder::Ascending ? u"升序"_s : u"降序"_s);
+        }
+        if (heading->IsFiltered()) {
+            parts << u"已筛选"_s;
+        }
+    }
+    if (const CString tip = Grid().TipOf(m_place).text; !tip.isEmpty()) {
+        parts << tip;
+    }
+    return parts.join(u'\n');
 }
 
 void GridAccessibleCell::setText(QAccessible::Text text, const QString& value) {

@@ -12,7 +12,7 @@ namespace quorvane {
 class CGridBtnCellBase;
 
 // Its name and its value are the cell's text; a cell without text bears the caption of its first button.
-// Owned by the toolkit's register of interfaces.
+// Marks and tip are its description. Owned by the toolkit's register of interfaces.
 class GridAccessibleCell : public QAccessibleInterface,
                            public QAccessibleTableCellInterface,
                            public QAccessibleActionInterface {
@@ -64,6 +64,8 @@ private:
     bool IsFixed() const;
     const CGridBtnCellBase* ButtonCell() const;
 
+    // The marks of the cell, the order of its column, and its tip.
+    QString Description() const;
     bool HasButton() const;
     bool HasCheckBox() const;
     QList<QAccessibleInterface*> Headings(const CCellRange& headings) const;

@@ -32,6 +32,9 @@ void CellLineEdit::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Paste)) {
         Paste(QClipboard::Clipboard);
         event->accept();
+    } else if (event->keyCombination() == (Qt::CTRL | Qt::Key_Y)) {
+        redo();  // its key on every platform; the toolkit knows it on one
+        event->accept();
     } else {
         QLineEdit::keyPressEvent(event);
     }

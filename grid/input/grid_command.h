@@ -7,23 +7,28 @@ namespace quorvane {
 
 struct GridCommand {
     enum class Kind {
-        PassOn,       // the event means nothing here
-        Nothing,      // the event is used up
-        Focus,        // cell
-        Extend,       // the selection to cell, with the focus
-        Drag,         // the selection to cell, without the focus
-        Add,          // cell to the selection
-        SelectLines,  // lines, modifiers
+        PassOn,         // the event means nothing here
+        Nothing,        // the event is used up
+        Focus,          // cell
+        Extend,         // the selection to cell, with the focus
+        Drag,           // the selection to cell, without the focus
+        Add,            // cell to the selection, or from it
+        SelectLines,    // lines, modifiers
+        SelectRows,     // those of the selected cells
+        SelectColumns,  // likewise
         SelectAll,
         ClearSelection,
-        Edit,         // cell, with its whole text selected; or drop down its list
-        EditAtEnd,    // cell, with the caret after the text
-        Type,         // the event into an empty editor
-        PressButton,  // number in cell
-        Click,        // cell
-        ClearText,    // of cell
+        Edit,           // cell, with its whole text selected; or drop down its list
+        EditAtEnd,      // cell, with the caret after the text
+        Type,           // the event into an empty editor
+        PressButton,    // number in cell
+        Click,          // cell
+        ClearContents,  // of the selected cells
+        Cut,
         Copy,
         Paste,
+        FillDown,
+        Menu,         // of the focus cell
         ColumnWidth,  // of cell's column: number pixels
         Redraw,       // cell
     };

@@ -1,6 +1,7 @@
 #include "grid/input/grid_keys.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "grid/grid_core.h"
 
@@ -168,12 +169,6 @@ GridCommand PressSpace(const GridCore& core, const QKeyEvent& event, CCellID foc
     }
 }
 
-GridCommand PressDelete(const GridCore& core, CCellID focus) {
-    const bool clears =
-        core.EditingOf(focus) == CellEditing::Text && core.SelectedRange() == core.Extent(focus);
-    return {clears ? Kind::ClearText : Kind::PassOn, focus};
-}
-
 GridCommand PressWithFocus(const GridCore& core, const QKeyEvent& event, CCellID focus) {
     switch (event.key()) {
         case Qt::Key_Tab:
@@ -189,7 +184,7 @@ GridCommand PressWithFocus(const GridCore& core, const QKeyEvent& event, CCellID
         case Qt::Key_Space:
             return PressSpace(core, event, focus);
         case Qt::Key_Delete:
-            return PressDelete(core, focus);
+            return {HasCommandModifier(event) ? Kind::PassOn : Kind::ClearContents, focus};
         case Qt::Key_Down:
             return (event.modifiers() & Qt::AltModifier) != 0 ? OpenChoices(core, focus)
                                                               : MoveByKey(core, event, focus);
@@ -200,17 +195,36 @@ GridCommand PressWithFocus(const GridCore& core, const QKeyEvent& event, CCellID
     return move.kind != Kind::PassOn ? move : TypeInto(core, event, focus);
 }
 
+// The commands that do not depend on the focus cell.
+Kind CommandOfCombination(const QKeyEvent& event) {
+    constexpr std::pair<QKeySequence::StandardKey, Kind> kStandard[]{
+        {QKeySequence::SelectAll, Kind::SelectAll},
+        {QKeySequence::Cut, Kind::Cut},
+        {QKeySequence::Copy, Kind::Copy},
+        {QKeySequence::Paste, Kind::Paste}};
+    for (const auto& [key, command] : kStandard) {
+        if (event.matches(key)) {
+            return command;
+        }
+    }
+    constexpr std::pair<QKeyCombination, Kind> kOwn[]{{Qt::CTRL | Qt::Key_D, Kind::FillDown},
+                                                      {Qt::SHIFT | Qt::Key_Space, Kind::SelectRows},
+                                                      {Qt::CTRL | Qt::Key_Space, Kind::SelectColumns},
+                                                      {Qt::SHIFT | Qt::Key_F10, Kind::Menu},
+                                                      {Qt::Key_Menu, Kind::Menu}};
+    for (const auto& [key, command] : kOwn) {
+        if (event.keyCombination() == key) {
+            return command;
+        }
+    }
+    return Kind::PassOn;
+}
+
 }  // namespace
 
 GridCommand CommandOfKey(const GridCore& core, const QKeyEvent& event) {
-    if (event.matches(QKeySequence::SelectAll)) {
-        return {Kind::SelectAll};
-    }
-    if (event.matches(QKeySequence::Copy)) {
-        return {Kind::Copy};
-    }
-    if (event.matches(QKeySequence::Paste)) {
-        return {Kind::Paste};
+    if (const Kind command = CommandOfCombination(event); command != Kind::PassOn) {
+        return {command, core.Focus()};
     }
     if (core.Focus().IsValid()) {
         return PressWithFocus(core, event, core.Focus());

@@ -49,9 +49,36 @@ GridCommand GridMouse::Press(const QMouseEvent& event) {
     }
     // A context menu is about what lies under the mouse, unless that is selected already.
     const CCellID cell = m_core.CellAt(m_last);
-    const bool selects = event.button() == Qt::RightButton && m_core.IsSelectable(cell) &&
-                         !m_core.Selection().IsSelected(cell);
-    return {selects ? Kind::Focus : Kind::Nothing, cell};
+    if (event.button() != Qt::RightButton || !cell.IsValid()) {
+        return {Kind::Nothing};
+    }
+    if (IsHead(cell)) {
+        const CCellRange lines = LinesOf(cell);
+        const bool selects = m_core.Layout().Holds(lines) && !m_core.Selection().Covers(lines);
+        return {selects ? Kind::SelectLines : Kind::Nothing, {lines.minRow, lines.minCol}, 0, lines};
+    }
+    return {m_core.Selection().IsSelected(cell) ? Kind::Nothing : Kind::Focus, cell};
+}
+
+bool GridMouse::IsHead(CCellID cell) const {
+    const CGridCellBase* source = m_core.Cell(cell);
+    return m_core.Layout().IsFixed(cell) ||
+           (source != nullptr && (source->GetState() & CellState::RowHead) != 0);
+}
+
+CCellRange GridMouse::LinesOf(CCellID head) const {
+    const GridLayout& layout = m_core.Layout();
+    const CCellRange block = m_core.Extent(head);
+    const bool columns = head.row < layout.rows.FixedCount();
+    CCellRange lines = layout.ScrollingCells();
+    if (columns && head.col >= layout.columns.FixedCount()) {
+        lines.minCol = block.minCol;
+        lines.maxCol = block.maxCol;
+    } else if (!columns) {
+        lines.minRow = block.minRow;
+        lines.maxRow = block.maxRow;
+    }
+    return lines;
 }
 
 GridCommand GridMouse::PressLeft(const QMouseEvent& event) {
@@ -67,7 +94,7 @@ GridCommand GridMouse::PressLeft(const QMouseEvent& event) {
     if (!cell.IsValid()) {
         return {Kind::Nothing};
     }
-    return m_core.Layout().IsFixed(cell) ? PressHeading(cell, event.modifiers()) : PressCell(cell, event);
+    return IsHead(cell) ? PressHeading(cell, event.modifiers()) : PressCell(cell, event);
 }
 
 GridCommand GridMouse::PressHeading(CCellID cell, Qt::KeyboardModifiers modifiers) {
@@ -76,15 +103,14 @@ GridCommand GridMouse::PressHeading(CCellID cell, Qt::KeyboardModifiers modifier
     if (rowFixed && cell.col < layout.columns.FixedCount()) {
         return {Kind::SelectAll};
     }
-    const CCellRange block = m_core.Extent(cell);
-    CCellRange lines = layout.ScrollingCells();
-    if (rowFixed) {
-        lines.minCol = block.minCol;
-        lines.maxCol = block.maxCol;
-    } else {
-        lines.minRow = block.minRow;
-        lines.maxRow = block.maxRow;
+    m_button = ButtonAt(cell, m_last);
+    if (m_button >= 0) {
+        m_action = Action::Button;
+        m_isInside = true;
+        m_pressed = cell;
+        return {Kind::Redraw, cell};
     }
+    const CCellRange lines = LinesOf(cell);
     if (!layout.Holds(lines)) {
         return {Kind::Nothing};
     }

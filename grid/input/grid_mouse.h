@@ -44,6 +44,9 @@ private:
     GridCommand PressHeading(CCellID cell, Qt::KeyboardModifiers modifiers);
     GridCommand PressCell(CCellID cell, const QMouseEvent& event);
     GridCommand DragSelection() const;
+    // Whether pressing a cell selects whole rows or columns, and which.
+    bool IsHead(CCellID cell) const;
+    CCellRange LinesOf(CCellID head) const;
     int ButtonAt(CCellID cell, const QPoint& position) const;
 
     const GridCore& m_core;

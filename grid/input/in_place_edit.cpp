@@ -168,6 +168,11 @@ void InPlaceEdit::Refresh() {
 
 bool InPlaceEdit::PressKey(const QKeyEvent& event) {
     const bool shift = (event.modifiers() & Qt::ShiftModifier) != 0;
+    const bool isEnter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    if (isEnter && (event.modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier) {
+        m_controller.EndEditAndFill();
+        return true;
+    }
     if ((event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0) {
         return false;
     }
@@ -205,9 +210,10 @@ bool InPlaceEdit::eventFilter(QObject* watched, QEvent* event) {
         return false;
     }
     if (event->type() == QEvent::ShortcutOverride) {
-        // Esc belongs to the edit, not to a dialog or menu that has it as a shortcut.
+        // These belong to the edit, not to a dialog or menu that has them as a shortcut.
         const auto& key = static_cast<const QKeyEvent&>(*event);
-        if (key.key() == Qt::Key_Escape && key.modifiers() == Qt::NoModifier) {
+        const bool isRedo = key.matches(QKeySequence::Redo) || key.keyCombination() == (Qt::CTRL | Qt::Key_Y);
+        if (isRedo || (key.key() == Qt::Key_Escape && key.modifiers() == Qt::NoModifier)) {
             event->accept();
             return true;
         }

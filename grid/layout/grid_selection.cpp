@@ -1,6 +1,7 @@
 #include "grid/layout/grid_selection.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "grid/layout/line_shift.h"
 
@@ -12,22 +13,12 @@ bool GridSelection::IsSelected(CCellID cell) const {
 }
 
 bool GridSelection::Covers(const CCellRange& range) const {
-    const CCellID first{range.minRow, range.minCol};
-    const CCellID last{range.maxRow, range.maxCol};
-    if (std::ranges::any_of(m_ranges, [&](const CCellRange& selected) {
-            return selected.Contains(first) && selected.Contains(last);
-        })) {
-        return true;
+    GridSelection rest;
+    rest.Add(range, {});
+    for (const CCellRange& selected : m_ranges) {
+        rest.Remove(selected);
     }
-    // Several selected ranges may cover it together.
-    for (int row = range.minRow; row <= range.maxRow; ++row) {
-        for (int column = range.minCol; column <= range.maxCol; ++column) {
-            if (!IsSelected({row, column})) {
-                return false;
-            }
-        }
-    }
-    return true;
+    return rest.m_ranges.empty();
 }
 
 CCellRange GridSelection::Bounds(int rows, int columns) const {
@@ -64,6 +55,38 @@ void GridSelection::ReplaceLast(const CCellRange& range) {
         m_ranges.pop_back();
     }
     m_ranges.push_back(range);
+}
+
+void GridSelection::Remove(const CCellRange& range) {
+    std::vector<CCellRange> left;
+    for (const CCellRange& old : m_ranges) {
+        const int top = std::max(old.minRow, range.minRow);
+        const int bottom = std::min(old.maxRow, range.maxRow);
+        if (top > bottom || range.minCol > old.maxCol || range.maxCol < old.minCol) {
+            left.push_back(old);
+            continue;
+        }
+        left.insert(left.end(), {{old.minRow, old.minCol, top - 1, old.maxCol},
+                                 {top, old.minCol, bottom, range.minCol - 1},
+                                 {top, range.maxCol + 1, bottom, old.maxCol},
+                                 {bottom + 1, old.minCol, old.maxRow, old.maxCol}});
+    }
+    m_ranges = std::move(left);
+    DropEmptyRanges();
+}
+
+std::vector<GridRowRun> GridSelection::Rows() const {
+    std::vector<CCellRange> ranges = m_ranges;
+    std::ranges::sort(ranges, {}, &CCellRange::minRow);
+    std::vector<GridRowRun> runs;
+    for (const CCellRange& range : ranges) {
+        if (!runs.empty() && range.minRow <= runs.back().last + 1) {
+            runs.back().last = std::max(runs.back().last, range.maxRow);
+        } else {
+            runs.push_back({range.minRow, range.maxRow});
+        }
+    }
+    return runs;
 }
 
 void GridSelection::LeaveFixed(const CCellRange& allowed) {

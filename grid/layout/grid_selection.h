@@ -17,16 +17,22 @@ public:
     bool IsSelected(CCellID cell) const;
     // Whether all cells of range are selected.
     bool Covers(const CCellRange& range) const;
+    // The rows in which a cell is selected, as runs from top to bottom that do not touch.
+    std::vector<GridRowRun> Rows() const;
     // The smallest range that holds all selected cells; (rows, columns, -1, -1) when none is.
     CCellRange Bounds(int rows, int columns) const;
 
     // Moves the focus and leaves the selected cells alone.
     void SetFocus(CCellID focus) { m_focus = focus; }
+    // Without an anchor the next range is not an extension of the last one.
+    void SetAnchor(CCellID anchor) { m_anchor = anchor; }
     void Clear();
     // Selects range alone, adds it, or replaces the range selected last by it.
     void SelectOnly(const CCellRange& range, CCellID anchor);
     void Add(const CCellRange& range, CCellID anchor);
     void ReplaceLast(const CCellRange& range);
+    // Takes the cells of range away from the selection.
+    void Remove(const CCellRange& range);
 
     // allowed: the cells that are not fixed. All others lose focus and selection.
     void LeaveFixed(const CCellRange& allowed);

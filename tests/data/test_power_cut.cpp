@@ -1,164 +1,71 @@
-// A power cut, or the end of the process, at every moment of a submit. A power cut loses, keeps or tears by
-// chance what the disk had not confirmed. What the next opening finds must be whole and must hold every
-// statement that had been promised: those that were finished when the process ends, those that the disk had
-// confirmed when the power fails.
+// What a kill, a power cut or a failing disk leaves of a database, at every moment of a sequence of
+// statements and submits: a beginning of them that holds, after a kill, every statement that had reported
+// success, and after a power cut every finished submit and every statement outside of one.
 
-#include <sqlite3.h>
-
-#include <QDir>
-#include <QMap>
-#include <QRandomGenerator>
-#include <QSet>
+#include <QFile>
 #include <QTest>
-#include <map>
-#include <optional>
 
-#include "data/lighting_database.h"
-#include "data/store/store_factory.h"
-#include "tests/support/temporary_lighting_database.h"
+#include "data/store/access/database.h"
+#include "data/store/access/sql/access_connection.h"
+#include "data/store/sqlite_connection.h"
+#include "tests/data/sqlite_on_simulated_disk.h"
+#include "tests/support/raw_database.h"
+#include "tools/database_schema.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
+using access::SimulatedDisk;
 
 namespace {
 
-constexpr int kSectorSize = 512;
+using Trouble = SimulatedDisk::Trouble;
 
-struct Step {
-    enum Kind { Write, Truncate, Sync, Delete, Finish, Promise } kind;
-    QString path;
-    qint64 offset = 0;  // for Delete: whether the folder is synced; last: the number of statements
-    QByteArray bytes;
-};
+const QString kPath = u"/data/file.mdb"_s;
+constexpr int kGroups[] = {1, 1, 4, 0, 1, 6};  // statements; a single one is outside of a submit
+constexpr int kStatements = 13;
 
-using Files = QMap<QString, QByteArray>;
-enum Fate { AllLost, AllKept, EachByChance };
-
-// The files as a disk may hold them after a power cut.
-class Disk {
-public:
-    explicit Disk(Files files) : m_durable(std::move(files)) {}
-
-    void Run(const Step& step) {
-        bool isFolderSynced = step.kind == Step::Delete && step.offset != 0;
-        if (step.kind == Step::Sync) {
-            Confirm([&](const Step& pending) { return pending.path == step.path; });
-            isFolderSynced = !m_synced.contains(step.path);  // with the first sync of a new file
-            m_synced.insert(step.path);
-        } else if (step.kind < Step::Finish) {
-            m_pending.append(step);
-        }
-        if (step.kind == Step::Delete) {
-            m_synced.remove(step.path);
-        }
-        if (isFolderSynced) {
-            Confirm([](const Step& pending) { return pending.kind == Step::Delete; });
-        }
+// An insert, an update or a delete, with memos within the row, in one piece and in a chain, and texts that
+// make rows move.
+QString Statement(int number) {
+    const int row = number % 8 + 1;
+    const QString name(number * 7 % 40 + 1, u'灯');
+    const QString memo(number % 3 * number % 3 * 2000 + number, u'照');
+    if (number % 5 == 4) {
+        return u"delete * from 灯具 where ID=%1"_s.arg(row);
     }
-    // Decides what becomes of the steps that no sync has confirmed.
-    Files CutPower(Fate fate, QRandomGenerator& chance) {
-        const auto isKept = [&] {
-            return fate == AllKept || (fate == EachByChance && chance.bounded(2) == 0);
-        };
-        for (const Step& step : std::exchange(m_pending, {})) {
-            if (step.kind != Step::Write && isKept()) {
-                Apply(step);
-            }
-            for (qint64 done = 0; done < step.bytes.size(); done += kSectorSize) {
-                if (isKept()) {
-                    Apply({Step::Write, step.path, step.offset + done, step.bytes.mid(done, kSectorSize)});
-                }
+    if (number % 4 == 3) {
+        return u"update 光源类别 set LamphouseType='%1' where ID=%2"_s.arg(name).arg(row);
+    }
+    if (number % 2 == 0) {
+        return u"insert into 灯具 (ID,LampName,LampPhoto) values (5%1,'%2','%3')"_s.arg(number).arg(name,
+                                                                                                    memo);
+    }
+    return u"update 灯具 set LampName='%1', LampPhoto='%2' where ID=%3"_s.arg(name, memo).arg(row);
+}
+
+// Runs an action that may fail.
+bool Succeeds(const std::function<void()>& action) {
+    try {
+        action();
+        return true;
+    } catch (const ProviderError&) {
+        return false;
+    }
+}
+
+// All rows as one text; empty when they cannot be read.
+QString Dump(Connection& connection) {
+    QString text;
+    const auto read = [&] {
+        for (const QString& query : {u"select ID||LamphouseType from 光源类别 order by ID"_s,
+                                     u"select ID||'|'||LampName||'|'||LampPhoto from 灯具 "
+                                     "where LampPhoto is not null order by ID"_s}) {
+            for (const auto rows = connection.Execute(query); !rows->AtEnd(); rows->MoveNext()) {
+                text += std::get<CString>(rows->Value(0)) + u'\n';
             }
         }
-        return m_durable;
-    }
-
-private:
-    template <typename Predicate>
-    void Confirm(Predicate isConfirmed) {
-        QList<Step> left;
-        for (const Step& step : std::exchange(m_pending, {})) {
-            isConfirmed(step) ? Apply(step) : left.append(step);
-        }
-        m_pending = left;
-    }
-    void Apply(const Step& step) {
-        QByteArray& file = m_durable[step.path];
-        if (step.kind == Step::Delete) {
-            m_durable.remove(step.path);
-        } else if (step.kind == Step::Truncate) {
-            file.resize(step.offset);
-        } else {
-            file.append(std::max<qint64>(step.offset + step.bytes.size() - file.size(), 0), '\0');
-            file.replace(step.offset, step.bytes.size(), step.bytes);
-        }
-    }
-
-    Files m_durable;
-    QList<Step> m_pending;
-    QSet<QString> m_synced;
-};
-
-// The file system under SQLite, but it writes down what changes the disk, and offers no shared memory.
-struct Recorder : sqlite3_vfs {
-    static Recorder& Instance() {
-        static Recorder recorder;
-        return recorder;
-    }
-    Recorder() : sqlite3_vfs(*sqlite3_vfs_find(nullptr)), real(sqlite3_vfs_find(nullptr)) {
-        zName = "recorder";
-        xOpen = [](sqlite3_vfs*, const char* path, sqlite3_file* file, int flags, int* outFlags) {
-            Recorder& recorder = Instance();
-            recorder.paths[file] = QString::fromUtf8(path);
-            const int result = recorder.real->xOpen(recorder.real, path, file, flags, outFlags);
-            if (file->pMethods != nullptr) {
-                recorder.realMethods = file->pMethods;  // writing is the same for all kinds of file
-                file->pMethods = recorder.Changed(file->pMethods);
-            }
-            return result;
-        };
-        xDelete = [](sqlite3_vfs*, const char* path, int syncFolder) {
-            Instance().steps.append({Step::Delete, QString::fromUtf8(path), syncFolder, {}});
-            return Instance().real->xDelete(Instance().real, path, syncFolder);
-        };
-        sqlite3_vfs_register(this, 1);
-    }
-    static void Note(sqlite3_file* file, Step::Kind kind, qint64 offset = 0, const QByteArray& bytes = {}) {
-        Instance().steps.append({kind, Instance().paths[file], offset, bytes});
-    }
-    const sqlite3_io_methods* Changed(const sqlite3_io_methods* given) {
-        sqlite3_io_methods& methods = changed.try_emplace(given, *given).first->second;
-        methods.iVersion = 1;
-        methods.xWrite = [](sqlite3_file* file, const void* from, int size, sqlite3_int64 offset) {
-            Note(file, Step::Write, offset, QByteArray(static_cast<const char*>(from), size));
-            return Instance().realMethods->xWrite(file, from, size, offset);
-        };
-        methods.xTruncate = [](sqlite3_file* file, sqlite3_int64 size) {
-            Note(file, Step::Truncate, size);
-            return Instance().realMethods->xTruncate(file, size);
-        };
-        methods.xSync = [](sqlite3_file* file, int /*flags*/) {
-            Note(file, Step::Sync);
-            return SQLITE_OK;
-        };
-        methods.xSectorSize = [](sqlite3_file*) { return kSectorSize; };
-        methods.xDeviceCharacteristics = [](sqlite3_file*) { return 0; };
-        return &methods;
-    }
-
-    sqlite3_vfs* real;
-    const sqlite3_io_methods* realMethods = nullptr;
-    std::map<const sqlite3_io_methods*, sqlite3_io_methods> changed;
-    QMap<sqlite3_file*, QString> paths;
-    QList<Step> steps;
-};
-
-QStringList PathsIn(const QString& folder) {
-    QStringList paths;
-    for (const QFileInfo& info : QDir(folder).entryInfoList(QDir::Files)) {
-        paths += info.filePath();
-    }
-    return paths;
+    };
+    return Succeeds(read) ? text : QString();
 }
 
 }  // namespace
@@ -167,77 +74,160 @@ class TestPowerCut : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void LosesNoPromisedStatement() {
-        m_file.Raw().Execute(u"insert into 光源 values (1, 1, '', 0, 0, '', '')"_s);
-        const Files before{{m_file.FilePath(), m_file.Bytes()}};
-        QList<Step>& noted = Recorder::Instance().steps;
-        QVERIFY(m_database.Connect());
-        for (const int submitted : {12, 0, 7}) {
-            for (const int count : {1, 1, submitted}) {
-                std::optional<SubmitScope> submit;
-                if (count == submitted) {
-                    submit.emplace(m_database);
-                }
-                for (int row = 0; row < count; ++row) {
-                    const CString factory =
-                        u"x"_s.repeated(qsizetype{3000} * (++m_written % 4));  // up to some pages
-                    tagLAMPHOUSEINFO record{0, 0, u""_s, double(m_written), 0, factory, u""_s};
-                    QVERIFY(m_database.InsertLightSource(record));
-                    noted.append({Step::Finish, {}, m_written, {}});
-                }
-                QVERIFY(!submit || submit->Finish());
-                noted.append({Step::Promise, {}, m_written, {}});
+    void KeepsWhatWasReported_data() {
+        QTest::addColumn<bool>("isAccess");
+        QTest::addColumn<Trouble>("trouble");
+        QTest::addColumn<int>("powerCuts");
+        for (const bool isAccess : {true, false}) {
+            const auto add = [&](const char* name, Trouble trouble, int powerCuts) {
+                QTest::addRow("%s: %s", isAccess ? "Access" : "SQLite", name)
+                    << isAccess << trouble << powerCuts;
+            };
+            add("kill", Trouble::Kill, 0);
+            add("kill after an operation", Trouble::KillAfter, 0);
+            add("kill within a write", Trouble::Torn, 0);
+            add("power cut", Trouble::KillAfter, 3);
+            add("power cut within a write", Trouble::Torn, 1);
+            add("failure", Trouble::Failure, 0);
+            if (isAccess) {  // SQLite takes the name of a journal for written whose sync has failed
+                add("failure, then power cut", Trouble::Failure, 2);
             }
-            QCOMPARE(PathsIn(m_file.DatabaseFolder()).size(), 1);
         }
-        QVERIFY(m_database.Disconnect());
+    }
 
-        const QList<Step> steps = std::exchange(noted, {});
-        qint64 finished = 0;
-        qint64 promised = 0;
-        for (qsizetype end = 0; end <= steps.size(); ++end) {
-            for (const Fate fate : {AllLost, AllKept, EachByChance, EachByChance}) {
-                Disk disk(before);
-                std::for_each(steps.begin(), steps.begin() + end, [&](const Step& step) { disk.Run(step); });
-                Check(disk.CutPower(fate, m_chance), fate == AllKept ? finished : promised);
+    void KeepsWhatWasReported() {
+        QFETCH(bool, isAccess);
+        QFETCH(Trouble, trouble);
+        QFETCH(int, powerCuts);
+        m_isAccess = isAccess;
+        m_fixture = isAccess ? AccessFixture() : SqliteFixture();
+        m_states.clear();
+        SimulatedDisk& undisturbed = NewDisk();
+        undisturbed.Plan(0, Trouble::None);
+        Run(true);
+        const int operations = undisturbed.Operations();
+        QVERIFY(m_states.size() == kStatements + 1 && m_states.removeDuplicates() == 0);
+        QCOMPARE(undisturbed.Names(), QStringList{kPath});
+        for (int operation = 1; operation <= operations; ++operation) {
+            for (int cut = 0; cut < std::max(1, powerCuts); ++cut) {
+                SimulatedDisk& disk = NewDisk();
+                disk.Plan(operation, trouble,
+                          trouble == Trouble::Failure && powerCuts > 0 ? 4 * (cut + 1) : 0);
+                Run(false);
+                QRandomGenerator random(static_cast<quint32>(operation * 16 + cut));
+                disk.Restart(powerCuts > 0 ? &random : nullptr);
+                CheckWhatIsLeft(powerCuts > 0 ? m_safe : m_reported);
                 if (QTest::currentTestFailed()) {
-                    QFAIL(qPrintable(u"power cut after step %1 of %2"_s.arg(end).arg(steps.size())));
+                    QFAIL(
+                        qPrintable(u"operation %1 of %2, cut %3"_s.arg(operation).arg(operations).arg(cut)));
                 }
             }
-            if (end < steps.size() && steps[end].kind >= Step::Finish) {
-                (steps[end].kind == Step::Finish ? finished : promised) = steps[end].offset;
-            }
         }
+    }
+
+    // A log is applied to the file for which it was written, and to no other.
+    void PutsAStrangeLogAside() {
+        m_isAccess = true;
+        m_fixture = AccessFixture();
+        SimulatedDisk& disk = NewDisk();
+        const auto connection = Open();
+        connection->BeginSubmit();
+        connection->Execute(Statement(0));
+        disk.Restart(nullptr);
+        const QByteArray others = disk.Bytes(kPath).replace(4096 * 40 + 3000, 1, "x");
+        disk.Put(kPath, others);
+        access::Database database(disk, kPath);
+        QVERIFY(database.Notice().contains(u"put aside"_s));
+        QCOMPARE(disk.Bytes(kPath), others);
+        QCOMPARE(disk.Names().filter(u"-redo-"_s).size(), 1);
     }
 
 private:
-    void Check(const Files& files, qint64 promised) {
-        for (const QString& path : PathsIn(m_file.DatabaseFolder())) {
-            QVERIFY(QFile::remove(path));
-        }
-        for (auto entry = files.begin(); entry != files.end(); ++entry) {
-            QFile file(entry.key());
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(entry.value()) == entry.value().size());
-        }
-        CLightingDatabase database(CreateStoreConnection, m_file.ExecutablePath());
-        QVERIFY(database.Connect());
-        std::vector<tagLAMPHOUSEINFO> rows;
-        QVERIFY(database.LoadAllLightSources(rows));
-        QVERIFY(qint64(rows.size()) - 1 >= promised);
-        std::ranges::sort(rows, {}, &tagLAMPHOUSEINFO::ID);
-        for (std::size_t row = 0; row < rows.size(); ++row) {
-            QCOMPARE(rows[row].LuminousFlux, double(row));  // a beginning of the statements
-        }
-        QVERIFY(database.UpdateLightSource(rows[0]) && database.Disconnect());
-        QCOMPARE(PathsIn(m_file.DatabaseFolder()).size(), 1);
-        QCOMPARE(m_file.Raw().Rows(u"PRAGMA integrity_check"_s), QStringList{u"'ok'"_s});
+    static QByteArray AccessFixture() {
+        QFile file(QStringLiteral(ACCESS_FIXTURES "/lighting-2003-memo.mdb"));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    static QByteArray SqliteFixture() {
+        SimulatedDisk disk;
+        PutSqliteOn(disk);
+        RawDatabase(kPath).Execute(
+            QString::fromUtf8(kDatabaseSchema) +
+            u"with recursive n(i) as (select 1 union all select i+1 from n where i<12) "
+            "insert into 灯具 (ID,LampName,LampPhoto) select i,'灯','' from n;"
+            "insert into 光源类别 select ID,LampName from 灯具"_s);
+        return disk.Bytes(kPath);
+    }
+    SimulatedDisk& NewDisk() {
+        m_disk.emplace();
+        m_disk->Put(kPath, m_fixture);
+        PutSqliteOn(*m_disk);
+        return *m_disk;
+    }
+    std::shared_ptr<Connection> Open() {
+        std::shared_ptr<Connection> connection =
+            m_isAccess ? std::make_shared<AccessConnection>(*m_disk) : CreateSqliteConnection();
+        connection->Open(u"Data Source = %1;"_s.arg(kPath), {}, {}, -1);
+        return connection;
     }
 
-    TemporaryLightingDatabase m_file;
-    CLightingDatabase m_database{CreateStoreConnection, m_file.ExecutablePath()};
-    QRandomGenerator m_chance{20260101};
-    int m_written = 0;
+    // Runs the sequence until the process ends. A statement that fails otherwise is tried once more; it fails
+    // again when it is in the file after all.
+    void Run(bool isNoting) {
+        m_reported = 0;
+        m_safe = 0;
+        std::shared_ptr<Connection> connection;
+        if (!Succeeds([&] { connection = Open(); }) && !Succeeds([&] { connection = Open(); })) {
+            return;
+        }
+        if (isNoting) {
+            m_states += Dump(*connection);
+        }
+        for (const int group : kGroups) {
+            const bool isSubmit = group != 1;
+            bool isSafe = false;
+            if (isSubmit) {
+                Succeeds([&] { connection->BeginSubmit(); });
+            }
+            for (int statement = 0; statement < group; ++statement) {
+                const auto run = [&] { connection->Execute(Statement(m_reported)); };
+                isSafe = Succeeds(run) || Succeeds(run);
+                if (!isSafe && Dump(*connection) != m_states.value(m_reported + 1)) {
+                    return;
+                }
+                ++m_reported;
+                if (isNoting) {
+                    m_states += Dump(*connection);
+                }
+            }
+            isSafe = isSubmit ? Succeeds([&] { connection->EndSubmit(); }) : isSafe;
+            if (isSafe && !m_disk->IsDead()) {
+                m_safe = m_reported;
+            }
+        }
+        Succeeds([&] { connection->Close(); });
+    }
+
+    void CheckWhatIsLeft(int least) {
+        auto connection = Open();
+        const qsizetype kept = m_states.indexOf(Dump(*connection));
+        QVERIFY2(kept >= least && kept <= m_reported + 1,
+                 qPrintable(u"%1 kept, %2 to %3 reported"_s.arg(kept).arg(least).arg(m_reported)));
+        try {
+            connection->Execute(Statement(static_cast<int>(kept)));
+        } catch (const ProviderError& error) {
+            QFAIL(qPrintable(error.Message()));  // a damaged file is not written
+        }
+        connection->Close();
+        QCOMPARE(m_disk->Names(), QStringList{kPath});
+    }
+
+    bool m_isAccess = false;
+    QByteArray m_fixture;
+    QStringList m_states;  // after each statement
+    std::optional<SimulatedDisk> m_disk;
+    int m_reported = 0;  // statements
+    int m_safe = 0;      // of them, those outside of a submit and those of finished submits
 };
 
-QTEST_GUILESS_MAIN(TestPowerCut)
+QTEST_APPLESS_MAIN(TestPowerCut)
 #include "test_power_cut.moc"

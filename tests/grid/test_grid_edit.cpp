@@ -57,7 +57,7 @@ private Q_SLOTS:
         QCOMPARE(ended.count(), 4);
         shown.Click(3, 1, Qt::ShiftModifier);
         shown.Key(Qt::Key_Delete);
-        QCOMPARE(grid.GetItemText(3, 1), u"3,1"_s);  // never several at once
+        QCOMPARE(grid.GetItemText(3, 1), QString());
 
         shown.Click(1, 0);
         // A text that no line edit can hold passes through one unharmed.

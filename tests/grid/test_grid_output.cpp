@@ -68,8 +68,10 @@ private Q_SLOTS:
         QTest::keyClick(m_grid, Qt::Key_Up, Qt::ShiftModifier);
         QTest::keyClick(m_grid, Qt::Key_Left, Qt::ShiftModifier);
         m_grid->Controller().Core().FocusWithoutSelecting({3, 3});
-        Paste(u"first\r\n"_s);  // at the top left of what was selected upwards
-        QCOMPARE(Texts({2, 2, 3, 3}), u"first 2,3 3,2 3,3"_s);
+        Paste(u"all\r\n"_s);  // one text fills what is selected
+        QCOMPARE(Texts({2, 2, 3, 3}), u"all all all all"_s);
+        Paste(u"first\t\nx\ny"_s);  // another begins at the top left of it
+        QCOMPARE(Texts({2, 2, 3, 3}), u"first  x all"_s);
         edited.clear();
 
         m_grid->SetItemState(4, 3, CellState::ReadOnly);

@@ -111,7 +111,46 @@ private Q_SLOTS:
             fixture.editing.Clear();
             fixture.editing.TakeLabel(Branch::Headings, -1, u"80,50,20"_s);
             QVERIFY2(fixture.editing.IsModified(), what);
+            UndoesToTheFile(fixture, what);
         }
+    }
+
+    static void UndoesToTheFile(Fixture& fixture, const char* what) {
+        FactorTableEditing& editing = fixture.editing;
+        const auto changed = editing.Table().Factors();
+        int steps = 0;
+        for (; editing.UndoName() != nullptr; ++steps) {
+            editing.Undo();
+        }
+        QVERIFY2(editing.Table().Factors() == Fixture().editing.Table().Factors(), what);
+        QVERIFY2(editing.Table().DeletedIds().empty(), what);
+        for (; steps > 0; --steps) {
+            editing.Redo();
+        }
+        QVERIFY2(editing.Table().Factors() == changed && editing.RedoName() == nullptr, what);
+        QVERIFY2(editing.IsModified(), what);
+    }
+
+    void AStepIsUndoneAsAWhole() {
+        Fixture fixture;
+        FactorTableEditing& editing = fixture.editing;
+        editing.Delete(Branch::Headings, 1);
+        {
+            const StepScope step(editing, u"粘贴 2 格"_s);
+            editing.TakeFactor(5, 1, u"0.1"_s, false);
+            editing.TakeLabel(Branch::Headings, -1, u"60,50,20"_s);
+        }
+        QCOMPARE(editing.StoredFactor(5, 1), 0.52);
+        QCOMPARE(editing.StoredFactor(5, 2), std::nullopt);
+        QCOMPARE(*editing.UndoName(), u"粘贴 2 格"_s);
+        QCOMPARE(editing.Undo(), std::pair(5, 1));
+        QCOMPARE(fixture.Labels(Branch::Headings), QStringList(u"80,50,20"_s));
+        QVERIFY(editing.IsModified());
+        QCOMPARE(editing.Undo(), std::pair(4, 2));
+        QVERIFY(!editing.IsModified() && editing.UndoName() == nullptr);
+        editing.Redo();
+        editing.Submit();
+        QVERIFY(editing.UndoName() == nullptr && editing.RedoName() == nullptr);
     }
 
     void FactorsKeepTheirDigits() {

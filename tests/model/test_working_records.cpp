@@ -57,40 +57,84 @@ QString Shown(const WorkingRecords<Item>& records) {
     return texts.join(u' ');
 }
 
+void Compare(const WorkingRecords<Item>& records, const std::pair<std::vector<Item>, int>& expected) {
+    const auto& [plain, draft] = expected;
+    QCOMPARE(records.Draft().value, draft);
+    QCOMPARE(records.Count(), static_cast<int>(plain.size()));
+    for (int at = 0; at < records.Count(); ++at) {
+        QVERIFY(records.At(at) == plain[static_cast<size_t>(at)]);
+        QCOMPARE(records.Find(records.At(at).ID), &records.At(at));
+    }
+    QVERIFY(records.IsModified() || records.EditCount() == records.RemovedCount());
+}
+
 }  // namespace
 
 class TestWorkingRecords : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    // A plain list after each step, and the steps undone and done again at random; at last undone to the
+    // file.
     void AgreesWithAPlainList() {
+        using Plain = std::vector<Item>;
         QRandomGenerator random(7);
         for (const int count : {0, 1, 5, 64, 100}) {
             WorkingRecords<Item> records;
-            std::vector<Item> plain = Loaded(count);
-            records.TakeLoaded(plain);
+            records.TakeLoaded(Loaded(count));
             int lastId = 0;
-            for (int step = 0; step < 300; ++step) {
-                const int position = plain.empty() ? 0 : random.bounded(static_cast<int>(plain.size()));
-                const int kind = plain.empty() ? 0 : random.bounded(step < 150 ? 3 : 5);
-                if (kind == 0) {
-                    QCOMPARE(records.Append({0, step}), --lastId);
-                    plain.push_back({lastId, step});
-                } else if (kind == 1) {
-                    plain[static_cast<size_t>(position)].value = step;
-                    records.Replace(plain[static_cast<size_t>(position)]);
+            std::vector<std::pair<Plain, int>> done{{Loaded(count), 0}};  // with the drafts
+            std::vector<std::pair<Plain, int>> undone;
+            for (int step = 1; step <= 400; ++step) {
+                auto [plain, draft] = done.back();
+                const int kind = random.bounded(step < 150 ? 6 : 8);
+                if (kind == 0 && done.size() > 1) {
+                    records.Undo();
+                    undone.push_back(done.back());
+                    done.pop_back();
+                } else if (kind == 1 && !undone.empty()) {
+                    records.Redo();
+                    done.push_back(undone.back());
+                    undone.pop_back();
                 } else {
-                    const int id = plain[static_cast<size_t>(position)].ID;
-                    records.Remove(id);
-                    QVERIFY(records.Find(id) == nullptr);
-                    plain.erase(plain.begin() + position);
+                    const StepScope scope(records, u"step"_s);
+                    bool changes = false;
+                    for (int change = random.bounded(1, 4); change > 0; --change) {
+                        const int position = random.bounded(std::max(1, static_cast<int>(plain.size())));
+                        const Plain before = plain;
+                        if (kind == 2 || plain.empty()) {
+                            QCOMPARE(records.Append({0, step}), --lastId);
+                            plain.push_back({lastId, step});
+                            records.SetDraft({0, draft = step});
+                        } else if (kind <= 5) {
+                            plain[static_cast<size_t>(position)].value = random.bounded(3);
+                            records.Replace(plain[static_cast<size_t>(position)]);
+                        } else {
+                            const int id = plain[static_cast<size_t>(position)].ID;
+                            records.Remove(id);
+                            QVERIFY(records.Find(id) == nullptr);
+                            plain.erase(plain.begin() + position);
+                        }
+                        changes = changes || plain != before;
+                    }
+                    if (changes) {
+                        done.emplace_back(plain, draft);
+                        undone.clear();
+                    }
                 }
-                QCOMPARE(records.Count(), static_cast<int>(plain.size()));
-                for (int at = 0; at < records.Count(); ++at) {
-                    QVERIFY(records.At(at) == plain[static_cast<size_t>(at)]);
-                    QCOMPARE(records.Find(records.At(at).ID), &records.At(at));
-                }
+                Compare(records, done.back());
+                QCOMPARE(records.UndoName() == nullptr, done.size() == 1);
+                QCOMPARE(records.RedoName() == nullptr, undone.empty());
             }
+            for (; done.size() > 1; done.pop_back()) {
+                Compare(records, done.back());
+                records.Undo();
+            }
+            Compare(records, done.back());
+            QVERIFY(!records.IsModified() && records.EditCount() == 0 && records.UndoName() == nullptr);
+            Table table;
+            records.Submit(table.Statements());
+            QCOMPARE(table.statements.size(), count);  // the updates: nothing is inserted or deleted
         }
     }
 
@@ -182,6 +226,7 @@ private Q_SLOTS:
     void OneIsSavedAtOnce() {
         WorkingRecords<Item> records;
         records.TakeLoaded(Loaded(1));
+        records.Replace({1, 5});
         const int id = records.Append({0, 7});
         Table table;
         table.failing = QStringList{u"insert 7"_s};
@@ -191,6 +236,15 @@ private Q_SLOTS:
         QCOMPARE(records.SubmitOne(id, table.Statements()).StoredId(), 101);
         QVERIFY(!records.HasUnwritten() && records.IsModified());
         QCOMPARE(records.Find(101)->value, 7);
+        // That is not undone, what was done before is.
+        QCOMPARE(*records.Stored(101), (Item{101, 7}));
+        QCOMPARE(*records.Stored(1), (Item{1, 0}));
+        records.Undo();
+        QCOMPARE(Shown(records), u"1:0 101:7"_s);
+        QVERIFY(records.UndoName() == nullptr && records.EditCount() == 0);
+        records.Redo();
+        records.Submit(table.Statements());
+        QVERIFY(records.UndoName() == nullptr && *records.Stored(1) == (Item{1, 5}));
     }
 
     void LoadsKeepConfirmedDeletions() {

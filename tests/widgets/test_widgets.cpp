@@ -22,8 +22,8 @@ using namespace quorvane;
 namespace {
 
 // Shows a box and does the work in it. A box that is still open then is closed by its last button.
-MessageAnswer Answer(const QString& text, MessageButtons buttons,
-                     const std::function<void(QMessageBox*)>& work) {
+MessageAnswer AnswerBox(const QString& text, MessageButtons buttons,
+                        const std::function<void(QMessageBox*)>& work) {
     QTimer::singleShot(0, [&work] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         work(box);
@@ -157,7 +157,7 @@ private Q_SLOTS:
                 QTest::keyClick(box, key);
                 closedByKey = !box->isVisible();
             };
-            QCOMPARE(Answer(u"?"_s, buttons, strike), answer);
+            QCOMPARE(AnswerBox(u"?"_s, buttons, strike), answer);
             QCOMPARE(closedByKey, closes);
         }
     }
@@ -175,13 +175,13 @@ private Q_SLOTS:
                 }
             }
         };
-        QCOMPARE(Answer(u"?"_s, MessageButtons::YesNo, hold), MessageAnswer::No);
+        QCOMPARE(AnswerBox(u"?"_s, MessageButtons::YesNo, hold), MessageAnswer::No);
     }
 
     void MessageBoxShowsTextAsItStands() {
         const auto shown = [](const QString& text) {
             QString seen;
-            Answer(text, MessageButtons::Ok, [&seen](QMessageBox* box) {
+            AnswerBox(text, MessageButtons::Ok, [&seen](QMessageBox* box) {
                 seen = box->textFormat() == Qt::PlainText ? box->text() : QString();
             });
             return seen;

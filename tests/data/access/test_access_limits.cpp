@@ -9,7 +9,7 @@
 
 #include "data/store/access/check/file_check.h"
 #include "data/store/access/database.h"
-#include "tests/data/access/simulated_disk.h"
+#include "tests/data/simulated_disk.h"
 
 Q_DECLARE_METATYPE(quorvane::access::Value)
 

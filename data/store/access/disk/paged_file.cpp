@@ -92,8 +92,9 @@ PageNumber PagedFile::Append() {
     return m_count++;
 }
 
+// A failure in the middle of PutInPlace leaves changes of our own, which the next attempt completes.
 void PagedFile::RequireUnchanged() const {
-    if (m_file->Stamp() != m_stamp) {
+    if (!m_writing && m_file->Stamp() != m_stamp) {
         throw AccessError(QStringLiteral("another program has changed the file since it was read"),
                           Fault::Changed);
     }
@@ -166,8 +167,8 @@ void PagedFile::EndSubmit() {
     if (m_log == nullptr) {
         return;
     }
+    RequireUnchanged();
     if (!m_writing) {
-        RequireUnchanged();
         RequireBasePages();
     }
     PutInPlace();
@@ -175,9 +176,11 @@ void PagedFile::EndSubmit() {
 
 void PagedFile::PutInPlace() {
     m_log->MarkAndSync();
+    m_writing = true;
     WritePending();
     m_log->Remove();
     m_log.reset();
+    m_writing = false;
     for (const auto& [page, pending] : m_pending) {
         m_cache.Put(page, pending.content);
     }
@@ -186,7 +189,6 @@ void PagedFile::PutInPlace() {
 
 // New pages first: where the disk has no room for them, the file can still be left as it was.
 void PagedFile::WritePending() {
-    m_writing = true;
     for (auto page = m_pending.lower_bound(m_fileCount); page != m_pending.end(); ++page) {
         m_file->Write(Offset(page->first), View(*page->second.content));
     }
@@ -196,7 +198,6 @@ void PagedFile::WritePending() {
     m_file->Sync();
     m_fileCount = m_count;
     m_stamp = m_file->Stamp();
-    m_writing = false;
 }
 
 // A program that keeps the time of the last change as it was is found out by the pages' content.

@@ -77,7 +77,7 @@ private:
     bool m_inStatement = false;
     PageNumber m_countBefore = 0;                           // of the statement
     std::map<PageNumber, std::shared_ptr<Page>> m_changed;  // by the statement
-    bool m_writing = false;                                 // the file has been changed in part
+    bool m_writing = false;                                 // the file may be changed in part
 };
 
 }  // namespace quorvane::access

@@ -209,7 +209,9 @@ void RedoLog::AppendRecord(quint8 kind, const QByteArray& body) {
     record += body;
     AppendNumber(record, 8, chain);
     if (m_file == nullptr) {
-        m_file = m_files->Open(m_path, FileSystem::Mode::CreateNew);
+        // One that could not be removed is there still.
+        m_file =
+            m_files->Open(m_path, m_end == 0 ? FileSystem::Mode::CreateNew : FileSystem::Mode::ReadWrite);
     }
     m_file->Write(m_end, record);
     m_end += record.size();

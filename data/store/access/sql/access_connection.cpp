@@ -52,7 +52,7 @@ void RequireSound(Database& database) {
 }  // namespace
 
 std::shared_ptr<Connection> CreateAccessConnection() {
-    return std::make_shared<AccessConnection>();
+    return std::make_shared<AccessConnection>(NativeFiles());
 }
 
 QStringList CheckAccessFile(const QString& path) {
@@ -65,7 +65,7 @@ QStringList CheckAccessFile(const QString& path) {
 void AccessConnection::Open(const CString& connectionString, const CString& /*user*/,
                             const CString& /*password*/, int /*options*/) {
     AsProviderError([&] {
-        m_database = std::make_shared<Database>(NativeFiles(), NativePath(DataSource(connectionString)));
+        m_database = std::make_shared<Database>(m_files, NativePath(DataSource(connectionString)));
         Load();
     });
 }

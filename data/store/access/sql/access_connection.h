@@ -11,7 +11,8 @@ namespace quorvane {
 
 namespace access {
 class Database;
-}
+class FileSystem;
+}  // namespace access
 
 // Makes a connection for a file that IsAccessFile recognises.
 std::shared_ptr<Connection> CreateAccessConnection();
@@ -21,6 +22,8 @@ QStringList CheckAccessFile(const QString& path);
 
 class AccessConnection : public Connection {
 public:
+    explicit AccessConnection(access::FileSystem& files) : m_files(files) {}
+
     // Opens the file named by "Data Source": for writing when it is sound and nobody else has it open, else
     // for reading alone. Throws ProviderError for a file that cannot be read. Users and options are not
     // looked at.
@@ -47,6 +50,7 @@ private:
     SqliteStatement Prepare(const CString& statement) const;
     void PutOnDisk();
 
+    access::FileSystem& m_files;
     std::shared_ptr<access::Database> m_database;  // null: not open
     std::map<CString, CString> m_leftOut;          // tables that cannot be shown, in lower case: why
     Engine m_engine;

@@ -1,4 +1,4 @@
-#include "tests/data/access/simulated_disk.h"
+#include "tests/data/simulated_disk.h"
 
 #include <QStringList>
 #include <algorithm>
@@ -8,13 +8,15 @@ namespace quorvane::access {
 
 namespace {
 
-constexpr qsizetype kSector = 512;
-
 [[noreturn]] void Fail() {
     throw AccessError(QStringLiteral("the disk fails"), Fault::Failed);
 }
 
+// No bytes at all end the content there.
 void Overwrite(QByteArray& content, qint64 offset, QByteArrayView bytes) {
+    if (bytes.isEmpty()) {
+        return content.resize(offset, '\0');
+    }
     content.resize(std::max<qsizetype>(content.size(), offset + bytes.size()), '\0');
     std::copy(bytes.begin(), bytes.end(), content.begin() + offset);
 }
@@ -22,7 +24,7 @@ void Overwrite(QByteArray& content, qint64 offset, QByteArrayView bytes) {
 // Two thirds, up to the end of a sector.
 qsizetype PartialLength(qint64 offset, qsizetype length) {
     const qsizetype part = length / 3 * 2;
-    return std::max<qsizetype>(0, part - (offset + part) % kSector);
+    return std::max<qsizetype>(0, part - (offset + part) % SimulatedDisk::kSector);
 }
 
 }  // namespace
@@ -46,9 +48,9 @@ public:
     void Write(qint64 offset, QByteArrayView bytes) override {
         const bool whole = m_disk.Operate(true);
         const QByteArrayView done = whole ? bytes : bytes.first(PartialLength(offset, bytes.size()));
-        Overwrite(m_node->now, offset, done);
-        m_node->unsynced.push_back({offset, done.toByteArray()});
-        m_node->modified = ++m_disk.m_clock;
+        if (!done.isEmpty()) {
+            m_disk.Change(*m_node, {offset, done.toByteArray()});
+        }
         if (!whole) {
             Fail();
         }
@@ -92,6 +94,12 @@ bool SimulatedDisk::Operate(bool isWrite) {
     return m_trouble == Trouble::KillAfter;
 }
 
+void SimulatedDisk::Change(Node& node, const Written& written) {
+    Overwrite(node.now, written.offset, written.bytes);
+    node.unsynced.push_back(written);
+    node.modified = ++m_clock;
+}
+
 void SimulatedDisk::Restart(QRandomGenerator* powerCut) {
     m_dead = false;
     m_fatal = 0;
@@ -111,7 +119,8 @@ void SimulatedDisk::CutPower(Node& node, QRandomGenerator& random) const {
     QByteArray left = node.synced;
     const quint32 lost = random.bounded(4U);  // sectors in three
     for (const Written& written : node.unsynced) {
-        for (qsizetype at = 0; at < written.bytes.size();) {
+        qsizetype at = 0;
+        do {
             const qsizetype end =
                 std::min((written.offset + at) / kSector * kSector + kSector - written.offset,
                          qint64{written.bytes.size()});
@@ -119,7 +128,7 @@ void SimulatedDisk::CutPower(Node& node, QRandomGenerator& random) const {
                 Overwrite(left, written.offset + at, QByteArrayView(written.bytes).sliced(at, end - at));
             }
             at = end;
-        }
+        } while (at < written.bytes.size());
     }
     node.modified = left == node.synced ? node.modified : node.modified + 1;
     node.now = left;
@@ -164,6 +173,11 @@ void SimulatedDisk::Remove(const QString& path) {
     Operate();
     m_names.erase(path);
     m_unsyncedNames.push_back(m_names);
+}
+
+void SimulatedDisk::Truncate(const QString& path, qint64 size) {
+    Operate();
+    Change(*m_names.at(path), {size, {}});
 }
 
 void SimulatedDisk::Rename(const QString& from, const QString& to) {

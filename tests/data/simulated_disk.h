@@ -13,6 +13,8 @@ namespace quorvane::access {
 
 class SimulatedDisk : public FileSystem {
 public:
+    static constexpr int kSector = 512;  // bytes; written whole or not at all
+
     enum class Trouble {
         None,
         Kill,       // the process ends before the operation
@@ -42,6 +44,7 @@ public:
     std::unique_ptr<File> Open(const QString& path, Mode mode) override;
     bool Exists(const QString& path) override { return m_names.contains(path); }
     void Remove(const QString& path) override;
+    void Truncate(const QString& path, qint64 size);
     void Rename(const QString& from, const QString& to) override;
     void SyncFolder(const QString& path) override;
     QString ComputerName() override { return QStringLiteral("WORKBENCH"); }
@@ -49,7 +52,7 @@ public:
 private:
     friend class SimulatedFile;
     struct Written {
-        qint64 offset = 0;
+        qint64 offset = 0;  // without bytes: the new size of the file
         QByteArray bytes;
     };
     struct Node {
@@ -63,6 +66,7 @@ private:
 
     // Counts an operation and lets it go wrong. False: a write is to be done in part.
     bool Operate(bool isWrite = false);
+    void Change(Node& node, const Written& written);
     void CutPower(Node& node, QRandomGenerator& random) const;
 
     NamesByPath m_names;

@@ -1,0 +1,104 @@
+// How GridController changes many cells at once, each time as one step for the editor; and its menu.
+#include <QApplication>
+#include <QClipboard>
+#include <optional>
+#include <utility>
+
+#include "grid/grid_controller.h"
+#include "grid/output/grid_clipboard.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quorvane {
+
+bool GridController::Copy() {
+    const std::optional<CString> text = CopiedText(m_core);
+    if (text) {
+        QApplication::clipboard()->setText(*text);
+    }
+    return text.has_value();
+}
+
+bool GridController::MayEnter(const std::vector<GridEntry>& entries) const {
+    if (!m_askBeforePaste) {
+        return true;
+    }
+    const PasteLoss loss = LossOf(m_core, entries);
+    const PasteQuestion ask = m_askBeforePaste;  // the answer may take the grid away
+    return (loss.beyondColumns == 0 && loss.belowRows == 0 && loss.refused.empty()) || ask(loss);
+}
+
+bool GridController::Paste() {
+    const std::vector<GridEntry> entries = PasteEntries(m_core, QApplication::clipboard()->text());
+    const QPointer<CGridCtrl> alive(&m_grid);
+    if (entries.empty()) {
+        return false;
+    }
+    if (!MayEnter(entries) || alive.isNull()) {
+        return true;
+    }
+    Perform([&] { m_core.FocusWithoutSelecting(entries.front().cell); });
+    return alive.isNull() || EnterAll(u"粘贴"_s, entries);
+}
+
+bool GridController::FillDown() {
+    const std::vector<GridEntry> entries = FillDownEntries(m_core);
+    return entries.empty() || EnterAll(u"向下填充"_s, entries);
+}
+
+void GridController::EndEditAndFill() {
+    const CCellID edited = m_edit.Cell();
+    const std::optional<CString> text = m_edit.Close();
+    if (!text) {
+        return;
+    }
+    const std::vector<GridEntry> entries = FillEntries(m_core, *text);
+    if (entries.size() > 1) {
+        EnterAll(u"填充"_s, entries);
+    } else {
+        TakeText(edited, *text);
+    }
+}
+
+bool GridController::EnterAll(const CString& name, const std::vector<GridEntry>& entries) {
+    if (entries.empty()) {
+        return false;
+    }
+    const QPointer<CGridCtrl> alive(&m_grid);
+    const CCellID anchor = m_core.Focus().IsValid() ? m_core.Focus() : entries.front().cell;
+    Perform([&, this] { m_core.FocusWithoutSelecting(anchor); },
+            [this] { m_notices.emplace_back([this] { Q_EMIT m_grid.StepBegan(); }); });
+    if (alive.isNull()) {
+        return true;
+    }
+    int cells = 0;
+    GridEntries left(m_core, anchor, entries);
+    while (!alive.isNull() && !m_edit.IsOn()) {
+        const std::optional<GridEntry> next = left.Next();
+        if (!next) {
+            break;
+        }
+        ++cells;
+        TakeText(next->cell, next->text);
+    }
+    if (!alive.isNull()) {
+        Perform([=, this] { m_notices.emplace_back([=, this] { Q_EMIT m_grid.StepEnded(name, cells); }); });
+    }
+    return true;
+}
+
+// ---- Context menu
+
+void GridController::OpenMenu() {
+    const QRect area = m_grid.viewport()->rect();
+    const QRect cell = m_core.CellRect(m_core.Focus()) & area;
+    PopUpMenu(m_grid.viewport()->mapToGlobal(cell.isEmpty() ? area.topLeft() : cell.bottomLeft()));
+}
+
+void GridController::PopUpMenu(const QPoint& globalPosition) {
+    Perform([this] { EndEdit(); },
+            [this] { m_notices.emplace_back([this] { Q_EMIT m_grid.MenuAboutToShow(); }); },
+            [=, this] { m_menu.PopUp(globalPosition); });
+}
+
+}  // namespace quorvane

@@ -12,8 +12,12 @@ void RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& databas
     bool isOnDisk = false;
     {
         SubmitProgress progress(page, u"正在提交数据……"_s);
+        const ProgressCallback tell = [&progress](int done, int total) { progress(done, total); };
+        if (steps.prepare) {
+            steps.prepare(tell);
+        }
         SubmitScope scope(database);
-        failures = steps.write([&progress](int done, int total) { progress(done, total); });
+        failures = steps.write(tell);
         isOnDisk = scope.Finish();
         steps.compare(failures);
     }

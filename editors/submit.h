@@ -11,6 +11,8 @@ class QWidget;
 namespace quorvane {
 
 struct SubmitSteps {
+    // Before the file is locked.
+    std::function<void(const ProgressCallback& progress)> prepare = {};
     // Runs the statements and calls progress after each row.
     std::function<SubmitFailures(const ProgressCallback& progress)> write;
     // Reads the records again, and adds those that are not in the file as they are shown.

@@ -35,14 +35,22 @@ public:
     void DropWaiting() { m_waiting.clear(); }
 
     // The result of work(), or nothing when it takes longer than `time`. work must own whatever it touches.
+    // Calls meanwhile(), if there is one, several times a second.
     template <typename Work>
-    static auto Within(std::chrono::milliseconds time, Work work) {
+    static auto Within(std::chrono::milliseconds time, Work work,
+                       const std::function<void()>& meanwhile = {}) {
         using Result = std::invoke_result_t<Work>;
         const auto promise = std::make_shared<std::promise<Result>>();
         std::future<Result> future = promise->get_future();
         StartThread([promise, work = std::move(work)] { promise->set_value(work()); });
-        return future.wait_for(time) == std::future_status::ready ? std::optional(future.get())
-                                                                  : std::nullopt;
+        constexpr std::chrono::milliseconds interval(50);
+        const auto end = std::chrono::steady_clock::now() + time;
+        bool isReady = future.wait_for(meanwhile ? interval : time) == std::future_status::ready;
+        while (!isReady && meanwhile && std::chrono::steady_clock::now() < end) {
+            meanwhile();
+            isReady = future.wait_for(interval) == std::future_status::ready;
+        }
+        return isReady ? std::optional(future.get()) : std::nullopt;
     }
 
     // Waits until all reads of the program have ended, but at most `time`. False when some are still running;

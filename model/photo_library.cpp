@@ -1,14 +1,18 @@
 #include "model/photo_library.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QUuid>
 #include <algorithm>
 #include <utility>
 
 #include "data/database_path.h"
+#include "data/number_text.h"
 #include "model/async_reader.h"
+#include "model/folder_sync.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -16,7 +20,9 @@ namespace quorvane {
 namespace {
 
 const CString kLibraryFolder = u"\\Vexal\\LuminairePhotoLib\\"_s;
-constexpr qsizetype kBlock = 1 << 20;  // bytes copied at a time
+// What stands in the library beside the pictures. These names begin with no digit, as those of pictures do.
+const CString kCopying = u"copying-"_s;
+const CString kStaged = u"staged-"_s;
 
 // The text from the last "." on, or the whole path when it has none.
 CString Extension(const CString& path) {
@@ -26,49 +32,6 @@ CString Extension(const CString& path) {
 bool IsFileName(const CString& name) {
     return std::none_of(name.begin(), name.end(),
                         [](QChar c) { return c == u'\\' || c == u'/' || c == u':'; });
-}
-
-bool IsLink(const CString& path) {
-    const QFileInfo file(path);
-    return file.isSymLink() || file.isJunction();
-}
-
-struct Copy {
-    std::unique_ptr<QSaveFile> file;  // null: there is a problem
-    PhotoProblem problem = PhotoProblem::None;
-};
-
-Copy Problem(PhotoProblem problem) {
-    return {.file = nullptr, .problem = problem};
-}
-
-// A complete copy beside its target, which it replaces on commit().
-Copy CopyBeside(const CString& source, const CString& target) {
-    QFile from(source);
-    if (!QFileInfo(source).isFile() || !from.open(QIODevice::ReadOnly) || from.size() > kLargestPhoto) {
-        return Problem(PhotoProblem::UnreadableSource);
-    }
-    QDir().mkpath(QFileInfo(target).path());
-    auto copy = std::make_unique<QSaveFile>(target);
-    // The toolkit's file would be written to where a link leads.
-    if (IsLink(target) || !copy->open(QIODevice::WriteOnly)) {
-        return Problem(PhotoProblem::UnwritableLibrary);
-    }
-    QByteArray block(kBlock, Qt::Uninitialized);
-    qint64 read = 0;
-    for (qint64 left = kLargestPhoto; left >= 0 && (read = from.read(block.data(), kBlock)) > 0;
-         left -= read) {
-        if (copy->write(block.constData(), read) != read) {
-            return Problem(PhotoProblem::UnwritableLibrary);
-        }
-    }
-    if (read != 0) {
-        return Problem(PhotoProblem::UnreadableSource);
-    }
-    if (!copy->flush()) {
-        return Problem(PhotoProblem::UnwritableLibrary);
-    }
-    return {.file = std::move(copy), .problem = PhotoProblem::None};
 }
 
 // True also when the two paths reach one folder in different ways, such as through a link. A path that takes
@@ -96,7 +59,8 @@ bool PhotoLibrary::IsFolderLink() const {
     return IsLink(Folder().chopped(1));
 }
 
-PhotoLibrary::PreparedPhoto PhotoLibrary::Prepare(int luminaireID, const CString& source) const {
+PhotoLibrary::PreparedPhoto PhotoLibrary::Prepare(int luminaireID, const CString& source,
+                                                  const StagedPicture& copied) const {
     if (source.isEmpty()) {
         return {};
     }
@@ -104,22 +68,37 @@ PhotoLibrary::PreparedPhoto PhotoLibrary::Prepare(int luminaireID, const CString
     CString relative = kLibraryFolder + name;
     const CString target = FilePath(relative);
     const bool isOwn = source == relative || NativePath(source) == target;
-    // An "extension" that comes from a "." in a folder's name would put the copy outside the library.
     if (isOwn) {
         CString old = QFile::exists(target) ? CString() : OldPicture(luminaireID);
         return {.photo = old.isEmpty() ? relative : old, .copy = nullptr, .fallback = {}};
     }
-    // An "extension" that comes from a "." in a folder's name would put the copy outside the library.
-    const bool isFile = IsFileName(name) && !m_baseFolder.isEmpty() &&
-                        !(Holds(source) && IsLink(QDir::cleanPath(FilePath(source))));
-    Copy copy = !isFile          ? Problem(PhotoProblem::UnreadableSource)
-                : IsFolderLink() ? Problem(PhotoProblem::LinkedLibrary)
-                                 : CopyBeside(FilePath(source), target);
-    CString old = OldPicture(luminaireID, copy.file == nullptr ? CString() : name);
-    return {.photo = copy.file == nullptr ? old : relative,
-            .copy = std::move(copy.file),
+    const StagedPicture staged = copied != nullptr ? copied : Copying(source)();
+    PhotoProblem problem = staged->Problem();
+    // A link or a folder in the picture's place stays there.
+    if (problem == PhotoProblem::None &&
+        (IsLink(target) || QFileInfo(target).isDir() || !staged->MoveTo(Folder() + kStaged + name))) {
+        problem = PhotoProblem::UnwritableLibrary;
+    }
+    const bool isStaged = problem == PhotoProblem::None;
+    CString old = OldPicture(luminaireID, isStaged ? name : CString());
+    return {.photo = isStaged ? relative : old,
+            .copy = isStaged ? staged : nullptr,
             .fallback = old,
-            .problem = copy.problem};
+            .problem = problem};
+}
+
+std::function<StagedPicture()> PhotoLibrary::Copying(const CString& source) const {
+    // An "extension" that comes from a "." in a folder's name would put the copy outside the library.
+    const bool isFile = IsFileName(Extension(source)) && !m_baseFolder.isEmpty() &&
+                        !(Holds(source) && IsLink(QDir::cleanPath(FilePath(source))));
+    const PhotoProblem problem = !isFile          ? PhotoProblem::UnreadableSource
+                                 : IsFolderLink() ? PhotoProblem::LinkedLibrary
+                                                  : PhotoProblem::None;
+    return [problem, from = FilePath(source), to = Folder() + kCopying] {
+        return problem == PhotoProblem::None
+                   ? CopyPhoto(from, to + QUuid::createUuid().toString(QUuid::Id128))
+                   : std::make_shared<PhotoCopy>(CString(), problem);
+    };
 }
 
 bool PhotoLibrary::Commit(int luminaireID, const PreparedPhoto& prepared) {
@@ -128,17 +107,51 @@ bool PhotoLibrary::Commit(int luminaireID, const PreparedPhoto& prepared) {
         return false;
     }
     if (prepared.copy != nullptr) {
-        if (!prepared.copy->commit()) {
+        const CString target = FilePath(prepared.photo);
+        if (!prepared.copy->MoveTo(target)) {
             return false;
         }
+        prepared.copy->Keep();
+        m_isSynced = false;
         if (m_listing) {
-            m_listing->insert(QFileInfo(prepared.copy->fileName()).fileName());
+            m_listing->insert(QFileInfo(target).fileName());
         }
     }
     if (deletes) {
         DeleteOthers(luminaireID, prepared.photo);
     }
     return true;
+}
+
+void PhotoLibrary::Sync() {
+    if (!m_isSynced) {
+        SyncFolder(Folder());
+        m_isSynced = true;
+    }
+}
+
+QStringList PhotoLibrary::Leftovers() const {
+    return m_baseFolder.isEmpty() || IsFolderLink()
+               ? QStringList()
+               : QDir(Folder()).entryList({kCopying + u'*', kStaged + u'*'},
+                                          QDir::Files | QDir::Hidden | QDir::System | QDir::NoSymLinks);
+}
+
+// Another program may still be at work on a file that is young.
+void PhotoLibrary::Heal(const std::function<CString(int luminaireID)>& photoOf) {
+    const QDateTime old = QDateTime::currentDateTime().addSecs(-3600);
+    for (const CString& leftover : Leftovers()) {
+        const CString file = Folder() + leftover;
+        const CString name = leftover.startsWith(kStaged) ? leftover.sliced(kStaged.size()) : CString();
+        const int id = ToInteger(name);
+        const CString photo = kLibraryFolder + name;
+        if (id > 0 && photoOf(id) == photo) {
+            Commit(id, {.photo = photo, .copy = std::make_shared<PhotoCopy>(file), .fallback = {}});
+        } else if (QFileInfo(file).lastModified() < old) {
+            QFile::remove(file);
+        }
+    }
+    Sync();
 }
 
 void PhotoLibrary::DeleteOthers(int luminaireID, const CString& photo) {
@@ -181,8 +194,9 @@ PhotoLibrary::PictureCopy PhotoLibrary::CopyPicture(int luminaireID, const CStri
     }
     PictureCopy picture{.file = {}, .folder = std::make_shared<QTemporaryDir>()};
     const CString target = picture.folder->filePath(file.fileName());
-    const auto copy = picture.folder->isValid() ? CopyBeside(file.filePath(), target).file : nullptr;
-    if (copy != nullptr && copy->commit()) {
+    const StagedPicture copy = picture.folder->isValid() ? CopyPhoto(file.filePath(), target) : nullptr;
+    if (copy != nullptr && copy->Problem() == PhotoProblem::None) {
+        copy->Keep();  // the folder takes it along
         picture.file = target;
     }
     picture.isFailed = picture.file.isEmpty();

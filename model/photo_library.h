@@ -6,22 +6,18 @@
 // Nothing is written or deleted through a link. A library folder that is a link is only read.
 #pragma once
 
-#include <QSaveFile>
+#include <QStringList>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
 
 #include "data/records.h"
+#include "model/photo_copy.h"
 
 class QTemporaryDir;
 
 namespace quorvane {
-
-// Why a picture could not be put into the library.
-enum class PhotoProblem { None, UnreadableSource, LinkedLibrary, UnwritableLibrary };
-
-// The largest file that is copied, in bytes.
-inline constexpr qint64 kLargestPhoto = 64LL << 20;
 
 class PhotoLibrary {
 public:
@@ -34,9 +30,9 @@ public:
 
     // A picture that is about to become a luminaire's photo.
     struct PreparedPhoto {
-        CString photo;                    // the new photo text of the luminaire's record
-        std::unique_ptr<QSaveFile> copy;  // a copy beside its final place; null: nothing to put in place
-        CString fallback;                 // the photo text of the record if Commit fails
+        CString photo;       // the new photo text of the luminaire's record
+        StagedPicture copy;  // "staged-<ID><extension>" in the library; null: nothing to put in place
+        CString fallback;    // the photo text of the record if Commit fails
         PhotoProblem problem = PhotoProblem::None;
     };
     // Copies the file `source` so that Commit can make it the luminaire's photo. An empty source gives an
@@ -45,11 +41,22 @@ public:
     // why, and the photo text is that of the old picture, or empty without one.
     //
     // The library does not change before Commit: a record that then cannot be written keeps its picture.
-    PreparedPhoto Prepare(int luminaireID, const CString& source) const;
+    // copied is what Copying gave for the same source; without it the file is copied here.
+    PreparedPhoto Prepare(int luminaireID, const CString& source, const StagedPicture& copied = {}) const;
+    // Copies the file `source` into the library, under a name that begins with "copying-". To be run in any
+    // thread, since it takes as long as the drives do; it owns what it touches.
+    std::function<StagedPicture()> Copying(const CString& source) const;
     // To be called after the record is written. Puts the copy in place and deletes the luminaire's other
     // files; an empty photo deletes all of them. False when the copy could not be put in place, or files may
     // not be deleted; no file is deleted then.
     bool Commit(int luminaireID, const PreparedPhoto& prepared);
+    // Waits until the disk holds the names of what Commit has put in place.
+    void Sync();
+    // The files that a killed program left in the library while it put pictures there.
+    QStringList Leftovers() const;
+    // Puts a leftover picture in place whose luminaire's record names it, as photoOf tells it. Deletes other
+    // leftovers that are older than an hour.
+    void Heal(const std::function<CString(int luminaireID)>& photoOf);
     // Deletes every file "<ID>.*" of the library.
     void DeletePhotos(int luminaireID) { DeleteOthers(luminaireID, {}); }
 
@@ -99,6 +106,7 @@ private:
 
     CString m_baseFolder;
     std::optional<Names> m_listing;  // while a CachedListing exists
+    bool m_isSynced = true;
 };
 
 }  // namespace quorvane

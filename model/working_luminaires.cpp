@@ -1,7 +1,10 @@
 #include "model/working_luminaires.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
+
+#include "model/async_reader.h"
 
 namespace quorvane {
 
@@ -26,6 +29,7 @@ WorkingLuminaires::WorkingLuminaires(CLightingDatabase& database, ReferenceLists
       m_copied{.luminaire = EmptyLuminaire(), .picture = {}, .factors = {}, .isForeignPhoto = false} {}
 
 bool WorkingLuminaires::Load(const CString& categoryText) {
+    HealLibrary();
     std::vector<tagLUMINAIREINFO> luminaires;
     const bool complete = m_database.LoadLuminairesByType(categoryText, luminaires);
     m_loadedCategory = categoryText;
@@ -38,6 +42,21 @@ bool WorkingLuminaires::Load(const CString& categoryText) {
     return complete;
 }
 
+void WorkingLuminaires::HealLibrary() {
+    if (m_isHealed) {
+        return;
+    }
+    std::vector<tagLUMINAIREINFO> luminaires;
+    m_isHealed = m_photos.Leftovers().isEmpty();
+    if (!m_isHealed && m_database.LoadLuminairesByType({}, luminaires)) {
+        m_photos.Heal([&](int id) {
+            const auto found = std::ranges::find(luminaires, id, &tagLUMINAIREINFO::ID);
+            return found == luminaires.end() ? CString() : found->LampPhoto;
+        });
+        m_isHealed = true;
+    }
+}
+
 // ---- Writing
 
 RecordStatements<tagLUMINAIREINFO> WorkingLuminaires::Statements() {
@@ -48,11 +67,37 @@ RecordStatements<tagLUMINAIREINFO> WorkingLuminaires::Statements() {
             .cause = [this] { return m_database.LastFailure(); }};
 }
 
+void WorkingLuminaires::CopyPhotos(const ProgressCallback& progress) {
+    m_staged.clear();
+    CopyUsedPictures();
+    std::vector<const tagLUMINAIREINFO*> records;
+    m_records.ForEach([&](const tagLUMINAIREINFO& record) {
+        if (!IsEmptyLuminaire(record) && IsToBeCopied(record)) {
+            records.push_back(&record);
+        }
+    });
+    for (const tagLUMINAIREINFO* record : records) {
+        CopyPhoto(*record,
+                  [&] { progress(static_cast<int>(m_staged.size()), static_cast<int>(records.size())); });
+    }
+}
+
+void WorkingLuminaires::CopyPhoto(const tagLUMINAIREINFO& record, const std::function<void()>& meanwhile) {
+    constexpr std::chrono::minutes patience(1);
+    const CString copied = PictureOf(record).file;
+    const auto staged = AsyncReader::Within(
+        patience, m_photos.Copying(copied.isEmpty() ? record.LampPhoto : copied), meanwhile);
+    m_staged[record.ID] =
+        staged.value_or(std::make_shared<PhotoCopy>(CString(), PhotoProblem::UnreadableSource));
+}
+
 SubmitFailures WorkingLuminaires::Submit(const ProgressCallback& progress) {
     m_lists.Invalidate();
     CopyUsedPictures();
     const PhotoLibrary::CachedListing listing(m_photos);
     SubmitFailures failures = m_records.Submit(Statements(), progress);
+    m_photos.Sync();
+    m_staged.clear();
     failures.photos = std::min(m_photoFailures, failures.writes);
     return failures;
 }
@@ -71,9 +116,14 @@ void WorkingLuminaires::Compare(SubmitFailures& failures) {
 WorkingLuminaires::Saved WorkingLuminaires::Save(int id) {
     m_lists.Invalidate();
     CopyUsedPictures();
+    if (const tagLUMINAIREINFO& record = *m_records.Find(id); IsToBeCopied(record)) {
+        CopyPhoto(record);
+    }
     SubmitScope scope(m_database);  // pasted factors are many statements
     const bool isChanged = m_records.IsChanged(id);
     Saved saved = m_records.SubmitOne(id, Statements());
+    m_photos.Sync();
+    m_staged.clear();
     saved.written = (scope.Finish() || !isChanged) && saved.written;
     return saved;
 }
@@ -127,6 +177,10 @@ bool WorkingLuminaires::Insert(tagLUMINAIREINFO& record) {
         unsaved.key() = record.ID;
         m_unsaved.insert(std::move(unsaved));
     }
+    if (auto staged = m_staged.extract(provisionalId)) {
+        staged.key() = record.ID;
+        m_staged.insert(std::move(staged));
+    }
     m_storedPhotos.insert(record.ID, m_storedPhotos.take(provisionalId));
     return Update(record);
 }
@@ -154,6 +208,11 @@ bool WorkingLuminaires::IsLeftAlone(const tagLUMINAIREINFO& record) const {
            PictureOf(record).file.isEmpty() && !m_photos.IsOwn(record.ID, record.LampPhoto);
 }
 
+bool WorkingLuminaires::IsToBeCopied(const tagLUMINAIREINFO& record) const {
+    return !record.LampPhoto.isEmpty() && !IsLeftAlone(record) && !m_isLibraryKept &&
+           !m_photos.IsOwn(record.ID, record.LampPhoto);
+}
+
 // A record whose photo cannot be stored is written with the photo that it has in the file, and counts as
 // unwritten. It keeps the photo that the user has chosen, for the next submit.
 bool WorkingLuminaires::WriteWithPhoto(tagLUMINAIREINFO& record) {
@@ -169,7 +228,9 @@ bool WorkingLuminaires::WriteWithPhoto(tagLUMINAIREINFO& record) {
                     .fallback = {},
                     .problem = PhotoProblem::UnwritableLibrary};
     } else {
-        prepared = m_photos.Prepare(record.ID, copied.isEmpty() ? chosen : copied);
+        const auto staged = m_staged.find(record.ID);
+        prepared = m_photos.Prepare(record.ID, copied.isEmpty() ? chosen : copied,
+                                    staged == m_staged.end() ? nullptr : staged->second);
     }
     record.LampPhoto = prepared.photo;
     bool written = m_database.UpdateLuminaire(record);

@@ -39,6 +39,10 @@ public:
     // luminaires are dropped. False when not all of them could be read.
     bool Load(const CString& categoryText);
 
+    // Copies the chosen photos of all records into the library, in threads of their own, so that a submit
+    // need not wait for their drives. To be called before a submit begins. Calls progress while it waits,
+    // with the photos copied and all photos.
+    void CopyPhotos(const ProgressCallback& progress);
     // Writes all records and deletes the removed ones with their photos.
     SubmitFailures Submit(const ProgressCallback& progress = {});
     // To be called after a submit; see WorkingRecords.
@@ -81,6 +85,11 @@ private:
     bool Insert(tagLUMINAIREINFO& record);
     bool Update(tagLUMINAIREINFO& record);
     bool Delete(int id);
+    void CopyPhoto(const tagLUMINAIREINFO& record, const std::function<void()>& meanwhile = {});
+    // Puts in place what a killed program has not.
+    void HealLibrary();
+    // Whether the record's photo is a picture that is still to be copied into the library.
+    bool IsToBeCopied(const tagLUMINAIREINFO& record) const;
     bool WriteWithPhoto(tagLUMINAIREINFO& record);
     // Whether the record's photo came with the file and is none of the luminaire's own.
     bool IsLeftAlone(const tagLUMINAIREINFO& record) const;
@@ -94,10 +103,12 @@ private:
     WorkingRecords<tagLUMINAIREINFO> m_records;
     std::optional<CString> m_loadedCategory;  // the text by which the records were loaded
     std::map<int, Unsaved> m_unsaved;         // by record ID
+    std::map<int, StagedPicture> m_staged;    // by record ID: the pictures that CopyPhotos has copied
     CopyBuffer m_copied;
     QHash<int, CString> m_storedPhotos;  // by record ID: the photos in the file
     PhotoProblem m_photoProblem = PhotoProblem::None;
     int m_photoFailures = 0;
+    bool m_isHealed = false;
     bool m_isLibraryKept = false;  // this submit must not replace or delete pictures
 };
 

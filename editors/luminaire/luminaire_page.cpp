@@ -359,7 +359,8 @@ void CQuorvaneLuminaireDlg::OpenFactorTable(int row) {
 
 bool CQuorvaneLuminaireDlg::Submit() {
     RunSubmit(this, kCaption, m_database,
-              {.write = [this](const ProgressCallback& progress) { return m_luminaires.Submit(progress); },
+              {.prepare = [this](const ProgressCallback& progress) { m_luminaires.CopyPhotos(progress); },
+               .write = [this](const ProgressCallback& progress) { return m_luminaires.Submit(progress); },
                .compare = [this](SubmitFailures& failures) { m_luminaires.Compare(failures); },
                .photoProblem = [this] { return m_luminaires.LastPhotoProblem(); }});
     const int withoutCategory = m_luminaires.CountWithoutCategory();

@@ -1,3 +1,4 @@
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTest>
@@ -235,6 +236,36 @@ private Q_SLOTS:
             QCOMPARE(place.Field("LampPhoto", 32), photo);
             QCOMPARE(place.Field("LampPhoto", 33), photo);
         }
+    }
+
+    // A drive that is slow or goes away meanwhile does not hold up the file's lock.
+    void PhotosAreCopiedBeforeTheSubmit() {
+        Place place;
+        tagLUMINAIREINFO added = EmptyLuminaire();
+        added.LampName = u"新灯"_s;
+        added.LampPhoto = place.Picture();
+        place.luminaires.Records().Append(added);
+        place.SetPhoto(31, added.LampPhoto);
+        place.luminaires.CopyPhotos([](int, int) {});
+        QVERIFY(QFile::remove(added.LampPhoto));
+        QVERIFY(place.luminaires.Submit().None());
+        QCOMPARE(place.Photos(), u"31.bmp=new 33.bmp=new"_s);
+    }
+
+    // Killed after the record of 31 was written, before that of 32, or while copying.
+    void WhatAKillLeftIsPutRight() {
+        Place place;
+        for (const QString& name : {u"31.bmp"_s, u"staged-31.jpg"_s, u"staged-32.bmp"_s, u"staged-7.jpg"_s,
+                                    u"copying-1"_s, u"copying-2"_s}) {
+            QFile file(place.Write(place.Library() + name, name.toUtf8()));
+            const int age = name.contains(u'7') || name.contains(u"g-1"_s) ? 4000 : 3000;  // seconds
+            QVERIFY(file.open(QIODevice::ReadWrite) &&
+                    file.setFileTime(QDateTime::currentDateTime().addSecs(-age),
+                                     QFileDevice::FileModificationTime));
+        }
+        WorkingLuminaires next(place.database, place.lists);
+        next.Load(u"1"_s);
+        QCOMPARE(place.Photos(), u"31.jpg=staged-31.jpg copying-2=copying-2 staged-32.bmp=staged-32.bmp"_s);
     }
 
     void PicturesChangeHandsInOneSubmit() {

@@ -1,0 +1,7 @@
+#include "model/folder_sync.h"
+
+namespace quorvane {
+
+void SyncFolder(const CString& /*folder*/) {}
+
+}  // namespace quorvane

@@ -6,7 +6,7 @@
 #include <QLocale>
 #include <QTranslator>
 
-#include "app/damage_notice.h"
+#include "app/file_notice.h"
 #include "app/main_dialog.h"
 #include "data/store/store_factory.h"
 #include "editors/light_source_page.h"
@@ -82,7 +82,7 @@ void CQuorvaneApp::Run() {
                             },
                         },
                         m_application.arguments().constLast());
-    const DamageNotice notice(m_database, dialog);
+    const FileNotice notice(m_database, dialog);
     dialog.exec();
     m_database.Disconnect();
 }

@@ -127,17 +127,28 @@ LoadCost LoadApart(const QString& program, const QString& file) {
     return cost;
 }
 
+// A new file of light sources that has just reached the size; gives its size in MB.
+double MakeFileOf(const QString& file, double megabytes) {
+    constexpr int kAtOnce = 2000;
+    const auto size = [&] { return static_cast<double>(QFileInfo(file).size()) / 1e6; };
+    const auto connection = MakeAccess(file, kAtOnce);
+    while (size() < megabytes) {
+        Fill(*connection, u"光源"_s, kLightSourceColumns, kAtOnce, LightSource);
+    }
+    connection->Close();
+    return size();
+}
+
 bool LoadingLargeFiles(const QString& program, const QString& folder) {
     const QString small = folder + u"/small.mdb"_s;
     const QString large = folder + u"/large.mdb"_s;
-    MakeAccess(small, 35'000)->Close();
-    MakeAccess(large, 372'000)->Close();
-    std::printf("files of %.1f and %.1f MB\n", static_cast<double>(QFileInfo(small).size()) / 1e6,
-                static_cast<double>(QFileInfo(large).size()) / 1e6);
+    const double fewMegabytes = MakeFileOf(small, 5);
+    const double manyMegabytes = MakeFileOf(large, 50);
     const LoadCost few = LoadApart(program, small);
     const LoadCost many = LoadApart(program, large);
-    const bool time =
-        Report("open, check and load 50 MB, beside 5 MB", many.milliseconds, few.milliseconds, "ms", 12);
+    const QByteArray name = QByteArray("open, check and load ") + QByteArray::number(manyMegabytes, 'f', 1) +
+                            " MB, beside " + QByteArray::number(fewMegabytes, 'f', 1) + " MB";
+    const bool time = Report(name.constData(), many.milliseconds, few.milliseconds, "ms", 12);
     return Report("memory for that", many.kilobytes, few.kilobytes, "kB", 1.5) && time;
 }
 

@@ -24,6 +24,7 @@ enum class FailureKind {
     Damaged,
     OutOfMemory,
     TimeLimit,       // the statement took too long and was interrupted
+    EmptyText,       // a text is empty in a column that takes no empty text
     QuoteInText,     // a text holds a single quote; nothing was run
     UnwritableValue  // a text that is not valid Unicode or a number that is not finite; nothing was run
 };
@@ -88,6 +89,9 @@ public:
     // ended. RequireSoundFile waits for its end and throws ProviderError when the file is damaged.
     virtual bool IsCheckRunning() const { return false; }
     virtual void RequireSoundFile() {}
+    // The path of a file in which opening has kept changes of a former run that could not go into the
+    // database, because it was changed in between; empty as a rule.
+    virtual CString ChangesPutAside() const { return {}; }
 };
 
 // Makes a connection, not yet open, for the database that the connection string names. Throws ProviderError

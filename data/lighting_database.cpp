@@ -84,6 +84,10 @@ bool CLightingDatabase::IsSound() {
     return IsConnected() && Try(u"IsSound"_s, [&] { m_connection->RequireSoundFile(); });
 }
 
+CString CLightingDatabase::ChangesPutAside() const {
+    return m_connection != nullptr ? m_connection->ChangesPutAside() : CString();
+}
+
 bool CLightingDatabase::IsConnected() {
     if (m_connection == nullptr) {
         m_lastFailure = {.kind = FailureKind::NotConnected, .message = {}, .column = {}};

@@ -42,6 +42,9 @@ public:
     // damaged. Nothing is written then.
     bool IsCheckRunning() const;
     bool IsSound();
+    // The path of a file that holds changes of a former run, which Connect could not bring into the database
+    // because it was changed in between; empty as a rule.
+    CString ChangesPutAside() const;
 
     // The full path of the database file, in backslash form, or empty.
     CString GetDatabasePath() const;

@@ -47,8 +47,16 @@ CString UnwritableText(const ProviderFailure& failure, int row) {
     const CString place = failure.column.isEmpty() || row == 0
                               ? u"文字"_s
                               : FormatText(u"第%d行“%s”一列"_s, {row, HeadingOf(failure.column)});
-    return place + (failure.kind == FailureKind::QuoteInText ? u"中含有单引号,不能写入。"_s
-                                                             : u"中含有不能写入的字符或数值。"_s);
+    switch (failure.kind) {
+        case FailureKind::EmptyText:
+            return place +
+                   u"是空的,而数据库的这一列不允许空字符串。请填写内容(图片请选择图片),"
+                   "或在Access中把该字段的“允许空字符串”改为“是”。"_s;
+        case FailureKind::QuoteInText:
+            return place + u"中含有单引号,不能写入。"_s;
+        default:
+            return place + u"中含有不能写入的字符或数值。"_s;
+    }
 }
 
 // Why statements failed; row is that of the failed record, or 0.
@@ -72,6 +80,7 @@ CString CauseText(const ProviderFailure& failure, int row) {
             return u"原因:内存不足。"_s;
         case FailureKind::TimeLimit:
             return u"原因:写入超时,已中断。"_s;
+        case FailureKind::EmptyText:
         case FailureKind::QuoteInText:
         case FailureKind::UnwritableValue:
             return u"原因:"_s + UnwritableText(failure, row);

@@ -24,6 +24,7 @@ public:
     void Close() override { m_connection->Close(); }
     bool IsCheckRunning() const override { return m_connection->IsCheckRunning(); }
     void RequireSoundFile() override { m_connection->RequireSoundFile(); }
+    CString ChangesPutAside() const override { return m_connection->ChangesPutAside(); }
 
 private:
     void CopyOnce();

@@ -47,9 +47,9 @@ void SqliteBackgroundCheck::State::Check(sqlite3* database) {
         const auto* check = static_cast<const State*>(state);
         return check->isToStop || check->deadline.hasExpired() ? 1 : 0;
     };
-    DistrustSchema(database);
+    GuardEngine(database, &deadline);
     sqlite3_busy_timeout(database, static_cast<int>(kBusyTimeout.count()));
-    sqlite3_progress_handler(database, 1000, look, this);
+    sqlite3_progress_handler(database, 1000, look, this);  // in the place of the guard's own
     const SqliteRecordset report(PrepareSqlite(database, u"PRAGMA integrity_check(1)"_s));
     const FieldValue value = report.Value(0);
     const auto* text = std::get_if<CString>(&value);

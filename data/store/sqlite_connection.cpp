@@ -70,8 +70,7 @@ void SqliteConnection::Open(const CString& connectionString, const CString& /*us
 void SqliteConnection::OpenPath(int busyTimeoutMs) {
     m_deadline.setRemainingTime(kTimeLimit);
     Database database = OpenFile(m_path);
-    DistrustSchema(database.get());
-    LimitTime(database.get(), &m_deadline);
+    GuardEngine(database.get(), &m_deadline);
     sqlite3_busy_timeout(database.get(), kBusyTimeoutMs);
     LockSqliteFile(database.get());
     sqlite3_busy_timeout(database.get(), busyTimeoutMs);

@@ -44,7 +44,7 @@ void RefuseSuperJournal(const CString& path) {
     }
 }
 
-void DistrustSchema(sqlite3* database) {
+void GuardEngine(sqlite3* database, const QDeadlineTimer* deadline) {
     sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
@@ -52,6 +52,10 @@ void DistrustSchema(sqlite3* database) {
     for (const auto& [limit, value] : kLimits) {
         sqlite3_limit(database, limit, value);
     }
+    sqlite3_progress_handler(
+        database, kOperationsBetweenLooks,
+        [](void* limit) { return static_cast<const QDeadlineTimer*>(limit)->hasExpired() ? 1 : 0; },
+        const_cast<QDeadlineTimer*>(deadline));
 }
 
 void RefuseViewsAsTables(sqlite3* database) {
@@ -63,13 +67,6 @@ void RefuseViewsAsTables(sqlite3* database) {
         throw ProviderError(u"%1 is not a table of the file"_s.arg(std::get<CString>(wrong.Value(0))),
                             FailureKind::Damaged);
     }
-}
-
-void LimitTime(sqlite3* database, const QDeadlineTimer* deadline) {
-    sqlite3_progress_handler(
-        database, kOperationsBetweenLooks,
-        [](void* limit) { return static_cast<const QDeadlineTimer*>(limit)->hasExpired() ? 1 : 0; },
-        const_cast<QDeadlineTimer*>(deadline));
 }
 
 }  // namespace quorvane

@@ -16,14 +16,12 @@ constexpr std::chrono::seconds kTimeLimit{10};
 // delete the file of that name. Throws ProviderError.
 void RefuseSuperJournal(const CString& path);
 
-// The schema of the file is data: it runs no triggers, no functions with side effects and no views, and it
-// cannot be rewritten. Large values and deep expressions are limited.
-void DistrustSchema(sqlite3* database);
+// For every database of the SQLite engine. The schema of a file is data: it runs no triggers, no functions
+// with side effects and no views, and it cannot be rewritten. Large values and deep expressions are limited.
+// What runs is interrupted when the deadline has passed; the deadline must outlive the database.
+void GuardEngine(sqlite3* database, const QDeadlineTimer* deadline);
 
 // Refuses a view or a virtual table in the place of one of the tables. Throws ProviderError.
 void RefuseViewsAsTables(sqlite3* database);
-
-// Interrupts what runs on the database when the deadline has passed. The deadline must outlive the database.
-void LimitTime(sqlite3* database, const QDeadlineTimer* deadline);
 
 }  // namespace quorvane

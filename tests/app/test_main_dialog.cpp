@@ -6,7 +6,7 @@
 #include <QTest>
 #include <QVBoxLayout>
 
-#include "app/damage_notice.h"
+#include "app/file_notice.h"
 #include "app/main_dialog.h"
 #include "app/single_instance.h"
 #include "tests/support/fake_connection.h"
@@ -89,8 +89,10 @@ struct CheckedConnection : FakeConnection {
             throw ProviderError(u"row 7 missing from index"_s, FailureKind::Damaged);
         }
     }
+    CString ChangesPutAside() const override { return putAside; }
     bool isRunning = true;
     bool isDamaged = true;
+    CString putAside;
 };
 
 constexpr int kSubmit = 1003;
@@ -149,7 +151,7 @@ private Q_SLOTS:
         QCOMPARE(fixture.answers.TakeSeen(), QStringList({kQuestion, kQuestion}));
     }
 
-    void DamageIsToldOnceTheCheckHasEnded() {
+    void WhatOpeningFoundIsToldOnceTheCheckHasEnded() {
         const auto connection = std::make_shared<CheckedConnection>();
         CLightingDatabase database(FakeConnection::Factory(connection), u"/opt/q/bin/quorvane"_s);
         QVERIFY(database.Connect());
@@ -157,7 +159,7 @@ private Q_SLOTS:
         const auto seenAfter = [&](bool isRunning, bool isDamaged) {
             connection->isRunning = isRunning;
             connection->isDamaged = isDamaged;
-            const DamageNotice notice(database, *fixture.dialog);
+            const FileNotice notice(database, *fixture.dialog);
             fixture.answers.Plan(u"确定"_s);
             QTest::qWait(350);
             return fixture.answers.TakeSeen();
@@ -166,6 +168,8 @@ private Q_SLOTS:
         QCOMPARE(seenAfter(false, false), QStringList());
         const QStringList told = seenAfter(false, true);
         QVERIFY(told.size() == 1 && told[0].contains(u"row 7 missing from index"_s));
+        connection->putAside = u"/opt/q/Vexal/a.mdb-redo-20260102-030405"_s;
+        QVERIFY(seenAfter(false, false).value(0).contains(connection->putAside));
     }
 
     // Without a folder for it there is no lock, and the program starts all the same.

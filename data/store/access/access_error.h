@@ -7,24 +7,28 @@
 namespace quorvane::access {
 
 enum class Fault {
-    Refused,   // the file or the value is nothing that this driver may read or write
-    Damaged,   // bytes that cannot be what they should be
-    ReadOnly,  // the file is open for reading alone
-    Changed,   // another program has changed the file since it was read
-    Failed,    // the system refused: no room, no permission, a device that fails
+    Refused,    // the file or the value is nothing that this driver may read or write
+    EmptyText,  // in a column that takes none
+    Damaged,    // bytes that cannot be what they should be
+    ReadOnly,   // the system forbids writing
+    Changed,    // another program has changed the file since it was read
+    Failed,     // the system could not: no room, a device that fails
 };
 
 // Thrown by every unit of this folder. Whatever a statement had changed until then is rolled back by the one
 // who began it.
 class AccessError : public std::runtime_error {
 public:
-    explicit AccessError(const QString& message, Fault fault = Fault::Refused)
-        : std::runtime_error(message.toStdString()), m_message(message), m_fault(fault) {}
+    explicit AccessError(const QString& message, Fault fault = Fault::Refused, const QString& column = {})
+        : std::runtime_error(message.toStdString()), m_message(message), m_column(column), m_fault(fault) {}
     const QString& Message() const { return m_message; }
     Fault Kind() const { return m_fault; }
+    // Of the value that must not be written; else empty.
+    const QString& Column() const { return m_column; }
 
 private:
     QString m_message;
+    QString m_column;
     Fault m_fault;
 };
 

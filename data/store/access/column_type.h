@@ -22,4 +22,20 @@ enum class ColumnType : quint8 {
     Decimal = 0x10,
 };
 
+// The bytes of a number. A boolean stands in the row's null mask; apart from the row it has one byte.
+constexpr qsizetype NumberWidth(ColumnType type) {
+    switch (type) {
+        case ColumnType::Boolean:
+        case ColumnType::Byte:
+            return 1;
+        case ColumnType::Integer:
+            return 2;
+        case ColumnType::Long:
+        case ColumnType::Single:
+            return 4;
+        default:
+            return 8;
+    }
+}
+
 }  // namespace quorvane::access

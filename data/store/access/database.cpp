@@ -71,15 +71,15 @@ Header CheckedHeader(FileSystem& files, const QString& path) {
 Database::Database(FileSystem& files, const QString& path) : m_header(CheckedHeader(files, path)) {
     try {
         if (m_header.hasPassword) {
-            throw AccessError(QStringLiteral("the file has a password"), Fault::ReadOnly);
+            throw AccessError(QStringLiteral("the file has a password"));
         }
         m_lock = std::make_unique<LockFile>(files, path);
         m_file = std::make_unique<PagedFile>(files, path, true);
     } catch (const AccessError& error) {
-        if (error.Kind() != Fault::ReadOnly && error.Kind() != Fault::Failed) {
+        if (error.Kind() == Fault::Damaged) {
             throw;
         }
-        ForbidWriting(error.Message());
+        ForbidWriting(error);
         m_lock.reset();
         m_file = std::make_unique<PagedFile>(files, path, false);
     }
@@ -87,7 +87,7 @@ Database::Database(FileSystem& files, const QString& path) : m_header(CheckedHea
     try {
         m_allocator->RequireWholeMap();
     } catch (const AccessError& error) {
-        ForbidWriting(error.Message());
+        ForbidWriting(error);
     }
 }
 
@@ -97,8 +97,10 @@ void Database::Load() {
     m_catalog = ReadCatalog(*m_file);
 }
 
-void Database::ForbidWriting(const QString& reason) {
-    m_readOnlyReason = reason;
+void Database::RequireSound() const {
+    if (m_refusal && m_refusal->Kind() == Fault::Damaged) {
+        throw *m_refusal;
+    }
 }
 
 Table& Database::Find(const QString& name) {
@@ -126,9 +128,9 @@ void Database::Reload() {
 }
 
 void Database::BeginStatement() {
-    if (!m_readOnlyReason.isEmpty()) {
-        throw AccessError(QStringLiteral("the file is open for reading only: %1").arg(m_readOnlyReason),
-                          Fault::ReadOnly);
+    if (m_refusal) {
+        throw AccessError(QStringLiteral("the file is open for reading only: %1").arg(m_refusal->Message()),
+                          m_refusal->Kind());
     }
     m_file->BeginStatement();
 }

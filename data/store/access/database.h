@@ -2,6 +2,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "data/store/access/disk/lock_file.h"
@@ -18,11 +20,13 @@ public:
     Database(FileSystem& files, const QString& path);
 
     // Empty when the file may be written.
-    const QString& ReadOnlyReason() const { return m_readOnlyReason; }
-    // From now on every statement that writes is refused with this reason.
-    void ForbidWriting(const QString& reason);
-    // What was done at opening that the user should know; empty as a rule.
-    const QString& Notice() const { return m_file->Notice(); }
+    QString ReadOnlyReason() const { return m_refusal ? m_refusal->Message() : QString(); }
+    // From now on every statement that writes is refused for this reason.
+    void ForbidWriting(const AccessError& reason) { m_refusal = reason; }
+    // Throws the reason when it is damage.
+    void RequireSound() const;
+    // Where changes of a former run were put that belong to another state of the file; empty as a rule.
+    const QString& LogAside() const { return m_file->LogAside(); }
 
     const Pages& AllPages() const { return *m_file; }
     const Header& FileHeader() const { return m_header; }
@@ -42,12 +46,17 @@ public:
     void Rollback();
     void EndSubmit() { m_file->EndSubmit(); }
 
+    // The last failure within a statement, kept for the one who runs it through something that cannot throw.
+    void KeepFailure(const AccessError& failure) { m_failure = failure; }
+    std::optional<AccessError> TakeFailure() { return std::exchange(m_failure, std::nullopt); }
+
 private:
     void Load();
     std::vector<bool> ClaimedPages() const;
 
-    QString m_readOnlyReason;
-    std::unique_ptr<LockFile> m_lock;  // outlives the file, which may still have to be written
+    std::optional<AccessError> m_failure;
+    std::optional<AccessError> m_refusal;  // why the file may not be written
+    std::unique_ptr<LockFile> m_lock;      // outlives the file, which may still have to be written
     Header m_header;
     std::unique_ptr<PagedFile> m_file;
     std::unique_ptr<PageAllocator> m_allocator;

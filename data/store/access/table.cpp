@@ -167,7 +167,7 @@ void Table::Delete(RowAddress row) {
 // --- what a row has to obey --------------------------------------------------------------------------------
 
 void Table::RequireWritable() const {
-    const auto refuse = [](const QString& reason) { throw AccessError(reason, Fault::ReadOnly); };
+    const auto refuse = [](const QString& reason) { throw AccessError(reason); };
     if (m_entry.linked || m_entry.system || m_definition.system) {
         refuse(QStringLiteral("the table is not one of this database's own"));
     }
@@ -194,7 +194,8 @@ void Table::Refuse(const StoredValues& contents, const AccessError& error) const
     const bool isNamed = key != Columns().end() && At(contents, *key);
     const QString row =
         isNamed ? QStringLiteral("row %1").arg(ToNumber(At(contents, *key))) : QStringLiteral("row");
-    throw AccessError(QStringLiteral("table %1, %2: %3").arg(Name(), row, error.Message()), error.Kind());
+    throw AccessError(QStringLiteral("table %1, %2: %3").arg(Name(), row, error.Message()), error.Kind(),
+                      error.Column());
 }
 
 // What the column holds for a value; of a memo or picture, the content of its long value.
@@ -209,11 +210,12 @@ StoredValue Table::Checked(const Column& column, const Value& value) const {
             throw AccessError(QStringLiteral("a value is required"));
         }
         if (content && content->isEmpty() && column.IsText() && !rules.takesEmpty) {
-            throw AccessError(QStringLiteral("an empty text is not allowed"));
+            throw AccessError(QStringLiteral("an empty text is not allowed"), Fault::EmptyText);
         }
         return content;
     } catch (const AccessError& error) {
-        throw AccessError(QStringLiteral("column %1: %2").arg(column.name, error.Message()), error.Kind());
+        throw AccessError(QStringLiteral("column %1: %2").arg(column.name, error.Message()), error.Kind(),
+                          column.name);
     }
 }
 

@@ -19,14 +19,18 @@ std::shared_ptr<Connection> Open(const QString& file) {
     return connection;
 }
 
-// Why a statement fails; empty when it does not.
-QString Complaint(Connection& connection, const QString& statement) {
+// Why a statement fails; without a message when it does not.
+ProviderFailure Failure(Connection& connection, const QString& statement) {
     try {
         connection.Execute(statement);
         return {};
     } catch (const ProviderError& error) {
-        return error.Message();
+        return error.Failure();
     }
+}
+
+QString Complaint(Connection& connection, const QString& statement) {
+    return Failure(connection, statement).message;
 }
 
 FieldValue First(Connection& connection, const QString& query) {
@@ -75,6 +79,7 @@ private Q_SLOTS:
             {u"update 光源 set Factory='"_s + QString(256, u'x') + u"' where ID=5"_s,
              {u"Factory"_s, u"256"_s}},
             {u"select * from 光源; select 1"_s, {u"follows"_s}},
+            {u"update 光源 set Factory=zeroblob(99999999)"_s, {u"too big"_s}},
         };
         for (const auto& [statement, words] : cases) {
             const QString complaint = Complaint(*database, statement);
@@ -91,12 +96,22 @@ private Q_SLOTS:
         const QByteArray damaged = Bytes(m_file);
         const auto database = Open(m_file);
         QCOMPARE(First(*database, u"select count(*) from 光源类别"_s), FieldValue(qint64{20}));
-        const QString complaint = Complaint(*database, u"update 光源 set Factory='x'"_s);
-        QVERIFY2(complaint.contains(u"reading only") && complaint.contains(u"光源类别"),
-                 qPrintable(complaint));
+        const ProviderFailure failure = Failure(*database, u"update 光源 set Factory='x'"_s);
+        QVERIFY2(failure.message.contains(u"reading only") && failure.message.contains(u"光源类别"),
+                 qPrintable(failure.message));
+        QCOMPARE(failure.kind, FailureKind::Damaged);
+        QVERIFY_THROWS_EXCEPTION(ProviderError, database->RequireSoundFile());
         database->Close();
         QCOMPARE(Bytes(m_file), damaged);
         QCOMPARE(CheckStoreFile(m_file).size(), 1);
+    }
+
+    void EmptyTextsAreToldByTheirColumn() {
+        QVERIFY(QFile::remove(m_file) &&
+                QFile::copy(QStringLiteral(ACCESS_FIXTURES "/adox-chinese.mdb"), m_file));
+        const ProviderFailure failure = Failure(*Open(m_file), u"update 灯具 set LampPhoto='' where ID=1"_s);
+        QVERIFY(failure.kind == FailureKind::EmptyText && failure.column == u"LampPhoto");
+        QVERIFY(failure.message.contains(u"灯具") && failure.message.contains(u"row 1"));
     }
 
     // One statement tells, and the next query reads the file as it is. Until then nothing is written.

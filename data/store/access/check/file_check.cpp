@@ -39,11 +39,13 @@ void CheckDataPages(const Pages& pages, const std::vector<PageNumber>& numbers, 
 // One table with all that belongs to it. What is found goes into the list of faults.
 class TableCheck {
 public:
-    TableCheck(Database& database, const CatalogEntry& entry, PageClaims& claims, QStringList& faults)
+    TableCheck(Database& database, const CatalogEntry& entry, PageClaims& claims, QDeadlineTimer deadline,
+               QStringList& faults)
         : m_database(database),
           m_pages(database.AllPages()),
           m_entry(entry),
           m_claims(claims),
+          m_deadline(deadline),
           m_faults(faults) {}
 
     void Run() {
@@ -71,6 +73,12 @@ private:
         }
     }
 
+    void RequireTime() const {
+        if (m_deadline.hasExpired()) {
+            throw AccessError(QStringLiteral("the check takes too long"));
+        }
+    }
+
     void CheckMaps(RowAddress owned, RowAddress withRoom, quint32 owner) {
         m_claims.UseCarriers(owned);
         const std::vector<PageNumber> pages = MappedPages(m_pages, owned);
@@ -91,6 +99,7 @@ private:
         CheckMaps(table.owned, table.withRoom, table.page);
         for (const auto& [column, maps] : table.longValues) {
             CheckMaps(maps.owned, maps.withRoom, kLongValueOwner);
+            m_longPages[column] = MappedPages(m_pages, maps.owned);
         }
     }
 
@@ -99,6 +108,7 @@ private:
         m_rows = 0;
         SlotSet targets;
         for (TableScan scan = table.Scan(); !scan.AtEnd(); scan.MoveNext()) {
+            RequireTime();
             const FoundRow& row = scan.Row();
             ++m_rows;
             if (row.home != row.data && !targets.Insert(row.data)) {
@@ -106,6 +116,10 @@ private:
             }
             const RowView view(table.Definition(), row.bytes);
             for (const Column& column : table.Columns()) {
+                if (column.IsLong() && !view.IsNull(column)) {
+                    m_claims.UsePieces(LongValuePieces(m_pages, view.Bytes(column)),
+                                       m_longPages[column.number]);
+                }
                 const Value value = ReadValue(m_pages, view, column);
                 if (column.autoNumber && std::holds_alternative<qint64>(value)) {
                     greatest = std::max(greatest, std::get<qint64>(value));
@@ -142,6 +156,7 @@ private:
         QByteArray previous;
         StoredValues values(static_cast<std::size_t>(table.Definition().maxColumns));
         for (IndexCursor cursor = index.First(); !cursor.AtEnd(); cursor.MoveNext(), ++entries) {
+            RequireTime();
             const QByteArray entry = cursor.Entry();
             const std::optional<FoundRow> row = table.Find(RowOfEntry(entry));
             if (!row) {
@@ -219,13 +234,15 @@ private:
     const Pages& m_pages;
     const CatalogEntry& m_entry;
     PageClaims& m_claims;
+    QDeadlineTimer m_deadline;
     QStringList& m_faults;
+    std::map<int, std::vector<PageNumber>> m_longPages;  // of the long values, by column
     quint32 m_rows = 0;
 };
 
 }  // namespace
 
-QStringList CheckFile(Database& database) {
+QStringList CheckFile(Database& database, QDeadlineTimer deadline) {
     QStringList faults;
     PageClaims claims(database.AllPages());
     const auto attempt = [&](const auto& check) {
@@ -241,7 +258,7 @@ QStringList CheckFile(Database& database) {
     attempt([&] { claims.UseCarriers(kGlobalMap); });
     for (const CatalogEntry& table : database.Catalog()) {
         if (!table.linked) {
-            TableCheck(database, table, claims, faults).Run();
+            TableCheck(database, table, claims, deadline, faults).Run();
         }
     }
     attempt([&] { claims.RequireNotFree(); });

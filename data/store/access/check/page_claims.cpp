@@ -1,5 +1,7 @@
 #include "data/store/access/check/page_claims.h"
 
+#include <algorithm>
+
 namespace quorvane::access {
 
 void PageClaims::Use(const std::vector<PageNumber>& pages) {
@@ -19,6 +21,17 @@ void PageClaims::UseCarriers(RowAddress map) {
     for (const PageNumber page : MapCarriers(m_pages, map)) {
         if (m_carriers.insert(page).second) {
             Use({page});
+        }
+    }
+}
+
+void PageClaims::UsePieces(const std::vector<RowAddress>& pieces, const std::vector<PageNumber>& pages) {
+    for (const RowAddress piece : pieces) {
+        if (!std::binary_search(pages.begin(), pages.end(), piece.page)) {
+            ThrowDamaged(QStringLiteral("a piece of a long value stands on a page of another column"));
+        }
+        if (!m_pieces.insert(quint64{piece.page} << 8 | piece.row).second) {
+            ThrowDamaged(QStringLiteral("two long values share a piece"));
         }
     }
 }

@@ -17,6 +17,9 @@ public:
     void Use(const std::vector<PageNumber>& pages);
     // The pages that hold a map's bits; several maps share them.
     void UseCarriers(RowAddress map);
+    // Enters the pieces of a long value, which have to stand on one of the pages of its column. Throws when
+    // another value has one of them.
+    void UsePieces(const std::vector<RowAddress>& pieces, const std::vector<PageNumber>& pages);
     // Enters pages that a map lists and nothing uses. Seen in sound files; they must not be given away.
     void Claim(const std::vector<PageNumber>& pages);
 
@@ -29,6 +32,7 @@ private:
     std::vector<bool> m_claimed;
     std::vector<bool> m_used;
     std::set<PageNumber> m_carriers;
+    std::set<quint64> m_pieces;
 };
 
 }  // namespace quorvane::access

@@ -17,7 +17,7 @@ struct FileStamp {
     bool operator==(const FileStamp&) const = default;
 };
 
-// An open file. Every failure is an AccessError with the system's reason.
+// An open file. Every failure is an AccessError with the system's reason, ReadOnly or Failed.
 class File {
 public:
     virtual ~File() = default;

@@ -18,9 +18,10 @@ namespace quorvane::access {
 namespace {
 
 [[noreturn]] void ThrowFailure(const QString& action, const QString& path, int error = errno) {
+    const bool isForbidden = error == EACCES || error == EPERM || error == EROFS;
     throw AccessError(
         QStringLiteral("%1 cannot be %2: %3").arg(path, action, QString::fromLocal8Bit(std::strerror(error))),
-        Fault::Failed);
+        isForbidden ? Fault::ReadOnly : Fault::Failed);
 }
 
 class UnixFile : public File {

@@ -17,9 +17,10 @@ namespace quorvane::access {
 namespace {
 
 [[noreturn]] void ThrowFailure(const QString& action, const QString& path, DWORD error = ::GetLastError()) {
+    const bool isForbidden = error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT;
     throw AccessError(
         QStringLiteral("%1 cannot be %2: %3").arg(path, action, qt_error_string(static_cast<int>(error))),
-        Fault::Failed);
+        isForbidden ? Fault::ReadOnly : Fault::Failed);
 }
 
 // The form of a path that may have more than 260 characters.

@@ -103,7 +103,7 @@ void PagedFile::RequireUnchanged() const {
 void PagedFile::Reload() {
     Rollback();
     if (m_log != nullptr) {
-        PutLogAside(QStringLiteral("another program has changed the file"));
+        PutLogAside();
     }
     m_pending.clear();
     m_cache.Clear();
@@ -114,7 +114,7 @@ void PagedFile::Reload() {
 
 void PagedFile::BeginStatement() {
     if (!m_writable) {
-        throw AccessError(QStringLiteral("the file is open for reading only"), Fault::ReadOnly);
+        throw AccessError(QStringLiteral("the file is open for reading only"));
     }
     if (m_writing || m_pending.size() > kMostPending) {
         EndSubmit();
@@ -231,11 +231,12 @@ void PagedFile::Recover() {
         }
     } catch (const AccessError& error) {
         m_pending.clear();
-        if (error.Kind() == Fault::Failed || (!m_writable && log.marked)) {
+        const bool isOfSystem = error.Kind() == Fault::Failed || error.Kind() == Fault::ReadOnly;
+        if (isOfSystem || (!m_writable && log.marked)) {
             throw;
         }
         if (m_writable) {
-            PutLogAside(error.Message());
+            PutLogAside();
         }
         return;
     }
@@ -246,8 +247,6 @@ void PagedFile::Recover() {
     if (m_writable && log.statements > 0) {
         m_log = std::make_unique<RedoLog>(*m_files, LogPath(m_path), log);
         PutInPlace();
-        m_notice = QStringLiteral("changes that had not reached the file were finished: %1 statements")
-                       .arg(log.statements);
     } else if (m_writable) {
         m_files->Remove(LogPath(m_path));
     }
@@ -284,7 +283,7 @@ void PagedFile::ApplyFoundLog(const FoundLog& log) {
     }
 }
 
-void PagedFile::PutLogAside(const QString& reason) {
+void PagedFile::PutLogAside() {
     const QString stem = LogPath(m_path) + QDateTime::currentDateTime().toString(u"-yyyyMMdd-HHmmss");
     QString aside = stem;
     for (int number = 2; m_files->Exists(aside); ++number) {
@@ -294,7 +293,7 @@ void PagedFile::PutLogAside(const QString& reason) {
     m_pending.clear();
     m_writing = false;
     m_files->Rename(LogPath(m_path), aside);
-    m_notice = QStringLiteral("a log of changes was put aside as %1: %2").arg(aside, reason);
+    m_logAside = aside;
 }
 
 }  // namespace quorvane::access

@@ -27,8 +27,8 @@ public:
     // Ends the submit; a failure leaves the log for the next opening.
     ~PagedFile() override;
 
-    // What happened to a log that was found at opening, as a line to show; empty when nothing did.
-    const QString& Notice() const { return m_notice; }
+    // Where a log was put that belongs to another state of the file; empty when none was.
+    const QString& LogAside() const { return m_logAside; }
 
     PageNumber Count() const override { return m_count; }
     PagePointer Read(PageNumber page) const override;
@@ -56,7 +56,7 @@ private:
 
     void Recover();
     void ApplyFoundLog(const FoundLog& log);
-    void PutLogAside(const QString& reason);
+    void PutLogAside();
     std::shared_ptr<Page> ReadFromFile(PageNumber page) const;
     LogBase PresentState() const;
     void RequireBasePages() const;
@@ -66,7 +66,7 @@ private:
     FileSystem* m_files;
     QString m_path;
     bool m_writable;
-    QString m_notice;
+    QString m_logAside;
     std::unique_ptr<File> m_file;
     FileStamp m_stamp;
     PageNumber m_fileCount = 0;  // pages in the file itself

@@ -28,21 +28,6 @@ void AppendStart(QByteArray& key, bool ascending) {
     key += ascending ? '\x7f' : '\x80';
 }
 
-qsizetype NumberWidth(ColumnType type) {
-    switch (type) {
-        case ColumnType::Boolean:
-        case ColumnType::Byte:
-            return 1;
-        case ColumnType::Integer:
-            return 2;
-        case ColumnType::Long:
-        case ColumnType::Single:
-            return 4;
-        default:
-            return 8;
-    }
-}
-
 // An integer with its sign bit flipped sorts as an unsigned number. A negative real sorts backwards besides.
 void AppendNumberKey(QByteArray& key, ColumnType type, bool ascending, QByteArrayView value) {
     std::array<char, 9> bytes{ascending ? '\x7f' : '\x80'};

@@ -38,9 +38,7 @@ QByteArrayView Piece(const Page& page, RowAddress address) {
     return SlotBytes(page, slot);
 }
 
-}  // namespace
-
-QByteArray ReadLongValue(const Pages& pages, QByteArrayView head) {
+QByteArray Read(const Pages& pages, QByteArrayView head, std::vector<RowAddress>& pieces) {
     const auto length = static_cast<qsizetype>(ReadU32(head, 0) & kLengthMask);
     const quint32 kind = Kind(head);
     QByteArray value;
@@ -54,6 +52,7 @@ QByteArray ReadLongValue(const Pages& pages, QByteArrayView head) {
             const PagePointer page = pages.Read(next.page);
             const QByteArrayView piece = Piece(*page, next);
             const bool chained = kind != kSingle;
+            pieces.push_back(next);
             next = chained ? ReadRowAddress(piece, 0) : RowAddress();
             value += chained ? piece.sliced(kNextPiece) : piece;
             if (chained && piece.size() == kNextPiece) {
@@ -65,6 +64,19 @@ QByteArray ReadLongValue(const Pages& pages, QByteArrayView head) {
         ThrowDamaged(QStringLiteral("a long value is not as long as it says"));
     }
     return value;
+}
+
+}  // namespace
+
+QByteArray ReadLongValue(const Pages& pages, QByteArrayView head) {
+    std::vector<RowAddress> pieces;
+    return Read(pages, head, pieces);
+}
+
+std::vector<RowAddress> LongValuePieces(const Pages& pages, QByteArrayView head) {
+    std::vector<RowAddress> pieces;
+    Read(pages, head, pieces);
+    return pieces;
 }
 
 LongValueWriter::LongValueWriter(Pages& pages, PageAllocator& allocator, RowAddress owned,
@@ -119,16 +131,9 @@ PageNumber LongValueWriter::PageWithRoom(qsizetype length) {
 }
 
 void LongValueWriter::Release(QByteArrayView head) {
-    ReadLongValue(m_pages, head);  // a damaged chain is not followed while pieces are removed
-    if ((Kind(head) & kInline) != 0) {
-        return;
-    }
-    RowAddress next = ReadRowAddress(head, 4);
-    while (next.page != 0) {
-        const bool chained = Kind(head) != kSingle;
-        const QByteArray piece = Piece(*m_pages.Read(next.page), next).toByteArray();
-        RemovePiece(next);
-        next = chained ? ReadRowAddress(piece, 0) : RowAddress();
+    // A damaged chain is not followed while pieces are removed.
+    for (const RowAddress piece : LongValuePieces(m_pages, head)) {
+        RemovePiece(piece);
     }
 }
 

@@ -10,6 +10,8 @@ namespace quorvane::access {
 
 // The value behind a head. Throws when the pieces are not what the head says.
 QByteArray ReadLongValue(const Pages& pages, QByteArrayView head);
+// Where its pieces stand; none when it follows its head. Throws as ReadLongValue does.
+std::vector<RowAddress> LongValuePieces(const Pages& pages, QByteArrayView head);
 
 class LongValueWriter {
 public:

@@ -232,8 +232,7 @@ void PageAllocator::RequireWholeMap() const {
     }
     for (quint64 first = 0; first < m_pages->Count(); first += kPagesABitsPage) {
         if (!m_free.HasBitsPage(first / kPagesABitsPage)) {
-            throw AccessError(QStringLiteral("the map of free pages lacks the pages from %1 on").arg(first),
-                              Fault::ReadOnly);
+            throw AccessError(QStringLiteral("the map of free pages lacks the pages from %1 on").arg(first));
         }
     }
 }

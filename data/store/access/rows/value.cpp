@@ -23,20 +23,6 @@ constexpr qsizetype kGuidLength = 16;
     throw AccessError(reason);
 }
 
-qsizetype Width(ColumnType type) {
-    switch (type) {
-        case ColumnType::Byte:
-            return 1;
-        case ColumnType::Integer:
-            return 2;
-        case ColumnType::Long:
-        case ColumnType::Single:
-            return 4;
-        default:
-            return 8;
-    }
-}
-
 // --- reading
 
 // The shortest decimal number that is nearest to the single, so that 0.74 is 0.74 again.
@@ -49,8 +35,8 @@ double FromSingle(float number) {
 }
 
 Value ReadNumeric(QByteArrayView bytes, ColumnType type) {
-    const quint64 bits = ReadNumber(bytes, 0, Width(type));
-    if (bytes.size() != Width(type)) {
+    const quint64 bits = ReadNumber(bytes, 0, NumberWidth(type));
+    if (bytes.size() != NumberWidth(type)) {
         ThrowDamaged(QStringLiteral("a number has %1 bytes").arg(bytes.size()));
     }
     switch (type) {
@@ -193,7 +179,7 @@ QByteArray PlainBytes(const Value& value, const Column& column) {
 
 QByteArray NumberBytes(quint64 bits, ColumnType type) {
     QByteArray bytes;
-    AppendNumber(bytes, Width(type), bits);
+    AppendNumber(bytes, NumberWidth(type), bits);
     return bytes;
 }
 

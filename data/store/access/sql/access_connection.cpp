@@ -8,6 +8,7 @@
 #include "data/store/access/sql/virtual_table.h"
 #include "data/store/connection_string.h"
 #include "data/store/dialect.h"
+#include "data/store/sqlite_guard.h"
 
 namespace quorvane {
 
@@ -17,6 +18,8 @@ using namespace access;
 
 FailureKind KindOf(Fault fault) {
     switch (fault) {
+        case Fault::EmptyText:
+            return FailureKind::EmptyText;
         case Fault::Damaged:
             return FailureKind::Damaged;
         case Fault::ReadOnly:
@@ -34,18 +37,19 @@ auto AsProviderError(const Action& action) {
     try {
         return action();
     } catch (const AccessError& error) {
-        throw ProviderError(error.Message(), KindOf(error.Kind()));
+        throw ProviderError(
+            {.kind = KindOf(error.Kind()), .message = error.Message(), .column = error.Column()});
     }
 }
 
 // A damaged file is shown as far as it can be read, and never written.
-void RequireSound(Database& database) {
-    const QStringList faults = CheckFile(database);
+void CheckBeforeWriting(Database& database, QDeadlineTimer deadline) {
+    const QStringList faults = CheckFile(database, deadline);
     if (!faults.isEmpty()) {
-        database.ForbidWriting(
-            faults.size() == 1
-                ? faults.first()
-                : QStringLiteral("%1 (and %2 more)").arg(faults.first()).arg(faults.size() - 1));
+        const QString first = faults.first();
+        database.ForbidWriting(AccessError(
+            faults.size() == 1 ? first : QStringLiteral("%1 (and %2 more)").arg(first).arg(faults.size() - 1),
+            Fault::Damaged));
     }
 }
 
@@ -64,6 +68,7 @@ QStringList CheckAccessFile(const QString& path) {
 
 void AccessConnection::Open(const CString& connectionString, const CString& /*user*/,
                             const CString& /*password*/, int /*options*/) {
+    m_deadline.setRemainingTime(kTimeLimit);
     AsProviderError([&] {
         m_database = std::make_shared<Database>(m_files, NativePath(DataSource(connectionString)));
         Load();
@@ -71,13 +76,15 @@ void AccessConnection::Open(const CString& connectionString, const CString& /*us
 }
 
 void AccessConnection::Load() {
-    RequireSound(*m_database);
+    CheckBeforeWriting(*m_database, m_deadline);
     sqlite3* handle = nullptr;
     const int result = sqlite3_open_v2(":memory:", &handle, SQLITE_OPEN_READWRITE, nullptr);
     m_engine.reset(handle);
     if (result != SQLITE_OK) {
         throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
     }
+    GuardEngine(handle, &m_deadline);
+    m_deadline.setRemainingTime(kTimeLimit);
     m_leftOut = DeclareTables(handle, m_database);
 }
 
@@ -85,6 +92,7 @@ std::unique_ptr<Recordset> AccessConnection::Execute(const CString& statement) {
     if (m_engine == nullptr) {
         throw ProviderError(QStringLiteral("the connection is not open"));
     }
+    m_deadline.setRemainingTime(kTimeLimit);
     return AsProviderError([&] {
         SqliteStatement prepared = Prepare(statement);
         if (m_changedOutside && sqlite3_stmt_readonly(prepared.get()) != 0) {
@@ -93,12 +101,25 @@ std::unique_ptr<Recordset> AccessConnection::Execute(const CString& statement) {
             prepared = Prepare(statement);
         }
         RequireUnchanged();
-        auto rows = std::make_unique<SqliteRecordset>(std::move(prepared));
+        auto rows = Run(std::move(prepared));
         if (!m_inSubmit) {
             PutOnDisk();
         }
         return rows;
     });
+}
+
+// The engine passes on the text alone of what a table reported.
+std::unique_ptr<Recordset> AccessConnection::Run(SqliteStatement statement) {
+    m_database->TakeFailure();
+    try {
+        return std::make_unique<SqliteRecordset>(std::move(statement));
+    } catch (const ProviderError&) {
+        if (const std::optional<AccessError> failure = m_database->TakeFailure()) {
+            throw *failure;
+        }
+        throw;
+    }
 }
 
 void AccessConnection::RequireUnchanged() {
@@ -150,6 +171,16 @@ void AccessConnection::EndSubmit() {
     if (m_database != nullptr) {
         AsProviderError([&] { PutOnDisk(); });
     }
+}
+
+void AccessConnection::RequireSoundFile() {
+    if (m_database != nullptr) {
+        AsProviderError([&] { m_database->RequireSound(); });
+    }
+}
+
+CString AccessConnection::ChangesPutAside() const {
+    return m_database != nullptr ? m_database->LogAside() : CString();
 }
 
 void AccessConnection::Close() {

@@ -1,6 +1,7 @@
 // The driver for Access files: the SQLite engine over tables that it reads and writes through this folder.
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QStringList>
 #include <map>
 
@@ -37,6 +38,8 @@ public:
     void EndSubmit() override;
     // Fails while a record set of this connection is still open.
     void Close() override;
+    void RequireSoundFile() override;
+    CString ChangesPutAside() const override;
 
 private:
     struct EngineCloser {
@@ -46,6 +49,7 @@ private:
 
     void Load();
     void Reload();
+    std::unique_ptr<Recordset> Run(SqliteStatement statement);
     void RequireUnchanged();
     SqliteStatement Prepare(const CString& statement) const;
     void PutOnDisk();
@@ -53,6 +57,7 @@ private:
     access::FileSystem& m_files;
     std::shared_ptr<access::Database> m_database;  // null: not open
     std::map<CString, CString> m_leftOut;          // tables that cannot be shown, in lower case: why
+    QDeadlineTimer m_deadline;                     // of the present statement
     Engine m_engine;
     bool m_inSubmit = false;
     bool m_changedOutside = false;

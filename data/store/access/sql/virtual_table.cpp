@@ -143,7 +143,14 @@ int Run(char** message, const Action& action) {
 }
 template <typename Action>
 int Run(sqlite3_vtab* table, const Action& action) {
-    return Run(&table->zErrMsg, action);
+    return Run(&table->zErrMsg, [&] {
+        try {
+            action();
+        } catch (const AccessError& error) {
+            Of(table).database.KeepFailure(error);
+            throw;
+        }
+    });
 }
 
 // --- declaring

@@ -1,5 +1,5 @@
-// DamageNotice: tells the user once when the check of the database file, which may go on after the window is
-// there, has found damage.
+// FileNotice: tells the user once what was found when the database was opened: damage, by a check that may go
+// on after the window is there, and changes of a former run that could not be brought into the file.
 #pragma once
 
 #include <QTimer>
@@ -8,10 +8,10 @@
 
 namespace quorvane {
 
-class DamageNotice {
+class FileNotice {
 public:
     // Starts waiting for the end of the check. Both outlive the notice; window is the parent of the message.
-    DamageNotice(CLightingDatabase& database, QWidget& window);
+    FileNotice(CLightingDatabase& database, QWidget& window);
 
 private:
     void Look();

@@ -39,6 +39,7 @@ private Q_SLOTS:
         const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
         shown.DoubleClick(2, 1);
         QCOMPARE(shown.Editor()->selectedText(), u"2,1"_s);
+        QVERIFY(grid.CellRect(2, 1).contains(shown.Editor()->geometry()));
         grid.EndEdit();
         QCOMPARE(ended.count(), 1);  // also when nothing was changed
         QCOMPARE(ended.at(0), (QVariantList{2, 1}));
@@ -152,6 +153,8 @@ private Q_SLOTS:
         shown.DoubleClick(2, 1);
         QTest::mouseRelease(grid.viewport(), Qt::LeftButton, {}, shown.Middle(2, 1));
         QVERIFY(!grid.IsEditing() && clicked.count() == 1);  // the second press is no second click
+        shown.Click(2, 1);
+        QCOMPARE(clicked.count(), 2);
         QVERIFY(!grid.inputMethodQuery(Qt::ImEnabled).toBool());
         shown.DoubleClick(2, 0);
         QVERIFY(!grid.IsEditing());
@@ -307,7 +310,7 @@ private Q_SLOTS:
     }
 
     void listByMouse() {
-        const ShownGrid shown(4, 3);
+        ShownGrid shown(4, 3);
         CGridCtrl& grid = *shown.grid;
         shown.MakeCombo(2, 1, {u"RCR"_s, u"2,1"_s, u"荧光灯"_s});
         shown.Click(2, 1);
@@ -318,6 +321,12 @@ private Q_SLOTS:
         QTest::mouseClick(List()->viewport(), Qt::LeftButton, {}, third.center());
         QVERIFY(List() == nullptr);
         QCOMPARE(grid.GetItemText(2, 1), u"荧光灯"_s);
+        // At the bottom of the screen the list goes up.
+        const QRect screen = shown.window.screen()->availableGeometry();
+        shown.window.move(screen.bottomLeft() - QPoint(0, 100));
+        shown.Key(Qt::Key_F4);
+        QVERIFY(List() != nullptr && screen.contains(List()->geometry()));
+        QTest::keyClick(List(), Qt::Key_Escape);
         const std::function<void()> changes[]{[&] { grid.DeleteRow(3); }, [&] { grid.RemakeRow(2); }};
         for (const auto& change : changes) {
             shown.Click(2, 1);

@@ -39,6 +39,9 @@ private Q_SLOTS:
         };
         QCOMPARE(clickRight(3), (CCellRange{2, 1, 6, 3}));  // on what is selected
         QCOMPARE(clickRight(7), (CCellRange{7, 1, 7, 1}));
+        grid.DeleteRow(3);
+        shown.Click(4, 1, Qt::ShiftModifier);
+        QCOMPARE(grid.GetSelectedCellRange(), (CCellRange{4, 1, 6, 1}));
     }
 
     void drag() {
@@ -115,6 +118,7 @@ private Q_SLOTS:
                   {{9, 3}, Qt::Key_Home, {}, {9, 1, 9, 1}},
                   {{9, 1}, Qt::Key_End, kCtrl, {39, 3, 39, 3}},
                   {{39, 3}, Qt::Key_Up, kShift, {38, 3, 39, 3}},
+                  {{39, 3}, Qt::Key_Home, kCtrl | kShift, {1, 1, 39, 3}},
                   {{9, 1}, Qt::Key_PageDown, {}, {below, 1, below, 1}},
                   {{39, 1}, Qt::Key_PageUp, {}, {above, 1, above, 1}},
                   {{9, 3}, Qt::Key_Tab, {}, {10, 1, 10, 1}},

@@ -13,7 +13,7 @@ namespace quorvane {
 
 struct StatementLog {
     QStringList statements;
-    QStringList failing;  // a statement that contains one of these texts fails
+    QStringList failing;  // a statement that contains one of these texts fails; so does "EndSubmit"
     std::function<void(const QString& statement)> onStatement;
 };
 
@@ -34,17 +34,23 @@ public:
         if (m_log.onStatement) {
             m_log.onStatement(statement);
         }
-        if (std::ranges::any_of(m_log.failing,
-                                [&](const QString& text) { return statement.contains(text); })) {
-            throw ProviderError(QStringLiteral("planned failure"), FailureKind::Locked);
-        }
+        FailIfPlanned(statement);
         return m_real->Execute(statement);
     }
     void BeginSubmit() override { m_real->BeginSubmit(); }
-    void EndSubmit() override { m_real->EndSubmit(); }
+    void EndSubmit() override {
+        m_real->EndSubmit();
+        FailIfPlanned(QStringLiteral("EndSubmit"));
+    }
     void Close() override { m_real->Close(); }
 
 private:
+    void FailIfPlanned(const QString& step) const {
+        if (std::ranges::any_of(m_log.failing, [&](const QString& text) { return step.contains(text); })) {
+            throw ProviderError(QStringLiteral("planned failure"), FailureKind::Locked);
+        }
+    }
+
     std::shared_ptr<Connection> m_real;
     StatementLog& m_log;
 };

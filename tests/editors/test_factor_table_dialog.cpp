@@ -257,6 +257,7 @@ private Q_SLOTS:
         const QString told =
             u"甲灯 利用系数表|有2条数据未能写入数据库。\n原因:数据库文件被其他程序占用。请排除后再次提交。|确定|unplanned"_s;
         fixture.Type(5, 1, u"0.7"_s);
+        QCOMPARE(fixture.grid->GetFocusCell(), (CCellID{4, 2}));  // from the foot of a column to the next
         fixture.Press(Submit);
         QVERIFY(fixture.dialog->IsModified());  // what is not in the file is not forgotten
         fixture.answers.Plan(u"是"_s);

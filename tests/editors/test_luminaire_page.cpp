@@ -102,6 +102,8 @@ private Q_SLOTS:
                  u"序号|灯具名称|灯具型号|灯具效率|A-A|B-B|灯具类别|默认光源|光源个数|镇流器数|"
                  "镇流器功率|厂  家|灯具图片|利用系数类别|利用系数表"_s);
         QCOMPARE(fixture.Rows(), QStringList(u"追加|||0|0|0|||0|0|0|||RCR|"_s));
+        // The list has the order of the database, not that of pinyin.
+        QCOMPARE(DialogItem<CEaseComboBox>(fixture.page, Filter)->Strings().at(1), u"常用灯具"_s);
         fixture.ChooseCategory(u"荧光灯"_s);  // 1, which also stands in 15
         const QString photo = u"\\Vexal\\LuminairePhotoLib\\31.jpg"_s;
         QCOMPARE(fixture.Rows(),
@@ -150,6 +152,7 @@ private Q_SLOTS:
         fixture.PickTypes(4, {u"白炽灯"_s}, Qt::Key_Escape);
         fixture.PickTypes(5, {u"白炽灯"_s}, Qt::Key_Tab);
         fixture.Submit();
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList());
         QCOMPARE(
             fixture.file.Raw().Rows(u"select LamphouseTypeID||'|'||DefaultLamphouse from 灯具 where ID>32"_s),
             QStringList({u"'2|13'"_s, u"'15,77|999'"_s, u"'2|13'"_s}));

@@ -57,6 +57,7 @@ private Q_SLOTS:
             Show();
             Toggle(u"荧光灯"_s);
             const QRect shownAt = m_chooser->geometry();
+            QCOMPARE(shownAt.topLeft(), m_cell->mapToGlobal(QPoint(0, m_cell->height())));
             QWidget other;
             if (key != 0) {
                 QTest::keyClick(List(), Qt::Key(key));

@@ -61,8 +61,7 @@ private Q_SLOTS:
     void init() {
         m_folder = std::make_unique<QTemporaryDir>();
         m_file = m_folder->filePath(u"灯具数据库.mdb"_s);
-        QVERIFY(QFile::copy(QStringLiteral(ACCESS_FIXTURES "/lighting-general.mdb"), m_file));
-        QFile::setPermissions(m_file, QFile::ReadOwner | QFile::WriteOwner);
+        Take(u"lighting-general"_s);
     }
 
     // In the middle of a statement, and at its beginning.
@@ -107,8 +106,7 @@ private Q_SLOTS:
     }
 
     void EmptyTextsAreToldByTheirColumn() {
-        QVERIFY(QFile::remove(m_file) &&
-                QFile::copy(QStringLiteral(ACCESS_FIXTURES "/adox-chinese.mdb"), m_file));
+        Take(u"adox-chinese"_s);
         const ProviderFailure failure = Failure(*Open(m_file), u"update 灯具 set LampPhoto='' where ID=1"_s);
         QVERIFY(failure.kind == FailureKind::EmptyText && failure.column == u"LampPhoto");
         QVERIFY(failure.message.contains(u"灯具") && failure.message.contains(u"row 1"));
@@ -150,7 +148,22 @@ private Q_SLOTS:
         QCOMPARE(rows->Value(0), FieldValue(qint64{4}));
     }
 
+    // A row that names the long value of another one, and so leaves its own behind.
+    void OneLongValueHasOneRow() {
+        Take(u"lighting-2003-memo"_s);
+        QCOMPARE(CheckStoreFile(m_file), QStringList());
+        Write(m_file, 199217, Bytes(m_file).mid(199302, 12));
+        const QStringList faults = CheckStoreFile(m_file);
+        QVERIFY2(faults.size() == 1 && faults[0].contains(u"share a piece"), qPrintable(faults.join(u'\n')));
+    }
+
 private:
+    void Take(const QString& fixture) {
+        QFile::remove(m_file);
+        QVERIFY(QFile::copy(QStringLiteral(ACCESS_FIXTURES "/%1.mdb").arg(fixture), m_file));
+        QFile::setPermissions(m_file, QFile::ReadOwner | QFile::WriteOwner);
+    }
+
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_file;
 };

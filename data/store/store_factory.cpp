@@ -22,7 +22,8 @@ namespace quorvane {
 
 namespace {
 
-Q_LOGGING_CATEGORY(lcStore, "quorvane.database.store", QtDebugMsg)
+// Silent unless QT_LOGGING_RULES asks for it: quorvane.database.store.debug=true
+Q_LOGGING_CATEGORY(lcStore, "quorvane.database.store", QtInfoMsg)
 
 constexpr qint64 kHeadSize = 32;  // every kind of database tells itself within its first bytes
 

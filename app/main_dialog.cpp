@@ -11,6 +11,7 @@
 #include "widgets/dialog_template.h"
 #include "widgets/image_button.h"
 #include "widgets/message_box.h"
+#include "widgets/screen_place.h"
 #include "widgets/wait_cursor.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -59,6 +60,7 @@ CQuorvaneDlg::CQuorvaneDlg(const MainDialogPages& pages, const QString& selector
                    Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
     CreateControls(this, kTemplate);
     setFixedSize(DialogUnits(font()).ToPixels(kTemplateSize));
+    PlaceOnScreen(this);
     DecorateButtons();
 
     m_tabs = DialogItem<QTabWidget>(this, kTabControl);

@@ -1,12 +1,15 @@
 #include "widgets/dialog_template.h"
 
 #include <QFontMetricsF>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QScreen>
 #include <QTabWidget>
 #include <QTreeWidget>
 #include <QWidget>
+#include <algorithm>
 #include <cmath>
 
 #include "widgets/ease_combo_box.h"
@@ -50,12 +53,17 @@ QWidget* CreateControl(ControlKind kind, const QString& text, QWidget* dialog) {
 
 }  // namespace
 
-DialogUnits::DialogUnits(const QFont& font) {
+DialogUnits::DialogUnits(const QFont& font)
+    : DialogUnits(font, QGuiApplication::primaryScreen()->availableSize().height()) {}
+
+DialogUnits::DialogUnits(const QFont& font, int screenHeight) {
     const QFontMetricsF metrics(font);
     // A digit is as wide as the average letter. Measuring all letters would load 52 glyphs before the first
     // paint.
     m_baseWidth = metrics.horizontalAdvance(u'0');
-    m_baseHeight = metrics.height();
+    constexpr int tallest = 282;  // units, of a dialog
+    constexpr int titleBar = 40;  // pixels, with the frame
+    m_baseHeight = std::min(metrics.height(), (screenHeight - titleBar) * 8.0 / tallest);
 }
 
 QSize DialogUnits::ToPixels(const QSize& units) const {

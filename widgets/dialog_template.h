@@ -1,7 +1,7 @@
 // Dialogs as tables of controls in dialog units, so that they scale with the font and the screen.
 //
 // A horizontal dialog unit is a quarter of the font's average character width, a vertical one an eighth of
-// its height.
+// its height, or less on a screen that would not hold the program's tallest dialog with its title bar.
 #pragma once
 
 #include <QFont>
@@ -37,6 +37,7 @@ struct DialogControl {
 class DialogUnits {
 public:
     explicit DialogUnits(const QFont& font);
+    DialogUnits(const QFont& font, int screenHeight);  // in pixels
     QRect ToPixels(const QRect& units) const;
     QSize ToPixels(const QSize& units) const;
 

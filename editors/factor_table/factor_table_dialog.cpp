@@ -15,6 +15,7 @@
 #include "widgets/dialog_template.h"
 #include "widgets/image_button.h"
 #include "widgets/message_box.h"
+#include "widgets/screen_place.h"
 #include "widgets/submit_progress.h"
 #include "widgets/wait_cursor.h"
 
@@ -113,6 +114,7 @@ void CCoefficientTableDlg::LayOut() {
     const QSize size = units.ToPixels(kTemplateSize);
     setMinimumSize(size / 2);
     resize(size);
+    PlaceOnScreen(this);
 }
 
 QLayout* CCoefficientTableDlg::LayOutButtons() {

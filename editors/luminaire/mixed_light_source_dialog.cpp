@@ -6,6 +6,7 @@
 #include "data/text_format.h"
 #include "model/light_source_text.h"
 #include "widgets/dialog_template.h"
+#include "widgets/screen_place.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -40,6 +41,7 @@ CMixLuminaireSettingDlg::CMixLuminaireSettingDlg(CLightingDatabase& database, Re
     setWindowTitle(kCaption);
     CreateControls(this, kTemplate);
     setFixedSize(DialogUnits(font()).ToPixels(kTemplateSize));
+    PlaceOnScreen(this);
     m_grid.Create(kGrid, DialogItem(this, kGridFrame)->geometry(), SharesOf::ClientWidth);
     setTabOrder(&m_grid.Control(), DialogItem(this, kOk));
     m_grid.Control().setFocus();

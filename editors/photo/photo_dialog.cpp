@@ -14,6 +14,7 @@
 #include "widgets/ease_combo_box.h"
 #include "widgets/image_button.h"
 #include "widgets/message_box.h"
+#include "widgets/screen_place.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -91,6 +92,7 @@ CLuminairePhotoSettingDlg::CLuminairePhotoSettingDlg(const CString& initialPath,
     setWindowTitle(title + u" 图片设置"_s);
     CreateControls(this, kTemplate, MakeCustomControl);
     setFixedSize(DialogUnits(font()).ToPixels(kTemplateSize));
+    PlaceOnScreen(this);
     m_pathEdit = DialogItem<QLineEdit>(this, kPath);
     m_tree = DialogItem<CDirTreeCtrl>(this, kTree);
     m_preview = static_cast<PicturePreview*>(DialogItem(this, kPreview));

@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <functional>
 
+#include "widgets/dialog_template.h"
 #include "widgets/ease_combo_box.h"
 #include "widgets/icons.h"
 #include "widgets/label_edit_tree.h"
@@ -103,6 +104,13 @@ class TestWidgets : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void DialogsFitOnALowScreen() {
+        const QSize dialog(486, 282);
+        const QFont font(u"Sans"_s, 12);
+        QVERIFY(DialogUnits(font, 600).ToPixels(dialog).height() < 570);
+        QVERIFY(DialogUnits(font, 2000).ToPixels(dialog).height() > 570);
+    }
+
     void SortsByPinyinAndKeepsItsSelection() {
         CEaseComboBox list(true, nullptr);
         list.AddString(u"荧光灯"_s);

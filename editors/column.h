@@ -19,6 +19,8 @@ struct Column {
     // Takes what the user typed or chose into the record. Never writes a cell: a cell that then shows the
     // record differently is rewritten by the grid. None: the cell takes no text.
     std::function<void(const CString& text, Record&)> take = {};
+    // Whether a text is one that `take` understands. A paste leaves others out, after a question. None: all.
+    std::function<bool(const CString& text)> accepts = {};
     // How the cell is edited. None: it is typed into.
     std::function<CellSetup(const Record&)> setup = {};
     // What the button or the chooser of a cell opens. None: nothing.
@@ -50,7 +52,8 @@ Column<Record> RealColumn(const char16_t* heading, double share, double Record::
             .share = share,
             .show = [field](const Record& record) { return FormatReal(record.*field); },
             .take = [field](const CString& text,
-                            Record& record) { record.*field = TypedReal(text, record.*field); }};
+                            Record& record) { record.*field = TypedReal(text, record.*field); },
+            .accepts = [](const CString& text) { return CheckReal(text).has_value(); }};
 }
 
 template <typename Record>
@@ -58,7 +61,8 @@ Column<Record> IntegerColumn(const char16_t* heading, double share, int Record::
     return {.heading = heading,
             .share = share,
             .show = [field](const Record& record) { return FormatInteger(record.*field); },
-            .take = [field](const CString& text, Record& record) { record.*field = TypedInteger(text); }};
+            .take = [field](const CString& text, Record& record) { record.*field = TypedInteger(text); },
+            .accepts = [](const CString& text) { return CheckInteger(text).has_value(); }};
 }
 
 }  // namespace quorvane

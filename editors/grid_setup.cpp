@@ -1,6 +1,5 @@
 #include "editors/grid_setup.h"
 
-#include <QHelpEvent>
 #include <QLineEdit>
 #include <QStyle>
 #include <QToolTip>
@@ -51,38 +50,11 @@ unsigned StateOf(CellSetup::Kind kind) {
     }
 }
 
-// Answers for column 0 where its tip has a text; the grid answers otherwise.
-class RowTips : public QObject {
-public:
-    RowTips(CGridCtrl& grid, std::function<CString(int row)> textOf)
-        : QObject(&grid), m_grid(grid), m_textOf(std::move(textOf)) {}
-
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::ToolTip) {
-            const auto& help = static_cast<const QHelpEvent&>(*event);
-            const CCellID cell = m_grid.CellAt(help.pos());
-            const CString text = cell.IsValid() && cell.col == 0 ? m_textOf(cell.row) : CString();
-            if (!text.isEmpty()) {
-                QToolTip::showText(help.globalPos(), text, m_grid.viewport(),
-                                   m_grid.CellRect(cell.row, cell.col));
-                return true;
-            }
-        }
-        return QObject::eventFilter(watched, event);
-    }
-
-private:
-    CGridCtrl& m_grid;
-    std::function<CString(int row)> m_textOf;
-};
-
 }  // namespace
 
-CGridCtrl* CreateGrid(QWidget* parent, int gridId, const QRect& rect) {
+CGridCtrl* CreateGrid(QWidget& parent, int gridId, const QRect& rect) {
     auto created = std::make_unique<CGridCtrl>();
-    if (!created->Create(rect, parent, gridId)) {
-        return nullptr;
-    }
+    created->Create(rect, &parent, gridId);
     CGridCtrl* grid = created.release();  // now a child of parent
     grid->SetRowCount(1);
     grid->SetFixedRowCount(1);
@@ -127,7 +99,8 @@ void ShowQuoteTip(QWidget* editor, const CString& text) {
 }
 
 void ShowRowTips(CGridCtrl& grid, const std::function<CString(int row)>& textOf) {
-    grid.viewport()->installEventFilter(new RowTips(grid, textOf));
+    grid.SetTipSource(
+        [textOf](CCellID cell) { return cell.col == 0 ? GridTip{.text = textOf(cell.row)} : GridTip(); });
 }
 
 void ShowRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool isUnwritten) {

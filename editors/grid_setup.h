@@ -28,8 +28,8 @@ enum class SharesOf {
     ClientWidth,
 };
 
-// Creates a grid on that rectangle of parent, with one heading row and no columns. Null on failure.
-CGridCtrl* CreateGrid(QWidget* parent, int gridId, const QRect& rect);
+// Creates a grid on that rectangle of parent, its owner, with one heading row and no columns.
+CGridCtrl* CreateGrid(QWidget& parent, int gridId, const QRect& rect);
 // The width that the columns of the grid share, in pixels.
 int UsableWidth(const CGridCtrl& grid, SharesOf width);
 

@@ -35,12 +35,13 @@ public:
     RecordGrid(QWidget& parent, WorkingRecords<Record>& records, RecordGridRules<Record> rules)
         : m_parent(parent), m_records(records), m_rules(std::move(rules)) {}
 
-    // Creates the control with its heading row. False on failure.
-    bool Create(int gridId, const QRect& rect, SharesOf width) {
-        m_grid = CreateGrid(&m_parent, gridId, rect);
-        if (m_grid == nullptr) {
-            return false;
-        }
+    // Creates the control with its heading row.
+    void Create(int gridId, const QRect& rect, SharesOf width) {
+        m_grid = CreateGrid(m_parent, gridId, rect);
+        m_grid->SetEntryCheck([this](CCellID cell, const CString& text) {
+            const auto& accepts = At(cell.col).accepts;
+            return !accepts || accepts(text);
+        });
         m_grid->setAccessibleName(m_rules.caption);
         const int usableWidth = UsableWidth(*m_grid, width);
         for (const Column<Record>& column : m_rules.columns) {
@@ -61,18 +62,13 @@ public:
         QObject::connect(m_grid, &CGridCtrl::CellClicked, &m_parent, [this](int row, int column) {
             OpenChooser({row, column});
         });
-        return true;
     }
     CGridCtrl& Control() { return *m_grid; }
 
     void SetHasAppendRow(bool hasAppendRow) { m_hasAppendRow = hasAppendRow; }
 
     // Takes a text that is still being typed, as if its cell had been left.
-    void EndEditing() {
-        if (m_grid != nullptr) {
-            m_grid->EndEdit();
-        }
-    }
+    void EndEditing() { m_grid->EndEdit(); }
 
     // Opens the list of a cell of the kind Chooser. False for any other cell.
     bool OpenChooser(CCellID cell) {

@@ -138,6 +138,7 @@ public:
     bool Takes(CCellID cell, const CString& text) const;
     // Whether typing goes on at the head of the next column after the foot of one.
     bool typesByColumns = false;
+    EntryCheck entryCheck;  // none: every text may be
     // Whether the last row is one for new entries, which fills of several rows leave out.
     bool hasAppendRow = false;
 

@@ -275,6 +275,10 @@ void CGridCtrl::SetPasteQuestion(PasteQuestion ask) {
     m_controller->SetPasteQuestion(std::move(ask));
 }
 
+void CGridCtrl::SetEntryCheck(EntryCheck check) {
+    MutableCore().entryCheck = std::move(check);
+}
+
 void CGridCtrl::SetTypesByColumns(bool typesByColumns) {
     MutableCore().typesByColumns = typesByColumns;
 }

@@ -138,6 +138,9 @@ public:
     void CancelEdit();
     // Is asked before a paste that leaves texts out changes anything. Without a question the rest is pasted.
     void SetPasteQuestion(PasteQuestion ask);
+    // A cell takes any text that is typed into it. A paste or a fill leaves out a text that fails this check;
+    // the empty text is not checked.
+    void SetEntryCheck(EntryCheck check);
     // Whether Enter at the foot of a column goes on at the head of the next one, instead of staying.
     void SetTypesByColumns(bool typesByColumns);
 

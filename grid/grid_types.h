@@ -139,6 +139,8 @@ struct PasteLoss {
     std::vector<Refused> refused = {};
 };
 
+// Whether a text may be entered into a cell together with others.
+using EntryCheck = std::function<bool(CCellID cell, const CString& text)>;
 // Whether to paste the rest.
 using PasteQuestion = std::function<bool(const PasteLoss& loss)>;
 

@@ -9,6 +9,7 @@
 #include "editors/messages.h"
 #include "grid/cells/cell_attributes.h"
 #include "model/index_after_change.h"
+#include "model/text_checks.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -41,6 +42,7 @@ int HeightFor(const QFontMetrics& metrics) {
 
 FactorTableGrid::FactorTableGrid(const CString& rowLabel) : m_rowLabel(rowLabel) {
     SetBackgroundColour(Qt::white);
+    SetEntryCheck([](CCellID, const CString& text) { return CheckReal(text).has_value(); });
     ShowRowTips(*this, [this](int row) {
         return row < kFirstRow ? CString()
                                : UnwrittenTip(m_unwritten[static_cast<std::size_t>(row - kFirstRow)]);

@@ -28,9 +28,13 @@ std::vector<CCellRange> SelectedOnce(const GridCore& core) {
     return selection.Ranges();
 }
 
+bool TakesEntry(const GridCore& core, CCellID cell, const CString& text) {
+    return core.Takes(cell, text) && (text.isEmpty() || !core.entryCheck || core.entryCheck(cell, text));
+}
+
 void AddWhereChanged(std::vector<GridEntry>& entries, const GridCore& core, CCellID cell,
                      const CString& text) {
-    if (core.Takes(cell, text) && core.Text(cell) != text) {
+    if (TakesEntry(core, cell, text) && core.Text(cell) != text) {
         entries.push_back({cell, text});
     }
 }
@@ -160,7 +164,7 @@ PasteLoss LossOf(const GridCore& core, const std::vector<GridEntry>& entries) {
             ++loss.beyondColumns;
         } else if (!text.isEmpty()) {
             loss.belowRows += cell.row > loss.lastRow ? 1 : 0;
-            if (!core.Takes(judge, text) && core.Text(cell) != text) {
+            if (!TakesEntry(core, judge, text) && core.Text(cell) != text) {
                 loss.refused.push_back({cell, text, core.EditingOf(judge) == CellEditing::Choice});
             }
         }
@@ -196,7 +200,7 @@ std::optional<GridEntry> GridEntries::Next() {
         GridEntry& entry = m_entries[m_next++];
         const CCellID cell{entry.cell.row + m_focus.row - m_anchor.row,
                            entry.cell.col + m_focus.col - m_anchor.col};
-        if (m_core.Takes(cell, entry.text)) {
+        if (TakesEntry(m_core, cell, entry.text)) {
             return GridEntry{cell, std::move(entry.text)};
         }
     }

@@ -1,8 +1,6 @@
 #include <QClipboard>
-#include <QHelpEvent>
 #include <QRadioButton>
 #include <QTest>
-#include <QToolTip>
 
 #include "editors/light_source_page.h"
 #include "tests/support/shown_page.h"
@@ -71,7 +69,7 @@ private Q_SLOTS:
     void APasteSaysWhatItLeavesOut() {
         Fixture fixture;
         fixture.ChooseFluorescent();
-        QApplication::clipboard()->setText(u"水银灯\t甲\r\n荧光灯\t乙\r\n荧光灯\t丙\r\n"_s);
+        QApplication::clipboard()->setText(u"水银灯\t甲\r\n荧光灯\t乙\r\n荧光灯\t丙\tM\t1e3\r\n"_s);
         for (const QString& answer : {u"否"_s, u"是"_s}) {
             QCOMPARE(fixture.Rows().size(), 4);
             fixture.Click(3, Category);
@@ -79,12 +77,12 @@ private Q_SLOTS:
             QTest::keySequence(fixture.grid, QKeySequence(QKeySequence::Paste));
         }
         const QString question =
-            u"光源库|剪贴板中有6个单元格的内容,其中1个超出表格或不能填入所在的单元格,"
+            u"光源库|剪贴板中有8个单元格的内容,其中2个超出表格或不能填入所在的单元格,"
             "不会粘贴。\n第3行:“水银灯”不是可选的内容。\n是否粘贴其余内容?|是/否"_s;
         QCOMPARE(fixture.answers.TakeSeen(), QStringList({question, question}));
         QCOMPARE(fixture.Rows().mid(2),
                  QStringList({u"3|荧光灯|甲|T5-14|1.23457E+06|14|甲厂"_s, u"追加|荧光灯|乙||0|0|"_s,
-                              u"追加|荧光灯|丙||0|0|"_s, u"追加|荧光灯|||0|0|"_s}));
+                              u"追加|荧光灯|丙|M|0|0|"_s, u"追加|荧光灯|||0|0|"_s}));
     }
 
     // A category that its cell does not offer outlives the edit of another cell.
@@ -172,12 +170,7 @@ private Q_SLOTS:
         fixture.page->Refresh();
         QVERIFY(fixture.answers.TakeSeen().value(0).contains(u"有2条数据提交后与数据库文件中的不同"_s));
         QVERIFY(fixture.page->IsModified());
-        const auto tip = [&](int row) {
-            const QPoint place = fixture.grid->CellRect(row, Number).center();
-            QHelpEvent help(QEvent::ToolTip, place, fixture.grid->viewport()->mapToGlobal(place));
-            QCoreApplication::sendEvent(fixture.grid->viewport(), &help);
-            return QToolTip::text().left(9);
-        };
+        const auto tip = [&](int row) { return fixture.grid->TipOf({row, Number}).text.left(9); };
         QCOMPARE(tip(1) + tip(2) + tip(3), u"数据库文件中没有这数据库文件中的这一"_s);  // six digits are kept
     }
 

@@ -1,12 +1,14 @@
 // Changing an index in place, against a sorted set of the entries it should hold.
 
+#include <QFile>
 #include <QTest>
 #include <random>
 #include <set>
 
+#include "data/store/access/disk/paged_file.h"
 #include "data/store/access/index/index_writer.h"
 #include "data/store/access/index/key.h"
-#include "tests/data/access/memory_pages.h"
+#include "tests/data/simulated_disk.h"
 
 using namespace quorvane::access;
 
@@ -68,7 +70,12 @@ void TestAccessIndex::RandomChangesKeepTheTree() {
     QFETCH(int, style);
     QFETCH(int, capacity);
     QFETCH(int, levels);
-    MemoryPages pages(QStringLiteral(ACCESS_FIXTURES "/lighting-general.mdb"));
+    QFile file(QStringLiteral(ACCESS_FIXTURES "/lighting-general.mdb"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    SimulatedDisk disk;
+    disk.Put(file.fileName(), file.readAll());
+    PagedFile pages(disk, file.fileName(), true);
+    pages.BeginStatement();
     const TableDefinition table = ReadTableDefinition(pages, 24);
     const IndexDescription& description = table.indexes.front();
     PageAllocator allocator(pages, [&] { return std::vector<bool>(pages.Count()); });

@@ -23,51 +23,14 @@ constexpr int kBatch = 200;
 int statementCount = 600;
 QString keptFolder;
 
-// What stands in braces is filled in anew each time. A leading ~ marks an answer whose rows come in any
-// order.
-const QStringList kStatements{
-    u"insert into 光源 (LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName) values ({int},'{text}',{real},{real},'{text}','{text}')"_s,
-    u"insert into 灯具 (LamphouseTypeID,\t\tLampName,LampModel,LuminaireEfficiency,UtilizationFactorType,\t\tMaxLhAA,MaxLhBB,Factory,LamphouseCount,BallastCount,BallastPower,\t\tDefaultLamphouse,UtilizationFactorFormat, LampPhoto) \t\tvalues ('{key}' , '{text}' , '{text}' , {real}, {int}, {real}, {real}, '{text}' , '{text}' , {int}, {real}, '{text}', '{text}', '{photo}')"_s,
-    u"insert into 利用系数 (LuminaireID,Pcc,Pw,Pf,RCR_RI,UtilizationFactor) values ({int},{int},{int},{int},{real},{real})"_s,
-    u"insert into 照度要求及功率密度 (Vocation,BuildingType,Location,ReferencePlane,ActualLPD,ObjectiveLPD,IlluminanceStandard,UGR,Ra) \t\tvalues ('{text}','{text}','{text}','{text}',{real},{real},{int},{int},{int})"_s,
-    u"insert into 利用系数 (LuminaireID) values ({int})"_s,
-    u"insert into 光源 (ID, Factory) values ({id}, '{text}')"_s,
-    u"update 光源 set LamphouseType={int},LamphouseModel='{text}',LuminousFlux={real},LamphousePower={real},Factory='{text}',LamphouseName='{text}' where ID={id}"_s,
-    u"update 灯具 set \t\tLamphouseTypeID='{key}',\t\tLampName='{text}',\t\tLampModel='{text}',\t\tLuminaireEfficiency={real},\t\tUtilizationFactorType={int},\t\tMaxLhAA={real},\t\tMaxLhBB={real},\t\tFactory='{text}',\t\tLamphouseCount='{text}',\t\tBallastCount={int},\t\tBallastPower={real},\t\tDefaultLamphouse='{text}',\t\tUtilizationFactorFormat='{text}', \t\tLampPhoto='{photo}'\t\twhere ID={id}"_s,
-    u"update 利用系数 set LuminaireID={int},Pcc={int},Pw={int},Pf={int},RCR_RI={real},UtilizationFactor={real} where ID={id}"_s,
-    u"update 照度要求及功率密度 set Vocation='{text}',BuildingType='{text}',Location='{text}',\t\t\t\t\t ReferencePlane='{text}',ActualLPD={real},ObjectiveLPD={real},IlluminanceStandard={int},UGR={int},Ra={int} where ID={id}"_s,
-    u"update 光源 set Factory='{text}' where LamphouseType={int}"_s,
-    u"update 利用系数 set LuminaireID=LuminaireID+1 where LuminaireID={int} and ID<{id}"_s,
-    u"update 灯具 set LampPhoto=null, MaxLhAA=null where ID={id}"_s,
-    u"update 光源 set LamphouseModel='{text}' where ID={id}"_s,
-    u"update 利用系数 set Pcc='many' where ID={id}"_s,
-    u"delete * from 照度要求及功率密度 where ID={id}"_s,
-    u"delete * from 光源 where ID={id}"_s,
-    u"delete * from 灯具 where ID={id}"_s,
-    u"delete * from 利用系数 where ID={id}"_s,
-    u"delete * from 利用系数 where LuminaireID={int}"_s,
-    u"select ID, LamphouseType from 光源类别 order by LamphouseType"_s,
-    u"select LamphouseType from 光源类别 where ID={int}"_s,
-    u"select ID from 光源类别 where LamphouseType ='{text}'"_s,
-    u"select ID,LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName from 光源 order by LamphouseType"_s,
-    u"select DISTINCT Factory from 光源 order by Factory"_s,
-    u"select ID,LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName from 光源 where Factory='{text}'"_s,
-    u"select ID,LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName from 光源 where ID={id}"_s,
-    u"select ID, LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName \t\t\t\tfrom 光源 where LamphouseType = {int} "_s,
-    u"~select 光源.ID, 光源类别.ID, 光源.LamphouseType, 光源类别.LamphouseType,LamphouseModel,LuminousFlux,LamphousePower,Factory,LamphouseName \t\t\t\tfrom 光源,光源类别 where \t\t\t\t光源.LamphouseType =光源类别.ID and 光源类别.LamphouseType<'{text}' "_s,
-    u"select LamphouseName from 光源 where  LamphouseType = {int} order by LamphouseName"_s,
-    u"select ID from 光源 where \t\t\tLamphouseName ='{text}' "_s,
-    u"select ID,LamphouseTypeID,LampName,LampModel,LuminaireEfficiency,UtilizationFactorType,MaxLhAA,MaxLhBB,Factory,LamphouseCount,BallastCount,BallastPower,DefaultLamphouse,UtilizationFactorFormat, LampPhoto from 灯具 where LamphouseTypeID like '%{key}%'"_s,
-    u"select ID,Pcc,Pw,Pf,RCR_RI, UtilizationFactor from 利用系数 where LuminaireID={int}"_s,
-    u"~select DISTINCT Vocation from 照度要求及功率密度 order by Vocation"_s,
-    u"~select DISTINCT BuildingType from 照度要求及功率密度 Where Vocation='{text}' \t\t\t\t\t order by BuildingType"_s,
-    u"select ID,Location,ReferencePlane,ActualLPD,ObjectiveLPD,IlluminanceStandard,UGR,Ra from 照度要求及功率密度 \t\twhere Vocation='{text}' and BuildingType='{text}'"_s,
-    u"select ID from 光源 where ID in ({id},{id}) or ID='{id}' or ID={id}.0 or ID={int}.5"_s,
-    u"select ID, LuminaireID from 利用系数 order by ID desc"_s,
-    u"select count(*), min(ID), max(ID), sum(LuminousFlux) from 光源 where ID>{id}"_s,
-    u"select ID from 利用系数 where LuminaireID is null"_s,
-    u"select ID, Factory from 光源 where Factory like '{text}%'"_s,
-};
+QStringList ReadStatements() {
+    QFile file(QStringLiteral(STATEMENTS_FILE));
+    if (!file.open(QIODevice::ReadOnly)) {
+        qFatal("the statements are missing");
+    }
+    const QStringList lines = QString::fromUtf8(file.readAll()).replace(u"\\t"_s, u"\t"_s).split(u'\n');
+    return lines.sliced(2).filter(u" "_s);
+}
 
 // The pages of all tables that no statement writes, those of the system among them.
 QByteArray UnwrittenPages(const access::Database& database) {
@@ -173,7 +136,7 @@ public:
           m_longPhotos(fixture.contains(u"memo")) {}
 
     QString Next() {
-        QString statement = kStatements[Number(static_cast<int>(kStatements.size()))];
+        QString statement = m_statements[Number(static_cast<int>(m_statements.size()))];
         for (qsizetype from = 0; (from = statement.indexOf(u'{', from)) >= 0;) {
             const qsizetype to = statement.indexOf(u'}', from);
             const QString value = Value(statement.mid(from + 1, to - from - 1));
@@ -215,6 +178,7 @@ private:
         return text;
     }
 
+    const QStringList m_statements = ReadStatements();
     std::mt19937 m_random;
     int m_shortest;
     bool m_longPhotos;

@@ -15,8 +15,8 @@ std::shared_ptr<Connection> CreateStoreConnection(const CString& connectionStrin
 // Which driver CreateStoreConnection chooses for a file, and why, as one line; throws as it does.
 CString StoreDriver(const CString& path);
 
-// A connection likewise, but the file is copied beside itself before the first statement of a connection that writes.
-// Where that fails, GOON is asked once, with the reason, whether to write without a copy.
+// A connection likewise, but the file is copied beside itself before the first statement of a connection that
+// writes. Where that fails, GOON is asked once, with the reason, whether to write without a copy.
 ConnectionFactory BackedUpStore(std::function<bool(const CString& reason)> goOn);
 
 // What is wrong with the structure of a database file of any kind, one line each; empty when nothing is.

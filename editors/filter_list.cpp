@@ -2,17 +2,17 @@
 
 namespace quorvane {
 
-bool SettleChoice(CEaseComboBox& list, QString& present, const std::function<bool()>& settle) {
-    const QString chosen = list.currentText();
-    if (present.isEmpty()) {
-        list.ClearSelection();
-    } else {
-        list.SelectString(present);
-    }
+QPersistentModelIndex ChosenEntry(const CEaseComboBox& list) {
+    return list.model()->index(list.currentIndex(), 0);
+}
+
+bool SettleChoice(CEaseComboBox& list, QPersistentModelIndex& present, const std::function<bool()>& settle) {
+    const QPersistentModelIndex chosen = ChosenEntry(list);
+    list.setCurrentIndex(present.row());
     if (!settle()) {
         return false;
     }
-    list.SelectString(chosen);
+    list.setCurrentIndex(chosen.row());
     present = chosen;
     return true;
 }

@@ -1,6 +1,7 @@
 // The choice of a drop-down list that decides which records a page shows.
 #pragma once
 
+#include <QPersistentModelIndex>
 #include <functional>
 
 #include "widgets/ease_combo_box.h"
@@ -9,8 +10,12 @@ namespace quorvane {
 
 // To be called when the user has made another choice. settle() submits or drops the changes of the shown
 // records and returns whether other records may be shown. If not, the list goes back to `present`, the choice
-// to which the shown records belong. While settle() runs, the list already shows `present`, because a fresh
-// append row takes over the list's text. Otherwise `present` becomes the new choice.
-bool SettleChoice(CEaseComboBox& list, QString& present, const std::function<bool()>& settle);
+// to which the shown records belong, also when the list has got entries since. While settle() runs, the list
+// already shows `present`, because a fresh append row takes over the list's text. Otherwise `present` becomes
+// the new choice.
+bool SettleChoice(CEaseComboBox& list, QPersistentModelIndex& present, const std::function<bool()>& settle);
+
+// The entry that is chosen now.
+QPersistentModelIndex ChosenEntry(const CEaseComboBox& list);
 
 }  // namespace quorvane

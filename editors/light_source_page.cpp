@@ -56,9 +56,9 @@ CQuorvaneLamphouseDlg::CQuorvaneLamphouseDlg(CLightingDatabase& database, Refere
     connect(m_byCategory, &QRadioButton::clicked, this, [this] { ChooseMode(Mode::ByCategory); });
     connect(m_byMaker, &QRadioButton::clicked, this, [this] { ChooseMode(Mode::ByMaker); });
     connect(m_categories, &CEaseComboBox::DropDown, this,
-            [this] { m_lastCategory = m_categories->currentText(); });
+            [this] { m_lastCategory = ChosenEntry(*m_categories); });
     connect(m_makers, &CEaseComboBox::DropDown, this, [this] {
-        m_lastMaker = m_makers->currentText();
+        m_lastMaker = ChosenEntry(*m_makers);
         CompleteMakerList();
     });
     connect(m_categories, &CEaseComboBox::SelectionChanged, this,
@@ -175,7 +175,7 @@ void CQuorvaneLamphouseDlg::ChooseMode(Mode mode) {
     FillMakerList();
     ShowMode(mode);
     (mode == Mode::ByCategory ? m_makers : m_categories)->ClearSelection();
-    (mode == Mode::ByCategory ? m_lastMaker : m_lastCategory).clear();
+    (mode == Mode::ByCategory ? m_lastMaker : m_lastCategory) = QPersistentModelIndex();
     m_records.TakeLoaded({});
     m_grid.Fill();
 }
@@ -187,8 +187,8 @@ bool CQuorvaneLamphouseDlg::SettleChanges() {
     });
 }
 
-void CQuorvaneLamphouseDlg::ChangeFilter(CEaseComboBox& list, CString& lastText) {
-    if (SettleChoice(list, lastText, [this] { return SettleChanges(); })) {
+void CQuorvaneLamphouseDlg::ChangeFilter(CEaseComboBox& list, QPersistentModelIndex& last) {
+    if (SettleChoice(list, last, [this] { return SettleChanges(); })) {
         Load();
     }
 }

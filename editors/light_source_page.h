@@ -2,6 +2,8 @@
 // edited.
 #pragma once
 
+#include <QPersistentModelIndex>
+
 #include "data/lighting_database.h"
 #include "editors/page.h"
 #include "editors/record_grid.h"
@@ -37,7 +39,7 @@ private:
     void ChooseMode(Mode mode);
     void ShowMode(Mode mode);
     bool SettleChanges();
-    void ChangeFilter(CEaseComboBox& list, CString& lastText);
+    void ChangeFilter(CEaseComboBox& list, QPersistentModelIndex& last);
     void Load();
     void Compare(SubmitFailures& failures);
 
@@ -49,8 +51,8 @@ private:
     QRadioButton* m_byMaker;
     CEaseComboBox* m_categories;
     CEaseComboBox* m_makers;
-    CString m_lastCategory;
-    CString m_lastMaker;
+    QPersistentModelIndex m_lastCategory;
+    QPersistentModelIndex m_lastMaker;
     CellChoices m_categoryChoices;
     bool m_isMakerListFilled = false;
     Mode m_mode = Mode::ByCategory;

@@ -29,9 +29,22 @@ WorkingLuminaires::WorkingLuminaires(CLightingDatabase& database, ReferenceLists
       m_copied{.luminaire = EmptyLuminaire(), .picture = {}, .factors = {}, .isForeignPhoto = false} {}
 
 bool WorkingLuminaires::Load(const CString& categoryText) {
+    return LoadSelected(categoryText, [](const tagLUMINAIREINFO&) { return false; });
+}
+
+// The empty text stands in all categories.
+bool WorkingLuminaires::LoadWithoutCategory() {
+    return LoadSelected({}, [this](const tagLUMINAIREINFO& luminaire) {
+        return !m_lists.CategoryNames(luminaire.LamphouseTypeID).isEmpty();
+    });
+}
+
+bool WorkingLuminaires::LoadSelected(const CString& categoryText,
+                                     const std::function<bool(const tagLUMINAIREINFO&)>& isLeftOut) {
     HealLibrary();
     std::vector<tagLUMINAIREINFO> luminaires;
     const bool complete = m_database.LoadLuminairesByType(categoryText, luminaires);
+    std::erase_if(luminaires, isLeftOut);
     m_loadedCategory = categoryText;
     m_unsaved.clear();
     m_storedPhotos.clear();

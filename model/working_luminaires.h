@@ -38,6 +38,8 @@ public:
     // Loads the luminaires whose categories hold that text. Unsaved photos and factors of the former
     // luminaires are dropped. False when not all of them could be read.
     bool Load(const CString& categoryText);
+    // The same for the luminaires that have no category, or none that the file knows.
+    bool LoadWithoutCategory();
 
     // Copies the chosen photos of all records into the library, in threads of their own, so that a submit
     // need not wait for their drives. To be called before a submit begins. Calls progress while it waits,
@@ -86,6 +88,8 @@ private:
     bool Update(tagLUMINAIREINFO& record);
     bool Delete(int id);
     void CopyPhoto(const tagLUMINAIREINFO& record, const std::function<void()>& meanwhile = {});
+    bool LoadSelected(const CString& categoryText,
+                      const std::function<bool(const tagLUMINAIREINFO&)>& isLeftOut);
     // Puts in place what a killed program has not.
     void HealLibrary();
     // Whether the record's photo is a picture that is still to be copied into the library.

@@ -68,6 +68,9 @@ public:
     int Count() const { return m_order.FilledCount(); }
     // The record at a position, counted from 0. Valid until records are added or removed.
     const Record& At(int position) const { return Slot(m_order.SlotAt(position)); }
+    int SlotAt(int position) const { return m_order.SlotAt(position); }
+    // The record in a slot that is not empty.
+    const Record& InSlot(int slot) const { return Slot(slot); }
     // The position of the record in that slot. For an empty slot: of the next record.
     int PositionOf(int slot) const { return m_order.PositionOf(slot); }
     // The record with that ID, or null. Valid until records are added or removed.

@@ -44,6 +44,8 @@ public:
         if (buttons == MessageButtons::YesNoCancel) {
             AddAnswer(u"取消"_s, MessageAnswer::Cancel);
             m_escape = MessageAnswer::Cancel;
+        } else if (buttons == MessageButtons::YesNoAll) {
+            AddAnswer(u"全部是"_s, MessageAnswer::YesToAll);
         }
     }
 
@@ -63,6 +65,8 @@ protected:
             Click(MessageAnswer::Yes);
         } else if (event->key() == Qt::Key_N) {
             Click(MessageAnswer::No);
+        } else if (event->key() == Qt::Key_A) {
+            Click(MessageAnswer::YesToAll);
         } else {
             QMessageBox::keyPressEvent(event);
         }

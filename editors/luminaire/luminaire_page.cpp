@@ -114,6 +114,8 @@ void CQuorvaneLuminaireDlg::MakeControls() {
         m_filter->AddString(category.LamphouseType);
     }
     m_chooser.SetTypeNames(m_filter->Strings());
+    m_filter->AddString(u"全部"_s);
+    m_filter->AddString(u"无类别"_s);
     if (!m_lists.HasAllCategories()) {
         TellIncompleteLoadSoon(this, kCaption);
     }
@@ -231,21 +233,34 @@ void CQuorvaneLuminaireDlg::ChangeFilter() {
     const auto settle = [this] {
         return m_grid.SettleChanges([this] {
             Submit();
-            return !m_luminaires.Records().HasUnwritten() && m_luminaires.CountWithoutCategory() == 0;
+            return !m_luminaires.Records().HasUnwritten() && CountLeftOut() == 0;
         });
     };
     if (!SettleChoice(*m_filter, m_lastFilter, settle)) {
         return;
     }
     m_lists.Invalidate();
-    m_filterCategoryId =
-        m_filter->currentIndex() < 0 ? CString() : FormatInteger(m_lists.CategoryId(m_filter->currentText()));
-    const bool complete = m_luminaires.Load(m_filterCategoryId);
+    const int chosen = m_filter->currentIndex();
+    m_filterCategoryId = chosen < 0 || IsBehindCategories(chosen)
+                             ? CString()
+                             : FormatInteger(m_lists.CategoryId(m_filter->currentText()));
+    const bool complete = chosen == m_filter->count() - 1 ? m_luminaires.LoadWithoutCategory()
+                                                          : m_luminaires.Load(m_filterCategoryId);
     LoadListsOfRecords();
     m_grid.Fill();
     if (!complete || !m_lists.IsComplete()) {
         TellIncompleteLoad(this, kCaption);
     }
+}
+
+// Behind the categories stand all luminaires and those without a category.
+bool CQuorvaneLuminaireDlg::IsBehindCategories(int entry) const {
+    return entry >= m_filter->count() - 2;
+}
+
+// The written luminaires that have lost their last category, and with it the place where they are listed.
+int CQuorvaneLuminaireDlg::CountLeftOut() const {
+    return IsBehindCategories(m_filter->currentIndex()) ? 0 : m_luminaires.CountWithoutCategory();
 }
 
 // Rows are made when they are first shown. What they refer to is loaded at once, so that the user is told at
@@ -363,7 +378,7 @@ bool CQuorvaneLuminaireDlg::Submit() {
                .write = [this](const ProgressCallback& progress) { return m_luminaires.Submit(progress); },
                .compare = [this](SubmitFailures& failures) { m_luminaires.Compare(failures); },
                .photoProblem = [this] { return m_luminaires.LastPhotoProblem(); }});
-    const int withoutCategory = m_luminaires.CountWithoutCategory();
+    const int withoutCategory = CountLeftOut();
     if (withoutCategory > 0) {
         ShowMessage(
             this,

@@ -42,6 +42,8 @@ private:
 
     void MakeControls();
     void ChangeFilter();
+    bool IsBehindCategories(int entry) const;
+    int CountLeftOut() const;
     void LoadListsOfRecords();
 
     void OpenTypeChooser(CCellID cell);
@@ -62,7 +64,7 @@ private:
     CLamphouseTypeChoiceWindow m_chooser;
     int m_chooserRow = -1;
     CEaseComboBox* m_filter;
-    CString m_lastFilter;
+    QPersistentModelIndex m_lastFilter;
     CString m_filterCategoryId;   // that of the loaded luminaires, or empty
     CString m_presetLightSource;  // what the append row offers before the user chooses
     QPushButton* m_paste;

@@ -121,6 +121,35 @@ private Q_SLOTS:
         }
     }
 
+    // Behind the categories, one of which may have the same name.
+    void ListsLuminairesThatNoCategoryLists() {
+        ShownPage shown(kFile +
+                            u"insert into 光源类别 values (40,'无类别');"
+                            "insert into 灯具 values (35,'','无','','0',0,0,0,'','1',0,0,'','',''),"
+                            "(36,'77,78','失','','0',0,0,0,'','1',0,0,'','',''),"
+                            "(37,'40','同名','','0',0,0,0,'','1',0,0,'','','');"_s,
+                        MakePage<CQuorvaneLuminaireDlg>);
+        const auto names = [&](int entry) {
+            shown.Choose(Filter, entry);
+            QStringList result;
+            for (int row = 1; row < shown.grid->GetRowCount(); ++row) {
+                result += shown.grid->GetItemText(row, Name);
+            }
+            return result.join(u' ').trimmed();
+        };
+        auto* list = DialogItem<CEaseComboBox>(shown.page, Filter);
+        const int count = list->count();
+        QCOMPARE(names(count - 2), u"筒灯 台灯 混灯 模组灯 无 失 同名"_s);
+        QCOMPARE(names(count - 1), u"无 失"_s);
+        QCOMPARE(shown.Rows().constLast(), u"追加|||0|0|0|||0|0|0|||RCR|"_s);
+        QCOMPARE(names(list->findText(u"无类别"_s)), u"同名"_s);
+        names(count - 1);
+        shown.Type(1, Name, u"b"_s);
+        shown.answers.Plan(u"是"_s);  // a luminaire without a category holds nobody up here
+        QCOMPARE(names(count - 2), u"筒灯 台灯 混灯 模组灯 b 失 同名"_s);
+        QCOMPARE(shown.answers.TakeSeen(), QStringList(u"灯具库|数据已经修改是否提交?|是/否"_s));
+    }
+
     // A factor table belongs to a stored luminaire: opening it stores the row, or does not open.
     void OpeningAFactorTableStoresTheLuminaire() {
         Fixture fixture;

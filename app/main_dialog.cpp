@@ -1,14 +1,17 @@
 #include "app/main_dialog.h"
 
+#include <QAction>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QShortcut>
 #include <QStyle>
 #include <QTabWidget>
 #include <algorithm>
 #include <utility>
 
 #include "widgets/dialog_template.h"
+#include "widgets/guide_window.h"
 #include "widgets/image_button.h"
 #include "widgets/message_box.h"
 #include "widgets/screen_place.h"
@@ -71,6 +74,7 @@ CQuorvaneDlg::CQuorvaneDlg(const MainDialogPages& pages, const QString& selector
     m_tabs->addTab(m_pages[Luminaires], u"灯具库"_s);
     m_tabs->addTab(m_pages[Requirements], u"照度要求及功率密度"_s);
     m_tabs->setCurrentIndex(FirstTab(selector));
+    AddKeys();
 
     // The Tab key reaches the buttons after the page that they act on.
     QWidget* before = LastInTabOrder(this);
@@ -94,6 +98,39 @@ void CQuorvaneDlg::DecorateButtons() {
     connect(leave, &QPushButton::clicked, this, &CQuorvaneDlg::reject);
 }
 
+// The texts of the buttons show no keys. The context menus of the grids do, and the guide has a list of all.
+void CQuorvaneDlg::AddKeys() {
+    AddCommand(u"提交"_s, QKeySequence::Save, &CQuorvaneDlg::OnSubmit);
+    AddCommand(u"重新读取"_s, QKeySequence::Refresh, &CQuorvaneDlg::OnReload);
+    for (const auto& [id, key] : {std::pair{kSubmit, Qt::Key_S}, {kDelete, Qt::Key_D}, {kExit, Qt::Key_X}}) {
+        auto* button = DialogItem<QPushButton>(this, id);
+        button->setShortcut(Qt::ALT | key);
+        button->setAccessibleDescription(button->toolTip() + u' ' + button->shortcut().toString());
+    }
+    for (const auto& [key, step] : {std::pair{Qt::Key_PageUp, -1}, {Qt::Key_PageDown, 1}}) {
+        auto* shortcut = new QShortcut(Qt::CTRL | key, this);
+        connect(shortcut, &QShortcut::activated, this, [this, step = step] { ShowTab(step); });
+    }
+    AddGuideKey(*this);
+}
+
+// Works in the whole window.
+void CQuorvaneDlg::AddCommand(const QString& text, const QKeySequence& key, void (CQuorvaneDlg::*run)()) {
+    auto* command = new QAction(text, this);
+    command->setShortcut(key);
+    command->setAutoRepeat(false);
+    connect(command, &QAction::triggered, this, run);
+    addAction(command);
+    for (CPage* page : m_pages) {
+        page->AddCommand(*command);
+    }
+}
+
+void CQuorvaneDlg::ShowTab(int step) {
+    CurrentPage().EndEditing();
+    m_tabs->setCurrentIndex((m_tabs->currentIndex() + step + m_tabs->count()) % m_tabs->count());
+}
+
 CPage& CQuorvaneDlg::CurrentPage() const {
     return *m_pages[static_cast<size_t>(m_tabs->currentIndex())];
 }
@@ -110,6 +147,10 @@ void CQuorvaneDlg::OnDelete() {
     CPage& page = CurrentPage();
     page.EndEditing();
     page.DeleteSelected();
+}
+
+void CQuorvaneDlg::OnReload() {
+    CurrentPage().Reload();
 }
 
 // Asks about unsubmitted edits. False when the window must stay open.

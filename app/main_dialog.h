@@ -38,8 +38,12 @@ protected:
 
 private:
     void DecorateButtons();
+    void AddKeys();
+    void AddCommand(const QString& text, const QKeySequence& key, void (CQuorvaneDlg::*run)());
+    void ShowTab(int step);
     void OnSubmit();
     void OnDelete();
+    void OnReload();
     bool AskBeforeClosing();
     bool SubmitAll();
     CPage& CurrentPage() const;

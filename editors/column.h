@@ -12,7 +12,8 @@ namespace quorvane {
 template <typename Record>
 struct Column {
     const char16_t* heading;
-    double share;  // of the grid's usable width
+    const char16_t* help = u"";  // the tip of the heading: meaning and unit
+    double share;                // of the grid's usable width
     unsigned format = kCentred;
     // The text that the record shows in this column.
     std::function<CString(const Record&)> show = {};
@@ -25,6 +26,8 @@ struct Column {
     std::function<CellSetup(const Record&)> setup = {};
     // What the button or the chooser of a cell opens. None: nothing.
     std::function<void(CCellID cell)> open = {};
+    // What the tip of a cell tells besides its text. None: nothing.
+    std::function<GridTip(const Record&)> tip = {};
     // Whether this cell must be shown again after another cell of the row has been edited.
     bool dependsOnRecord = false;
 };
@@ -32,13 +35,14 @@ struct Column {
 // The row numbers, which every grid has in column 0.
 template <typename Record>
 Column<Record> NumberColumn(double share) {
-    return {.heading = u"序号", .share = share};
+    return {.heading = u"序号", .help = u"行号。“追加”行用来新增一条记录。", .share = share};
 }
 
 template <typename Record>
-Column<Record> TextColumn(const char16_t* heading, double share, CString Record::*field,
+Column<Record> TextColumn(const char16_t* heading, const char16_t* help, double share, CString Record::*field,
                           unsigned format = kCentred) {
     return {.heading = heading,
+            .help = help,
             .share = share,
             .format = format,
             .show = [field](const Record& record) { return record.*field; },
@@ -47,8 +51,10 @@ Column<Record> TextColumn(const char16_t* heading, double share, CString Record:
 
 // A text that is no number is taken as 0.
 template <typename Record>
-Column<Record> RealColumn(const char16_t* heading, double share, double Record::*field) {
+Column<Record> RealColumn(const char16_t* heading, const char16_t* help, double share,
+                          double Record::*field) {
     return {.heading = heading,
+            .help = help,
             .share = share,
             .show = [field](const Record& record) { return FormatReal(record.*field); },
             .take = [field](const CString& text,
@@ -57,8 +63,10 @@ Column<Record> RealColumn(const char16_t* heading, double share, double Record::
 }
 
 template <typename Record>
-Column<Record> IntegerColumn(const char16_t* heading, double share, int Record::*field) {
+Column<Record> IntegerColumn(const char16_t* heading, const char16_t* help, double share,
+                             int Record::*field) {
     return {.heading = heading,
+            .help = help,
             .share = share,
             .show = [field](const Record& record) { return FormatInteger(record.*field); },
             .take = [field](const CString& text, Record& record) { record.*field = TypedInteger(text); },

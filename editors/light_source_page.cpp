@@ -81,6 +81,7 @@ RecordGridRules<tagLAMPHOUSEINFO> CQuorvaneLamphouseDlg::Rules() {
             {
                 NumberColumn<Record>(0.06),
                 {.heading = u"光源类别",
+                 .help = u"光源所属的类别",
                  .share = 0.14,
                  .show = [this](const Record& record) { return m_lists.CategoryName(record.LamphouseType); },
                  .take = [this](const CString& text, Record& record) { TakeCategory(text, record); },
@@ -88,11 +89,17 @@ RecordGridRules<tagLAMPHOUSEINFO> CQuorvaneLamphouseDlg::Rules() {
                      [this](const Record&) {
                          return CellSetup{.kind = CellSetup::DropDown, .choices = m_categoryChoices};
                      }},
-                TextColumn(u"名    称", 0.24, &Record::LamphouseName, kLeftEllipsis),
-                TextColumn(u"光源型号", 0.24, &Record::LamphouseModel, kLeftEllipsis),
-                RealColumn(u"光通量", 0.1, &Record::LuminousFlux),
-                RealColumn(u"功  率", 0.1, &Record::LamphousePower),
-                TextColumn(u"厂    家", 0.1, &Record::Factory, kCentred | CellFormat::EndEllipsis),
+                TextColumn(u"名    称", u"光源的名称,不要用冒号和逗号。灯具按“名称:型号”引用光源。", 0.24,
+                           &Record::LamphouseName, kLeftEllipsis),
+                TextColumn(u"光源型号", u"光源的型号,不要用逗号", 0.24, &Record::LamphouseModel,
+                           kLeftEllipsis),
+                RealColumn(u"光通量", u"单只光源的光通量\n单位:lm", 0.1, &Record::LuminousFlux),
+                RealColumn(
+                    u"功  率",
+                    u"单只光源的功率,不含镇流器和变压器;LED光源含驱动电源,自镇流荧光灯含镇流器\n单位:W", 0.1,
+                    &Record::LamphousePower),
+                TextColumn(u"厂    家", u"光源的厂家", 0.1, &Record::Factory,
+                           kCentred | CellFormat::EndEllipsis),
             },
         .title = [](const Record& record) { return record.LamphouseName; },
         .isBlank = IsBlank,
@@ -178,6 +185,14 @@ void CQuorvaneLamphouseDlg::ChooseMode(Mode mode) {
     (mode == Mode::ByCategory ? m_lastMaker : m_lastCategory) = QPersistentModelIndex();
     m_records.TakeLoaded({});
     m_grid.Fill();
+}
+
+void CQuorvaneLamphouseDlg::Reload() {
+    const CEaseComboBox& list = m_mode == Mode::ByCategory ? *m_categories : *m_makers;
+    if (list.currentIndex() >= 0 && SettleChanges()) {
+        m_lists.Invalidate();
+        Load();
+    }
 }
 
 bool CQuorvaneLamphouseDlg::SettleChanges() {

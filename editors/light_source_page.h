@@ -25,6 +25,8 @@ public:
     bool Submit() override;
     void Refresh() override { m_grid.Refresh(); }
     bool DeleteSelected() override { return m_grid.DeleteSelected(); }
+    void Reload() override;
+    void AddCommand(QAction& command) override { m_grid.AddCommand(command); }
 
 private:
     enum class Mode { ByCategory, ByMaker };

@@ -3,6 +3,8 @@
 
 #include <QWidget>
 
+class QAction;
+
 namespace quorvane {
 
 class CPage : public QWidget {
@@ -23,6 +25,10 @@ public:
     virtual void Refresh() = 0;
     // Deletes the selected rows, asking for each. False when nothing was selected or an answer was No.
     virtual bool DeleteSelected() = 0;
+    // Loads what is shown once more. Asks first when the page holds edits, as for another choice.
+    virtual void Reload() = 0;
+    // Puts a command of the window into the page's context menu, with its key. It outlives the page.
+    virtual void AddCommand(QAction& command) = 0;
 };
 
 }  // namespace quorvane

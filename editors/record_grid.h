@@ -54,7 +54,7 @@ public:
         m_grid->SetPasteQuestion([this](const PasteLoss& loss) {
             return AskToPaste(&m_parent, m_rules.caption, loss, m_hasAppendRow);
         });
-        ShowRowTips(*m_grid, [this](int row) { return UnwrittenTip(m_records.WhyUnwritten(IdAt(row))); });
+        m_grid->SetTipSource([this](CCellID cell) { return TipOf(cell); });
         QObject::connect(m_grid, &CGridCtrl::TextTyped, &m_parent, ShowQuoteTip);
         QObject::connect(m_grid, &CGridCtrl::ButtonClicked, &m_parent, [this](int row, int column) {
             Open({row, column});
@@ -66,6 +66,9 @@ public:
     CGridCtrl& Control() { return *m_grid; }
 
     void SetHasAppendRow(bool hasAppendRow) { m_hasAppendRow = hasAppendRow; }
+
+    // Puts a command of the window into the grid's menu.
+    void AddCommand(QAction& command) { m_grid->AddMenuAction(GridMenuGroup::Data, &command); }
 
     // Takes a text that is still being typed, as if its cell had been left.
     void EndEditing() { m_grid->EndEdit(); }
@@ -244,6 +247,19 @@ private:
     }
     CellSetup SetupOf(int column, const Record& record) const {
         return At(column).setup ? At(column).setup(record) : CellSetup{};
+    }
+    GridTip TipOf(CCellID cell) const {
+        if (!cell.IsValid()) {
+            return {};
+        }
+        const Column<Record>& column = At(cell.col);
+        if (cell.row == 0) {
+            return {.text = CString::fromUtf16(column.help)};
+        }
+        if (cell.col == 0) {
+            return {.text = UnwrittenTip(m_records.WhyUnwritten(IdAt(cell.row)))};
+        }
+        return column.tip ? column.tip(RecordAt(cell.row)) : GridTip{};
     }
     // The number that the row got when the grid was filled.
     int NumberOf(int row) const { return m_rowNumbers.SlotAt(row - 1) + 1; }

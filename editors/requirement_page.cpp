@@ -62,13 +62,22 @@ RecordGridRules<tagILLUMINANCESTANDARD> CQuorvaneDemandDlg::Rules() {
             .columns =
                 {
                     NumberColumn<Record>(0.08),
-                    TextColumn(u"场所", 0.2, &Record::Location, kLeftEllipsis),
-                    TextColumn(u"参考平面", 0.16, &Record::ReferencePlane),
-                    RealColumn(u"现行功率密度", 0.16, &Record::ActualLPD),
-                    RealColumn(u"目标功率密度", 0.16, &Record::ObjectiveLPD),
-                    IntegerColumn(u"照度标准值", 0.14, &Record::IlluminanceStandard),
-                    IntegerColumn(u"统一眩光值", 0.14, &Record::UGR),
-                    IntegerColumn(u"显色指数", 0.12, &Record::Ra),
+                    TextColumn(u"场所", u"房间或场所", 0.2, &Record::Location, kLeftEllipsis),
+                    TextColumn(u"参考平面", u"规定照度的平面及其高度,如0.75m水平面", 0.16,
+                               &Record::ReferencePlane),
+                    RealColumn(
+                        u"现行功率密度",
+                        u"照明功率密度(LPD)的现行值:单位面积照明安装功率的限值,含镇流器和变压器\n单位:W/m²",
+                        0.16, &Record::ActualLPD),
+                    RealColumn(
+                        u"目标功率密度",
+                        u"照明功率密度(LPD)的目标值:单位面积照明安装功率的限值,含镇流器和变压器\n单位:W/m²",
+                        0.16, &Record::ObjectiveLPD),
+                    IntegerColumn(u"照度标准值", u"参考平面上的维持平均照度\n单位:lx", 0.14,
+                                  &Record::IlluminanceStandard),
+                    IntegerColumn(u"统一眩光值", u"统一眩光值(UGR)的最大允许值\n无量纲", 0.14, &Record::UGR),
+                    IntegerColumn(u"显色指数", u"一般显色指数(Ra)的最小允许值\n无量纲,最大100", 0.12,
+                                  &Record::Ra),
                 },
             .title = [](const Record& record) { return record.Location; },
             .isBlank = IsBlank,
@@ -122,6 +131,12 @@ void CQuorvaneDemandDlg::ChangeBuildingType(QTreeWidgetItem* item) {
         m_grid.Fill();
     } else {
         TellIncompleteLoad(this, kCaption, m_database.LastFailure());
+    }
+}
+
+void CQuorvaneDemandDlg::Reload() {
+    if (m_shownItem != nullptr) {
+        ChangeBuildingType(m_shownItem);
     }
 }
 

@@ -141,18 +141,25 @@ std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
     const auto isMixed = [this](const Record& record) { return IsMixedLight(CategoriesOf(record)); };
     return {
         NumberColumn<Record>(0.06),
-        TextColumn(u"灯具名称", 0.2, &Record::LampName, kLeftEllipsis),
-        TextColumn(u"灯具型号", 0.15, &Record::LampModel, kLeft),
-        RealColumn(u"灯具效率", 0.1, &Record::LuminaireEfficiency),
-        RealColumn(u"A-A", 0.06, &Record::MaxLhAA),
-        RealColumn(u"B-B", 0.06, &Record::MaxLhBB),
+        TextColumn(u"灯具名称", u"灯具的名称", 0.2, &Record::LampName, kLeftEllipsis),
+        TextColumn(u"灯具型号", u"灯具的型号", 0.15, &Record::LampModel, kLeft),
+        RealColumn(u"灯具效率", u"灯具发出的光通量与灯具内全部光源光通量之比\n单位:%", 0.1,
+                   &Record::LuminaireEfficiency),
+        RealColumn(u"A-A",
+                   u"A-A剖面(垂直于灯管)上的最大允许距高比:灯具间距与灯具到参考平面的高度之比\n无量纲", 0.06,
+                   &Record::MaxLhAA),
+        RealColumn(u"B-B",
+                   u"B-B剖面(平行于灯管)上的最大允许距高比:灯具间距与灯具到参考平面的高度之比\n无量纲", 0.06,
+                   &Record::MaxLhBB),
         {.heading = u"灯具类别",
+         .help = u"灯具所属的类别,可以有几个",
          .share = 0.2,
          .format = kLeftEllipsis,
          .show = [this](const Record& record) { return m_lists.CategoryNames(record.LamphouseTypeID); },
          .setup = [](const Record&) { return CellSetup{.kind = CellSetup::Chooser}; },
          .open = [this](CCellID cell) { OpenTypeChooser(cell); }},
         {.heading = u"默认光源",
+         .help = u"灯具所用的光源;混光灯具的光源按“...”设置",
          .share = 0.2,
          .format = kLeftEllipsis,
          .show = [this](const Record& record) { return m_lists.LightSourceTexts(record.DefaultLamphouse); },
@@ -160,6 +167,7 @@ std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
          .setup = [this](const Record& record) { return LightSourceSetup(record); },
          .open = [this](CCellID cell) { OpenMixedLightSources(cell.row); }},
         {.heading = u"光源个数",
+         .help = u"每套灯具的光源个数;混光灯具为各种光源的个数,以逗号隔开\n单位:个",
          .share = 0.09,
          .show = [](const Record& record) { return record.LamphouseCount; },
          .take = [](const CString& text, Record& record) { record.LamphouseCount = CountText(text); },
@@ -167,22 +175,26 @@ std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
              [isMixed](const Record& record) {
                  return CellSetup{.kind = isMixed(record) ? CellSetup::ReadOnly : CellSetup::Text};
              }},
-        IntegerColumn(u"镇流器数", 0.09, &Record::BallastCount),
-        RealColumn(u"镇流器功率", 0.11, &Record::BallastPower),
-        TextColumn(u"厂  家", 0.1, &Record::Factory),
+        IntegerColumn(u"镇流器数", u"每套灯具的镇流器个数\n单位:个", 0.09, &Record::BallastCount),
+        RealColumn(u"镇流器功率", u"每个镇流器消耗的功率;低压卤钨灯为每个变压器消耗的功率\n单位:W", 0.11,
+                   &Record::BallastPower),
+        TextColumn(u"厂  家", u"灯具的厂家", 0.1, &Record::Factory),
         {.heading = u"灯具图片",
+         .help = u"灯具的图片文件;提交时复制到图片库",
          .share = 0.1,
          .format = kLeftEllipsis,
          .show = [](const Record& record) { return record.LampPhoto; },
          .setup = ButtonSetup(u">>>"_s),
          .open = [this](CCellID cell) { OpenPhoto(cell.row); }},
         {.heading = u"利用系数类别",
+         .help = u"利用系数表按室空间比RCR还是室形系数RI排列",
          .share = 0.12,
          .show = FactorKindText,
          .take = [](const CString& text,
                     Record& record) { record.UtilizationFactorType = text == kRoomIndex ? 1 : 0; },
          .setup = FactorKindSetup},
         {.heading = u"利用系数表",
+         .help = u"利用系数:落到参考平面上的光通量与灯具内全部光源光通量之比\n无量纲",
          .share = 0.11,
          .show = [](const Record&) { return CString(); },
          .setup = ButtonSetup(u"利用系数表"_s),
@@ -229,16 +241,26 @@ bool CQuorvaneLuminaireDlg::IsBlank(const tagLUMINAIREINFO& record) const {
 
 // ---- What is shown
 
+bool CQuorvaneLuminaireDlg::SettleChanges() {
+    return m_grid.SettleChanges([this] {
+        Submit();
+        return !m_luminaires.Records().HasUnwritten() && CountLeftOut() == 0;
+    });
+}
+
 void CQuorvaneLuminaireDlg::ChangeFilter() {
-    const auto settle = [this] {
-        return m_grid.SettleChanges([this] {
-            Submit();
-            return !m_luminaires.Records().HasUnwritten() && CountLeftOut() == 0;
-        });
-    };
-    if (!SettleChoice(*m_filter, m_lastFilter, settle)) {
-        return;
+    if (SettleChoice(*m_filter, m_lastFilter, [this] { return SettleChanges(); })) {
+        Load();
     }
+}
+
+void CQuorvaneLuminaireDlg::Reload() {
+    if (m_filter->currentIndex() >= 0 && SettleChanges()) {
+        Load();
+    }
+}
+
+void CQuorvaneLuminaireDlg::Load() {
     m_lists.Invalidate();
     const int chosen = m_filter->currentIndex();
     m_filterCategoryId = chosen < 0 || IsBehindCategories(chosen)

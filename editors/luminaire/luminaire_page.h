@@ -25,6 +25,8 @@ public:
     bool Submit() override;
     void Refresh() override;
     bool DeleteSelected() override { return m_grid.DeleteSelected(); }
+    void Reload() override;
+    void AddCommand(QAction& command) override { m_grid.AddCommand(command); }
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -41,9 +43,11 @@ private:
     bool IsBlank(const tagLUMINAIREINFO& record) const;
 
     void MakeControls();
+    bool SettleChanges();
     void ChangeFilter();
     bool IsBehindCategories(int entry) const;
     int CountLeftOut() const;
+    void Load();
     void LoadListsOfRecords();
 
     void OpenTypeChooser(CCellID cell);

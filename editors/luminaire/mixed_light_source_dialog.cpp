@@ -74,6 +74,7 @@ RecordGridRules<tagMIXLUMINAIREINFO> CMixLuminaireSettingDlg::Rules() {
     return {.caption = kCaption,
             .columns = {NumberColumn<Record>(0.1),
                         {.heading = u"光源类别",
+                         .help = u"光源所属的类别",
                          .share = 0.3,
                          .show = [](const Record& entry) { return entry.Category; },
                          .take = takeCategory,
@@ -82,6 +83,7 @@ RecordGridRules<tagMIXLUMINAIREINFO> CMixLuminaireSettingDlg::Rules() {
                                  return CellSetup{.kind = CellSetup::DropDown, .choices = m_categories};
                              }},
                         {.heading = u"光源",
+                         .help = u"该类别中的光源,写作“名称:型号”",
                          .share = 0.4,
                          .show = [](const Record& entry) { return entry.LightSource; },
                          .take = [](const CString& text, Record& entry) { entry.LightSource = text; },
@@ -91,7 +93,7 @@ RecordGridRules<tagMIXLUMINAIREINFO> CMixLuminaireSettingDlg::Rules() {
                                                   .choices = m_lists.LightSourcesOfCategory(entry.Category)};
                              },
                          .dependsOnRecord = true},
-                        IntegerColumn(u"数量", 0.2, &Record::Count)},
+                        IntegerColumn(u"数量", u"每套灯具中这种光源的个数\n单位:个", 0.2, &Record::Count)},
             .title = [](const Record& entry) { return entry.LightSource; },
             .isBlank = [](const Record& entry) { return entry == Record{}; },
             .makeBlank = [] { return Record{}; }};

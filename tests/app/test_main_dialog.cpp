@@ -4,6 +4,7 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextBrowser>
 #include <QVBoxLayout>
 
 #include "app/file_notice.h"
@@ -46,6 +47,8 @@ public:
         *m_calls += m_name + u".delete"_s;
         return true;
     }
+    void Reload() override { *m_calls += m_name + u".reload"_s; }
+    void AddCommand(QAction& /*command*/) override {}
 
     bool modified = false;
     bool editing = false;
@@ -197,6 +200,32 @@ private Q_SLOTS:
                 QVERIFY(fixture.dialog->isVisible() && fixture.calls.isEmpty());
             }
         }
+    }
+
+    void KeysOfTheWindow() {
+        Fixture fixture;
+        fixture.dialog->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(fixture.dialog.get()));
+        auto* editor = fixture.light->findChild<QLineEdit*>();
+        editor->setFocus();
+        const auto calls = [&](Qt::Key key, Qt::KeyboardModifiers modifiers) {
+            QTest::keyClick(editor, key, modifiers);
+            QTest::qWait(150);  // the button goes down and up
+            return std::exchange(fixture.calls, {}).join(u' ');
+        };
+        QCOMPARE(calls(Qt::Key_S, Qt::ControlModifier), u"light.submit light.refresh"_s);
+        QCOMPARE(calls(Qt::Key_S, Qt::AltModifier), u"light.submit light.refresh"_s);
+        QCOMPARE(calls(Qt::Key_F5, {}), u"light.reload"_s);
+        QCOMPARE(calls(Qt::Key_PageUp, Qt::ControlModifier), QString());
+        QCOMPARE(fixture.Tabs()->currentIndex(), 2);
+        editor = fixture.requirement->findChild<QLineEdit*>();
+        QCOMPARE(calls(Qt::Key_D, Qt::AltModifier), u"requirement.delete"_s);
+        QTest::keyClick(editor, Qt::Key_PageDown, Qt::ControlModifier);
+        QCOMPARE(fixture.Tabs()->currentIndex(), 0);
+        QTest::keyClick(editor, Qt::Key_F1);
+        const auto* guide = fixture.dialog->findChild<QTextBrowser*>(u"guide"_s);
+        QVERIFY(guide != nullptr && guide->isVisible());
+        QVERIFY(guide->toPlainText().contains(u"图片设置"_s));
     }
 
     void TabGoesFromThePageToTheButtonsThatEnterPresses() {

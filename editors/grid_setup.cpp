@@ -110,7 +110,7 @@ void ShowRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bo
                           ItemMask::Format | ItemMask::Margin,
                   .text = text,
                   .data = recordId,
-                  .state = CellState::ReadOnly,
+                  .state = CellState::ReadOnly | CellState::RowHead,
                   .backColour = isUnwritten ? kUnwrittenColour : kReadOnlyColour,
                   .format = kCentred,
                   .margin = 1});  // room for six digits

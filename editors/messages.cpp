@@ -111,9 +111,10 @@ bool AskToPaste(QWidget* parent, const CString& caption, const PasteLoss& loss, 
     if (lost == 0) {
         return true;
     }
-    CString text =
-        FormatText(u"剪贴板中有%d个单元格的内容,其中%d个超出表格或不能填入所在的单元格,不会粘贴。"_s,
-                   {loss.texts, lost});
+    CString text = FormatText(
+        loss.isDrop ? u"拖动了%d个单元格的内容,其中%d个超出表格或不能填入所在的单元格,不会改动。"_s
+                    : u"剪贴板中有%d个单元格的内容,其中%d个超出表格或不能填入所在的单元格,不会粘贴。"_s,
+        {loss.texts, lost});
     if (noChoice != nullptr) {
         text += FormatText(u"\n第%d行:“%s”不是可选的内容。"_s, {noChoice->cell.row, noChoice->text});
     }
@@ -121,7 +122,7 @@ bool AskToPaste(QWidget* parent, const CString& caption, const PasteLoss& loss, 
         ShowMessage(parent, text, caption);
         return false;
     }
-    return Ask(parent, caption, text + u"\n是否粘贴其余内容?"_s);
+    return Ask(parent, caption, text + (loss.isDrop ? u"\n是否填入其余内容?"_s : u"\n是否粘贴其余内容?"_s));
 }
 
 void TellIncompleteLoad(QWidget* parent, const CString& caption, const ProviderFailure& failure) {

@@ -181,7 +181,7 @@ void GridController::SyncScrollBars() {
                       layout.columns.Start(layout.columns.Count()) <= room.width();
     const auto sync = [fits](QScrollBar& bar, const GridAxis& axis, int step) {
         bar.setRange(0, fits ? 0 : axis.MaxScroll());
-        bar.setPageStep(std::max(1, axis.ViewLength() - axis.FixedLength()));
+        bar.setPageStep(std::max(1, axis.ViewLength() - axis.StayingLength()));
         bar.setSingleStep(step);
     };
     sync(*m_grid.verticalScrollBar(), layout.rows, layout.rows.DefaultSize());
@@ -252,9 +252,9 @@ bool GridController::Execute(const GridCommand& command, const QEvent* event) {
             Click(cell);
             return true;
         case Kind::ClearContents:
-            return EnterAll(u"清除内容"_s, ClearEntries(m_core));
+            return EnterAll(u"清除内容"_s, FillEntries(m_core, {}));
         case Kind::Cut:
-            return Copy() && EnterAll(u"剪切"_s, ClearEntries(m_core));
+            return Copy() && EnterAll(u"剪切"_s, FillEntries(m_core, {}));
         case Kind::FillDown:
             return FillDown();
         case Kind::Menu:
@@ -266,6 +266,18 @@ bool GridController::Execute(const GridCommand& command, const QEvent* event) {
             return Paste();
         case Kind::ColumnWidth:
             m_core.SetSize(Qt::Horizontal, cell.col, command.number);
+            return true;
+        case Kind::ColumnsArranged:
+            Perform([this] { m_notices.emplace_back([this] { Q_EMIT m_grid.ColumnsArranged(); }); });
+            return true;
+        case Kind::Freeze:
+            Freeze(cell.col);
+            return true;
+        case Kind::DragBlock:
+            Redraw();
+            return true;
+        case Kind::MoveBlock:
+            MoveBlock(command.lines, cell, (command.modifiers & Qt::ControlModifier) != 0);
             return true;
         case Kind::Redraw:
             CellChanged(cell);
@@ -325,6 +337,18 @@ void GridController::Click(CCellID cell) {
         });
 }
 
+void GridController::Freeze(int column) {
+    GridAxis& columns = m_core.Layout().columns;
+    SetFrozenColumns(columns.FrozenCount() > 0 ? 0 : column + 1);
+    Execute({GridCommand::Kind::ColumnsArranged});
+}
+
+void GridController::SetFrozenColumns(int count) {
+    m_core.Layout().columns.SetFrozenCount(count);
+    ForgetPointer();
+    SizesChanged();
+}
+
 // ---- Mouse
 
 void GridController::MousePress(const QMouseEvent& event) {
@@ -334,8 +358,8 @@ void GridController::MousePress(const QMouseEvent& event) {
 void GridController::MouseMove(const QMouseEvent& event) {
     const QPoint position = event.position().toPoint();
     if ((event.buttons() & Qt::LeftButton) == 0) {
-        const bool onEdge = m_mouse.EdgeAt(position).has_value();
-        m_grid.viewport()->setCursor(onEdge ? Qt::SplitHCursor : Qt::ArrowCursor);
+        const Qt::CursorShape overCell = m_mouse.IsOnFrame(position) ? Qt::SizeAllCursor : Qt::ArrowCursor;
+        m_grid.viewport()->setCursor(m_mouse.EdgeAt(position) ? Qt::SplitHCursor : overCell);
         return;
     }
     if (position == m_mouse.LastPosition()) {
@@ -371,6 +395,7 @@ void GridController::MouseDoubleClick(const QMouseEvent& event) {
     if (event.button() == Qt::LeftButton && edge) {
         const int widest = std::max(m_grid.viewport()->width(), GridMouse::kSmallestColumn);
         m_core.SetSize(Qt::Horizontal, *edge, m_core.NeededWidth(*edge, GridMouse::kSmallestColumn, widest));
+        Execute({GridCommand::Kind::ColumnsArranged});
         return;
     }
     Perform([this] { EndEdit(); }, [&, this] { Execute(m_mouse.Press(event)); },

@@ -82,6 +82,9 @@ public:
     // Ends the edit with its text in all selected cells.
     void EndEditAndFill();
     void AddMenuAction(GridMenuGroup group, QAction* action) { m_menu.Add(group, action); }
+    void SetFrozenColumns(int count);
+    // Gives up a block that is being dragged. False when none is.
+    bool CancelDrag();
     // Opens the context menu at a point of the screen.
     void PopUpMenu(const QPoint& globalPosition);
     // Gives the focus to the cell that place finds once the grid has the keyboard; then presses its button or
@@ -137,7 +140,9 @@ private:
     bool Copy();
     bool Paste();
     bool FillDown();
-    bool MayEnter(const std::vector<GridEntry>& entries) const;
+    void MoveBlock(const CCellRange& block, CCellID start, bool isCopy);
+    void Freeze(int column);
+    bool MayLose(const PasteLoss& loss) const;
     // One step of the given name; false when there is nothing to enter.
     bool EnterAll(const CString& name, const std::vector<GridEntry>& entries);
     void OpenMenu();

@@ -1,6 +1,7 @@
 // How GridController changes many cells at once, each time as one step for the editor; and its menu.
 #include <QApplication>
 #include <QClipboard>
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -19,11 +20,10 @@ bool GridController::Copy() {
     return text.has_value();
 }
 
-bool GridController::MayEnter(const std::vector<GridEntry>& entries) const {
+bool GridController::MayLose(const PasteLoss& loss) const {
     if (!m_askBeforePaste) {
         return true;
     }
-    const PasteLoss loss = LossOf(m_core, entries);
     const PasteQuestion ask = m_askBeforePaste;  // the answer may take the grid away
     return (loss.beyondColumns == 0 && loss.belowRows == 0 && loss.refused.empty()) || ask(loss);
 }
@@ -34,11 +34,41 @@ bool GridController::Paste() {
     if (entries.empty()) {
         return false;
     }
-    if (!MayEnter(entries) || alive.isNull()) {
+    if (!MayLose(LossOf(m_core, entries)) || alive.isNull()) {
         return true;
     }
     Perform([&] { m_core.FocusWithoutSelecting(entries.front().cell); });
     return alive.isNull() || EnterAll(u"粘贴"_s, entries);
+}
+
+void GridController::MoveBlock(const CCellRange& block, CCellID start, bool isCopy) {
+    Redraw();
+    const std::vector<GridEntry> entries = MoveEntries(m_core, block, start, isCopy);
+    PasteLoss loss = LossOf(m_core, entries);
+    loss.isDrop = true;
+    loss.texts = block.RowCount() * block.ColumnCount();
+    const QPointer<CGridCtrl> alive(&m_grid);
+    if (start == CCellID{block.minRow, block.minCol} || !MayLose(loss) || alive.isNull()) {
+        return;
+    }
+    Perform([&, this] {
+        m_core.SetFocus(start);
+        m_core.SelectRange({start.row, start.col,
+                            std::min(start.row + block.RowCount(), m_core.RowCount()) - 1,
+                            std::min(start.col + block.ColumnCount(), m_core.ColumnCount()) - 1});
+    });
+    if (!alive.isNull()) {
+        EnterAll(isCopy ? u"复制"_s : u"移动"_s, entries);
+    }
+}
+
+bool GridController::CancelDrag() {
+    const bool isDragging = m_mouse.DropRange().minRow >= 0;
+    if (isDragging) {
+        ForgetPointer();
+        Redraw();
+    }
+    return isDragging;
 }
 
 bool GridController::FillDown() {

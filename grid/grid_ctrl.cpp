@@ -3,6 +3,7 @@
 #include "grid/grid_ctrl.h"
 
 #include <QDebug>
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -128,6 +129,14 @@ int CGridCtrl::GetColumnWidth(int column) const {
 
 int CGridCtrl::GetRowHeight(int row) const {
     return row >= 0 && row < GetRowCount() ? Core().Layout().rows.Size(row) : 0;
+}
+
+void CGridCtrl::SetFrozenColumnCount(int columns) {
+    m_controller->SetFrozenColumns(std::clamp(columns, 0, GetColumnCount()));
+}
+
+int CGridCtrl::GetFrozenColumnCount() const {
+    return Core().Layout().columns.FrozenCount();
 }
 
 // ---- Contents
@@ -313,6 +322,11 @@ unsigned CGridCtrl::MarksOf(CCellID cell) const {
 
 GridTip CGridCtrl::TipOf(CCellID cell) const {
     return m_tips && Core().Layout().Holds(cell) ? m_tips(cell) : GridTip();
+}
+
+void CGridCtrl::SetTakesFiles(std::function<bool(CCellID)> takes) {
+    m_takesFiles = std::move(takes);
+    viewport()->setAcceptDrops(m_takesFiles != nullptr);
 }
 
 bool CGridCtrl::SetHeadingButton(int column, HeadingOrder order, bool isFiltered) {

@@ -76,6 +76,11 @@ public:
     int GetColumnWidth(int column) const;
     int GetRowHeight(int row) const;
 
+    // The first columns up to this number stay in place while the rest scrolls. They are cells like all
+    // others, not headings. They scroll along while they would leave less than a quarter of the window.
+    void SetFrozenColumnCount(int columns);
+    int GetFrozenColumnCount() const;
+
     // Contents.
     bool SetItemText(int row, int column, const CString& text);
     CString GetItemText(int row, int column) const;
@@ -172,6 +177,10 @@ public:
     // column without a heading.
     bool SetHeadingButton(int column, HeadingOrder order, bool isFiltered = false);
 
+    // Which cells take files that are dropped on them from outside; a drop emits FilesDropped. Without a
+    // function none does.
+    void SetTakesFiles(std::function<bool(CCellID)> takes);
+
     // Puts a bar at the grid's foot, inside its frame; the grid owns it, and shows it when the bar is shown.
     // When the bar is hidden while it has the keyboard, the grid gets it. Null takes the present bar away.
     void SetFootBar(QWidget* bar);
@@ -192,6 +201,7 @@ public:
     // For units beside the control: accessibility, printing, text files.
     GridController& Controller() { return *m_controller; }
     const GridCore& Core() const;
+    QWidget* FootBar() const { return m_footBar; }
     unsigned MarksOf(CCellID cell) const;
     GridTip TipOf(CCellID cell) const;
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
@@ -209,6 +219,10 @@ Q_SIGNALS:
     void MenuAboutToShow();
     // The button in a column's heading was pressed.
     void HeadingButtonClicked(int column);
+    // The user has changed the width of a column, or which columns are frozen.
+    void ColumnsArranged();
+    // Files of this computer were dropped on a cell that takes them.
+    void FilesDropped(int row, int column, const QStringList& paths);
     // The text in the open editor has changed by typing.
     void TextTyped(QWidget* editor, const QString& text);
     // A push button inside a cell was pressed, by mouse or by key.
@@ -228,6 +242,9 @@ protected:
     void inputMethodEvent(QInputMethodEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void changeEvent(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
@@ -249,6 +266,7 @@ private:
     MarkSource m_marks;
     HighlightSource m_highlights;
     TipSource m_tips;
+    std::function<bool(CCellID)> m_takesFiles;
     QPointer<QWidget> m_footBar;
 };
 

@@ -1,13 +1,16 @@
 // The events of CGridCtrl; each goes to the unit that knows what it means.
 #include <QBuffer>
 #include <QContextMenuEvent>
+#include <QDropEvent>
 #include <QHelpEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QToolTip>
+#include <QUrl>
 
 #include "grid/cells/cell_text.h"
 #include "grid/grid_controller.h"
@@ -34,6 +37,18 @@ QString TipMarkup(const QString& text, const QImage& picture) {
     return markup;
 }
 
+// The files that are dragged; none when anything else is among them.
+QStringList PathsIn(const QDropEvent& event) {
+    QStringList paths;
+    for (const QUrl& url : event.mimeData()->urls()) {
+        if (!url.isLocalFile()) {
+            return {};
+        }
+        paths << url.toLocalFile();
+    }
+    return paths;
+}
+
 }  // namespace
 
 // ---- Painting and sizes
@@ -47,6 +62,7 @@ void CGridCtrl::paintEvent(QPaintEvent* event) {
                           .hasFocus = hasFocus(),
                           .pressedCell = mouse.PressedCell(),
                           .pressedButton = mouse.PressedButton(),
+                          .dropRange = mouse.DropRange(),
                           .widget = this,
                           .images = &m_images,
                           .marks = &m_marks,
@@ -169,7 +185,9 @@ bool CGridCtrl::event(QEvent* event) {
         const bool tab = key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab;
         if (tab && (key.modifiers() & Qt::ControlModifier) != 0) {
             const bool back = key.key() == Qt::Key_Backtab || (key.modifiers() & Qt::ShiftModifier) != 0;
-            return focusNextPrevChild(!back);
+            const QPointer<CGridCtrl> alive(this);
+            EndEdit();
+            return alive.isNull() || focusNextPrevChild(!back);
         }
         const GridCommand command = tab && !IsEditing() ? CommandOfKey(Core(), key) : GridCommand{};
         if (command.kind != GridCommand::Kind::PassOn) {
@@ -180,6 +198,9 @@ bool CGridCtrl::event(QEvent* event) {
 }
 
 void CGridCtrl::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && m_controller->CancelDrag()) {
+        return;
+    }
     // While an editor is open, only keys that it has no use for come here.
     if (m_controller->PassToEditor(*event)) {
         return;
@@ -259,6 +280,34 @@ void CGridCtrl::mouseReleaseEvent(QMouseEvent* event) {
 
 void CGridCtrl::mouseDoubleClickEvent(QMouseEvent* event) {
     m_controller->MouseDoubleClick(*event);
+}
+
+// ---- Files from outside
+
+void CGridCtrl::dragEnterEvent(QDragEnterEvent* event) {
+    event->setAccepted(!PathsIn(*event).isEmpty());
+}
+
+void CGridCtrl::dragMoveEvent(QDragMoveEvent* event) {
+    const CCellID cell = CellAt(event->position().toPoint());
+    const bool takes = cell.IsValid() && m_takesFiles && m_takesFiles(cell) && !PathsIn(*event).isEmpty();
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(takes);
+}
+
+void CGridCtrl::dropEvent(QDropEvent* event) {
+    const CCellID cell = CellAt(event->position().toPoint());
+    const QStringList paths = PathsIn(*event);
+    if (!cell.IsValid() || !m_takesFiles || !m_takesFiles(cell) || paths.isEmpty()) {
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    const QPointer<CGridCtrl> alive(this);
+    EndEdit();
+    if (!alive.isNull()) {
+        Q_EMIT FilesDropped(cell.row, cell.col, paths);
+    }
 }
 
 }  // namespace quorvane

@@ -33,22 +33,31 @@ double Contrast(const QColor& a, const QColor& b) {
 void GridPainter::Paint(const QRect& area) {
     const GridLayout& layout = m_core.Layout();
     const QRect scrolling = layout.ScrollingArea();
-    const int fixedRight = scrolling.left() - 1;
-    const int fixedBottom = scrolling.top() - 1;
+    // The last pixels of what stays in place.
+    const int stayRight = scrolling.left() - 1;
+    const int stayBottom = scrolling.top() - 1;
 
     m_painter.fillRect(area, m_looks.Background());
-    const auto fixedRows = layout.rows.VisibleFixed(area.top(), area.bottom());
-    const auto fixedColumns = layout.columns.VisibleFixed(area.left(), area.right());
+    const auto stayingRows = layout.rows.VisibleStaying(area.top(), area.bottom());
+    const auto stayingColumns = layout.columns.VisibleStaying(area.left(), area.right());
     const auto rows = layout.rows.VisibleScrolling(area.top(), area.bottom());
     const auto columns = layout.columns.VisibleScrolling(area.left(), area.right());
 
-    const int farRight = std::max(scrolling.right(), fixedRight);
-    const int farBottom = std::max(scrolling.bottom(), fixedBottom);
+    const int farRight = std::max(scrolling.right(), stayRight);
+    const int farBottom = std::max(scrolling.bottom(), stayBottom);
     PaintPart(rows, columns, area & scrolling);
-    PaintFocus(area & scrolling);
-    PaintPart(fixedRows, columns, area & QRect(QPoint(fixedRight + 1, 0), QPoint(farRight, fixedBottom)));
-    PaintPart(rows, fixedColumns, area & QRect(QPoint(0, fixedBottom + 1), QPoint(fixedRight, farBottom)));
-    PaintPart(fixedRows, fixedColumns, area & QRect(QPoint(0, 0), QPoint(fixedRight, fixedBottom)));
+    PaintPart(rows, stayingColumns, area & QRect(QPoint(0, stayBottom + 1), QPoint(stayRight, farBottom)));
+    PaintFocus(area);
+    PaintPart(stayingRows, columns, area & QRect(QPoint(stayRight + 1, 0), QPoint(farRight, stayBottom)));
+    PaintPart(stayingRows, stayingColumns, area & QRect(QPoint(0, 0), QPoint(stayRight, stayBottom)));
+    if (layout.columns.StayingCount() > layout.columns.FixedCount() && !rows.IsEmpty()) {
+        const QRect last = layout.BlockRect({rows.last, 0, rows.last, 0});
+        m_painter.fillRect(QRect(QPoint(stayRight, 0), QPoint(stayRight, last.bottom())), m_looks.Shadow());
+    }
+    if (m_looks.dropRange.minRow >= 0) {
+        m_painter.setPen(QPen(m_looks.palette.color(QPalette::Highlight), 2, Qt::DashLine));
+        m_painter.drawRect(layout.BlockRect(m_looks.dropRange).adjusted(1, 1, -2, -2));
+    }
 }
 
 void GridPainter::PaintPart(const GridAxis::Lines& rows, const GridAxis::Lines& columns, const QRect& clip) {
@@ -170,8 +179,9 @@ void GridPainter::PaintMarks(unsigned marks, const QRect& rect, const QColor& ba
     m_painter.restore();
 }
 
-void GridPainter::PaintFocus(const QRect& clip) {
+void GridPainter::PaintFocus(const QRect& area) {
     const CCellID focus = m_core.Focus();
+    const QRect clip = area & m_core.Layout().AreaOf(focus);
     if (!focus.IsValid() || clip.isEmpty()) {
         return;
     }
@@ -180,7 +190,9 @@ void GridPainter::PaintFocus(const QRect& clip) {
     const QPalette::ColorGroup group = m_looks.hasFocus ? QPalette::Active : QPalette::Inactive;
     QColor colour = m_looks.palette.color(group, QPalette::Highlight);
     if (m_looks.hasFocus) {
-        colour = colour.darker(140);
+        // Away from the background, which the selection mixes with this colour.
+        colour = m_looks.palette.color(QPalette::Base).lightness() < 128 ? colour.lighter(150)
+                                                                         : colour.darker(140);
     }
     m_painter.setPen(QPen(colour, 2, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     m_painter.drawRect(m_core.CellRect(focus).adjusted(1, 1, -2, -2));

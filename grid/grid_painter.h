@@ -28,6 +28,7 @@ struct GridLooks {
     bool hasFocus = false;
     CCellID pressedCell = {};  // whose button is held down
     int pressedButton = -1;
+    CCellRange dropRange = {};                   // where a dragged block would go; not valid: none is dragged
     const QWidget* widget = nullptr;             // for the style; may be null
     const std::vector<QIcon>* images = nullptr;  // what the cells' image numbers mean; may be null
     // The marks of a cell (CellMark), and whether it is one that was sought; may be null.
@@ -52,7 +53,7 @@ private:
     void PaintPart(const GridAxis::Lines& rows, const GridAxis::Lines& columns, const QRect& clip);
     void PaintBlock(const CCellRange& block);
     void PaintBackground(CCellID cell, const QRect& rect, const QColor& back, bool fixed);
-    void PaintFocus(const QRect& clip);
+    void PaintFocus(const QRect& area);
     void PaintMarks(unsigned marks, const QRect& rect, const QColor& back);
     QColor BackColour(CCellID cell, bool fixed) const;
     QColor TextColour(const CGridCellBase& cell, const QColor& back, bool fixed) const;

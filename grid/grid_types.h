@@ -124,14 +124,15 @@ enum class GridMenuGroup {
     Data,       // 提交, 重新读取
 };
 
-// Which texts of the clipboard a paste would leave out.
+// Which texts a paste, or the drop of a dragged block, would leave out.
 struct PasteLoss {
     struct Refused {
         CCellID cell;
         CString text;
         bool isNoChoice;  // the cell has a list of choices, and this is none of them
     };
-    int texts = 0;          // on the clipboard
+    int texts = 0;          // in all
+    bool isDrop = false;    // of a dragged block, not of the clipboard
     int beyondColumns = 0;  // right of the last column
     int belowRows = 0;      // below the last row; rows may come while the texts are entered
     int lastRow = 0;

@@ -60,35 +60,43 @@ int GridAccessible::CellCount() const {
     return rowCount() * columnCount();
 }
 
-QAccessibleInterface* GridAccessible::OpenForEdit() const {
+QList<QAccessibleInterface*> GridAccessible::Others() const {
+    QList<QAccessibleInterface*> others;
     if (!isValid()) {
-        return nullptr;
-    }
-    if (Grid().IsEditing()) {
-        return QAccessible::queryAccessibleInterface(Grid().viewport());
+        return others;
     }
     ComboList* list = Grid().Controller().OpenList();
-    return list != nullptr ? QAccessible::queryAccessibleInterface(list) : nullptr;
+    if (Grid().IsEditing()) {
+        others << QAccessible::queryAccessibleInterface(Grid().viewport());
+    } else if (list != nullptr) {
+        others << QAccessible::queryAccessibleInterface(list);
+    }
+    if (QWidget* bar = Grid().FootBar(); bar != nullptr && !bar->isHidden()) {
+        others << QAccessible::queryAccessibleInterface(bar);
+    }
+    return others;
 }
 
 int GridAccessible::childCount() const {
-    return CellCount() + (OpenForEdit() != nullptr ? 1 : 0);
+    return CellCount() + static_cast<int>(Others().size());
 }
 
 QAccessibleInterface* GridAccessible::child(int index) const {
     const int cells = CellCount();
-    if (index < 0 || index > cells) {
+    if (index < 0) {
         return nullptr;
     }
-    return index < cells ? cellAt(index / columnCount(), index % columnCount()) : OpenForEdit();
+    return index < cells ? cellAt(index / columnCount(), index % columnCount())
+                         : Others().value(index - cells);
 }
 
 int GridAccessible::indexOfChild(const QAccessibleInterface* child) const {
     if (!isValid() || child == nullptr) {
         return -1;
     }
-    if (child == OpenForEdit()) {
-        return CellCount();
+    const auto other = Others().indexOf(const_cast<QAccessibleInterface*>(child));
+    if (other >= 0) {
+        return CellCount() + static_cast<int>(other);
     }
     const QAccessibleInterface* parent = child->parent();
     auto* cell = const_cast<QAccessibleInterface*>(child)->tableCellInterface();
@@ -100,6 +108,10 @@ QAccessibleInterface* GridAccessible::childAt(int x, int y) const {
         return nullptr;
     }
     const QPoint position = Grid().viewport()->mapFromGlobal(QPoint(x, y));
+    QWidget* bar = Grid().FootBar();
+    if (bar != nullptr && bar->isVisible() && bar->rect().contains(bar->mapFromGlobal(QPoint(x, y)))) {
+        return QAccessible::queryAccessibleInterface(bar);
+    }
     if (!Grid().viewport()->rect().contains(position)) {
         return nullptr;
     }

@@ -13,8 +13,8 @@ class GridAnnouncer;
 class GridCore;
 
 // Rows and columns are numbered as in the grid, the fixed ones first. A merged block is one cell, found at
-// every place that it covers. The children are the places row by row and, during an edit, the window that
-// holds the editor.
+// every place that it covers. The children are the places row by row, then, during an edit, the window that
+// holds the editor, and the bar at the grid's foot while it is shown.
 class GridAccessible : public QAccessibleWidget, public QAccessibleTableInterface {
 public:
     // Has the toolkit make these for grids. May be called any number of times.
@@ -63,8 +63,8 @@ private:
     CGridCtrl& Grid() const;
     const GridCore& Core() const;
     int CellCount() const;
-    // What is open for an edit, or null.
-    QAccessibleInterface* OpenForEdit() const;
+    // What is open for an edit, and the bar at the grid's foot.
+    QList<QAccessibleInterface*> Others() const;
     QList<CCellID> SelectedPlaces() const;
     // All cells of a row or column that can be selected; not valid for a fixed one.
     CCellRange RowRange(int row) const;

@@ -123,7 +123,7 @@ QAccessible::State GridAccessibleCell::state() const {
     }
     CGridCtrl& grid = Grid();
     const QRect rect = Core().CellRect(m_place);
-    const QRect area = IsFixed() ? grid.viewport()->rect() : Core().Layout().ScrollingArea();
+    const QRect area = Core().Layout().AreaOf(m_place);
     state.disabled = !grid.isEnabled();
     state.invisible = !grid.isVisible() || rect.isEmpty();
     state.offscreen = !rect.intersects(area);

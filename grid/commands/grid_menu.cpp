@@ -20,6 +20,7 @@ GridMenu::GridMenu(GridController& controller) : m_controller(controller) {
     AddOwn(GridMenuGroup::Select, Kind::SelectRows, u"选中整行"_s, Qt::SHIFT | Qt::Key_Space);
     AddOwn(GridMenuGroup::Select, Kind::SelectColumns, u"选中整列"_s, Qt::CTRL | Qt::Key_Space);
     AddOwn(GridMenuGroup::Select, Kind::SelectAll, u"全选"_s, QKeySequence::SelectAll);
+    AddOwn(GridMenuGroup::View, Kind::Freeze, {}, {});
 }
 
 void GridMenu::AddOwn(GridMenuGroup group, Kind kind, const CString& text, const QKeySequence& key) {
@@ -52,6 +53,10 @@ void GridMenu::PopUp(const QPoint& globalPosition) {
         const CString obstacle = ObstacleOf(m_controller.Core(), kind);
         action->setEnabled(obstacle.isEmpty());
         action->setToolTip(obstacle);
+        if (kind == Kind::Freeze) {
+            const bool isFrozen = m_controller.Core().Layout().columns.FrozenCount() > 0;
+            action->setText(isFrozen ? u"取消冻结"_s : u"冻结到此列"_s);
+        }
     }
     m_menu = new QMenu(&m_controller.Grid());
     m_menu->setObjectName(u"gridMenu"_s);

@@ -38,6 +38,19 @@ bool HasRowAbove(const GridCore& core, const CCellRange& range) {
     return range.RowCount() > 1 || range.minRow > core.Layout().rows.FixedCount();
 }
 
+CString FreezeObstacle(const GridCore& core) {
+    const GridAxis& columns = core.Layout().columns;
+    if (columns.FrozenCount() > 0) {
+        return {};
+    }
+    if (!core.Focus().IsValid()) {
+        return u"没有选中单元格。"_s;
+    }
+    GridAxis frozen = columns;
+    frozen.SetFrozenCount(core.Focus().col + 1);
+    return frozen.StayingCount() > core.Focus().col ? CString() : u"这些列太宽,冻结后其余的列显示不下。"_s;
+}
+
 }  // namespace
 
 CString ObstacleOf(const GridCore& core, GridCommand::Kind command) {
@@ -66,6 +79,8 @@ CString ObstacleOf(const GridCore& core, GridCommand::Kind command) {
                                        [&](const auto& range) { return MayHoldEditable(core, range); })
                        ? CString()
                        : u"选中的单元格不能直接修改。"_s;
+        case Kind::Freeze:
+            return FreezeObstacle(core);
         default:
             return {};
     }

@@ -28,9 +28,13 @@ struct GridCommand {
         Copy,
         Paste,
         FillDown,
-        Menu,         // of the focus cell
-        ColumnWidth,  // of cell's column: number pixels
-        Redraw,       // cell
+        Menu,             // of the focus cell
+        ColumnWidth,      // of cell's column: number pixels
+        ColumnsArranged,  // a column has been given its width
+        Freeze,           // the columns up to cell's, or none when some are frozen
+        DragBlock,        // show where the dragged block would go
+        MoveBlock,        // lines to cell; with Ctrl copy it
+        Redraw,           // cell
     };
 
     Kind kind = Kind::PassOn;

@@ -88,10 +88,24 @@ std::vector<GridEntry> EntriesOf(const TextTable& table, CCellID start, int rows
 
 }  // namespace
 
-std::vector<GridEntry> EntriesFrom(const GridCore& core, const CString& text, CCellID start) {
-    const TextTable table = ReadTabText(text);
-    return core.Layout().Holds(start) ? EntriesOf(table, start, static_cast<int>(table.size()))
-                                      : std::vector<GridEntry>();
+std::vector<GridEntry> MoveEntries(const GridCore& core, const CCellRange& block, CCellID start,
+                                   bool isCopy) {
+    std::vector<GridEntry> entries;
+    std::vector<GridEntry> cleared;
+    const CCellRange written{start.row, start.col, start.row + block.maxRow - block.minRow,
+                             start.col + block.maxCol - block.minCol};
+    ForEachCell(block, [&](CCellID cell) {
+        const CCellID target{start.row + cell.row - block.minRow, start.col + cell.col - block.minCol};
+        if (core.Origin(cell) != cell) {
+            return;
+        }
+        entries.push_back({target, core.Text(cell)});
+        if (!isCopy && core.Takes(target, core.Text(cell)) && !written.Contains(cell)) {
+            AddWhereChanged(cleared, core, cell, {});
+        }
+    });
+    entries.insert(entries.end(), cleared.begin(), cleared.end());
+    return entries;
 }
 
 std::vector<GridEntry> PasteEntries(const GridCore& core, const CString& text) {
@@ -112,25 +126,6 @@ std::vector<GridEntry> PasteEntries(const GridCore& core, const CString& text) {
         }
     }
     return EntriesOf(table, start, rows);
-}
-
-std::vector<GridEntry> ClearEntries(const GridCore& core, const CCellRange& range) {
-    std::vector<GridEntry> entries;
-    ForEachCell(range, [&](CCellID cell) {
-        if (core.EditingOf(cell) == CellEditing::Text) {
-            AddWhereChanged(entries, core, cell, {});
-        }
-    });
-    return entries;
-}
-
-std::vector<GridEntry> ClearEntries(const GridCore& core) {
-    std::vector<GridEntry> entries;
-    for (const CCellRange& range : SelectedOnce(core)) {
-        const std::vector<GridEntry> further = ClearEntries(core, range);
-        entries.insert(entries.end(), further.begin(), further.end());
-    }
-    return entries;
 }
 
 std::vector<GridEntry> FillEntries(const GridCore& core, const CString& text) {

@@ -22,12 +22,10 @@ struct GridEntry {
 // one selected range is a multiple of the text's, the text is repeated until the range is full. Places
 // outside the grid and cells that do not take their text are among them.
 std::vector<GridEntry> PasteEntries(const GridCore& core, const CString& text);
-// The same from a given cell on, without repetition.
-std::vector<GridEntry> EntriesFrom(const GridCore& core, const CString& text, CCellID start);
+// The texts of a block for the block of the same size at `start`. Unless they are copied, the cells of the
+// block that are not written to are cleared, apart from those whose text finds no place.
+std::vector<GridEntry> MoveEntries(const GridCore& core, const CCellRange& block, CCellID start, bool isCopy);
 // The following leave out cells that the user could not give the text, and those that show it already.
-// The empty text for each selected cell of editable text.
-std::vector<GridEntry> ClearEntries(const GridCore& core);
-std::vector<GridEntry> ClearEntries(const GridCore& core, const CCellRange& range);
 // One text for each selected cell.
 std::vector<GridEntry> FillEntries(const GridCore& core, const CString& text);
 // The texts of the first row of each selected range for the rows below it. A range of one row takes those of

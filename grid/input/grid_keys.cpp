@@ -72,7 +72,7 @@ CCellID NextEditable(const GridCore& core, CCellID from, int direction) {
 
 CCellID PageTarget(const GridCore& core, CCellID focus, int direction) {
     const GridAxis& rows = core.Layout().rows;
-    const qint64 page = std::max(1, rows.ViewLength() - rows.FixedLength() - rows.DefaultSize());
+    const qint64 page = std::max(1, rows.ViewLength() - rows.StayingLength() - rows.DefaultSize());
     const qint64 position = rows.Start(focus.row) + direction * page;
     const int row =
         rows.LineAt(std::clamp<qint64>(position, rows.FixedLength(), rows.Start(rows.Count()) - 1));
@@ -274,7 +274,7 @@ CCellID NextAfterEdit(const GridCore& core, CCellID from, GridMove move) {
 }
 
 CCellID FirstVisible(const GridCore& core) {
-    const CCellID cell = core.CellAt(core.Layout().ScrollingArea().topLeft());
+    const CCellID cell = core.CellAt(core.Layout().BodyArea().topLeft());
     return core.IsSelectable(cell) ? cell : FirstCell(core);
 }
 

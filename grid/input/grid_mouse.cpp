@@ -1,5 +1,6 @@
 #include "grid/input/grid_mouse.h"
 
+#include <QApplication>
 #include <algorithm>
 
 #include "grid/grid_core.h"
@@ -12,6 +13,7 @@ void GridMouse::Reset() {
     m_action = Action::None;
     m_button = -1;
     m_pressed = {};
+    m_drop = {};
 }
 
 std::optional<int> GridMouse::EdgeAt(const QPoint& position) const {
@@ -94,6 +96,9 @@ GridCommand GridMouse::PressLeft(const QMouseEvent& event) {
     if (!cell.IsValid()) {
         return {Kind::Nothing};
     }
+    if (IsOnFrame(m_last) && ButtonAt(cell, m_last) < 0 && event.modifiers() == Qt::NoModifier) {
+        return PressFrame(cell);
+    }
     return IsHead(cell) ? PressHeading(cell, event.modifiers()) : PressCell(cell, event);
 }
 
@@ -117,6 +122,36 @@ GridCommand GridMouse::PressHeading(CCellID cell, Qt::KeyboardModifiers modifier
     m_action = rowFixed ? Action::Columns : Action::Rows;
     m_pressed = {lines.minRow, lines.minCol};
     return {Kind::SelectLines, m_pressed, 0, lines, modifiers};
+}
+
+bool GridMouse::IsOnFrame(const QPoint& position) const {
+    constexpr int kReach = 2;
+    const std::vector<CCellRange>& ranges = m_core.Selection().Ranges();
+    const CCellID cell = m_core.CellAt(position);
+    if (ranges.size() != 1 || !cell.IsValid() || IsHead(cell) ||
+        IsHead({ranges.front().minRow, ranges.front().minCol})) {
+        return false;
+    }
+    const QRect block = m_core.Layout().BlockRect(ranges.front());
+    return block.contains(position) && !block.adjusted(kReach, kReach, -kReach, -kReach).contains(position);
+}
+
+GridCommand GridMouse::PressFrame(CCellID cell) {
+    m_action = Action::Block;
+    m_block = m_core.Selection().Ranges().front();
+    m_grip = m_core.Layout().CellAt(m_last);
+    m_grippedAt = m_last;
+    m_pressed = cell;
+    m_hadFocus = m_core.Focus() == cell;
+    return {Kind::Nothing};
+}
+
+CCellRange GridMouse::DropRange() const {
+    if (!m_drop.IsValid()) {
+        return {};
+    }
+    return {m_drop.row, m_drop.col, m_drop.row + m_block.RowCount() - 1,
+            m_drop.col + m_block.ColumnCount() - 1};
 }
 
 GridCommand GridMouse::PressCell(CCellID cell, const QMouseEvent& event) {
@@ -149,24 +184,43 @@ GridCommand GridMouse::Drag(const QPoint& position) {
         case Action::Button:
             m_isInside = m_core.CellAt(position) == m_pressed && ButtonAt(m_pressed, position) == m_button;
             return {Kind::Redraw, m_pressed};
+        case Action::Block:
+            return DragBlock();
         default:
             return DragSelection();
     }
 }
 
-GridCommand GridMouse::DragSelection() const {
+GridCommand GridMouse::DragBlock() {
+    const CCellID cell = NearestCell();
+    const bool isStill = (m_last - m_grippedAt).manhattanLength() < QApplication::startDragDistance();
+    if (!cell.IsValid() || (!m_drop.IsValid() && isStill)) {
+        return {Kind::Nothing};
+    }
+    const CCellRange all = m_core.Layout().ScrollingCells();
+    m_drop = {std::max(all.minRow, m_block.minRow + cell.row - m_grip.row),
+              std::max(all.minCol, m_block.minCol + cell.col - m_grip.col)};
+    return {Kind::DragBlock};
+}
+
+CCellID GridMouse::NearestCell() const {
     const GridLayout& layout = m_core.Layout();
-    const QRect area = layout.ScrollingArea();
+    const QRect area = layout.BodyArea();
     const qint64 bottom = layout.rows.Start(layout.rows.Count()) - layout.rows.Scroll() - 1;
     const qint64 right = layout.columns.Start(layout.columns.Count()) - layout.columns.Scroll() - 1;
     if (area.isEmpty() || bottom < area.top() || right < area.left()) {
-        return {Kind::Nothing};
+        return {};
     }
     const auto inside = [](int position, int first, qint64 end, int last) {
         return std::clamp(position, first, static_cast<int>(std::min<qint64>(end, last)));
     };
-    CCellID cell = layout.CellAt({inside(m_last.x(), area.left(), right, area.right()),
-                                  inside(m_last.y(), area.top(), bottom, area.bottom())});
+    return layout.CellAt({inside(m_last.x(), area.left(), right, area.right()),
+                          inside(m_last.y(), area.top(), bottom, area.bottom())});
+}
+
+GridCommand GridMouse::DragSelection() const {
+    const GridLayout& layout = m_core.Layout();
+    CCellID cell = NearestCell();
     if (!cell.IsValid()) {
         return {Kind::Nothing};
     }
@@ -181,11 +235,10 @@ GridCommand GridMouse::DragSelection() const {
 }
 
 QPoint GridMouse::Overshoot() const {
-    const bool selects = m_action == Action::Cells || m_action == Action::Rows || m_action == Action::Columns;
-    if (!selects) {
+    if (m_action == Action::None || m_action == Action::Button || m_action == Action::ColumnEdge) {
         return {};
     }
-    const QRect area = m_core.Layout().ScrollingArea();
+    const QRect area = m_core.Layout().BodyArea();
     const auto beyond = [](int position, int first, int last) {
         return position < first ? position - first : std::max(0, position - last);
     };
@@ -205,14 +258,25 @@ GridCommand GridMouse::Release(const QMouseEvent& event) {
     if (was.m_action == Action::Button) {
         return {was.m_isInside ? Kind::PressButton : Kind::Redraw, was.m_pressed, was.m_button};
     }
-    const bool clicks = was.m_action == Action::Cells && m_core.CellAt(position) == was.m_pressed &&
-                        !m_clickDone && (event.modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) == 0;
+    if (was.m_action == Action::ColumnEdge) {
+        return {Kind::ColumnsArranged};
+    }
+    if (was.m_drop.IsValid()) {
+        return {Kind::MoveBlock, was.m_drop, 0, was.m_block, event.modifiers()};
+    }
+    const bool pressedFrame = was.m_action == Action::Block;
+    if (pressedFrame && was.m_block != m_core.Extent(was.m_pressed)) {
+        return {Kind::Focus, was.m_pressed};
+    }
+    const bool clicks = (was.m_action == Action::Cells || pressedFrame) &&
+                        m_core.CellAt(position) == was.m_pressed && !m_clickDone &&
+                        (event.modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) == 0;
     m_opensChoices = clicks && m_hadFocus && m_core.EditingOf(was.m_pressed) == CellEditing::Choice;
     return {clicks ? Kind::Click : Kind::Nothing, was.m_pressed};
 }
 
 GridCommand GridMouse::DoubleClick(const QMouseEvent& event) {
-    if (event.button() != Qt::LeftButton || m_action != Action::Cells) {
+    if (event.button() != Qt::LeftButton || (m_action != Action::Cells && m_action != Action::Block)) {
         return {Kind::Nothing};
     }
     const CCellID cell = m_pressed;

@@ -31,6 +31,10 @@ public:
     int PressedButton() const { return m_button; }
     // Whether the click that was just released drops down the list of its cell.
     bool OpensChoices() const { return m_opensChoices; }
+    // Where the block that is being dragged would go; not valid when none is dragged.
+    CCellRange DropRange() const;
+    // Whether a position is on the frame of the selected block, by which it can be dragged.
+    bool IsOnFrame(const QPoint& position) const;
     // How many pixels a selecting drag has gone beyond the area in which cells scroll.
     QPoint Overshoot() const;
     QPoint LastPosition() const { return m_last; }
@@ -38,12 +42,16 @@ public:
     std::optional<int> EdgeAt(const QPoint& position) const;
 
 private:
-    enum class Action { None, Cells, Rows, Columns, Button, ColumnEdge };
+    enum class Action { None, Cells, Rows, Columns, Button, ColumnEdge, Block };
 
     GridCommand PressLeft(const QMouseEvent& event);
     GridCommand PressHeading(CCellID cell, Qt::KeyboardModifiers modifiers);
     GridCommand PressCell(CCellID cell, const QMouseEvent& event);
+    GridCommand PressFrame(CCellID cell);
     GridCommand DragSelection() const;
+    GridCommand DragBlock();
+    // The cell without headings that is nearest to the mouse; none in an empty grid.
+    CCellID NearestCell() const;
     // Whether pressing a cell selects whole rows or columns, and which.
     bool IsHead(CCellID cell) const;
     CCellRange LinesOf(CCellID head) const;
@@ -57,6 +65,10 @@ private:
     bool m_hadFocus = false;      // the pressed cell had the focus before
     bool m_clickDone = false;     // the second press of a double click is no second click
     bool m_opensChoices = false;  // see OpensChoices
+    CCellRange m_block;           // that is dragged by its frame
+    CCellID m_grip;               // the cell of the block that the mouse holds
+    QPoint m_grippedAt;
+    CCellID m_drop;  // where its first cell would go; none before it is moved
     int m_edgeColumn = -1;
     int m_edgeOffset = 0;  // from the mouse to the edge it holds
     QPoint m_last;

@@ -110,7 +110,7 @@ void InPlaceEdit::Place() {
         return;
     }
     const QRect rect = m_controller.Core().CellRect(m_cell).adjusted(0, 0, -1, -1);
-    const QRect visible = rect & m_controller.Core().Layout().ScrollingArea();
+    const QRect visible = rect & m_controller.Core().Layout().AreaOf(m_cell);
     m_editor->setGeometry(rect);
     if (visible.isEmpty()) {
         m_editor->move(-rect.width() - 1, -rect.height() - 1);  // an empty mask would show it whole

@@ -33,8 +33,14 @@ void GridAxis::SumUpFrom(std::size_t position) {
     }
 }
 
+int GridAxis::StayingCount() const {
+    const bool fits = Start(m_frozenCount) <= qint64{m_viewLength} * 3 / 4;
+    return fits ? std::max(m_fixedCount, m_frozenCount) : m_fixedCount;
+}
+
 void GridAxis::Insert(int at, int count) {
     m_count += count;
+    m_frozenCount += at < m_frozenCount ? count : 0;
     for (auto own = m_ownSizes.begin() + (FirstOwnSizeFrom(at) - m_ownSizes.cbegin());
          own != m_ownSizes.end(); ++own) {
         own->line += count;
@@ -43,6 +49,7 @@ void GridAxis::Insert(int at, int count) {
 
 void GridAxis::Remove(int at, int count) {
     m_count -= count;
+    m_frozenCount -= std::clamp(m_frozenCount - at, 0, count);
     const auto position = FirstOwnSizeFrom(at) - m_ownSizes.cbegin();
     m_ownSizes.erase(m_ownSizes.begin() + position, FirstOwnSizeFrom(at + count));
     for (auto own = m_ownSizes.begin() + position; own != m_ownSizes.end(); ++own) {
@@ -115,12 +122,12 @@ int GridAxis::MaxScroll() const {
 }
 
 int GridAxis::ScrollToShow(int first, int last) const {
-    if (first < m_fixedCount) {
+    if (first < StayingCount()) {
         return m_scroll;
     }
-    const qint64 room = std::max(0, m_viewLength - FixedLength());
-    const qint64 atStart = Start(first) - FixedLength();          // offset that puts the lines at the start
-    const qint64 atEnd = Start(last + 1) - FixedLength() - room;  // and at the end
+    const qint64 room = std::max(0, m_viewLength - StayingLength());
+    const qint64 atStart = Start(first) - StayingLength();          // offset that puts the lines at the start
+    const qint64 atEnd = Start(last + 1) - StayingLength() - room;  // and at the end
     if (atEnd > atStart) {
         // Longer than the window: stay when they fill it already.
         return m_scroll >= atStart && m_scroll <= atEnd ? m_scroll : ToPixels(atStart);
@@ -132,8 +139,12 @@ int GridAxis::FixedLength() const {
     return ToPixels(Start(m_fixedCount));
 }
 
+int GridAxis::StayingLength() const {
+    return ToPixels(Start(StayingCount()));
+}
+
 qint64 GridAxis::ScreenStart(int line) const {
-    return line < m_fixedCount ? Start(line) : Start(line) - m_scroll;
+    return line < StayingCount() ? Start(line) : Start(line) - m_scroll;
 }
 
 GridAxis::Span GridAxis::ScreenSpan(int first, int last) const {
@@ -146,7 +157,7 @@ int GridAxis::LineAtScreen(int position) const {
     if (position < 0) {
         return -1;
     }
-    return LineAt(position < FixedLength() ? position : qint64{position} + m_scroll);
+    return LineAt(position < StayingLength() ? position : qint64{position} + m_scroll);
 }
 
 GridAxis::Lines GridAxis::LinesBetween(qint64 from, qint64 to, int first, int last) const {
@@ -161,13 +172,13 @@ GridAxis::Lines GridAxis::LinesBetween(qint64 from, qint64 to, int first, int la
     return {std::max(first, lineFrom), std::min(last, lineTo < 0 ? m_count - 1 : lineTo)};
 }
 
-GridAxis::Lines GridAxis::VisibleFixed(int from, int to) const {
-    return LinesBetween(from, std::min(to, FixedLength() - 1), 0, m_fixedCount - 1);
+GridAxis::Lines GridAxis::VisibleStaying(int from, int to) const {
+    return LinesBetween(from, std::min(to, StayingLength() - 1), 0, StayingCount() - 1);
 }
 
 GridAxis::Lines GridAxis::VisibleScrolling(int from, int to) const {
-    return LinesBetween(qint64{std::max(from, FixedLength())} + m_scroll, qint64{to} + m_scroll, m_fixedCount,
-                        m_count - 1);
+    return LinesBetween(qint64{std::max(from, StayingLength())} + m_scroll, qint64{to} + m_scroll,
+                        StayingCount(), m_count - 1);
 }
 
 }  // namespace quorvane

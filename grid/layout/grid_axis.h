@@ -28,6 +28,11 @@ public:
     int Count() const { return m_count; }
     int FixedCount() const { return m_fixedCount; }
     void SetFixedCount(int count) { m_fixedCount = count; }
+    // The first `count` lines, the fixed ones among them, stay in place while the rest scrolls. They scroll
+    // along while they would leave less than a quarter of the window to the rest.
+    void SetFrozenCount(int count) { m_frozenCount = count; }
+    int FrozenCount() const { return m_frozenCount; }
+    int StayingCount() const;
     void Insert(int at, int count);
     void Remove(int at, int count);
 
@@ -52,17 +57,19 @@ public:
     // The greatest sensible scroll offset: the end of the last line at the end of the window.
     int MaxScroll() const;
     // The scroll offset nearest to the present one that shows all of lines first..last, or their start when
-    // they are longer than the window; the present one for fixed lines.
+    // they are longer than the window; the present one for lines that stay.
     int ScrollToShow(int first, int last) const;
 
-    // Length of the fixed lines, which is also the screen position where the scrolling part starts.
+    // Length of the fixed lines.
     int FixedLength() const;
+    // Length of the lines that stay, which is also the screen position where the scrolling part starts.
+    int StayingLength() const;
     // Screen position and length of lines first..last taken together.
     Span ScreenSpan(int first, int last) const;
     // The line shown at a screen position, or -1.
     int LineAtScreen(int position) const;
-    // The fixed lines, or the scrolling lines, of which a part lies in the screen positions from..to.
-    Lines VisibleFixed(int from, int to) const;
+    // The lines that stay, or those that scroll, of which a part lies in the screen positions from..to.
+    Lines VisibleStaying(int from, int to) const;
     Lines VisibleScrolling(int from, int to) const;
 
 private:
@@ -80,6 +87,7 @@ private:
     int m_defaultSize;
     int m_count = 0;
     int m_fixedCount = 0;
+    int m_frozenCount = 0;
     int m_scroll = 0;
     int m_viewLength = 0;
     std::vector<OwnSize> m_ownSizes;  // by ascending line

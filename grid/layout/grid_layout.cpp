@@ -36,8 +36,22 @@ CCellID GridLayout::CellAt(const QPoint& position) const {
 }
 
 QRect GridLayout::ScrollingArea() const {
+    return {QPoint(columns.StayingLength(), rows.StayingLength()),
+            QPoint(columns.ViewLength() - 1, rows.ViewLength() - 1)};
+}
+
+QRect GridLayout::BodyArea() const {
     return {QPoint(columns.FixedLength(), rows.FixedLength()),
             QPoint(columns.ViewLength() - 1, rows.ViewLength() - 1)};
+}
+
+QRect GridLayout::AreaOf(CCellID cell) const {
+    const QRect scrolling = ScrollingArea();
+    const bool rowStays = cell.row < rows.StayingCount();
+    const bool columnStays = cell.col < columns.StayingCount();
+    return {QPoint(columnStays ? 0 : scrolling.left(), rowStays ? 0 : scrolling.top()),
+            QPoint(columnStays ? scrolling.left() - 1 : scrolling.right(),
+                   rowStays ? scrolling.top() - 1 : scrolling.bottom())};
 }
 
 }  // namespace quorvane

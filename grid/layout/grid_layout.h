@@ -30,6 +30,10 @@ struct GridLayout {
     CCellID CellAt(const QPoint& position) const;
     // The part of the window in which cells scroll.
     QRect ScrollingArea() const;
+    // The part of the window without headings.
+    QRect BodyArea() const;
+    // The part of the window in which a cell can be seen.
+    QRect AreaOf(CCellID cell) const;
 };
 
 }  // namespace quorvane

@@ -3,7 +3,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include "grid/grid_ctrl.h"
+#include "grid/grid_controller.h"
 #include "shown_grid.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -131,7 +131,9 @@ private Q_SLOTS:
                   {{2, 1}, Qt::Key_A, {}, {2, 1, 2, 1}, true},
                   {{2, 1}, Qt::Key_Delete, {}, {2, 1, 2, 1}, true},
                   {{2, 1}, Qt::Key_Space, {}, {2, 1, 2, 1}, true},
-                  {{9, 3}, Qt::Key_A, kCtrl, {1, 1, 39, 3}}};
+                  {{9, 3}, Qt::Key_A, kCtrl, {1, 1, 39, 3}},
+                  {{9, 2}, Qt::Key_Space, kShift, {9, 1, 9, 3}},
+                  {{9, 1}, Qt::Key_Space, kCtrl, {1, 1, 39, 1}}};
         for (const auto& [focus, key, modifiers, selected, isPassedOn] : cases) {
             grid.SetFocusCell(focus);
             QKeyEvent press(QEvent::KeyPress, key, modifiers, key == Qt::Key_A ? u"a"_s : QString());
@@ -146,6 +148,52 @@ private Q_SLOTS:
         const int bottom = grid.verticalScrollBar()->value();
         shown.Key(Qt::Key_Up);
         QCOMPARE(grid.verticalScrollBar()->value(), bottom);  // it is in sight already
+    }
+
+    void rowHeadsAndWhatCtrlLeavesOut() {
+        const ShownGrid shown(9, 4);
+        CGridCtrl& grid = *shown.grid;
+        for (int row = 1; row < 9; ++row) {
+            grid.SetItemState(row, 0, CellState::ReadOnly | CellState::RowHead);
+        }
+        using Runs = std::vector<GridRowRun>;
+        shown.Click(2, 0);
+        QCOMPARE(grid.GetSelectedCellRange(), (CCellRange{2, 0, 2, 3}));
+        shown.Click(6, 0, Qt::ShiftModifier);
+        shown.Click(8, 0, Qt::ControlModifier);
+        QVERIFY((grid.GetSelectedRows() == Runs{{2, 6}, {8, 8}}));
+        shown.Click(4, 0, Qt::ControlModifier);
+        QVERIFY((grid.GetSelectedRows() == Runs{{2, 3}, {5, 6}, {8, 8}}));
+        shown.Click(3, 2, Qt::ControlModifier);
+        QVERIFY(!grid.IsSelected(3, 2) && grid.IsSelected(3, 1));
+        QTest::mousePress(grid.viewport(), Qt::LeftButton, {}, shown.Middle(5, 0));
+        QTest::mouseMove(grid.viewport(), shown.Middle(7, 2));
+        QTest::mouseRelease(grid.viewport(), Qt::LeftButton, {}, shown.Middle(7, 2));
+        QCOMPARE(grid.GetSelectedCellRange(), (CCellRange{5, 0, 7, 3}));
+        QTest::mouseClick(grid.viewport(), Qt::RightButton, {}, shown.Middle(3, 0));
+        QVERIFY((grid.GetSelectedRows() == Runs{{3, 3}}));
+    }
+
+    void frozenColumnsStay() {
+        const ShownGrid shown(8, 8);
+        CGridCtrl& grid = *shown.grid;
+        const QSignalSpy arranged(&grid, &CGridCtrl::ColumnsArranged);
+        grid.SetFocusCell({2, 1});
+        grid.Controller().Execute({GridCommand::Kind::Freeze, {2, 1}});
+        QCOMPARE(arranged.count(), 1);
+        grid.horizontalScrollBar()->setValue(grid.horizontalScrollBar()->maximum());
+        const int stay = grid.GetColumnWidth(0) + grid.GetColumnWidth(1);
+        QCOMPARE(grid.CellRect(3, 1).right() + 1, stay);
+        QCOMPARE(grid.CellRect(3, 7).right() + 1, grid.viewport()->width());
+        shown.Click(3, 1);
+        QCOMPARE(grid.GetFocusCell(), (CCellID{3, 1}));
+        QCOMPARE(grid.horizontalScrollBar()->value(), grid.horizontalScrollBar()->maximum());
+        shown.Key(Qt::Key_Right);  // the next column lies beneath the frozen ones
+        QCOMPARE(grid.CellRect(3, 2).left(), stay);
+        QCOMPARE(grid.CellAt({stay - 5, 5}), (CCellID{0, 1}));
+        grid.SetColumnWidth(0, grid.viewport()->width());  // now too little would be left to the rest
+        QCOMPARE(grid.CellRect(3, 0).right() + 1,
+                 -grid.horizontalScrollBar()->value() + grid.GetColumnWidth(0));
     }
 
     void mergedBlocksCountAsOneCell() {

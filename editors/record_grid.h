@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "editors/column.h"
+#include "editors/column_memory.h"
 #include "editors/messages.h"
 #include "grid/cells/btn_data_base.h"
 #include "model/slot_order.h"
@@ -48,6 +49,7 @@ public:
             const int index = m_grid->InsertColumn(CString::fromUtf16(column.heading), kCentred);
             m_grid->SetColumnWidth(index, static_cast<int>(usableWidth * column.share));
         }
+        KeepColumns(*m_grid, m_rules.caption);
         m_grid->SetRowMaker([this](int row) { MakeRow(row); });
         QObject::connect(m_grid, &CGridCtrl::EndLabelEdit, &m_parent,
                          [this](int row, int column) { TakeCell(row, column); });
@@ -91,6 +93,7 @@ public:
         m_numberedRows = m_records.Count();
         m_rowNumbers.Reset(m_records.Count());
         m_blank = m_rules.makeBlank();
+        m_grid->SetHasAppendRow(m_hasAppendRow);
         m_grid->DeleteNonFixedRows();
         m_grid->SetRowCount(1 + m_records.Count() + (m_hasAppendRow ? 1 : 0));
         m_grid->Refresh();
@@ -162,23 +165,22 @@ public:
 
     // Deletes the selected rows, asking for each. False when nothing was selected or an answer was No.
     bool DeleteSelected() {
-        const CCellRange selected = m_grid->GetSelectedCellRange();
-        if (!m_grid->IsValid(selected)) {
+        const std::vector<GridRowRun> selected = m_grid->GetSelectedRows();
+        if (selected.empty()) {
             return false;
         }
-        bool removed = false;
-        for (int round = 0; round < selected.RowCount(); ++round) {
-            switch (DeleteRow(selected.minRow)) {
-                case Deletion::Refused:
+        int removed = 0;
+        for (const GridRowRun& run : selected) {
+            const int first = run.first - removed;  // the rows below have moved up
+            for (int row = run.first; row <= run.last; ++row) {
+                const Deletion deletion = DeleteRow(first);
+                if (deletion == Deletion::Refused) {
                     return false;
-                case Deletion::Done:
-                    removed = true;
-                    break;
-                case Deletion::NoRecord:
-                    break;
+                }
+                removed += deletion == Deletion::Done ? 1 : 0;
             }
         }
-        if (removed) {
+        if (removed > 0) {
             m_records.SetModified();
         }
         m_grid->Refresh();

@@ -100,7 +100,7 @@ std::vector<GridEntry> MoveEntries(const GridCore& core, const CCellRange& block
             return;
         }
         entries.push_back({target, core.Text(cell)});
-        if (!isCopy && core.Takes(target, core.Text(cell)) && !written.Contains(cell)) {
+        if (!isCopy && TakesEntry(core, target, core.Text(cell)) && !written.Contains(cell)) {
             AddWhereChanged(cleared, core, cell, {});
         }
     });

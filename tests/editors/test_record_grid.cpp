@@ -1,3 +1,6 @@
+#include <QSettings>
+#include <QTemporaryDir>
+
 #include "editors/record_grid.h"
 #include "tests/support/shown_page.h"
 
@@ -139,6 +142,29 @@ private Q_SLOTS:
         QCOMPARE(fixture.Rows(), QStringList({u"1|a1|0|a10"_s, u"3|a3|0|a30"_s, u"追加||7|7"_s}));
         fixture.shown.NumberRows();
         QCOMPARE(fixture.Rows(), QStringList({u"1|a1|0|a10"_s, u"2|a3|0|a30"_s, u"追加||7|7"_s}));
+    }
+
+    void RowsThatCtrlLeftOutStay() {
+        Fixture fixture(6);
+        fixture.Click(2, Name);
+        fixture.Click(5, Name, Qt::ControlModifier);
+        fixture.answers.Plan(u"是"_s);
+        fixture.answers.Plan(u"是"_s);
+        QVERIFY(fixture.shown.DeleteSelected());
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList({Question(2, u"a2"_s), Question(4, u"a5"_s)}));
+    }
+
+    void ColumnsStayAsTheUserLeftThem() {
+        const QTemporaryDir folder;
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.path());
+        Fixture before;
+        const int width = before.grid->GetColumnWidth(Name);
+        const QPoint edge(before.grid->CellRect(0, Name).right() + 1, 5);
+        QTest::mousePress(before.grid->viewport(), Qt::LeftButton, {}, edge);
+        QTest::mouseMove(before.grid->viewport(), edge + QPoint(20, 0));
+        QTest::mouseRelease(before.grid->viewport(), Qt::LeftButton, {}, edge + QPoint(20, 0));
+        const Fixture after;
+        QCOMPARE(after.grid->GetColumnWidth(Name), width + 20);
     }
 
     // Rows are made when they are first shown, and keep the numbers that they had when the grid was filled.

@@ -35,6 +35,9 @@ const DialogControl kTemplate[] = {
 };
 constexpr QSize kTemplateSize(470, 280);
 
+const QString kTitle = u"照度计算数据库维护"_s;
+const QString kTabTexts[] = {u"光源库"_s, u"灯具库"_s, u"照度要求及功率密度"_s};
+
 enum Tab { LightSources, Luminaires, Requirements };
 
 Tab FirstTab(const QString& selector) {
@@ -57,7 +60,7 @@ QWidget* LastInTabOrder(QWidget* window) {
 
 CQuorvaneDlg::CQuorvaneDlg(const MainDialogPages& pages, const QString& selector) {
     setObjectName(u"mainDialog"_s);
-    setWindowTitle(u"照度计算数据库维护"_s);
+    setWindowTitle(kTitle);
     setWindowIcon(LoadIcon(IconId::Application));
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                    Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
@@ -70,9 +73,10 @@ CQuorvaneDlg::CQuorvaneDlg(const MainDialogPages& pages, const QString& selector
     m_pages[LightSources] = pages.lightSources(m_tabs);
     m_pages[Luminaires] = pages.luminaires(m_tabs);
     m_pages[Requirements] = pages.requirements(m_tabs);
-    m_tabs->addTab(m_pages[LightSources], u"光源库"_s);
-    m_tabs->addTab(m_pages[Luminaires], u"灯具库"_s);
-    m_tabs->addTab(m_pages[Requirements], u"照度要求及功率密度"_s);
+    for (const Tab tab : {LightSources, Luminaires, Requirements}) {
+        m_tabs->addTab(m_pages[tab], kTabTexts[tab]);
+        connect(m_pages[tab], &CPage::EditsChanged, this, &CQuorvaneDlg::ShowEdits);
+    }
     m_tabs->setCurrentIndex(FirstTab(selector));
     AddKeys();
 
@@ -135,6 +139,23 @@ CPage& CQuorvaneDlg::CurrentPage() const {
     return *m_pages[static_cast<size_t>(m_tabs->currentIndex())];
 }
 
+// A page that holds edits carries "*", and so does the window then.
+void CQuorvaneDlg::ShowEdits() {
+    QString mark;
+    for (const Tab tab : {LightSources, Luminaires, Requirements}) {
+        const CPage& page = *m_pages[tab];
+        const bool hasEdits = page.IsModified() || page.EditCount() > 0;
+        QString tip = hasEdits ? u"%1行未提交"_s.arg(page.EditCount()) : QString();
+        if (page.RemovedCount() > 0) {
+            tip += u",其中%1行已删除"_s.arg(page.RemovedCount());
+        }
+        m_tabs->setTabText(tab, hasEdits ? kTabTexts[tab] + u'*' : kTabTexts[tab]);
+        m_tabs->setTabToolTip(tab, tip);
+        mark = hasEdits ? u"*"_s : mark;
+    }
+    setWindowTitle(kTitle + mark);
+}
+
 void CQuorvaneDlg::OnSubmit() {
     CPage& page = CurrentPage();
     page.EndEditing();
@@ -159,7 +180,7 @@ bool CQuorvaneDlg::AskBeforeClosing() {
     if (std::none_of(m_pages.begin(), m_pages.end(), [](const CPage* page) { return page->IsModified(); })) {
         return true;
     }
-    const MessageAnswer answer = ShowMessage(this, u"数据未提交,是否提交?"_s, u"照度计算数据库维护"_s,
+    const MessageAnswer answer = ShowMessage(this, u"数据未提交,是否提交?"_s, kTitle,
                                              MessageButtons::YesNoCancel, MessageIcon::Exclamation);
     return answer == MessageAnswer::Yes ? SubmitAll() : answer == MessageAnswer::No;
 }

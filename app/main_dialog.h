@@ -47,6 +47,7 @@ private:
     bool AskBeforeClosing();
     bool SubmitAll();
     CPage& CurrentPage() const;
+    void ShowEdits();
 
     QTabWidget* m_tabs = nullptr;
     std::array<CPage*, 3> m_pages{};  // children of m_tabs, by tab index

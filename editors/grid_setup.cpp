@@ -3,7 +3,6 @@
 #include <QLineEdit>
 #include <QStyle>
 #include <QToolTip>
-#include <utility>
 
 #include "grid/cells/btn_data_base.h"
 #include "grid/cells/grid_btn_cell.h"
@@ -96,11 +95,6 @@ void ShowQuoteTip(QWidget* editor, const CString& text) {
     } else {
         QToolTip::hideText();
     }
-}
-
-void ShowRowTips(CGridCtrl& grid, const std::function<CString(int row)>& textOf) {
-    grid.SetTipSource(
-        [textOf](CCellID cell) { return cell.col == 0 ? GridTip{.text = textOf(cell.row)} : GridTip(); });
 }
 
 void ShowRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool isUnwritten) {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QColor>
-#include <functional>
 #include <memory>
 #include <span>
 #include <vector>
@@ -55,8 +54,6 @@ void ShowCell(CGridCtrl& grid, CBtnDataBase& buttons, CCellID cell, const CellSe
               const CString& text, unsigned format);
 // Tells beside the editor of a cell that its text holds a single quote, which cannot be written.
 void ShowQuoteTip(QWidget* editor, const CString& text);
-// Lets the cells of column 0 show the tip textOf(row) under the mouse, unless it is empty.
-void ShowRowTips(CGridCtrl& grid, const std::function<CString(int row)>& textOf);
 // Column 0: the row number or the append row's marker, and the record's ID as item data.
 void ShowRowHead(CGridCtrl& grid, int row, const CString& text, int recordId, bool isUnwritten);
 

@@ -103,7 +103,8 @@ RecordGridRules<tagLAMPHOUSEINFO> CQuorvaneLamphouseDlg::Rules() {
             },
         .title = [](const Record& record) { return record.LamphouseName; },
         .isBlank = IsBlank,
-        .makeBlank = [this] { return MakeBlank(); }};
+        .makeBlank = [this] { return MakeBlank(); },
+        .edited = [this] { Q_EMIT EditsChanged(); }};
 }
 
 tagLAMPHOUSEINFO CQuorvaneLamphouseDlg::MakeBlank() {

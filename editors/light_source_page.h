@@ -21,6 +21,8 @@ public:
     ~CQuorvaneLamphouseDlg() override;
 
     bool IsModified() const override { return m_records.IsModified(); }
+    int EditCount() const override { return m_records.EditCount(); }
+    int RemovedCount() const override { return m_records.RemovedCount(); }
     void EndEditing() override { m_grid.EndEditing(); }
     bool Submit() override;
     void Refresh() override { m_grid.Refresh(); }

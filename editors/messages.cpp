@@ -182,4 +182,14 @@ CString UnwrittenTip(Unwritten why) {
     return {};
 }
 
+CString StoredValueTip(const CString& stored) {
+    return u"文件中的值: "_s + (stored.isEmpty() ? u"(空)"_s : stored);
+}
+
+CString JoinLines(const QStringList& lines) {
+    QStringList filled = lines;
+    filled.removeAll(CString());
+    return filled.join(u'\n');
+}
+
 }  // namespace quorvane

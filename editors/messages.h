@@ -25,5 +25,9 @@ void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures&
                   PhotoProblem photoProblem = PhotoProblem::None);
 // The tip of a marked row; empty for one that is not marked.
 CString UnwrittenTip(Unwritten why);
+// The tip of a cell that shows another text than the record in the file.
+CString StoredValueTip(const CString& stored);
+// The lines that are not empty.
+CString JoinLines(const QStringList& lines);
 
 }  // namespace quorvane

@@ -15,6 +15,10 @@ public:
 
     // Whether the page holds edits that have not been submitted.
     virtual bool IsModified() const = 0;
+    // How many rows differ from the file, and how many of these the next submit deletes. There may be such
+    // rows while the page does not count as modified: after a No between the deletions of several rows.
+    virtual int EditCount() const = 0;
+    virtual int RemovedCount() const = 0;
     // Takes a text that is still being typed, as if its cell had been left.
     virtual void EndEditing() = 0;
     // Writes every pending change to the database and clears the modified flag. The user is told what could
@@ -29,6 +33,10 @@ public:
     virtual void Reload() = 0;
     // Puts a command of the window into the page's context menu, with its key. It outlives the page.
     virtual void AddCommand(QAction& command) = 0;
+
+Q_SIGNALS:
+    // What differs from the file may have changed.
+    void EditsChanged();
 };
 
 }  // namespace quorvane

@@ -1,8 +1,8 @@
 // RecordGrid: shows working records in a grid, one row a record, and takes the user's edits into them.
 //
 // A row finds its record by the record ID that is the item data of column 0. The append row, always the last,
-// has 0 there; its entries are collected in a blank record, which becomes a new record once it is not blank
-// any more.
+// has 0 there; its entries are collected in the draft of the records, which becomes a new record once it is
+// not blank any more. Each thing that the user does is one step, which can be undone.
 #pragma once
 
 #include <QScrollBar>
@@ -13,6 +13,8 @@
 #include "editors/column.h"
 #include "editors/column_memory.h"
 #include "editors/messages.h"
+#include "editors/record_marks.h"
+#include "editors/undo_actions.h"
 #include "grid/cells/btn_data_base.h"
 #include "model/slot_order.h"
 #include "model/working_records.h"
@@ -27,6 +29,8 @@ struct RecordGridRules {
     std::function<CString(const Record&)> title;  // what a question calls a record
     std::function<bool(const Record&)> isBlank;   // whether nothing has been entered in the append row
     std::function<Record()> makeBlank;            // what a fresh append row holds
+    bool marksChanges = true;                     // what differs from the file is marked
+    std::function<void()> edited = {};            // is called after each change of the records
 };
 
 template <typename Record>
@@ -34,7 +38,13 @@ class RecordGrid {
 public:
     // Both outlive the grid; the widget becomes the parent of the control.
     RecordGrid(QWidget& parent, WorkingRecords<Record>& records, RecordGridRules<Record> rules)
-        : m_parent(parent), m_records(records), m_rules(std::move(rules)) {}
+        : m_parent(parent),
+          m_records(records),
+          m_rules(std::move(rules)),
+          m_marks(records, m_rules.columns) {}
+    ~RecordGrid() { m_records.SetListener({}); }
+    RecordGrid(const RecordGrid&) = delete;
+    RecordGrid& operator=(const RecordGrid&) = delete;
 
     // Creates the control with its heading row.
     void Create(int gridId, const QRect& rect, SharesOf width) {
@@ -57,6 +67,12 @@ public:
             return AskToPaste(&m_parent, m_rules.caption, loss, m_hasAppendRow);
         });
         m_grid->SetTipSource([this](CCellID cell) { return TipOf(cell); });
+        if (m_rules.marksChanges) {
+            m_grid->SetMarkSource([this](CCellID cell) {
+                return m_marks.MarksOf(IdAt(cell.row), cell.col, m_records.RemovedBefore(cell.row - 1));
+            });
+        }
+        AddUndo();
         QObject::connect(m_grid, &CGridCtrl::TextTyped, &m_parent, ShowQuoteTip);
         QObject::connect(m_grid, &CGridCtrl::ButtonClicked, &m_parent, [this](int row, int column) {
             Open({row, column});
@@ -87,12 +103,15 @@ public:
 
     // ---- Showing
 
-    // Shows the working records anew, from the first row on.
+    // Shows the working records anew, from the first row on, with a fresh append row.
     void Fill() {
+        m_records.ResetDraft(m_rules.makeBlank());
+        ShowRows();
+    }
+    void ShowRows() {
         m_ownHeads.clear();
         m_numberedRows = m_records.Count();
         m_rowNumbers.Reset(m_records.Count());
-        m_blank = m_rules.makeBlank();
         m_grid->SetHasAppendRow(m_hasAppendRow);
         m_grid->DeleteNonFixedRows();
         m_grid->SetRowCount(1 + m_records.Count() + (m_hasAppendRow ? 1 : 0));
@@ -100,15 +119,8 @@ public:
     }
     // The same, but keeps the focus and the scroll position, and shows the first unwritten record.
     void Refresh() {
-        const CCellID focus = m_grid->GetFocusCell();
-        const int left = m_grid->horizontalScrollBar()->value();
-        const int top = m_grid->verticalScrollBar()->value();
-        Fill();
-        if (focus.IsValid() && focus.row < m_grid->GetRowCount()) {
-            m_grid->SetFocusCell(focus);
-        }
-        m_grid->horizontalScrollBar()->setValue(left);
-        m_grid->verticalScrollBar()->setValue(top);
+        m_records.ResetDraft(m_rules.makeBlank());
+        ShowRowsInPlace();
         PointOutUnwritten();
     }
     // Shows all rows anew, because what they show beside their records has changed.
@@ -130,21 +142,21 @@ public:
     Record RecordAt(int row) const {
         const int id = IdAt(row);
         const Record* known = id == 0 ? nullptr : m_records.Find(id);
-        Record record = known == nullptr ? m_blank : *known;
+        Record record = known == nullptr ? m_records.Draft() : *known;
         record.ID = id;
         return record;
     }
-    // Takes a record, as RecordAt gave it and an editor has changed it, into the row.
-    void Put(int row, Record record) {
-        Take(row, record);
-        ShowRow(row, record);
+    // Takes a record, as RecordAt gave it and an editor has changed it, into the row of the cell that was
+    // opened.
+    void Put(CCellID cell, Record record) {
+        const StepScope step(m_records, StepName(QStringLiteral("选择"), cell.col));
+        Take(cell.row, record);
+        ShowRow(cell.row, record);
     }
-    // What the append row holds, for a caller that then remakes the rows.
-    Record& Blank() { return m_blank; }
     // Adds a fresh append row, because the present one has become the row of an appended record.
     void AddAppendRow() {
         m_rowNumbers.Append();
-        m_blank = m_rules.makeBlank();
+        m_records.SetDraft(m_rules.makeBlank());
         m_grid->InsertRow({});
     }
     // Shows a record that has just been written on its own, or could not be written. A record that had no
@@ -169,6 +181,7 @@ public:
         if (selected.empty()) {
             return false;
         }
+        const StepScope step(m_records, {});
         int removed = 0;
         for (const GridRowRun& run : selected) {
             const int first = run.first - removed;  // the rows below have moved up
@@ -178,6 +191,7 @@ public:
                     return false;
                 }
                 removed += deletion == Deletion::Done ? 1 : 0;
+                m_records.RenameStep(QStringLiteral("删除 %1 行").arg(removed));
             }
         }
         if (removed > 0) {
@@ -197,10 +211,22 @@ public:
         if (!AskToDelete(&m_parent, m_rules.caption, row, m_rules.title(*record))) {
             return Deletion::Refused;
         }
+        const StepScope step(m_records, QStringLiteral("删除 1 行"));
         m_records.Remove(id);
         m_rowNumbers.Empty(m_rowNumbers.SlotAt(row - 1));
         m_grid->DeleteRow(row);
         return Deletion::Done;
+    }
+
+    // ---- Undo and redo
+
+    // Shows and focuses what has changed.
+    void Undo() { ShowChanged(m_records.Undo()); }
+    void Redo() { ShowChanged(m_records.Redo()); }
+    // What was done up to now can be undone no more, and the menu says why.
+    void EndHistory(const CString& reason) {
+        m_records.EndHistory();
+        m_undo.SetReason(reason);
     }
 
     // ---- Submitting
@@ -226,12 +252,14 @@ public:
     }
 
 private:
+    using Records = WorkingRecords<Record>;
+
     static CString AppendMarker() { return QStringLiteral("追加"); }
 
     // Fills the cells of a row, which the grid calls for when the row is first shown or touched.
     void MakeRow(int row) {
         const bool isAppendRow = row > m_records.Count();
-        const Record& record = isAppendRow ? m_blank : m_records.At(row - 1);
+        const Record& record = isAppendRow ? m_records.Draft() : m_records.At(row - 1);
         const CString head =
             isAppendRow ? AppendMarker() : m_ownHeads.value(record.ID, FormatInteger(NumberOf(row)));
         ShowRowHead(*m_grid, row, head, isAppendRow ? 0 : record.ID, m_records.IsUnwritten(record.ID));
@@ -258,10 +286,12 @@ private:
         if (cell.row == 0) {
             return {.text = CString::fromUtf16(column.help)};
         }
-        if (cell.col == 0) {
-            return {.text = UnwrittenTip(m_records.WhyUnwritten(IdAt(cell.row)))};
+        GridTip tip = column.tip ? column.tip(RecordAt(cell.row)) : GridTip{};
+        if (m_rules.marksChanges) {
+            const int removedAbove = m_records.RemovedBefore(cell.row - 1);
+            tip.text = JoinLines({tip.text, m_marks.TipOf(IdAt(cell.row), cell.col, removedAbove)});
         }
-        return column.tip ? column.tip(RecordAt(cell.row)) : GridTip{};
+        return tip;
     }
     // The number that the row got when the grid was filled.
     int NumberOf(int row) const { return m_rowNumbers.SlotAt(row - 1) + 1; }
@@ -278,6 +308,9 @@ private:
             return;
         }
         Record record = RecordAt(row);
+        const bool isChosen = SetupOf(number, record).kind == CellSetup::DropDown;
+        const StepScope step(m_records,
+                             StepName(isChosen ? QStringLiteral("选择") : QStringLiteral("输入"), number));
         const CString text = m_grid->GetItemText(row, number);
         const Record before = record;
         column.take(text, record);
@@ -300,12 +333,77 @@ private:
         if (record.ID != 0) {
             m_records.Replace(record);
         } else if (m_rules.isBlank(record)) {
-            m_blank = record;
+            m_records.SetDraft(record);
         } else {
             record.ID = m_records.Append(record);
             m_ownHeads.insert(record.ID, AppendMarker());  // until the grid is filled again
             m_grid->SetItemData(row, 0, record.ID);
             AddAppendRow();
+        }
+    }
+
+    // Keeps the focus and the scroll position.
+    void ShowRowsInPlace() {
+        const CCellID focus = m_grid->GetFocusCell();
+        const int left = m_grid->horizontalScrollBar()->value();
+        const int top = m_grid->verticalScrollBar()->value();
+        ShowRows();
+        if (focus.IsValid() && focus.row < m_grid->GetRowCount()) {
+            m_grid->SetFocusCell(focus);
+        }
+        m_grid->horizontalScrollBar()->setValue(left);
+        m_grid->verticalScrollBar()->setValue(top);
+    }
+
+    void AddUndo() {
+        m_undo.Add(*m_grid, {.undoName = [this] { return m_records.UndoName(); },
+                             .redoName = [this] { return m_records.RedoName(); },
+                             .undo = [this] { Undo(); },
+                             .redo = [this] { Redo(); }});
+        QObject::connect(m_grid, &CGridCtrl::StepBegan, &m_parent, [this] { m_records.BeginStep({}); });
+        QObject::connect(m_grid, &CGridCtrl::StepEnded, &m_parent, [this](const CString& name, int cells) {
+            m_records.RenameStep(QStringLiteral("%1 %2 格").arg(name).arg(cells));
+            m_records.EndStep();
+        });
+        m_records.SetListener([this] {
+            m_undo.Update();
+            m_grid->Refresh();  // for the marks
+            if (m_rules.edited) {
+                m_rules.edited();
+            }
+        });
+    }
+    CString StepName(const CString& action, int column) const {
+        return action + u' ' + CString::fromUtf16(At(column).heading).remove(u' ');
+    }
+
+    // The changes hold what was there before. The first one gets the focus, in the first column that shows
+    // it.
+    using Changes = std::vector<typename WorkingRecords<Record>::Change>;
+    void ShowChanged(const Changes& changes) {
+        const bool isReplaced = std::all_of(changes.begin(), changes.end(), [this](const auto& change) {
+            return change.other &&
+                   (change.slot == Records::kDraft || m_records.Find(change.other->ID) != nullptr);
+        });
+        if (isReplaced) {
+            m_grid->RemakeRows();
+        } else {
+            ShowRowsInPlace();
+        }
+        const auto& first = changes.front();
+        const bool isDraft = first.slot == Records::kDraft;
+        const int row = 1 + (isDraft ? m_records.Count() : m_records.PositionOf(first.slot));
+        int column = std::max(1, m_grid->GetFocusCell().col);
+        if (isReplaced) {
+            const Record now = RecordAt(row);
+            for (column = 1; column + 1 < ColumnCount(); ++column) {
+                if (At(column).show(*first.other) != At(column).show(now)) {
+                    break;
+                }
+            }
+        }
+        if (row < m_grid->GetRowCount()) {
+            m_grid->SetFocusCell({row, column});
         }
     }
 
@@ -328,11 +426,12 @@ private:
     const Column<Record>& At(int column) const { return m_rules.columns[static_cast<size_t>(column)]; }
 
     QWidget& m_parent;
-    WorkingRecords<Record>& m_records;
+    Records& m_records;
     RecordGridRules<Record> m_rules;
+    RecordMarks<Record> m_marks;
+    UndoActions m_undo;
     CBtnDataBase m_buttons;
     CGridCtrl* m_grid = nullptr;  // child of m_parent
-    Record m_blank = {};
     bool m_hasAppendRow = true;
     SlotOrder m_rowNumbers;          // the rows since the grid was filled; deleted ones leave gaps
     QHash<int, CString> m_ownHeads;  // by record ID: the row heads that are not such a number

@@ -87,7 +87,8 @@ RecordGridRules<tagILLUMINANCESTANDARD> CQuorvaneDemandDlg::Rules() {
                     blank.Vocation = m_vocation;
                     blank.BuildingType = m_buildingType;
                     return blank;
-                }};
+                },
+            .edited = [this] { Q_EMIT EditsChanged(); }};
 }
 
 void CQuorvaneDemandDlg::FillTree() {

@@ -17,6 +17,8 @@ public:
     CQuorvaneDemandDlg(CLightingDatabase& database, QWidget* parent);
 
     bool IsModified() const override { return m_records.IsModified(); }
+    int EditCount() const override { return m_records.EditCount(); }
+    int RemovedCount() const override { return m_records.RemovedCount(); }
     void EndEditing() override { m_grid.EndEditing(); }
     bool Submit() override;
     void Refresh() override { m_grid.Refresh(); }

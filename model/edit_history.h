@@ -39,10 +39,14 @@ public:
             m_open.name = name;
         }
     }
-    // A step without changes is forgotten. Any other one ends what could be done again.
-    void End(bool isModified) {
-        if (--m_depth > 0 || m_open.changes.empty()) {
-            return;
+    // A step without changes is forgotten. Any other one ends what could be done again. Whether this was the
+    // end of a whole step.
+    bool End(bool isModified) {
+        if (--m_depth > 0) {
+            return false;
+        }
+        if (m_open.changes.empty()) {
+            return true;
         }
         m_open.isModified = isModified;
         m_changeCount += m_open.changes.size();
@@ -52,6 +56,7 @@ public:
             m_changeCount -= m_done.front().changes.size();
             m_done.pop_front();
         }
+        return true;
     }
     // Belongs to the step that is open.
     void Add(Change change) { m_open.changes.push_back(std::move(change)); }

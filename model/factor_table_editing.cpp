@@ -37,6 +37,7 @@ bool FactorTableEditing::Load(int luminaireId) {
     m_history.Clear();
     m_table.Load(luminaireId);
     m_stored = m_table;
+    Tell();
     return m_table.IsWhole();
 }
 
@@ -115,10 +116,19 @@ void FactorTableEditing::Clear() {
 }
 
 std::optional<double> FactorTableEditing::StoredFactor(int gridRow, int gridColumn) const {
-    const int row = gridRow - UtilizationFactorTable::kHeadingRows;
-    const int column = gridColumn - UtilizationFactorTable::kHeadingColumns;
-    return m_stored.FactorOf(m_table.Headings()[static_cast<std::size_t>(column)],
-                             m_table.RowValues()[static_cast<std::size_t>(row)]);
+    return FactorIn(m_stored, gridRow, gridColumn);
+}
+
+bool FactorTableEditing::IsStored(int gridRow, int gridColumn) const {
+    return FactorIn(m_table, gridRow, gridColumn) == StoredFactor(gridRow, gridColumn);
+}
+
+std::optional<double> FactorTableEditing::FactorIn(const UtilizationFactorTable& table, int gridRow,
+                                                   int gridColumn) const {
+    const auto row = static_cast<std::size_t>(gridRow - UtilizationFactorTable::kHeadingRows);
+    const auto column = static_cast<std::size_t>(gridColumn - UtilizationFactorTable::kHeadingColumns);
+    const bool isInside = column < m_table.Headings().size() && row < m_table.RowValues().size();
+    return isInside ? table.FactorOf(m_table.Headings()[column], m_table.RowValues()[row]) : std::nullopt;
 }
 
 // ---- Undo and redo
@@ -154,6 +164,7 @@ FactorTableEditing::Place FactorTableEditing::Redo() {
 FactorTableEditing::Place FactorTableEditing::Exchange(EditHistory<UtilizationFactorTable>::Step& step) {
     UtilizationFactorTable& former = step.changes.front();
     std::swap(m_table, former);
+    Tell();
     int column = UtilizationFactorTable::kHeadingColumns;
     for (const tagColHeading& heading : m_table.Headings()) {
         int row = UtilizationFactorTable::kHeadingRows;
@@ -183,6 +194,7 @@ SubmitFailures FactorTableEditing::Submit(const UtilizationFactorTable::Progress
     } else {
         m_stored = m_table;
     }
+    Tell();
     return failures;
 }
 

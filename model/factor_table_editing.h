@@ -4,6 +4,7 @@
 // step until the next submit.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -52,10 +53,18 @@ public:
     // The factor at that place, addressed as in GetFactor, as it is in the file; nothing when it is not
     // there.
     std::optional<double> StoredFactor(int gridRow, int gridColumn) const;
+    bool IsStored(int gridRow, int gridColumn) const;
 
     // All changes between BeginStep and EndStep are undone at once; a change outside is a step of its own.
     void BeginStep(const CString& name) { m_history.Begin(name, m_modified); }
-    void EndStep() { m_history.End(m_modified); }
+    void EndStep() {
+        if (m_history.End(m_modified)) {
+            Tell();
+        }
+    }
+    void RenameStep(const CString& name) { m_history.Rename(name); }
+    // Is called after each step, undo, load and submit.
+    void SetListener(std::function<void()> listener) { m_listener = std::move(listener); }
     // The names of the steps that Undo and Redo would take; null when there is none.
     const CString* UndoName() const { return m_history.UndoName(); }
     const CString* RedoName() const { return m_history.RedoName(); }
@@ -71,9 +80,15 @@ public:
 private:
     bool TakeHeading(int index, const CString& text);
     bool TakeRowValue(int index, const CString& text);
+    std::optional<double> FactorIn(const UtilizationFactorTable& table, int gridRow, int gridColumn) const;
     // Runs an operation on the table, which returns whether it changed something.
     template <typename Operation>
     void Change(const Operation& operation);
+    void Tell() const {
+        if (m_listener) {
+            m_listener();
+        }
+    }
     Place Exchange(EditHistory<UtilizationFactorTable>::Step& step);
 
     CLightingDatabase& m_database;
@@ -81,6 +96,7 @@ private:
     UtilizationFactorTable m_stored;  // as the file holds it
     bool m_modified = false;
     EditHistory<UtilizationFactorTable> m_history{1000};  // by whole tables, which are small
+    std::function<void()> m_listener;
 };
 
 }  // namespace quorvane

@@ -89,7 +89,12 @@ public:
     }
 
     bool IsModified() const { return m_modified; }
-    void SetModified(bool modified = true) { m_modified = modified; }
+    void SetModified(bool modified = true) {
+        m_modified = modified;
+        Tell();
+    }
+    // Is called after each step, undo, load and submit.
+    void SetListener(std::function<void()> listener) { m_listener = std::move(listener); }
 
     // Appends the record under the next new ID, which is returned.
     int Append(Record record) {
@@ -151,10 +156,18 @@ public:
     }
     // How many records are new, changed or removed.
     int EditCount() const { return static_cast<int>(m_stored.size()); }
-    // How many of them are in the file and will be deleted.
+    // How many of them the next submit will delete from the file.
     int RemovedCount() const {
         return static_cast<int>(std::count_if(m_deleted.begin(), m_deleted.end(),
                                               [this](const Record& record) { return !IsNew(record.ID); }));
+    }
+
+    // How many of them stood directly before the record at that position, or after the last one.
+    int RemovedBefore(int position) const {
+        const int from = position == 0 ? 0 : m_order.SlotAt(position - 1);
+        const int to = position == Count() ? m_order.SlotCount() : m_order.SlotAt(position);
+        return static_cast<int>(
+            std::distance(m_removedSlots.lower_bound(from), m_removedSlots.lower_bound(to)));
     }
 
     // ---- Undo and redo
@@ -162,7 +175,11 @@ public:
     // All changes between BeginStep and EndStep are undone at once. Steps may stand inside a step, which they
     // are part of. A change outside a step is one of its own, without a name.
     void BeginStep(const CString& name) { m_history.Begin(name, m_modified); }
-    void EndStep() { m_history.End(m_modified); }
+    void EndStep() {
+        if (m_history.End(m_modified)) {
+            Tell();
+        }
+    }
     void RenameStep(const CString& name) { m_history.Rename(name); }
     // The names of the steps that Undo and Redo would take; null when there is none.
     const CString* UndoName() const { return m_history.UndoName(); }
@@ -173,7 +190,7 @@ public:
         auto& step = m_history.TakeUndo();
         std::for_each(step.changes.rbegin(), step.changes.rend(),
                       [this](Change& change) { Turn(change, Direction::Back); });
-        m_modified = step.wasModified || HasUnwritten();
+        SetModified(step.wasModified || HasUnwritten());
         return step.changes;
     }
     const std::vector<Change>& Redo() {
@@ -181,17 +198,21 @@ public:
         for (Change& change : step.changes) {
             Turn(change, Direction::Forth);
         }
-        m_modified = step.isModified || HasUnwritten();
+        SetModified(step.isModified || HasUnwritten());
         return step.changes;
     }
     // Nothing that was done up to now can be undone any more.
-    void EndHistory() { m_history.Clear(); }
+    void EndHistory() {
+        m_history.Clear();
+        Tell();
+    }
 
     // ---- Loading and submitting
 
     // Drops pending deletions, the history and the modified flag; the caller is about to load other records.
     void DiscardChanges() {
         m_deleted.clear();
+        m_removedSlots.clear();
         m_modified = false;
         EndHistory();
     }
@@ -213,14 +234,15 @@ public:
         m_order.Reset(static_cast<int>(m_records.size()));
         m_slotById.reset();
         m_unwritten.clear();
+        m_removedSlots.clear();
         m_modified = false;
-        EndHistory();
         m_lastNewId = 0;
         ForEach([this](const Record& record) { m_lastNewId = std::min(m_lastNewId, record.ID); });
         m_lowestStoredId = m_lastNewId;
         if (m_newIds == NewIds::Serial) {
             ForEach([this](const Record& record) { m_lastNewId = std::max(m_lastNewId, record.ID); });
         }
+        EndHistory();
     }
 
     // Whether the last submit could not write or delete this record, or any record, or the file did not hold
@@ -270,7 +292,7 @@ public:
                 m_stored[record.ID] = stored == nullptr ? std::nullopt : std::optional(*stored);
             }
         });
-        m_modified = HasUnwritten();
+        SetModified(HasUnwritten());
     }
 
     // Writes every record that is not blank (insert for a provisional ID, otherwise update), then runs the
@@ -312,7 +334,7 @@ public:
             tell();
         }
         DiscardChanges();
-        m_modified = HasUnwritten();
+        SetModified(HasUnwritten());
         return failures;
     }
 
@@ -342,6 +364,9 @@ private:
             Empty(change.slot);
             if (direction == Direction::Forth) {
                 m_deleted.push_back(*held);
+                if (!IsNew(id)) {
+                    m_removedSlots.insert(change.slot);
+                }
             }
         } else if (held) {
             Slot(change.slot) = std::move(*change.other);
@@ -349,6 +374,7 @@ private:
             Put(change.slot, std::move(*change.other));
             if (direction == Direction::Back) {
                 Undelete(id);
+                m_removedSlots.erase(change.slot);
             }
         }
         change.other = std::move(held);
@@ -407,6 +433,11 @@ private:
     static ProviderFailure CauseFrom(const RecordStatements<Record>& statements) {
         return statements.cause ? statements.cause() : ProviderFailure{};
     }
+    void Tell() const {
+        if (m_listener) {
+            m_listener();
+        }
+    }
     bool IsNew(int id) const { return id < m_lowestStoredId; }
 
     Record& Slot(int slot) { return m_records[static_cast<size_t>(slot)]; }
@@ -432,11 +463,13 @@ private:
     SlotOrder m_order;
     mutable std::optional<QHash<int, int>> m_slotById;
     std::vector<Record> m_deleted;         // in order of deletion
+    std::set<int> m_removedSlots;          // of those since the last load that are in the file
     std::map<int, Unwritten> m_unwritten;  // by ID: what the last submit did not leave in the file
     // By ID: what the file holds, if anything, of the records that differ from it.
     std::map<int, std::optional<Record>> m_stored;
     EditHistory<Change> m_history{1'000'000};
     Record m_draft = {};
+    std::function<void()> m_listener;
     int m_lastNewId = 0;
     int m_lowestStoredId = 0;  // or 0
     bool m_modified = false;

@@ -76,6 +76,7 @@ CCoefficientTableDlg::CCoefficientTableDlg(CLightingDatabase& database, int lumi
     m_grid->SetPasteQuestion(
         [this](const PasteLoss& loss) { return AskToPaste(MessageParent(), {}, loss, false); });
     connect(m_grid, &CGridCtrl::EndLabelEdit, this, &CCoefficientTableDlg::OnFactorEdited);
+    AddUndo();
 }
 
 CCoefficientTableDlg::~CCoefficientTableDlg() = default;
@@ -173,6 +174,7 @@ void CCoefficientTableDlg::OnCommand(FactorTableTree::Command command) {
 void CCoefficientTableDlg::DeleteEntry(Branch branch, const CString& question) {
     const int index = FactorTableTree::IndexOf(m_tree->currentItem());
     if (Ask(question)) {
+        const StepScope step(m_editing, StepName(u"删除"_s, branch));
         m_editing.Delete(branch, index);
         ShowAfterOperation(branch);
     }
@@ -180,7 +182,13 @@ void CCoefficientTableDlg::DeleteEntry(Branch branch, const CString& question) {
 
 void CCoefficientTableDlg::OnLabelEdited(QTreeWidgetItem* item, const CString& text, bool isTyped) {
     const Branch branch = m_tree->BranchOf(item);
-    if (m_editing.TakeLabel(branch, FactorTableTree::IndexOf(item), text, isTyped)) {
+    const int index = FactorTableTree::IndexOf(item);
+    bool isTaken = false;
+    {
+        const StepScope step(m_editing, StepName(index < 0 ? u"新建"_s : u"修改"_s, branch));
+        isTaken = m_editing.TakeLabel(branch, index, text, isTyped);
+    }
+    if (isTaken) {
         ShowAfterOperation(branch);
         return;
     }
@@ -200,6 +208,7 @@ void CCoefficientTableDlg::ShowAfterOperation(Branch branch) {
 // ---- Factors
 
 void CCoefficientTableDlg::OnFactorEdited(int row, int column) {
+    const StepScope step(m_editing, u"输入 利用系数"_s);
     const CString text = m_grid->GetItemText(row, column);
     const bool isUntouched = !m_grid->IsEditTyped();
     const std::optional<CString> shown = m_editing.TakeFactor(row, column, text, isUntouched);
@@ -232,9 +241,41 @@ void CCoefficientTableDlg::OnSubmit() {
 
 void CCoefficientTableDlg::OnClear() {
     if (EndEditing() && Ask(u"确定是否清空全部数据?"_s)) {
+        const StepScope step(m_editing, u"清空数据"_s);
         m_editing.Clear();
         m_grid->Show(m_editing.Table());
     }
+}
+
+// ---- Undo and redo
+
+void CCoefficientTableDlg::AddUndo() {
+    m_undo.Add(*m_grid, {.undoName = [this] { return m_editing.UndoName(); },
+                         .redoName = [this] { return m_editing.RedoName(); },
+                         .undo = [this] { ShowUndone(m_editing.Undo()); },
+                         .redo = [this] { ShowUndone(m_editing.Redo()); }});
+    m_grid->SetEditing(m_editing);
+    connect(m_grid, &CGridCtrl::StepBegan, this, [this] { m_editing.BeginStep({}); });
+    connect(m_grid, &CGridCtrl::StepEnded, this, [this](const CString& name, int cells) {
+        m_editing.RenameStep(u"%1 %2 格"_s.arg(name).arg(cells));
+        m_editing.EndStep();
+    });
+    m_editing.SetListener([this] {
+        m_undo.Update();
+        m_grid->Refresh();  // for the marks
+    });
+}
+
+void CCoefficientTableDlg::ShowUndone(FactorTableEditing::Place place) {
+    m_tree->Show(m_editing);
+    m_grid->Show(m_editing.Table());
+    if (place) {
+        m_grid->SetFocusCell({place->first, place->second});
+    }
+}
+
+CString CCoefficientTableDlg::StepName(const CString& action, Branch branch) const {
+    return action + (branch == Branch::Headings ? u"列表头"_s : m_rowLabel);
 }
 
 // Ends open edits in grid and tree. False when a text was refused, so that the user can correct it first.

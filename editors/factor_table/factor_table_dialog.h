@@ -8,6 +8,7 @@
 #include <QDialog>
 
 #include "editors/factor_table/factor_table_tree.h"
+#include "editors/undo_actions.h"
 #include "model/factor_table_editing.h"
 
 class QLayout;
@@ -53,6 +54,10 @@ private:
     void OnFactorEdited(int row, int column);
     void OnSubmit();
     void OnClear();
+    void AddUndo();
+    // Shows the table after an undo or redo, which gave the place of the first changed factor.
+    void ShowUndone(FactorTableEditing::Place place);
+    CString StepName(const CString& action, Branch branch) const;
 
     void DeleteEntry(Branch branch, const CString& question);
     // Shows the table after an operation on that branch, also after one that changed nothing.
@@ -68,6 +73,7 @@ private:
     FactorTableEditing m_editing;
     FactorTableTree* m_tree = nullptr;
     FactorTableGrid* m_grid = nullptr;
+    UndoActions m_undo;
     bool m_isFactorRefused = false;
 };
 

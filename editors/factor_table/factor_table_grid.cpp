@@ -43,10 +43,29 @@ int HeightFor(const QFontMetrics& metrics) {
 FactorTableGrid::FactorTableGrid(const CString& rowLabel) : m_rowLabel(rowLabel) {
     SetBackgroundColour(Qt::white);
     SetEntryCheck([](CCellID, const CString& text) { return CheckReal(text).has_value(); });
-    ShowRowTips(*this, [this](int row) {
-        return row < kFirstRow ? CString()
-                               : UnwrittenTip(m_unwritten[static_cast<std::size_t>(row - kFirstRow)]);
+}
+
+void FactorTableGrid::SetEditing(const FactorTableEditing& editing) {
+    SetMarkSource([&editing](CCellID cell) {
+        return editing.IsStored(cell.row, cell.col)                   ? 0U
+               : editing.StoredFactor(cell.row, cell.col).has_value() ? CellMark::Changed
+                                                                      : CellMark::New;
     });
+    SetTipSource([this, &editing](CCellID cell) { return GridTip{.text = TipOf(editing, cell)}; });
+}
+
+CString FactorTableGrid::TipOf(const FactorTableEditing& editing, CCellID cell) const {
+    if (cell.row < kFirstRow) {
+        return {};
+    }
+    if (cell.col < kFirstColumn) {
+        return UnwrittenTip(m_unwritten[static_cast<std::size_t>(cell.row - kFirstRow)]);
+    }
+    if (editing.IsStored(cell.row, cell.col)) {
+        return {};
+    }
+    const std::optional<double> stored = editing.StoredFactor(cell.row, cell.col);
+    return stored ? StoredValueTip(FormatReal(*stored)) : u"文件中没有此值,尚未提交。"_s;
 }
 
 void FactorTableGrid::Show(UtilizationFactorTable& table) {

@@ -8,6 +8,7 @@
 
 #include "data/utilization_factor_table.h"
 #include "grid/grid_ctrl.h"
+#include "model/factor_table_editing.h"
 
 namespace quorvane {
 
@@ -21,11 +22,14 @@ public:
     // rowLabel is the name of the row values.
     explicit FactorTableGrid(const CString& rowLabel);
 
+    // What the marks and tips of the cells tell; outlives the grid.
+    void SetEditing(const FactorTableEditing& editing);
     // Rebuilds the whole grid. The scroll position stays. The focus stays on its factor, or moves to a
     // neighbour when the factor was removed.
     void Show(UtilizationFactorTable& table);
 
 private:
+    CString TipOf(const FactorTableEditing& editing, CCellID cell) const;
     CCellID PlaceAfterChange(CCellID cell, const UtilizationFactorTable& table) const;
     void Build(UtilizationFactorTable& table);
     void BuildLabels(const UtilizationFactorTable& table);

@@ -27,6 +27,10 @@ constexpr int kCopy = 1022;
 constexpr int kPaste = 1023;
 constexpr int kGrid = 101;
 
+constexpr int kCategories = 6;
+constexpr int kLightSource = 7;
+constexpr int kPhoto = 12;
+
 const DialogControl kTemplate[] = {
     {kFilterLabel, ControlKind::Label, u"灯具类型:", {28, 11, 44, 10}},
     {kFilter, ControlKind::DropDownList, u"", {74, 10, 126, 12}},
@@ -133,7 +137,8 @@ RecordGridRules<tagLUMINAIREINFO> CQuorvaneLuminaireDlg::Rules() {
                     tagLUMINAIREINFO blank = EmptyLuminaire();
                     blank.DefaultLamphouse = PresetLightSource();
                     return blank;
-                }};
+                },
+            .edited = [this] { Q_EMIT EditsChanged(); }};
 }
 
 std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
@@ -312,7 +317,9 @@ void CQuorvaneLuminaireDlg::showEvent(QShowEvent* event) {
     }
     m_lists.Invalidate();
     LoadListsOfRecords();
-    m_grid.Blank().DefaultLamphouse = PresetLightSource();
+    tagLUMINAIREINFO draft = m_luminaires.Records().Draft();
+    draft.DefaultLamphouse = PresetLightSource();
+    m_luminaires.Records().ResetDraft(draft);
     m_grid.RemakeRows();
     if (!m_lists.IsComplete()) {
         TellIncompleteLoadSoon(this, kCaption);
@@ -351,7 +358,7 @@ void CQuorvaneLuminaireDlg::TakeChosenTypes(const std::vector<CString>& names) {
     m_lists.Invalidate();
     record.LamphouseTypeID = m_lists.CategoryIds(Join(names));
     record.DefaultLamphouse = m_lists.DefaultLightSource(record.LamphouseTypeID, record.DefaultLamphouse);
-    m_grid.Put(m_chooserRow, record);
+    m_grid.Put({m_chooserRow, kCategories}, record);
     if (!m_lists.IsComplete()) {
         TellIncompleteLoad(this, kCaption);
     }
@@ -365,7 +372,7 @@ void CQuorvaneLuminaireDlg::OpenMixedLightSources(int row) {
     if (dialog.exec() == QDialog::Accepted) {
         TakeLightSources(dialog.GetLightSources(), record);
         record.LamphouseCount = CountText(dialog.GetCounts());
-        m_grid.Put(row, record);
+        m_grid.Put({row, kLightSource}, record);
     }
 }
 
@@ -374,7 +381,7 @@ void CQuorvaneLuminaireDlg::OpenPhoto(int row) {
     CLuminairePhotoSettingDlg dialog(m_luminaires.Photos().FilePath(record.LampPhoto), record.LampName, this);
     if (dialog.exec() == QDialog::Accepted && dialog.IsChosen()) {
         record.LampPhoto = dialog.Path();
-        m_grid.Put(row, record);
+        m_grid.Put({row, kPhoto}, record);
     }
 }
 
@@ -450,6 +457,7 @@ void CQuorvaneLuminaireDlg::Paste() {
     if (isAppendRow) {
         m_grid.AddAppendRow();
     }
+    m_grid.EndHistory(u"粘贴的灯具已经写入数据库,不能撤销"_s);
     ShowSaved(row, saved);
     m_grid.Control().Refresh();
 }

@@ -21,6 +21,8 @@ public:
     ~CQuorvaneLuminaireDlg() override;
 
     bool IsModified() const override { return m_luminaires.Records().IsModified(); }
+    int EditCount() const override { return m_luminaires.Records().EditCount(); }
+    int RemovedCount() const override { return m_luminaires.Records().RemovedCount(); }
     void EndEditing() override { m_grid.EndEditing(); }
     bool Submit() override;
     void Refresh() override;

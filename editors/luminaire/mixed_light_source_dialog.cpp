@@ -96,7 +96,8 @@ RecordGridRules<tagMIXLUMINAIREINFO> CMixLuminaireSettingDlg::Rules() {
                         IntegerColumn(u"数量", u"每套灯具中这种光源的个数\n单位:个", 0.2, &Record::Count)},
             .title = [](const Record& entry) { return entry.LightSource; },
             .isBlank = [](const Record& entry) { return entry == Record{}; },
-            .makeBlank = [] { return Record{}; }};
+            .makeBlank = [] { return Record{}; },
+            .marksChanges = false};
 }
 
 CString CMixLuminaireSettingDlg::GetLightSources() const {

@@ -33,6 +33,8 @@ public:
     }
 
     bool IsModified() const override { return modified; }
+    int EditCount() const override { return modified || removed > 0 ? 3 : 0; }
+    int RemovedCount() const override { return removed; }
     void EndEditing() override {
         modified = modified || editing;
         editing = false;
@@ -51,6 +53,7 @@ public:
     void AddCommand(QAction& /*command*/) override {}
 
     bool modified = false;
+    int removed = 0;
     bool editing = false;
     bool failing = false;
 
@@ -108,6 +111,18 @@ class TestMainDialog : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void TabsAndTitleTellOfEdits() {
+        Fixture fixture;
+        fixture.luminaire->removed = 1;  // after a No that leaves the flag alone
+        Q_EMIT fixture.luminaire->EditsChanged();
+        QCOMPARE(fixture.Tabs()->tabText(1), u"灯具库*"_s);
+        QCOMPARE(fixture.Tabs()->tabToolTip(1), u"3行未提交,其中1行已删除"_s);
+        QCOMPARE(fixture.dialog->windowTitle(), u"照度计算数据库维护*"_s);
+        fixture.luminaire->removed = 0;
+        Q_EMIT fixture.luminaire->EditsChanged();
+        QCOMPARE(fixture.Tabs()->tabText(1) + fixture.dialog->windowTitle(), u"灯具库照度计算数据库维护"_s);
+    }
+
     void LeavingAsksForEdits() {
         for (const bool byButton : {true, false}) {
             Fixture fixture;

@@ -113,6 +113,28 @@ class TestFactorTableDialog : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void StepsAreUndone() {
+        Fixture fixture;
+        const QStringList stored = fixture.Grid();
+        fixture.Type(5, 2, u"0.7"_s);
+        QCOMPARE(fixture.grid->MarksOf({5, 2}), CellMark::Changed);
+        QCOMPARE(fixture.grid->TipOf({5, 2}).text, u"文件中的值: 0.56"_s);
+        fixture.Add(HeadingRoot, u"60,50,20"_s);
+        QCOMPARE(fixture.grid->MarksOf({5, 4}), CellMark::New);
+        fixture.Delete(RowRoot, 0);
+        for (int step = 0; step < 3; ++step) {
+            QVERIFY(fixture.dialog->IsModified());
+            fixture.Activate();
+            QWidget* place = step == 0 ? static_cast<QWidget*>(fixture.tree) : fixture.grid;
+            place->setFocus();
+            QTest::keyClick(place, Qt::Key_Z, Qt::ControlModifier);
+        }
+        QCOMPARE(fixture.Grid(), stored);
+        QCOMPARE(fixture.Children(HeadingRoot), u"80,50,20 80,30,20 70,50,20"_s);
+        QCOMPARE(fixture.grid->GetFocusCell(), (CCellID{5, 2}));
+        QVERIFY(!fixture.dialog->IsModified() && fixture.grid->MarksOf({5, 2}) == 0);
+    }
+
     void ShowsTheTable() {
         Fixture fixture;
         QCOMPARE(fixture.dialog->windowTitle(), u"甲灯 利用系数表"_s);

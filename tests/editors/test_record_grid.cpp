@@ -176,6 +176,44 @@ private Q_SLOTS:
         QCOMPARE(fixture.Row(800), u"800|a801|0|a8010"_s);
     }
 
+    void StepsAreUndoneAndMarksGo() {
+        Fixture fixture(4);
+        const QStringList loaded = fixture.Rows();
+        fixture.Type(2, Count, u"5"_s);
+        fixture.Type(5, Count, u"9"_s);  // stays the append row
+        fixture.Type(5, Name, u"b"_s);
+        QVERIFY(fixture.DeleteSelected(3, 4, {u"是"_s, u"是"_s}));
+        const QStringList edited = fixture.Rows();
+        const auto marks = [&fixture] {
+            QStringList texts;
+            for (int row = 1; row < fixture.grid->GetRowCount(); ++row) {
+                for (const int column : {Number, Count}) {
+                    texts += QString::number(fixture.grid->MarksOf({row, column}));
+                }
+            }
+            return texts.join(u' ');
+        };
+        QCOMPARE(marks(), u"0 0 1 1 6 0 0 0"_s);  // changed; new and below deleted rows
+        QCOMPARE(fixture.grid->TipOf({2, Count}).text, u"文件中的值: 0"_s);
+        QCOMPARE(fixture.grid->TipOf({3, Number}).text, u"新行,尚未提交。\n上方已删除2行,尚未提交。"_s);
+        QStringList names;
+        fixture.Activate();
+        for (int step = 0; step < 4; ++step) {
+            names += *fixture.records.UndoName();
+            QTest::keyClick(fixture.grid, Qt::Key_Z, Qt::ControlModifier);
+        }
+        QCOMPARE(names.join(u','), u"删除 2 行,输入 name,输入 count,输入 count"_s);
+        QCOMPARE(fixture.Rows(), loaded);
+        QCOMPARE(fixture.grid->GetFocusCell(), (CCellID{2, Count}));
+        QVERIFY(!fixture.records.IsModified() && fixture.records.EditCount() == 0);
+        QCOMPARE(marks().remove(u"0"_s).trimmed(), QString());
+        for (int step = 0; step < 4; ++step) {
+            QTest::keyClick(fixture.grid, Qt::Key_Y, Qt::ControlModifier);
+        }
+        QCOMPARE(fixture.Rows(), QStringList(edited).replaceInStrings(u"追加|b"_s, u"3|b"_s));
+        QVERIFY(fixture.records.IsModified() && fixture.records.RemovedCount() == 2);
+    }
+
     void UnwrittenRecordsArePointedOut() {
         Fixture fixture(60);
         fixture.records.Replace({40, u"changed"_s, 0});

@@ -15,7 +15,7 @@ void RunProgram(int argc, char* argv[]) {
     if (guard.IsAlreadyRunning()) {
         return;
     }
-    const quorvane::PlatformSession session;
+    const std::shared_ptr<void> session = quorvane::OpenPlatformSession();
     QApplication application(argc, argv);
     quorvane::CQuorvaneApp(application).Run();
 }

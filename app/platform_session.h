@@ -1,15 +1,12 @@
-// PlatformSession: what the system needs from before the first window until after the last one.
+// What the system needs from before the first window until after the last one.
 #pragma once
+
+#include <memory>
 
 namespace quorvane {
 
-class PlatformSession {
-public:
-    // To be made first of all in the interface thread, before the application object.
-    PlatformSession();
-    ~PlatformSession();
-    PlatformSession(const PlatformSession&) = delete;
-    PlatformSession& operator=(const PlatformSession&) = delete;
-};
+// To be called first of all in the interface thread, before the application object. The session ends when the
+// result goes.
+[[nodiscard]] std::shared_ptr<void> OpenPlatformSession();
 
 }  // namespace quorvane

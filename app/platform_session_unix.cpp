@@ -2,7 +2,8 @@
 
 namespace quorvane {
 
-PlatformSession::PlatformSession() = default;
-PlatformSession::~PlatformSession() = default;
+std::shared_ptr<void> OpenPlatformSession() {
+    return {};
+}
 
 }  // namespace quorvane

@@ -32,17 +32,14 @@ void FollowDarkDesktop() {
 
 }  // namespace
 
-PlatformSession::PlatformSession() {
+std::shared_ptr<void> OpenPlatformSession() {
     // A drive without a medium is an error to the caller. The system would show a message and wait for the
     // user.
     ::SetErrorMode(::GetErrorMode() | SEM_FAILCRITICALERRORS);
     ::SetDllDirectoryW(L"");  // no library comes from the current folder
     ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     FollowDarkDesktop();
-}
-
-PlatformSession::~PlatformSession() {
-    ::CoUninitialize();
+    return {nullptr, [](void*) { ::CoUninitialize(); }};
 }
 
 }  // namespace quorvane

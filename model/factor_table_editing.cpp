@@ -183,10 +183,10 @@ FactorTableEditing::Place FactorTableEditing::Exchange(EditHistory<UtilizationFa
 
 SubmitFailures FactorTableEditing::Submit(const UtilizationFactorTable::ProgressCallback& progress) {
     m_table.Submit(progress);
-    const SubmitFailures failures{.writes = m_table.UnwrittenCount(),
-                                  .cause = m_database.LastFailure(),
-                                  .different = m_table.DifferentCount(),
-                                  .unread = m_table.UnreadCount()};
+    SubmitFailures failures{.writes = m_table.UnwrittenCount(),
+                            .cause = m_database.LastFailure(),
+                            .different = m_table.DifferentCount(),
+                            .unread = m_table.UnreadCount()};
     m_modified = !failures.None();
     m_history.Clear();
     if (m_modified) {

@@ -7,13 +7,10 @@
 
 namespace quorvane {
 
-ConsoleSession::ConsoleSession() {
+std::shared_ptr<void> OpenConsole() {
     ::SetConsoleOutputCP(CP_UTF8);
     ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-}
-
-ConsoleSession::~ConsoleSession() {
-    ::CoUninitialize();
+    return {nullptr, [](void*) { ::CoUninitialize(); }};
 }
 
 void PrintLine(const QString& line) {

@@ -49,7 +49,7 @@ int Run(const QString& path) {
 
 int main(int argc, char* argv[]) {
     const QCoreApplication app(argc, argv);
-    const ConsoleSession session;
+    const std::shared_ptr<void> console = OpenConsole();
     if (QCoreApplication::arguments().size() != 2) {
         PrintLine(u"用法：quorvane-self-check 数据库文件"_s);
         return 2;

@@ -46,7 +46,7 @@ auto AsProviderError(const Action& action) {
 void CheckBeforeWriting(Database& database, QDeadlineTimer deadline) {
     const QStringList faults = CheckFile(database, deadline);
     if (!faults.isEmpty()) {
-        const QString first = faults.first();
+        const QString& first = faults.first();
         database.ForbidWriting(AccessError(
             faults.size() == 1 ? first : QStringLiteral("%1 (and %2 more)").arg(first).arg(faults.size() - 1),
             Fault::Damaged));

@@ -48,9 +48,14 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND NOT WIN32 AND NOT APPLE)
   target_link_options(quorvane_options INTERFACE -pie -Wl,-z,relro,-z,now)
 endif()
 
-# quorvane_unit(TARGET UNIT SOURCE...): the preset release compiles these sources as one.
+# quorvane_unit(TARGET UNIT SOURCE...): the preset release compiles these sources as one. The headers of Windows define
+# names that others use, so what is for Windows stands alone.
 function(quorvane_unit target unit)
   list(FILTER ARGN INCLUDE REGEX "\\.cpp$")
+  list(FILTER ARGN EXCLUDE REGEX "_windows\\.cpp$")
+  if(NOT ARGN)
+    return()
+  endif()
   set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES UNITY_GROUP ${unit})
 endfunction()
 

@@ -1,8 +1,7 @@
 // Sorting by pinyin, as Chinese readers expect it.
 #pragma once
 
-#include <QCollatorSortKey>
-#include <QString>
+#include <QStringList>
 
 namespace quorvane {
 
@@ -10,8 +9,7 @@ namespace quorvane {
 // texts are equivalent, also among texts with the same sound.
 bool PinyinLess(const QString& left, const QString& right);
 
-// The sort key of a file name: by pinyin, with numbers by value, so that "2.jpg" comes before "10.jpg". Keys
-// compare much faster than names. Different names may have equal keys. Thread-safe.
-QCollatorSortKey FileNameKey(const QString& name);
+// Sorts names of files by pinyin, with numbers by value, so that "2.jpg" comes before "10.jpg". Thread-safe.
+void SortFileNames(QStringList& names);
 
 }  // namespace quorvane

@@ -1,15 +1,18 @@
-// Opens SQLite files by the path that this platform gives them.
+// What is between SQLite and this platform: the paths of files and the errors of the system.
 #pragma once
 
 #include <sqlite3.h>
 
-#include "data/records.h"
+#include "data/connection.h"
 
 namespace quorvane {
 
 // As sqlite3_open_v2 with these flags. No path is taken for a URI, and its length is limited by the system
 // alone.
 int OpenSqliteFile(const CString& path, sqlite3** database, int flags);
+
+// What the system's error says, for the results of SQLite that only say that the system refused.
+FailureKind KindOfSystemError(int systemError);
 
 // Tells the system to read the whole file soon, where it can be told.
 void ReadAhead(const CString& path);

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <cerrno>
 
 #include "data/store/sqlite_open.h"
 
@@ -10,6 +11,25 @@ namespace quorvane {
 // An absolute path cannot be taken for a URI.
 int OpenSqliteFile(const CString& path, sqlite3** database, int flags) {
     return sqlite3_open_v2(QFileInfo(path).absoluteFilePath().toUtf8().constData(), database, flags, nullptr);
+}
+
+FailureKind KindOfSystemError(int systemError) {
+    switch (systemError) {
+        case ENOSPC:
+        case EDQUOT:
+            return FailureKind::DiskFull;
+        case EROFS:
+        case EACCES:
+        case EPERM:
+            return FailureKind::ReadOnly;
+        case ENOENT:
+        case ENODEV:
+        case ENXIO:
+        case ESTALE:
+            return FailureKind::FileGone;
+        default:
+            return FailureKind::Other;
+    }
 }
 
 void ReadAhead(const CString& path) {

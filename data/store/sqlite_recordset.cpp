@@ -2,10 +2,11 @@
 
 #include <QStringDecoder>
 #include <algorithm>
-#include <cerrno>
 #include <functional>
 #include <limits>
 #include <string_view>
+
+#include "data/store/sqlite_open.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -35,26 +36,6 @@ std::vector<CString> ColumnNames(sqlite3_stmt* statement) {
         }
     }
     return qualified;
-}
-
-// What the operating system said, for the results of SQLite that only say that it refused.
-FailureKind KindOfSystemError(int systemError) {
-    switch (systemError) {
-        case ENOSPC:
-        case EDQUOT:
-            return FailureKind::DiskFull;
-        case EROFS:
-        case EACCES:
-        case EPERM:
-            return FailureKind::ReadOnly;
-        case ENOENT:
-        case ENODEV:
-        case ENXIO:
-        case ESTALE:
-            return FailureKind::FileGone;
-        default:
-            return FailureKind::Other;
-    }
 }
 
 }  // namespace

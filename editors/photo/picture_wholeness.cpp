@@ -18,7 +18,8 @@ public:
     void Skip(qint64 count) { m_position += count; }
     int Byte() {
         const qint64 at = m_position++;
-        return at < m_contents.size() ? static_cast<unsigned char>(m_contents[at]) : 0;
+        return at < m_contents.size() ? static_cast<unsigned char>(m_contents[static_cast<qsizetype>(at)])
+                                      : 0;
     }
     int BigEndian16() {
         const int high = Byte();
@@ -67,7 +68,7 @@ bool IsWholeJpeg(const QByteArray& contents) {
         const int length = bytes.BigEndian16();
         bytes.Skip(length - 2);
         if (mark == scan) {
-            return contents.indexOf("\xFF\xD9"_ba, bytes.Position()) >= 0;
+            return contents.indexOf("\xFF\xD9"_ba, static_cast<qsizetype>(bytes.Position())) >= 0;
         }
     }
     return false;

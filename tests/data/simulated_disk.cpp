@@ -13,7 +13,8 @@ namespace {
 }
 
 // No bytes at all end the content there.
-void Overwrite(QByteArray& content, qint64 offset, QByteArrayView bytes) {
+void Overwrite(QByteArray& content, qint64 at, QByteArrayView bytes) {
+    const auto offset = static_cast<qsizetype>(at);
     if (bytes.isEmpty()) {
         return content.resize(offset, '\0');
     }
@@ -24,7 +25,7 @@ void Overwrite(QByteArray& content, qint64 offset, QByteArrayView bytes) {
 // Two thirds, up to the end of a sector.
 qsizetype PartialLength(qint64 offset, qsizetype length) {
     const qsizetype part = length / 3 * 2;
-    return std::max<qsizetype>(0, part - (offset + part) % SimulatedDisk::kSector);
+    return std::max<qsizetype>(0, part - static_cast<qsizetype>((offset + part) % SimulatedDisk::kSector));
 }
 
 }  // namespace
@@ -41,8 +42,8 @@ public:
 
     FileStamp Stamp() const override { return {m_node->now.size(), m_node->modified, 1}; }
     void Read(qint64 offset, ByteSpan into) const override {
-        const QByteArrayView bytes =
-            Part(QByteArrayView(m_node->now), offset, static_cast<qsizetype>(into.size()));
+        const QByteArrayView bytes = Part(QByteArrayView(m_node->now), static_cast<qsizetype>(offset),
+                                          static_cast<qsizetype>(into.size()));
         std::copy(bytes.begin(), bytes.end(), into.begin());
     }
     void Write(qint64 offset, QByteArrayView bytes) override {
@@ -121,9 +122,9 @@ void SimulatedDisk::CutPower(Node& node, QRandomGenerator& random) const {
     for (const Written& written : node.unsynced) {
         qsizetype at = 0;
         do {
-            const qsizetype end =
+            const auto end = static_cast<qsizetype>(
                 std::min((written.offset + at) / kSector * kSector + kSector - written.offset,
-                         qint64{written.bytes.size()});
+                         qint64{written.bytes.size()}));
             if (random.bounded(3U) >= lost) {
                 Overwrite(left, written.offset + at, QByteArrayView(written.bytes).sliced(at, end - at));
             }

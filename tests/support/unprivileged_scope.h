@@ -12,8 +12,8 @@ namespace quorvane {
 // Acts as nobody where the process is root, and does nothing elsewhere. Files of root that nobody should
 // still reach must be open to all.
 class UnprivilegedScope {
-#ifdef Q_OS_UNIX
 public:
+#ifdef Q_OS_UNIX
     UnprivilegedScope() : m_dropped(geteuid() == 0 && seteuid(65534) == 0) {}
     ~UnprivilegedScope() {
         if (m_dropped && seteuid(0) != 0) {
@@ -24,6 +24,8 @@ public:
 
 private:
     const bool m_dropped;
+#else
+    ~UnprivilegedScope() {}
 #endif
 };
 

@@ -27,7 +27,8 @@ QByteArray OurSlot(FileSystem& files) {
 }
 
 QByteArray ReadSlots(const File& file) {
-    QByteArray bytes(std::min(file.Stamp().size, qint64{kSlotLength * kMostSlots}), Qt::Uninitialized);
+    const qint64 size = std::min(file.Stamp().size, qint64{kSlotLength * kMostSlots});
+    QByteArray bytes(static_cast<qsizetype>(size), Qt::Uninitialized);
     file.Read(0, ByteSpan(bytes.data(), static_cast<std::size_t>(bytes.size())));
     return bytes;
 }

@@ -17,7 +17,7 @@ constexpr qsizetype kHeadSize = 16 + 5 * 8;
 constexpr qsizetype kRecordFrame = 4 + 1 + 8;
 constexpr quint8 kStatement = 1;
 constexpr quint8 kMark = 2;
-constexpr qint64 kGreatestLog = qint64{1} << 31;
+constexpr qint64 kGreatestLog = (qint64{1} << 31) - 1;
 
 QByteArrayView View(const Page& page) {
     return {page.data(), kPageSize};
@@ -189,7 +189,7 @@ void RedoLog::MarkAndSync() {
 
 // After a failed sync a system takes what it could not write for written.
 void RedoLog::WriteAgain() {
-    QByteArray bytes(m_end, Qt::Uninitialized);
+    QByteArray bytes(static_cast<qsizetype>(m_end), Qt::Uninitialized);
     m_file->Read(0, ByteSpan(bytes.data(), static_cast<std::size_t>(bytes.size())));
     m_file->Write(0, bytes);
 }
@@ -219,15 +219,16 @@ void RedoLog::AppendRecord(quint8 kind, const QByteArray& body) {
 }
 
 FoundLog ReadLog(const File& file) {
-    const qint64 size = file.Stamp().size;
+    const qint64 length = file.Stamp().size;
     FoundLog log;
-    if (size > kGreatestLog) {
+    if (length > kGreatestLog) {
         ThrowDamaged(QStringLiteral("its log is too long"));
     }
+    const auto size = static_cast<qsizetype>(length);
     QByteArray bytes(size, Qt::Uninitialized);
     file.Read(0, ByteSpan(bytes.data(), static_cast<std::size_t>(size)));
     // The program or the power went before the head was written; nothing can have been built on such a log.
-    const QByteArrayView head = QByteArrayView(bytes).first(std::min<qsizetype>(size, kHeadSize));
+    const QByteArrayView head = QByteArrayView(bytes).first(std::min(size, kHeadSize));
     if (head.size() < kHeadSize ||
         std::all_of(head.begin(), head.end(), [](char byte) { return byte == 0; })) {
         return log;

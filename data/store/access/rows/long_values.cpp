@@ -42,7 +42,7 @@ QByteArray Read(const Pages& pages, QByteArrayView head, std::vector<RowAddress>
     const auto length = static_cast<qsizetype>(ReadU32(head, 0) & kLengthMask);
     const quint32 kind = Kind(head);
     QByteArray value;
-    if (length > kPageSize * qsizetype{pages.Count()}) {
+    if (length > kPageSize * qint64{pages.Count()}) {
         ThrowDamaged(QStringLiteral("a long value is longer than the file"));
     }
     if ((kind & kInline) != 0) {

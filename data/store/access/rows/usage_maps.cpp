@@ -28,7 +28,8 @@ struct Bits {
 
     quint64 End() const { return first + 8 * static_cast<quint64>(length); }
     quint8 ByteOf(quint64 page) const {
-        return static_cast<quint8>((*content)[static_cast<std::size_t>(offset) + (page - first) / 8]);
+        return static_cast<quint8>(
+            (*content)[static_cast<std::size_t>(offset) + static_cast<std::size_t>((page - first) / 8)]);
     }
     bool Has(quint64 page) const { return (ByteOf(page) >> (page - first) % 8 & 1) != 0; }
     // The first page of these bits from PAGE on; LIMIT when there is none before it.
@@ -150,7 +151,8 @@ bool UsageMap::SetBit(PageNumber page, bool on) {
         }
         if (bits.Has(page) != on) {
             const quint64 bit = page - bits.first;
-            char& byte = m_pages->Write(bits.carrier)[static_cast<std::size_t>(bits.offset) + bit / 8];
+            const auto offset = static_cast<std::size_t>(bits.offset) + static_cast<std::size_t>(bit / 8);
+            char& byte = m_pages->Write(bits.carrier)[offset];
             byte = static_cast<char>(byte ^ 1 << bit % 8);
         }
         return true;

@@ -82,6 +82,7 @@ public:
         });
     }
     CGridCtrl& Control() { return *m_grid; }
+    const RecordGridRules<Record>& Rules() const { return m_rules; }
 
     void SetHasAppendRow(bool hasAppendRow) { m_hasAppendRow = hasAppendRow; }
 
@@ -108,6 +109,7 @@ public:
         m_records.ResetDraft(m_rules.makeBlank());
         ShowRows();
     }
+    // The same, with the present append row.
     void ShowRows() {
         m_ownHeads.clear();
         m_numberedRows = m_records.Count();
@@ -117,7 +119,7 @@ public:
         m_grid->SetRowCount(1 + m_records.Count() + (m_hasAppendRow ? 1 : 0));
         m_grid->Refresh();
     }
-    // The same, but keeps the focus and the scroll position, and shows the first unwritten record.
+    // Like Fill, but keeps the focus and the scroll position, and shows the first unwritten record.
     void Refresh() {
         m_records.ResetDraft(m_rules.makeBlank());
         ShowRowsInPlace();

@@ -12,6 +12,7 @@
 
 #include "editors/column.h"
 #include "editors/column_memory.h"
+#include "editors/grid_output.h"
 #include "editors/messages.h"
 #include "editors/record_marks.h"
 #include "editors/undo_actions.h"
@@ -31,6 +32,7 @@ struct RecordGridRules {
     std::function<Record()> makeBlank;            // what a fresh append row holds
     bool marksChanges = true;                     // what differs from the file is marked
     std::function<void()> edited = {};            // is called after each change of the records
+    std::function<CString()> slice = {};          // names which of all records are shown; none: all
 };
 
 template <typename Record>
@@ -66,6 +68,9 @@ public:
         m_grid->SetPasteQuestion([this](const PasteLoss& loss) {
             return AskToPaste(&m_parent, m_rules.caption, loss, m_hasAppendRow);
         });
+        AddOutputCommands(*m_grid, [this] {
+            return m_rules.slice ? m_rules.caption + u' ' + m_rules.slice() : m_rules.caption;
+        });
         m_grid->SetTipSource([this](CCellID cell) { return TipOf(cell); });
         if (m_rules.marksChanges) {
             m_grid->SetMarkSource([this](CCellID cell) {
@@ -82,7 +87,6 @@ public:
         });
     }
     CGridCtrl& Control() { return *m_grid; }
-    const RecordGridRules<Record>& Rules() const { return m_rules; }
 
     void SetHasAppendRow(bool hasAppendRow) { m_hasAppendRow = hasAppendRow; }
 
@@ -109,7 +113,6 @@ public:
         m_records.ResetDraft(m_rules.makeBlank());
         ShowRows();
     }
-    // The same, with the present append row.
     void ShowRows() {
         m_ownHeads.clear();
         m_numberedRows = m_records.Count();
@@ -119,7 +122,7 @@ public:
         m_grid->SetRowCount(1 + m_records.Count() + (m_hasAppendRow ? 1 : 0));
         m_grid->Refresh();
     }
-    // Like Fill, but keeps the focus and the scroll position, and shows the first unwritten record.
+    // The same, but keeps the focus and the scroll position, and shows the first unwritten record.
     void Refresh() {
         m_records.ResetDraft(m_rules.makeBlank());
         ShowRowsInPlace();

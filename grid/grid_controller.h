@@ -81,6 +81,8 @@ public:
     bool PressButton(CCellID cell, int button);
     // Ends the edit with its text in all selected cells.
     void EndEditAndFill();
+    // Enters texts as one step of the given name; false when there is nothing to enter.
+    bool EnterAll(const CString& name, const std::vector<GridEntry>& entries);
     void AddMenuAction(GridMenuGroup group, QAction* action) { m_menu.Add(group, action); }
     void SetFrozenColumns(int count);
     // Gives up a block that is being dragged. False when none is.
@@ -143,8 +145,6 @@ private:
     void MoveBlock(const CCellRange& block, CCellID start, bool isCopy);
     void Freeze(int column);
     bool MayLose(const PasteLoss& loss) const;
-    // One step of the given name; false when there is nothing to enter.
-    bool EnterAll(const CString& name, const std::vector<GridEntry>& entries);
     void OpenMenu();
     void ScrollOn();
 

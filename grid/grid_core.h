@@ -141,6 +141,7 @@ public:
     EntryCheck entryCheck;  // none: every text may be
     // Whether the last row is one for new entries, which fills of several rows leave out.
     bool hasAppendRow = false;
+    int FilledRowCount() const { return RowCount() - (hasAppendRow ? 1 : 0); }
 
 private:
     void InsertLines(Qt::Orientation lines, int at, int count, unsigned format);

@@ -292,6 +292,11 @@ void CGridCtrl::SetTypesByColumns(bool typesByColumns) {
     MutableCore().typesByColumns = typesByColumns;
 }
 
+void CGridCtrl::EnterTexts(const CString& name, const std::vector<GridEntry>& entries) {
+    m_controller->EndEdit();
+    m_controller->EnterAll(name, entries);
+}
+
 void CGridCtrl::SetHasAppendRow(bool hasAppendRow) {
     MutableCore().hasAppendRow = hasAppendRow;
 }

@@ -21,6 +21,7 @@ class QAction;
 namespace quorvane {
 
 class GridController;
+struct GridEntry;
 
 class CGridCtrl : public QAbstractScrollArea {
     Q_OBJECT
@@ -152,6 +153,10 @@ public:
     // Whether the last row is one for new entries. A fill of several rows leaves it out.
     void SetHasAppendRow(bool hasAppendRow);
 
+    // Enters texts into cells that take them as one step of that name, as a paste does. Texts below the last
+    // row go into rows that come meanwhile.
+    void EnterTexts(const CString& name, const std::vector<GridEntry>& entries);
+
     // Commands. The grid's own are in its context menu; an editor adds its own to a group, behind those that
     // are there. The key of an action works while the grid, an editor in it or its foot bar has the keyboard;
     // an open edit is ended first. Keys by which one edits a text (undo, redo, copy, …) belong to an open
@@ -171,6 +176,8 @@ public:
     // What is told of a cell besides a text that does not fit.
     using TipSource = std::function<GridTip(CCellID)>;
     void SetTipSource(TipSource tips);
+    // Shows the present tip with what the source now gives, for a source that has found out more.
+    void RenewTip();
 
     // Gives the lowest heading of a column a button that shows how the rows are ordered by it and whether
     // they are filtered. A press emits HeadingButtonClicked; the grid itself orders nothing. False for a
@@ -267,6 +274,8 @@ private:
     HighlightSource m_highlights;
     TipSource m_tips;
     std::function<bool(CCellID)> m_takesFiles;
+    QPoint m_tipPosition;  // where the last tip belongs, in the viewport
+    QString m_tipMarkup;
     QPointer<QWidget> m_footBar;
 };
 

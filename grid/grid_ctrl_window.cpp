@@ -170,7 +170,15 @@ void CGridCtrl::ShowTip(const QPoint& position, const QPoint& globalPosition) {
         QToolTip::hideText();
         return;
     }
-    QToolTip::showText(globalPosition, TipMarkup(text, tip.picture), viewport(), rect);
+    m_tipPosition = position;
+    m_tipMarkup = TipMarkup(text, tip.picture);
+    QToolTip::showText(globalPosition, m_tipMarkup, viewport(), rect);
+}
+
+void CGridCtrl::RenewTip() {
+    if (QToolTip::isVisible() && QToolTip::text() == m_tipMarkup) {
+        ShowTip(m_tipPosition, viewport()->mapToGlobal(m_tipPosition));
+    }
 }
 
 // ---- Keys and input methods

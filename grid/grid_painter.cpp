@@ -171,6 +171,16 @@ void GridPainter::PaintMarks(unsigned marks, const QRect& rect, const QColor& ba
         m_painter.drawRect(QRectF(middle - QPointF(3.5, 0.75), QSizeF(7, 1.5)));
         m_painter.drawRect(QRectF(middle - QPointF(0.75, 3.5), QSizeF(1.5, 7)));
     }
+    if ((marks & CellMark::Unlikely) != 0) {
+        constexpr double kWave = 3;
+        QPolygonF wave;
+        for (int point = 0; point * kWave < cell.width(); ++point) {
+            wave << cell.bottomLeft() + QPointF(point * kWave, point % 2 == 0 ? -0.5 : -0.5 - kWave);
+        }
+        m_painter.setPen(QPen(colour, 1.2));
+        m_painter.drawPolyline(wave);
+        m_painter.setPen(Qt::NoPen);
+    }
     if ((marks & CellMark::DeletedAbove) != 0) {
         m_painter.drawRect(QRectF(cell.topLeft(), QSizeF(cell.width(), 1.5)));
         m_painter.drawPolygon(QPolygonF{cell.topLeft(), cell.topLeft() + QPointF(kSide, 0),

@@ -95,8 +95,9 @@ struct GridItem {
 
 // What a small mark in a corner of a cell tells; combined with |.
 namespace CellMark {
-inline constexpr unsigned Changed = 1;  // it differs from what is stored
-inline constexpr unsigned New = 2;      // its row is not stored yet
+inline constexpr unsigned Changed = 1;   // it differs from what is stored
+inline constexpr unsigned New = 2;       // its row is not stored yet
+inline constexpr unsigned Unlikely = 8;  // its value is allowed, but hardly meant
 inline constexpr unsigned DeletedAbove =
     4;  // stored rows have been removed between its row and the one above
 }  // namespace CellMark

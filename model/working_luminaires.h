@@ -34,6 +34,8 @@ public:
     WorkingRecords<tagLUMINAIREINFO>& Records() { return m_records; }
     const WorkingRecords<tagLUMINAIREINFO>& Records() const { return m_records; }
     const PhotoLibrary& Photos() const { return m_photos; }
+    // Whether the record's photo is a picture that is still to be copied into the library.
+    bool IsToBeCopied(const tagLUMINAIREINFO& record) const;
 
     // Loads the luminaires whose categories hold that text. Unsaved photos and factors of the former
     // luminaires are dropped. False when not all of them could be read.
@@ -92,8 +94,6 @@ private:
                       const std::function<bool(const tagLUMINAIREINFO&)>& isLeftOut);
     // Puts in place what a killed program has not.
     void HealLibrary();
-    // Whether the record's photo is a picture that is still to be copied into the library.
-    bool IsToBeCopied(const tagLUMINAIREINFO& record) const;
     bool WriteWithPhoto(tagLUMINAIREINFO& record);
     // Whether the record's photo came with the file and is none of the luminaire's own.
     bool IsLeftAlone(const tagLUMINAIREINFO& record) const;

@@ -11,8 +11,10 @@
 #include "data/lighting_database.h"
 #include "data/number_text.h"
 #include "editors/factor_table/factor_table_grid.h"
+#include "editors/grid_output.h"
 #include "editors/messages.h"
 #include "widgets/dialog_template.h"
+#include "widgets/guide_window.h"
 #include "widgets/image_button.h"
 #include "widgets/message_box.h"
 #include "widgets/screen_place.h"
@@ -77,6 +79,9 @@ CCoefficientTableDlg::CCoefficientTableDlg(CLightingDatabase& database, int lumi
         [this](const PasteLoss& loss) { return AskToPaste(MessageParent(), {}, loss, false); });
     connect(m_grid, &CGridCtrl::EndLabelEdit, this, &CCoefficientTableDlg::OnFactorEdited);
     AddUndo();
+    AddView();
+    AddOutputCommands(*m_grid, [this] { return windowTitle(); });
+    AddGuideKey(*this);
 }
 
 CCoefficientTableDlg::~CCoefficientTableDlg() = default;
@@ -262,18 +267,9 @@ void CCoefficientTableDlg::AddUndo() {
     });
     m_editing.SetListener([this] {
         m_undo.Update();
+        m_view.Update();
         m_grid->Refresh();  // for the marks
-        Q_EMIT EditsChanged();
     });
-}
-
-bool CCoefficientTableDlg::MakeEditsAgain(const FactorTableEditing::Kept& kept) {
-    const bool isMade = m_grid->isEnabled() && m_editing.MakeAgain(kept, u"恢复上次的修改"_s);
-    if (isMade) {
-        m_tree->Show(m_editing);
-        m_grid->Show(m_editing.Table());
-    }
-    return isMade;
 }
 
 void CCoefficientTableDlg::ShowUndone(FactorTableEditing::Place place) {
@@ -286,6 +282,19 @@ void CCoefficientTableDlg::ShowUndone(FactorTableEditing::Place place) {
 
 CString CCoefficientTableDlg::StepName(const CString& action, Branch branch) const {
     return action + (branch == Branch::Headings ? u"列表头"_s : m_rowLabel);
+}
+
+// ---- View
+
+void CCoefficientTableDlg::AddView() {
+    m_view.AddCommands(*m_grid, m_editing.Table(), m_rowLabel, [this] { m_grid->Show(m_editing.Table()); });
+    connect(m_tree, &FactorTableTree::EntryChosen, this, [this](Branch branch, int index) {
+        if (branch == Branch::Headings) {
+            m_grid->ShowHeading(index);
+        } else {
+            m_grid->ShowRow(index);
+        }
+    });
 }
 
 // Ends open edits in grid and tree. False when a text was refused, so that the user can correct it first.

@@ -8,6 +8,7 @@
 #include <QDialog>
 
 #include "editors/factor_table/factor_table_tree.h"
+#include "editors/factor_table/factor_view.h"
 #include "editors/undo_actions.h"
 #include "model/factor_table_editing.h"
 
@@ -31,18 +32,10 @@ public:
     // Whether the table has changed since the last submit, or the submit could not write all of it.
     bool IsModified() const { return m_editing.IsModified(); }
 
-    // The edits as they are now, to be made again in a later run: false when the file holds another table.
-    FactorTableEditing::Kept KeepEdits() const { return m_editing.Edits(); }
-    bool MakeEditsAgain(const FactorTableEditing::Kept& kept);
-
     // "确定": asks whether to submit changes, and closes.
     void accept() override;
     // Esc asks the same question as the close box.
     void reject() override;
-
-Q_SIGNALS:
-    // What differs from the file may have changed.
-    void EditsChanged();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -63,6 +56,7 @@ private:
     void OnSubmit();
     void OnClear();
     void AddUndo();
+    void AddView();
     // Shows the table after an undo or redo, which gave the place of the first changed factor.
     void ShowUndone(FactorTableEditing::Place place);
     CString StepName(const CString& action, Branch branch) const;
@@ -82,6 +76,7 @@ private:
     FactorTableTree* m_tree = nullptr;
     FactorTableGrid* m_grid = nullptr;
     UndoActions m_undo;
+    FactorView m_view;
     bool m_isFactorRefused = false;
 };
 

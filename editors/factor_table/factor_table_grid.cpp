@@ -34,6 +34,12 @@ int WidthFor(const QStringList& texts, const QFontMetrics& metrics, int usualWid
     return width;
 }
 
+// Allowed, but hardly ever meant.
+bool IsUnlikely(std::optional<double> factor) {
+    constexpr double largestLikely = 1.5;
+    return factor && !(*factor >= 0 && *factor <= largestLikely);
+}
+
 int HeightFor(const QFontMetrics& metrics) {
     return std::max(kRowHeight, metrics.height() + kLines);
 }
@@ -46,12 +52,22 @@ FactorTableGrid::FactorTableGrid(const CString& rowLabel) : m_rowLabel(rowLabel)
 }
 
 void FactorTableGrid::SetEditing(const FactorTableEditing& editing) {
-    SetMarkSource([&editing](CCellID cell) {
-        return editing.IsStored(cell.row, cell.col)                   ? 0U
-               : editing.StoredFactor(cell.row, cell.col).has_value() ? CellMark::Changed
-                                                                      : CellMark::New;
-    });
+    SetMarkSource([this, &editing](CCellID cell) { return MarksOf(editing, cell); });
     SetTipSource([this, &editing](CCellID cell) { return GridTip{.text = TipOf(editing, cell)}; });
+}
+
+std::optional<double> FactorTableGrid::FactorAt(const FactorTableEditing& editing, CCellID cell) const {
+    return editing.Table().FactorOf(m_headings[static_cast<std::size_t>(cell.col - kFirstColumn)],
+                                    m_rowValues[static_cast<std::size_t>(cell.row - kFirstRow)]);
+}
+
+unsigned FactorTableGrid::MarksOf(const FactorTableEditing& editing, CCellID cell) const {
+    const unsigned unlikely = IsUnlikely(FactorAt(editing, cell)) ? CellMark::Unlikely : 0U;
+    if (editing.IsStored(cell.row, cell.col)) {
+        return unlikely;
+    }
+    const bool isInFile = editing.StoredFactor(cell.row, cell.col).has_value();
+    return unlikely | (isInFile ? CellMark::Changed : CellMark::New);
 }
 
 CString FactorTableGrid::TipOf(const FactorTableEditing& editing, CCellID cell) const {
@@ -61,11 +77,14 @@ CString FactorTableGrid::TipOf(const FactorTableEditing& editing, CCellID cell) 
     if (cell.col < kFirstColumn) {
         return UnwrittenTip(m_unwritten[static_cast<std::size_t>(cell.row - kFirstRow)]);
     }
-    if (editing.IsStored(cell.row, cell.col)) {
-        return {};
-    }
+    const std::optional<double> factor = FactorAt(editing, cell);
     const std::optional<double> stored = editing.StoredFactor(cell.row, cell.col);
-    return stored ? StoredValueTip(FormatReal(*stored)) : u"文件中没有此值,尚未提交。"_s;
+    const bool isRounded = factor && GetItemText(cell.row, cell.col).toDouble() != *factor;
+    return JoinLines({isRounded ? u"未取舍的数值:"_s + FormatReal(*factor) : CString(),
+                      IsUnlikely(factor) ? u"利用系数一般在0和1.5之间,请核对。"_s : CString(),
+                      editing.IsStored(cell.row, cell.col) ? CString()
+                      : stored                             ? StoredValueTip(FormatReal(*stored))
+                                                           : u"文件中没有此值,尚未提交。"_s});
 }
 
 void FactorTableGrid::Show(UtilizationFactorTable& table) {
@@ -78,6 +97,18 @@ void FactorTableGrid::Show(UtilizationFactorTable& table) {
     horizontalScrollBar()->setValue(left);
     verticalScrollBar()->setValue(top);
     Refresh();
+}
+
+void FactorTableGrid::ShowHeading(int index) {
+    const int column = kFirstColumn + index;
+    SetSelectedRange({kFirstRow, column, GetRowCount() - 1, column});
+    EnsureVisible(std::min(kFirstRow, GetRowCount() - 1), column);
+}
+
+void FactorTableGrid::ShowRow(int index) {
+    const int row = kFirstRow + index;
+    SetSelectedRange({row, kFirstColumn, row, GetColumnCount() - 1});
+    EnsureVisible(row, std::min(kFirstColumn, GetColumnCount() - 1));
 }
 
 CCellID FactorTableGrid::PlaceAfterChange(CCellID cell, const UtilizationFactorTable& table) const {
@@ -110,7 +141,7 @@ void FactorTableGrid::Build(UtilizationFactorTable& table) {
             SetItem({.row = row,
                      .col = column,
                      .mask = ItemMask::Text | ItemMask::Format,
-                     .text = FormatFixed2(table.GetFactor(row, column)),
+                     .text = CString::number(table.GetFactor(row, column), 'f', m_decimals),
                      .format = kFactorFormat});
         }
     }
@@ -136,7 +167,7 @@ void FactorTableGrid::BuildLabels(const UtilizationFactorTable& table) {
 }
 
 void FactorTableGrid::BuildHeadings() {
-    const int width = WidthFor({u"0.00"_s}, QFontMetrics(font()), kColumnWidth);
+    const int width = WidthFor({CString::number(0.0, 'f', m_decimals)}, QFontMetrics(font()), kColumnWidth);
     int column = kFirstColumn;
     for (const auto& [Pcc, Pw, Pf] : m_headings) {
         SetColumnWidth(column, width);

@@ -4,6 +4,7 @@
 // and column 0 holds the row values. The factors begin at row 4 and column 1.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "data/utilization_factor_table.h"
@@ -18,6 +19,8 @@ class FactorTableGrid : public CGridCtrl {
 public:
     static constexpr int kFirstRow = 4;
     static constexpr int kFirstColumn = 1;
+    static constexpr int kFewestDecimals = 2;
+    static constexpr int kMostDecimals = 4;
 
     // rowLabel is the name of the row values.
     explicit FactorTableGrid(const CString& rowLabel);
@@ -27,9 +30,16 @@ public:
     // Rebuilds the whole grid. The scroll position stays. The focus stays on its factor, or moves to a
     // neighbour when the factor was removed.
     void Show(UtilizationFactorTable& table);
+    // How many decimals the next Show gives the factors.
+    void SetDecimals(int decimals) { m_decimals = decimals; }
+    // Selects the factors of a heading or a row value, counted from 0, and makes them visible.
+    void ShowHeading(int index);
+    void ShowRow(int index);
 
 private:
+    unsigned MarksOf(const FactorTableEditing& editing, CCellID cell) const;
     CString TipOf(const FactorTableEditing& editing, CCellID cell) const;
+    std::optional<double> FactorAt(const FactorTableEditing& editing, CCellID cell) const;
     CCellID PlaceAfterChange(CCellID cell, const UtilizationFactorTable& table) const;
     void Build(UtilizationFactorTable& table);
     void BuildLabels(const UtilizationFactorTable& table);
@@ -37,6 +47,7 @@ private:
     void MergeHeadings();
 
     CString m_rowLabel;
+    int m_decimals = kFewestDecimals;
     std::vector<tagColHeading> m_headings;  // those shown
     std::vector<double> m_rowValues;
     std::vector<Unwritten> m_unwritten;  // by row value

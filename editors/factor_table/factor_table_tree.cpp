@@ -1,5 +1,6 @@
 #include "editors/factor_table/factor_table_tree.h"
 
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <memory>
 
@@ -51,6 +52,7 @@ FactorTableTree::FactorTableTree(const CString& rowLabel, QWidget* parent)
         root->setFlags(kRootFlags);
     }
     setCurrentItem(Root(Branch::Headings));
+    connect(this, &QTreeWidget::currentItemChanged, this, &FactorTableTree::OnCurrentChanged);
     connect(this, &LabelEditTree::MenuRequested, this, &FactorTableTree::OpenMenu);
 }
 
@@ -62,7 +64,14 @@ int FactorTableTree::IndexOf(const QTreeWidgetItem* item) {
     return item->data(0, kIndexRole).toInt();
 }
 
+void FactorTableTree::OnCurrentChanged(const QTreeWidgetItem* item) {
+    if (!m_isFilling && item != nullptr && item->parent() != nullptr && IndexOf(item) >= 0) {
+        Q_EMIT EntryChosen(BranchOf(item), IndexOf(item));
+    }
+}
+
 void FactorTableTree::Show(const FactorTableEditing& editing) {
+    const QScopedValueRollback filling(m_isFilling, true);
     const Entry current = AfterChange(CurrentEntry(), editing.Table());
     const int scroll = verticalScrollBar()->value();
     m_headings = editing.Table().Headings();

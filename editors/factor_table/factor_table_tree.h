@@ -34,6 +34,8 @@ public:
     void AddNew(Branch branch);
 
 Q_SIGNALS:
+    // The user went to an entry, by mouse or key.
+    void EntryChosen(FactorTableBranch branch, int index);
     // The user chose a command for the current item.
     void CommandChosen(FactorTableTree::Command command);
 
@@ -51,9 +53,11 @@ private:
     Entry AfterChange(const Entry& entry, const UtilizationFactorTable& table) const;
     void MakeCurrent(const Entry& entry);
     bool IsEnabled(Command command, const QTreeWidgetItem* item) const;
+    void OnCurrentChanged(const QTreeWidgetItem* item);
     void OpenMenu(QTreeWidgetItem* item, const QPoint& globalPosition);
 
     CString m_rowLabel;
+    bool m_isFilling = false;
     std::vector<tagColHeading> m_headings;  // those shown
     std::vector<double> m_rowValues;
     QPointer<QMenu> m_menu;

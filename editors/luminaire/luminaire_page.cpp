@@ -1,18 +1,16 @@
 #include "editors/luminaire/luminaire_page.h"
 
+#include <QDir>
 #include <QKeyEvent>
 #include <QPushButton>
 #include <algorithm>
 
 #include "data/text_format.h"
 #include "editors/factor_table/factor_table_dialog.h"
-#include "editors/factor_table/kept_factor_table.h"
 #include "editors/filter_list.h"
-#include "editors/kept_records.h"
 #include "editors/luminaire/mixed_light_source_dialog.h"
 #include "editors/photo/photo_dialog.h"
 #include "editors/submit.h"
-#include "model/factor_table_cbor.h"
 #include "model/light_source_categories.h"
 #include "model/light_source_text.h"
 #include "widgets/dialog_template.h"
@@ -43,11 +41,6 @@ const DialogControl kTemplate[] = {
 };
 
 const CString kCaption = u"灯具库"_s;
-
-// In the kept edits.
-const CString kFilterKey = u"filter"_s;
-const CString kLuminairesKey = u"records"_s;
-const CString kFactorsKey = u"factorTable"_s;
 const CString kRoomIndex = u"RI"_s;
 const CString kRoomCavityRatio = u"RCR"_s;
 
@@ -95,12 +88,18 @@ CQuorvaneLuminaireDlg::CQuorvaneLuminaireDlg(CLightingDatabase& database, Refere
       m_lists(lists),
       m_luminaires(database, lists),
       m_grid(*this, m_luminaires.Records(), Rules()),
+      m_photoTips([this] { m_grid.Control().RenewTip(); }),
       m_chooser(this) {
     MakeControls();
     m_grid.Create(kGrid, DialogItem(this, kGridFrame)->geometry(), SharesOf::ClientWidth);
     m_grid.Control().installEventFilter(this);
     m_grid.Fill();
     connect(m_filter, &CEaseComboBox::SelectionChanged, this, &CQuorvaneLuminaireDlg::ChangeFilter);
+    m_grid.Control().SetTakesFiles([](CCellID cell) { return cell.row > 0 && cell.col == kPhoto; });
+    connect(
+        &m_grid.Control(), &CGridCtrl::FilesDropped, this,
+        [this](int row, int /*column*/, const QStringList& paths) { TakeDroppedPhoto(row, paths); },
+        Qt::QueuedConnection);  // the program that the file comes from waits for the drop to end
     connect(&m_chooser, &CLamphouseTypeChoiceWindow::Chosen, this, &CQuorvaneLuminaireDlg::TakeChosenTypes);
     if (m_database.GetApplicationParentFolder().isEmpty()) {
         ShowMessage(this, u"灯具图片库路径错误"_s);
@@ -146,7 +145,8 @@ RecordGridRules<tagLUMINAIREINFO> CQuorvaneLuminaireDlg::Rules() {
                     blank.DefaultLamphouse = PresetLightSource();
                     return blank;
                 },
-            .edited = [this] { Q_EMIT EditsChanged(); }};
+            .edited = [this] { Q_EMIT EditsChanged(); },
+            .slice = [this] { return m_filter->currentText(); }};
 }
 
 std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
@@ -178,7 +178,8 @@ std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
          .show = [this](const Record& record) { return m_lists.LightSourceTexts(record.DefaultLamphouse); },
          .take = [this](const CString& text, Record& record) { TakeLightSources(text, record); },
          .setup = [this](const Record& record) { return LightSourceSetup(record); },
-         .open = [this](CCellID cell) { OpenMixedLightSources(cell.row); }},
+         .open = [this](CCellID cell) { OpenMixedLightSources(cell.row); },
+         .tip = [this](const Record& record) { return LightSourceTip(record); }},
         {.heading = u"光源个数",
          .help = u"每套灯具的光源个数;混光灯具为各种光源的个数,以逗号隔开\n单位:个",
          .share = 0.09,
@@ -198,7 +199,8 @@ std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
          .format = kLeftEllipsis,
          .show = [](const Record& record) { return record.LampPhoto; },
          .setup = ButtonSetup(u">>>"_s),
-         .open = [this](CCellID cell) { OpenPhoto(cell.row); }},
+         .open = [this](CCellID cell) { OpenPhoto(cell.row); },
+         .tip = [this](const Record& record) { return PhotoTip(record); }},
         {.heading = u"利用系数类别",
          .help = u"利用系数表按室空间比RCR还是室形系数RI排列",
          .share = 0.12,
@@ -393,6 +395,43 @@ void CQuorvaneLuminaireDlg::OpenPhoto(int row) {
     }
 }
 
+void CQuorvaneLuminaireDlg::TakeDroppedPhoto(int row, const QStringList& paths) {
+    if (paths.size() != 1) {
+        ShowMessage(this, u"每次只能拖放一个图片文件。"_s, kCaption);
+        return;
+    }
+    const CString path = QDir::toNativeSeparators(paths.front());
+    if (MayBePhoto(this, path, kCaption)) {
+        tagLUMINAIREINFO record = m_grid.RecordAt(row);
+        record.LampPhoto = path;
+        m_grid.Put({row, kPhoto}, record);
+    }
+}
+
+// A path from the file may name anything, and is not followed because the mouse has come to rest.
+GridTip CQuorvaneLuminaireDlg::PhotoTip(const tagLUMINAIREINFO& record) {
+    if (record.LampPhoto.isEmpty()) {
+        return {};
+    }
+    if (!PhotoLibrary::IsOwn(record.ID, record.LampPhoto) && !m_luminaires.IsToBeCopied(record)) {
+        return {.text = u"此图片不在图片库中,按“>>>”可以查看。"_s};
+    }
+    return m_photoTips.TipOf(m_luminaires.Photos().FilePath(record.LampPhoto));
+}
+
+// Each light source with its count.
+GridTip CQuorvaneLuminaireDlg::LightSourceTip(const tagLUMINAIREINFO& record) {
+    const std::vector<CString> counts = Split(record.LamphouseCount, u',');
+    std::size_t number = 0;
+    QStringList lines;
+    for (const CString& text :
+         m_lists.SplitLightSourceTexts(m_lists.LightSourceTexts(record.DefaultLamphouse))) {
+        lines += number < counts.size() ? text + u" × "_s + counts[number] : text;
+        ++number;
+    }
+    return {.text = lines.join(u'\n')};
+}
+
 // Factors refer to the luminaire's stored ID, so the row is saved first.
 void CQuorvaneLuminaireDlg::OpenFactorTable(int row) {
     if (m_grid.IdAt(row) == 0) {
@@ -401,69 +440,9 @@ void CQuorvaneLuminaireDlg::OpenFactorTable(int row) {
     const WorkingLuminaires::Saved saved = m_luminaires.Save(m_grid.IdAt(row));
     ShowSaved(row, saved);
     if (saved.StoredId() != 0) {
-        MakeFactorTable(m_grid.RecordAt(row));
-        EditFactorTable();
-    }
-}
-
-void CQuorvaneLuminaireDlg::MakeFactorTable(const tagLUMINAIREINFO& record) {
-    m_factorTable = std::make_unique<CCoefficientTableDlg>(m_database, record.ID, record.LampName,
-                                                           FactorKindText(record), this);
-    connect(m_factorTable.get(), &CCoefficientTableDlg::EditsChanged, this, &CPage::EditsChanged);
-}
-
-void CQuorvaneLuminaireDlg::EditFactorTable() {
-    m_factorTable->exec();
-    m_factorTable.reset();
-    Q_EMIT EditsChanged();
-}
-
-// ---- Kept edits
-
-int CQuorvaneLuminaireDlg::EditCount() const {
-    const bool isTableEdited = m_factorTable != nullptr && m_factorTable->IsModified();
-    return m_luminaires.Records().EditCount() + (isTableEdited ? 1 : 0);
-}
-
-std::function<QCborMap()> CQuorvaneLuminaireDlg::KeepEdits() const {
-    std::optional<FactorTableEditing::Kept> table;
-    if (m_factorTable != nullptr && m_factorTable->IsModified()) {
-        table = m_factorTable->KeepEdits();
-    }
-    return [edits = EditsOf(m_luminaires.Records()), filter = m_filter->currentText(), table] {
-        QCborMap kept{{kFilterKey, filter}, {kLuminairesKey, ToCbor(edits)}};
-        if (table) {
-            kept.insert(kFactorsKey, ToCbor(*table));
-        }
-        return kept;
-    };
-}
-
-QStringList CQuorvaneLuminaireDlg::MakeEditsAgain(const QCborMap& kept) {
-    const CString filter = kept[kFilterKey].toString();
-    if (!filter.isEmpty() && m_filter->Holds(filter)) {
-        m_filter->SelectString(filter);
-        m_lastFilter = ChosenEntry(*m_filter);
-        Load();
-    }
-    QStringList refused = quorvane::MakeEditsAgain(kept[kLuminairesKey], m_luminaires.Records(), m_grid);
-    const auto table = ReadFactorTable(kept[kFactorsKey]);
-    if (table) {
-        const tagLUMINAIREINFO* luminaire = m_luminaires.Records().Find(table->luminaireId);
-        if (luminaire != nullptr) {
-            MakeFactorTable(*luminaire);
-        }
-        if (luminaire == nullptr || !m_factorTable->MakeEditsAgain(*table)) {
-            m_factorTable.reset();
-            refused += RefusedLines(luminaire == nullptr ? CString() : luminaire->LampName, *table);
-        }
-    }
-    return refused;
-}
-
-void CQuorvaneLuminaireDlg::OpenKeptDialog() {
-    if (m_factorTable != nullptr) {
-        EditFactorTable();
+        const tagLUMINAIREINFO record = m_grid.RecordAt(row);
+        CCoefficientTableDlg(m_database, saved.StoredId(), record.LampName, FactorKindText(record), this)
+            .exec();
     }
 }
 

@@ -5,6 +5,7 @@
 #include "data/lighting_database.h"
 #include "editors/luminaire/type_chooser.h"
 #include "editors/page.h"
+#include "editors/photo/photo_tips.h"
 #include "editors/record_grid.h"
 #include "model/reference_lists.h"
 #include "model/working_luminaires.h"
@@ -14,8 +15,6 @@ class QPushButton;
 
 namespace quorvane {
 
-class CCoefficientTableDlg;
-
 class CQuorvaneLuminaireDlg : public CPage {
 public:
     // Both arguments outlive the page.
@@ -23,8 +22,7 @@ public:
     ~CQuorvaneLuminaireDlg() override;
 
     bool IsModified() const override { return m_luminaires.Records().IsModified(); }
-    // An open factor table that has been edited counts as one.
-    int EditCount() const override;
+    int EditCount() const override { return m_luminaires.Records().EditCount(); }
     int RemovedCount() const override { return m_luminaires.Records().RemovedCount(); }
     void EndEditing() override { m_grid.EndEditing(); }
     bool Submit() override;
@@ -32,9 +30,6 @@ public:
     bool DeleteSelected() override { return m_grid.DeleteSelected(); }
     void Reload() override;
     void AddCommand(QAction& command) override { m_grid.AddCommand(command); }
-    std::function<QCborMap()> KeepEdits() const override;
-    QStringList MakeEditsAgain(const QCborMap& kept) override;
-    void OpenKeptDialog() override;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -62,10 +57,10 @@ private:
     void TakeChosenTypes(const std::vector<CString>& names);
     void OpenMixedLightSources(int row);
     void OpenPhoto(int row);
+    void TakeDroppedPhoto(int row, const QStringList& paths);
+    GridTip PhotoTip(const tagLUMINAIREINFO& record);
+    GridTip LightSourceTip(const tagLUMINAIREINFO& record);
     void OpenFactorTable(int row);
-    void EditFactorTable();
-    // Makes the dialog of the luminaire's factors, for EditFactorTable.
-    void MakeFactorTable(const tagLUMINAIREINFO& record);
 
     int SelectedRow();
     void Copy();
@@ -76,9 +71,9 @@ private:
     ReferenceLists& m_lists;
     WorkingLuminaires m_luminaires;
     RecordGrid<tagLUMINAIREINFO> m_grid;
+    PhotoTips m_photoTips;
     CLamphouseTypeChoiceWindow m_chooser;
     int m_chooserRow = -1;
-    std::unique_ptr<CCoefficientTableDlg> m_factorTable;  // while it is open
     CEaseComboBox* m_filter;
     QPersistentModelIndex m_lastFilter;
     CString m_filterCategoryId;   // that of the loaded luminaires, or empty

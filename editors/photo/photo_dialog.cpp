@@ -48,8 +48,10 @@ constexpr QSize kTemplateSize(380, 238);
 
 const CString kAllDrives = u"全部"_s;
 
+// The names of the four formats that a photo may have.
 const QStringList& PictureExtensions() {
-    static const QStringList extensions{u".bmp"_s, u".jpg"_s, u".GIF"_s, u".jpeg"_s};
+    static const QStringList extensions{u".bmp"_s, u".jpg"_s, u".GIF"_s,  u".jpeg"_s,
+                                        u".png"_s, u".jpe"_s, u".jfif"_s, u".dib"_s};
     return extensions;
 }
 
@@ -59,6 +61,9 @@ QWidget* MakeCustomControl(int id, QWidget* dialog) {
     }
     return new PicturePreview(dialog);
 }
+
+// After this pause in typing the tree goes to the path.
+constexpr int kTypingPauseMs = 300;
 
 // The longest wait for the check of the initial path.
 constexpr std::chrono::milliseconds kPatience(200);
@@ -75,12 +80,17 @@ CString KeptPath(const CString& path) {
     return kept ? QDir::toNativeSeparators(path) : CString();
 }
 
-// False for a picture on a drive that does not answer.
-bool IsIncomplete(const CString& path) {
+// None for a picture on a drive that does not answer.
+PictureProblem ProblemOf(const CString& path) {
     constexpr std::chrono::seconds patience(2);
     constexpr QSize smallest(1, 1);
-    const auto problem = AsyncReader::Within(patience, [=] { return LoadPicture(path, smallest).problem; });
-    return problem == PictureProblem::Incomplete;
+    return AsyncReader::Within(patience, [=] { return LoadPicture(path, smallest).problem; })
+        .value_or(PictureProblem::None);
+}
+
+bool AskForIncomplete(QWidget* parent, const CString& caption) {
+    return ShowMessage(parent, u"所选图片不完整或已损坏,是否仍然使用?"_s, caption, MessageButtons::YesNo,
+                       MessageIcon::Question) == MessageAnswer::Yes;
 }
 
 }  // namespace
@@ -108,7 +118,16 @@ CLuminairePhotoSettingDlg::CLuminairePhotoSettingDlg(const CString& initialPath,
 
     connect(m_tree, &CDirTreeCtrl::FileChosen, this, &CLuminairePhotoSettingDlg::OnFileChosen);
     connect(m_drives, &CEaseComboBox::SelectionChanged, this, &CLuminairePhotoSettingDlg::ShowDrive);
+    connect(m_tree, &QTreeView::doubleClicked, this, [this] {
+        if (!m_path.isEmpty() && m_tree->SelectedPath() == m_path) {
+            accept();
+        }
+    });
     connect(m_pathEdit, &QLineEdit::editingFinished, this, &CLuminairePhotoSettingDlg::OnPathTyped);
+    connect(m_pathEdit, &QLineEdit::textEdited, &m_typing, qOverload<>(&QTimer::start));
+    m_typing.setSingleShot(true);
+    m_typing.setInterval(kTypingPauseMs);
+    connect(&m_typing, &QTimer::timeout, this, [this] { ShowInTree(m_pathEdit->text()); });
 }
 
 CLuminairePhotoSettingDlg::~CLuminairePhotoSettingDlg() = default;
@@ -178,6 +197,20 @@ void CLuminairePhotoSettingDlg::OnPathTyped() {
     }
 }
 
+void CLuminairePhotoSettingDlg::ShowInTree(const CString& path) {
+    QStringList drives;
+    for (const QString& drive : m_drives->Strings()) {
+        drives += drive == kAllDrives ? QStringList() : QStringList(drive);
+    }
+    const CString shown = m_drives->currentText();
+    const CString drive = DriveOfPath(path, drives);
+    if (shown != kAllDrives && !drive.isEmpty() && drive != shown) {
+        m_drives->SelectString(drive);
+        ShowDrive();
+    }
+    m_tree->SelectPath(path);
+}
+
 void CLuminairePhotoSettingDlg::StepThroughHistory(int step) {
     const qsizetype next = m_shown + step;
     if (next >= 0 && next < m_history.size()) {
@@ -199,11 +232,21 @@ void CLuminairePhotoSettingDlg::OnClear() {
 
 void CLuminairePhotoSettingDlg::accept() {
     m_path = m_pathEdit->text();
-    if (m_path == m_keptPath || !IsIncomplete(m_path) ||
-        ShowMessage(this, u"所选图片不完整或已损坏,是否仍然使用?"_s, windowTitle(), MessageButtons::YesNo,
-                    MessageIcon::Question) == MessageAnswer::Yes) {
+    if (m_path == m_keptPath || ProblemOf(m_path) != PictureProblem::Incomplete ||
+        AskForIncomplete(this, windowTitle())) {
         QDialog::accept();
     }
+}
+
+bool MayBePhoto(QWidget* parent, const CString& path, const CString& caption) {
+    const PictureProblem problem = ProblemOf(path);
+    if (problem == PictureProblem::Incomplete) {
+        return AskForIncomplete(parent, caption);
+    }
+    if (problem != PictureProblem::None) {
+        ShowMessage(parent, ProblemText(problem), caption);
+    }
+    return problem == PictureProblem::None;
 }
 
 }  // namespace quorvane

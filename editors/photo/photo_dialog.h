@@ -3,6 +3,7 @@
 
 #include <QDialog>
 #include <QStringList>
+#include <QTimer>
 
 #include "data/records.h"
 
@@ -39,6 +40,8 @@ private:
     void OnFileChosen(const CString& path);
     void ShowPicture(const CString& path);
     void OnPathTyped();
+    // Moves the tree to a path, as far as it exists, and shows its drive.
+    void ShowInTree(const CString& path);
     void StepThroughHistory(int step);
     void EnableSteps();
     void OnClear();
@@ -49,6 +52,7 @@ private:
     QStringList m_history;  // pictures chosen in this dialog, the latest last
     qsizetype m_shown = 0;  // index of the one shown
 
+    QTimer m_typing;  // runs while a path is being typed
     QLineEdit* m_pathEdit = nullptr;
     CDirTreeCtrl* m_tree = nullptr;
     PicturePreview* m_preview = nullptr;
@@ -56,5 +60,9 @@ private:
     QPushButton* m_previous = nullptr;
     QPushButton* m_next = nullptr;
 };
+
+// Whether a file that was dropped is taken as a photo: tells why it is none, and asks about an incomplete
+// one.
+bool MayBePhoto(QWidget* parent, const CString& path, const CString& caption);
 
 }  // namespace quorvane

@@ -48,6 +48,8 @@ PictureProblem Examine(const QByteArray& contents, const QByteArray& format, con
     return IsWholePicture(contents, format) ? PictureProblem::None : PictureProblem::Incomplete;
 }
 
+}  // namespace
+
 CString ProblemText(PictureProblem problem) {
     switch (problem) {
         case PictureProblem::None:
@@ -67,8 +69,6 @@ CString ProblemText(PictureProblem problem) {
     }
     return {};
 }
-
-}  // namespace
 
 LoadedPicture LoadPicture(const CString& file, const QSize& area) {
     // The limit of the toolkit is lower, and holds only for some formats. A pixel takes at most eight bytes.
@@ -90,7 +90,8 @@ LoadedPicture LoadPicture(const CString& file, const QSize& area) {
         return picture;
     }
     if (reader.size().width() > area.width() && reader.size().height() > area.height()) {
-        reader.setScaledSize(area);
+        const QSize fitting = reader.size().scaled(area, Qt::KeepAspectRatio);
+        reader.setScaledSize(fitting.expandedTo({1, 1}));
     }
     picture.image = reader.read();
     picture.problem = picture.image.isNull() ? PictureProblem::Incomplete : PictureProblem::None;
@@ -131,7 +132,9 @@ void PicturePreview::paintEvent(QPaintEvent* event) {
         painter.drawText(contentsRect(), Qt::AlignCenter | Qt::TextWordWrap, m_note);
     } else if (!m_picture.isNull()) {
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(contentsRect(), m_picture);
+        QRect place(QPoint(), m_picture.size().scaled(contentsRect().size(), Qt::KeepAspectRatio));
+        place.moveCenter(contentsRect().center());
+        painter.drawImage(place, m_picture);
     }
 }
 

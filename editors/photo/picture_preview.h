@@ -1,4 +1,4 @@
-// A sunken frame that shows a picture file stretched over its whole area.
+// A sunken frame that shows a picture file as large as fits, in its proportions.
 #pragma once
 
 #include <QFrame>
@@ -17,7 +17,11 @@ struct LoadedPicture {
     PictureProblem problem = PictureProblem::None;
 };
 
-// The picture of a file for an area of that many pixels. The picture may be larger or smaller than the area.
+// What the user is told; empty for None.
+CString ProblemText(PictureProblem problem);
+
+// The picture of a file for an area of that many pixels, in its proportions. The picture may be larger or
+// smaller than the area.
 // The name of the file does not matter. Thread-safe.
 LoadedPicture LoadPicture(const CString& file, const QSize& area);
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "grid/grid_core.h"
-#include "grid/output/tab_text.h"
+#include "grid/output/separated_text.h"
 
 namespace quorvane {
 namespace {

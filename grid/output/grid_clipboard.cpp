@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "grid/grid_core.h"
-#include "grid/output/tab_text.h"
+#include "grid/output/separated_text.h"
 
 namespace quorvane {
 namespace {

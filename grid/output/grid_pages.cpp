@@ -28,24 +28,26 @@ bool CutsColumns(const GridCore& core, int column) {
     return false;
 }
 
-std::vector<GridAxis::Lines> Split(const GridCore& core, const GridAxis& axis, int length, Cuts cuts) {
+// The lines up to `end`, by pages.
+std::vector<GridAxis::Lines> Split(const GridCore& core, const GridAxis& axis, int end, int length,
+                                   Cuts cuts) {
     std::vector<GridAxis::Lines> parts;
     const int room = length - axis.FixedLength();
-    for (int first = axis.FixedCount(); first < axis.Count();) {
+    for (int first = axis.FixedCount(); first < end;) {
         int next = first + 1;  // a page without a line would never come to an end
-        while (next < axis.Count() && axis.Start(next + 1) - axis.Start(first) <= room) {
+        while (next < end && axis.Start(next + 1) - axis.Start(first) <= room) {
             ++next;
         }
         int whole = next;
-        while (whole > first && whole < axis.Count() && cuts(core, whole)) {
+        while (whole > first && whole < end && cuts(core, whole)) {
             --whole;
         }
         next = whole > first ? whole : next;
         parts.push_back({first, next - 1});
         first = next;
     }
-    if (parts.empty() && axis.Count() > 0) {
-        parts.push_back({axis.Count(), axis.Count() - 1});  // headings alone
+    if (parts.empty() && end > 0) {
+        parts.push_back({end, end - 1});  // headings alone
     }
     return parts;
 }
@@ -53,7 +55,7 @@ std::vector<GridAxis::Lines> Split(const GridCore& core, const GridAxis& axis, i
 }  // namespace
 
 GridPages::GridPages(const GridCore& core, const QSize& room)
-    : m_rows(Split(core, core.Layout().rows, room.height(), CutsRows)),
-      m_columns(Split(core, core.Layout().columns, room.width(), CutsColumns)) {}
+    : m_rows(Split(core, core.Layout().rows, core.FilledRowCount(), room.height(), CutsRows)),
+      m_columns(Split(core, core.Layout().columns, core.ColumnCount(), room.width(), CutsColumns)) {}
 
 }  // namespace quorvane

@@ -12,8 +12,8 @@ namespace quorvane {
 
 class GridCore;
 
-// Each page shows the fixed rows and columns and a part of the others. Pages go down the rows first, then to
-// the right. A merged block is cut only where it is longer than a page.
+// The append row is left out. Each page shows the fixed rows and columns and a part of the others. Pages go
+// down the rows first, then to the right. A merged block is cut only where it is longer than a page.
 class GridPages {
 public:
     // room: the size of a page in the pixels in which rows and columns are measured.

@@ -1,5 +1,6 @@
 #include "grid/output/grid_printing.h"
 
+#include <QDate>
 #include <QFontInfo>
 #include <QPainter>
 #include <algorithm>
@@ -12,7 +13,7 @@ namespace quorvane {
 namespace {
 
 constexpr double kSmallestScale = 0.6;
-constexpr int kFooterHeight = 32;  // pixels of the screen
+constexpr int kMarginHeight = 32;  // pixels of the screen, above the grid and below it
 
 // Sizes in points would follow the printer's resolution, the grid's sizes do not.
 QFont InPixels(QFont font) {
@@ -30,8 +31,9 @@ int Offset(const GridAxis& axis, int from, int to) {
 
 }  // namespace
 
-GridPrinting::GridPrinting(const GridCore& core, const GridLooks& looks, const QSizeF& paper)
-    : m_core(core), m_looks(looks), m_paper(paper), m_pages(core, Room()) {}
+GridPrinting::GridPrinting(const GridCore& core, const GridLooks& looks, const QSizeF& paper,
+                           const CString& title)
+    : m_core(core), m_looks(looks), m_paper(paper), m_title(title), m_pages(core, Room()) {}
 
 double GridPrinting::Scale() const {
     const GridAxis& columns = m_core.Layout().columns;
@@ -41,7 +43,7 @@ double GridPrinting::Scale() const {
 
 QSize GridPrinting::Room() const {
     return {static_cast<int>(m_paper.width() / Scale()),
-            static_cast<int>((m_paper.height() - kFooterHeight) / Scale())};
+            static_cast<int>((m_paper.height() - 2 * kMarginHeight) / Scale())};
 }
 
 void GridPrinting::DrawPage(QPainter& painter, int page) const {
@@ -51,6 +53,7 @@ void GridPrinting::DrawPage(QPainter& painter, int page) const {
     const QPoint body(layout.columns.FixedLength(), layout.rows.FixedLength());
 
     painter.save();
+    painter.translate(0, kMarginHeight);
     painter.scale(Scale(), Scale());
     painter.setClipRect(QRect(QPoint(), Room()).adjusted(0, 0, 1, 1));
     DrawPart(painter, headingRows, headingColumns, {});
@@ -58,11 +61,19 @@ void GridPrinting::DrawPage(QPainter& painter, int page) const {
     DrawPart(painter, m_pages.Rows(page), headingColumns, {0, body.y()});
     DrawPart(painter, m_pages.Rows(page), m_pages.Columns(page), body);
     painter.restore();
+    DrawMargins(painter, page);
+}
 
+void GridPrinting::DrawMargins(QPainter& painter, int page) const {
     painter.save();
     painter.setFont(InPixels(m_core.Font()));
-    painter.drawText(QRectF(0, m_paper.height() - kFooterHeight, m_paper.width(), kFooterHeight),
-                     Qt::AlignHCenter | Qt::AlignBottom,
+    const QRectF head(0, 0, m_paper.width(), kMarginHeight);
+    const CString date = QDate::currentDate().toString(Qt::ISODate);
+    const double room = head.width() - 2 * painter.fontMetrics().horizontalAdvance(date);
+    painter.drawText(head, Qt::AlignLeft | Qt::AlignTop,
+                     painter.fontMetrics().elidedText(m_title, Qt::ElideRight, static_cast<int>(room)));
+    painter.drawText(head, Qt::AlignRight | Qt::AlignTop, date);
+    painter.drawText(head.translated(0, m_paper.height() - kMarginHeight), Qt::AlignHCenter | Qt::AlignBottom,
                      QString::asprintf("Page %d of %d", page + 1, PageCount()));
     painter.restore();
 }
@@ -113,9 +124,18 @@ void GridPrinting::DrawCell(QPainter& painter, CCellID cell, const QRect& rect) 
     DrawCellText(painter, rect.adjusted(margin, 1, -margin, -1), source->GetText(), source->GetFormat());
 }
 
+bool IsWiderThanPage(const GridCore& core, int screenDpi, const QPrinter& printer) {
+    const GridAxis& columns = core.Layout().columns;
+    QPageLayout page = printer.pageLayout();
+    page.setOrientation(QPageLayout::Portrait);
+    return static_cast<double>(columns.Start(columns.Count())) >
+           page.paintRect(QPageLayout::Inch).width() * screenDpi;
+}
+
 bool PrintGrid(const GridCore& core, const GridLooks& looks, int screenDpi, QPrinter& printer) {
     const double unit = static_cast<double>(printer.resolution()) / screenDpi;
-    const GridPrinting printing(core, looks, printer.pageRect(QPrinter::DevicePixel).size() / unit);
+    const GridPrinting printing(core, looks, printer.pageRect(QPrinter::DevicePixel).size() / unit,
+                                printer.docName());
     const bool all = printer.printRange() != QPrinter::PageRange || printer.fromPage() < 1;
     const int first = all ? 0 : printer.fromPage() - 1;
     const int end = all ? printing.PageCount() : std::min(printing.PageCount(), printer.toPage());

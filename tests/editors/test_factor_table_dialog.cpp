@@ -135,6 +135,35 @@ private Q_SLOTS:
         QVERIFY(!fixture.dialog->IsModified() && fixture.grid->MarksOf({5, 2}) == 0);
     }
 
+    void FactorsAreLookedAt() {
+        Fixture fixture;
+        fixture.Click(4, 2);
+        QCOMPARE(fixture.grid->TipOf({4, 2}).text, u"未取舍的数值:0.654"_s);
+        fixture.Command(u"显示3位小数"_s);
+        QCOMPARE(fixture.Row(4), u"0.60|0.610|0.654|0.630"_s);
+        QVERIFY(fixture.grid->TipOf({4, 2}).text.isEmpty());
+        fixture.Type(4, 1, u"6.1"_s);
+        QCOMPARE(fixture.grid->MarksOf({4, 1}), CellMark::Unlikely | CellMark::Changed);
+        QVERIFY(fixture.grid->TipOf({4, 1}).text.contains(u"请核对"_s));
+
+        fixture.tree->expandAll();
+        fixture.tree->setFocus();
+        fixture.tree->setCurrentItem(fixture.Item(HeadingRoot, 1));
+        QTest::keyClick(fixture.tree, Qt::Key_Down);
+        QCOMPARE(fixture.grid->GetSelectedCellRange(), (CCellRange{4, 3, 5, 3}));
+        QTest::mouseClick(fixture.tree->viewport(), Qt::LeftButton, {},
+                          fixture.tree->visualItemRect(fixture.Item(RowRoot, 1)).center());
+        QCOMPARE(fixture.grid->GetSelectedCellRange(), (CCellRange{5, 1, 5, 3}));
+
+        fixture.Click(4, 2);
+        fixture.Command(u"曲线图…"_s);
+        auto* plot = fixture.dialog->findChild<QWidget*>(u"factorPlot"_s);
+        QVERIFY(plot != nullptr && plot->isVisible());
+        const QImage before = plot->grab().toImage();
+        fixture.Type(4, 1, u"0.61"_s);
+        QVERIFY(plot->grab().toImage() != before);
+    }
+
     void ShowsTheTable() {
         Fixture fixture;
         QCOMPARE(fixture.dialog->windowTitle(), u"甲灯 利用系数表"_s);

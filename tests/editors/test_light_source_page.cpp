@@ -1,6 +1,10 @@
 #include <QClipboard>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QRadioButton>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include "editors/light_source_page.h"
 #include "tests/support/shown_page.h"
@@ -35,6 +39,19 @@ struct Fixture : ShownPage {
         ByMaker();
         Choose(kMakerList, entry);
     }
+    // Chooses a command of the context menu, and a file in the dialog that it opens.
+    void ChooseFile(const QString& command, const QString& path) {
+        QTimer fill;
+        QObject::connect(&fill, &QTimer::timeout, &fill, [path] {
+            if (auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
+                auto* name = dialog->findChild<QLineEdit*>(u"fileNameEdit"_s);
+                name->setText(path);
+                QTest::keyClick(name, Qt::Key_Return);
+            }
+        });
+        fill.start(20);
+        Command(command);
+    }
     QStringList File() const { return file.Raw().Rows(u"select * from 光源 order by ID"_s); }
 };
 
@@ -64,6 +81,42 @@ private Q_SLOTS:
         QCOMPARE(fixture.Rows(), QStringList(u"追加|白炽灯|||0|0|"_s));
         fixture.Choose(kCategoryList, 1);
         QCOMPARE(fixture.Rows().last(), u"追加|荧光灯|||0|0|"_s);
+    }
+
+    void LeavesAsCsvAndComesBack() {
+        Fixture fixture;
+        fixture.ChooseFluorescent();
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"a.csv"_s);
+        fixture.Click(1, Name);
+        fixture.ChooseFile(u"导出 CSV…"_s, path);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QByteArray text = file.readAll();
+        QVERIFY(text.contains("\r\n3,荧光灯,短管,T5-14,1.23457E+06,14,甲厂\r\n"));
+        file.resize(0);
+        file.write(text.replace("直管", "长管") + ",荧光灯,新,M,1e3,7,乙厂\r\n");
+        file.close();
+        for (const QString& answer : {u"否"_s, u"是"_s}) {
+            QVERIFY(!fixture.page->IsModified());
+            fixture.answers.Plan(answer);
+            fixture.ChooseFile(u"导入 CSV…"_s, path);
+        }
+        QCOMPARE(
+            fixture.answers.TakeSeen().value(1),
+            u"光源库 荧光灯|将修改1格,追加1行。\n另有1格不能填入(没有相应的行或列、不可修改或不是可填的内容),"
+            "不会导入。\n是否导入?|是/否"_s);
+        QCOMPARE(fixture.Rows(),
+                 QStringList({u"1|荧光灯|长管|T8-36|3350|36|甲厂"_s, u"2|荧光灯|细管|T5-28|2600|28|乙厂"_s,
+                              u"3|荧光灯|短管|T5-14|1.23457E+06|14|甲厂"_s, u"追加|荧光灯|新|M|0|7|乙厂"_s,
+                              u"追加|荧光灯|||0|0|"_s}));
+        // The key loads the file's rows again.
+        fixture.answers.Plan(u"否"_s);
+        fixture.page->Reload();
+        QCOMPARE(fixture.Rows().size(), 4);
+        QVERIFY(!fixture.page->IsModified());
+        fixture.ChooseFile(u"导出 PDF…"_s, folder.filePath(u"a"_s));
+        QVERIFY(QFile(folder.filePath(u"a.pdf"_s)).size() > 1000);
     }
 
     void APasteSaysWhatItLeavesOut() {

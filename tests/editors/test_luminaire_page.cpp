@@ -1,4 +1,6 @@
 #include <QLineEdit>
+#include <QMimeData>
+#include <QTemporaryDir>
 
 #include "editors/luminaire/luminaire_page.h"
 #include "tests/support/shown_page.h"
@@ -96,6 +98,34 @@ class TestLuminairePage : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void TipsShowLightSourcesAndPhotos() {
+        Fixture fixture;
+        fixture.ChooseCategory(u"荧光灯"_s);
+        QCOMPARE(fixture.grid->TipOf({3, LightSources}).text, u"直管:T8 × 1\n细管:T5 × 2"_s);
+        QTRY_COMPARE(fixture.grid->TipOf({1, Photo}).text, u"图片文件不存在。"_s);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"a.png"_s);
+        const auto drop = [&] {
+            QMimeData files;
+            files.setUrls({QUrl::fromLocalFile(path)});
+            fixture.grid->EnsureVisible(2, Photo);
+            const QPoint place = fixture.grid->CellRect(2, Photo).center();
+            QDragEnterEvent enter(place, Qt::CopyAction, &files, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(fixture.grid->viewport(), &enter);
+            QDropEvent dropped(place, Qt::CopyAction, &files, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(fixture.grid->viewport(), &dropped);
+            QCoreApplication::processEvents();
+        };
+        drop();
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList(u"灯具库|图片文件不存在。|确定|unplanned"_s));
+        QVERIFY(!fixture.page->IsModified());
+        QVERIFY(QImage(30, 60, QImage::Format_RGB32).save(path));
+        drop();
+        QCOMPARE(fixture.grid->GetItemText(2, Photo), path);
+        QVERIFY(fixture.page->IsModified());
+        QTRY_COMPARE(fixture.grid->TipOf({2, Photo}).picture.size(), QSize(90, 180));
+    }
+
     void ShowsACategory() {
         Fixture fixture;
         QCOMPARE(fixture.Row(0),

@@ -349,6 +349,31 @@ private Q_SLOTS:
         }
     }
 
+    void TypingMovesTheTreeAndADoubleClickChooses() {
+        Write(u"e.PNG"_s, Encoded("png"));
+        Open({});
+        auto* tree = Item<CDirTreeCtrl>(TreeControl);
+        Item(PathEdit)->setFocus();
+        QTest::keyClicks(Item(PathEdit), Picture(u"e.PNG"_s));
+        QTRY_COMPARE(tree->SelectedPath(), Picture(u"e.PNG"_s));
+        const QPoint place = tree->visualRect(tree->currentIndex()).topLeft() + QPoint(8, 8);
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, place);
+        QVERIFY(!m_dialog->isVisible());
+        QVERIFY(m_dialog->result() == QDialog::Accepted && m_dialog->Path() == Picture(u"e.PNG"_s));
+    }
+
+    void APictureKeepsItsProportions() {
+        Write(u"wide.png"_s, Encoded("png"));  // 120 by 80
+        PicturePreview preview(nullptr);
+        preview.resize(200, 300);
+        preview.ShowFile(Picture(u"wide.png"_s));
+        QTRY_VERIFY(!preview.IsBlank());
+        const QImage shown = preview.grab().toImage();
+        const auto isRed = [&](int x, int y) { return shown.pixelColor(x, y) == QColor(Qt::red); };
+        QVERIFY(isRed(10, 150) && isRed(190, 150) && isRed(100, 90) && !isRed(100, 75) && !isRed(100, 225));
+    }
+
     void BrokenPicturesShowNothing() {
         QList<QByteArray> broken{
             {}, "not a picture\n", "/* XPM */\nstatic char *x[]={\"1 1 1 1\",\"a c red\",\"a\"};"};

@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QInputMethodEvent>
 #include <QListWidget>
+#include <QMenu>
 #include <QTest>
 #include <memory>
 
@@ -45,6 +46,19 @@ struct WorkedGrid {
         Activate();
         grid->EnsureVisible(row, column);
         QTest::mouseClick(grid->viewport(), Qt::LeftButton, modifiers, grid->CellRect(row, column).center());
+    }
+    // Chooses a command of the context menu.
+    void Command(const QString& text) {
+        Activate();
+        QTest::keyClick(grid, Qt::Key_Menu);
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        for (QAction* action : menu->actions()) {
+            if (action->text() == text) {
+                QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+                return;
+            }
+        }
+        qFatal("no such command");
     }
     // Keys for ASCII; anything else comes from an input method.
     static void Enter(QWidget* editor, const QString& text) {

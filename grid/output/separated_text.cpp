@@ -1,8 +1,10 @@
-#include "grid/output/tab_text.h"
+#include "grid/output/separated_text.h"
 
 #include <algorithm>
 #include <optional>
 #include <utility>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 namespace {
@@ -14,32 +16,33 @@ bool IsLineEnd(QChar character) {
     return character == u'\n' || character == u'\r';
 }
 
-bool NeedsQuotes(const CString& text) {
+bool NeedsQuotes(const CString& text, QChar separator) {
     // Readers drop a byte order mark at the start of a file.
     return text.startsWith(QChar(QChar::ByteOrderMark)) ||
-           std::any_of(text.cbegin(), text.cend(), [](QChar character) {
-               return character == kQuote || character == kTab || IsLineEnd(character);
+           std::any_of(text.cbegin(), text.cend(), [=](QChar character) {
+               return character == kQuote || character == separator || IsLineEnd(character);
            });
 }
 
-void Append(CString& line, const CString& text) {
-    if (!NeedsQuotes(text)) {
-        line += text;
-        return;
-    }
-    line += kQuote;
-    for (const QChar character : text) {
-        line += character;
-        if (character == kQuote) {
-            line += kQuote;
+void Append(CString& line, const CString& text, QChar separator) {
+    line += NeedsQuotes(text, separator) ? kQuote + CString(text).replace(kQuote, u"\"\""_s) + kQuote : text;
+}
+
+void AppendRow(CString& line, const std::vector<CString>& row, QChar separator) {
+    bool isFirst = true;
+    for (const CString& field : row) {
+        if (!std::exchange(isFirst, false)) {
+            line += separator;
         }
+        Append(line, field, separator);
     }
-    line += kQuote;
 }
 
 class Reader {
 public:
-    explicit Reader(const CString& text) : m_text(text) {}
+    // quotesAreText: quotes around a text that needs none belong to it.
+    Reader(const CString& text, QChar separator, bool quotesAreText)
+        : m_text(text), m_separator(separator), m_quotesAreText(quotesAreText) {}
 
     TextTable Read() {
         TextTable table;
@@ -51,7 +54,8 @@ public:
 
 private:
     bool AtFieldEnd(qsizetype position) const {
-        return position >= m_text.size() || m_text.at(position) == kTab || IsLineEnd(m_text.at(position));
+        return position >= m_text.size() || m_text.at(position) == m_separator ||
+               IsLineEnd(m_text.at(position));
     }
 
     std::vector<CString> ReadRow() {
@@ -59,7 +63,7 @@ private:
         while (true) {
             std::optional<CString> quoted = ReadQuoted();
             row.push_back(quoted ? *std::move(quoted) : ReadPlain());
-            if (m_at >= m_text.size() || m_text.at(m_at) != kTab) {
+            if (m_at >= m_text.size() || m_text.at(m_at) != m_separator) {
                 break;
             }
             ++m_at;
@@ -103,7 +107,7 @@ private:
             content += kQuote;
             ++at;
         }
-        if (!AtFieldEnd(at) || !NeedsQuotes(content)) {
+        if (!AtFieldEnd(at) || (m_quotesAreText && !NeedsQuotes(content, m_separator))) {
             return std::nullopt;
         }
         m_at = at;
@@ -111,6 +115,8 @@ private:
     }
 
     const CString& m_text;
+    const QChar m_separator;
+    const bool m_quotesAreText;
     qsizetype m_at = 0;
     bool m_noClosingQuote = false;
 };
@@ -119,24 +125,35 @@ private:
 
 CString WriteTabText(const TextTable& table) {
     CString text;
-    bool firstRow = true;
+    bool isFirst = true;
     for (const std::vector<CString>& row : table) {
-        if (!std::exchange(firstRow, false)) {
+        if (!std::exchange(isFirst, false)) {
             text += u'\n';
         }
-        bool firstText = true;
-        for (const CString& field : row) {
-            if (!std::exchange(firstText, false)) {
-                text += kTab;
-            }
-            Append(text, field);
-        }
+        AppendRow(text, row, kTab);
     }
     return text;
 }
 
 TextTable ReadTabText(const CString& text) {
-    return Reader(text).Read();
+    return Reader(text, kTab, true).Read();
+}
+
+CString WriteCsv(const TextTable& table) {
+    CString text;
+    for (const std::vector<CString>& row : table) {
+        AppendRow(text, row, u',');
+        text += u"\r\n"_s;
+    }
+    return text;
+}
+
+TextTable ReadCsv(const CString& text) {
+    const auto end = std::find_if(text.cbegin(), text.cend(), IsLineEnd);
+    const auto count = [&](QChar separator) { return std::count(text.cbegin(), end, separator); };
+    const QChar separator = std::max({kTab, QChar(u';'), QChar(u',')},
+                                     [&](QChar left, QChar right) { return count(left) < count(right); });
+    return Reader(text, separator, false).Read();
 }
 
 }  // namespace quorvane

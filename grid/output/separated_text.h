@@ -1,4 +1,5 @@
-// Tables as tab-separated text, the form in which spreadsheets exchange them.
+// Tables as text, in the two forms in which spreadsheets exchange them: separated by tabs on the clipboard,
+// and by commas in files.
 #pragma once
 
 #include <vector>
@@ -16,5 +17,11 @@ CString WriteTabText(const TextTable& table);
 // The reverse. Rows end with "\n", "\r\n" or "\r"; a line end at the very end begins no further row. Quotes
 // that WriteTabText would not have written, and quotes without an end, belong to the text.
 TextTable ReadTabText(const CString& text);
+
+// The same with commas, and "\r\n" after each row.
+CString WriteCsv(const TextTable& table);
+// The reverse, but quotes around a text never belong to it. The separator may also be a semicolon or a tab:
+// whichever of the three stands most often in the first line, and is not the comma if two do.
+TextTable ReadCsv(const CString& text);
 
 }  // namespace quorvane

@@ -1,0 +1,16 @@
+// The commands by which a grid leaves the program and comes back: printing, PDF, and CSV files.
+#pragma once
+
+#include <functional>
+
+#include "grid/grid_types.h"
+
+namespace quorvane {
+
+class CGridCtrl;
+
+// Adds the commands to the grid's context menu. title names what the grid shows; it stands on each printed
+// page, in the captions, and is proposed as the name of a file.
+void AddOutputCommands(CGridCtrl& grid, const std::function<CString()>& title);
+
+}  // namespace quorvane

@@ -6,9 +6,11 @@
 #include <QLocale>
 #include <QTranslator>
 
+#include "app/edit_keeper.h"
 #include "app/file_notice.h"
 #include "app/main_dialog.h"
 #include "data/store/store_factory.h"
+#include "editors/first_paint.h"
 #include "editors/light_source_page.h"
 #include "editors/luminaire/luminaire_page.h"
 #include "editors/requirement_page.h"
@@ -83,7 +85,10 @@ void CQuorvaneApp::Run() {
                         },
                         m_application.arguments().constLast());
     const FileNotice notice(m_database, dialog);
+    EditKeeper keeper({dialog.Pages().begin(), dialog.Pages().end()}, m_database.GetDatabasePath(), dialog);
+    AfterFirstPaint(dialog, [&keeper] { keeper.Start(); });
     dialog.exec();
+    keeper.Finish();
     m_database.Disconnect();
 }
 

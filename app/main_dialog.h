@@ -28,6 +28,9 @@ public:
     CQuorvaneDlg(const MainDialogPages& pages, const QString& selector);
     ~CQuorvaneDlg() override;
 
+    // By tab index.
+    const std::array<CPage*, 3>& Pages() const { return m_pages; }
+
     // Closes the window like its close box: asks first when a page holds unsubmitted edits.
     void reject() override;
 

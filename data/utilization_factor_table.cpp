@@ -1,6 +1,7 @@
 #include "data/utilization_factor_table.h"
 
 #include <algorithm>
+#include <set>
 #include <stdexcept>
 #include <tuple>
 #include <utility>
@@ -93,6 +94,48 @@ bool UtilizationFactorTable::Reload() {
     Sort();
     SetSurplusAside();
     return m_whole;
+}
+
+UtilizationFactorTable::Contents UtilizationFactorTable::GetContents() const {
+    Contents contents{m_factors, m_surplus, m_headings, m_rowValues, m_deletedIds};
+    contents.deletedIds.insert(contents.deletedIds.end(), m_failedDeletions.begin(), m_failedDeletions.end());
+    return contents;
+}
+
+bool UtilizationFactorTable::SetContents(const Contents& contents) {
+    std::multiset<int> stored;  // of which each row is taken once
+    for (const std::vector<Factor>* factors : {&m_factors, &m_surplus}) {
+        for (const Factor& factor : *factors) {
+            stored.insert(factor.ID);
+        }
+    }
+    const auto take = [&stored](int id) {
+        const auto found = stored.find(id);
+        const bool isKnown = id == 0 || found != stored.end();
+        if (id != 0 && isKnown) {
+            stored.erase(found);
+        }
+        return isKnown;
+    };
+    const auto isOwn = [&](const Factor& factor) {
+        return factor.LuminaireID == m_luminaireID && take(factor.ID);
+    };
+    if (!std::all_of(contents.factors.begin(), contents.factors.end(), isOwn) ||
+        !std::all_of(contents.surplus.begin(), contents.surplus.end(), isOwn) ||
+        !std::all_of(contents.deletedIds.begin(), contents.deletedIds.end(), take)) {
+        return false;
+    }
+    m_factors = contents.factors;
+    m_factors.insert(m_factors.end(), contents.surplus.begin(), contents.surplus.end());
+    m_surplus.clear();
+    m_headings = contents.headings;
+    m_rowValues = contents.rowValues;
+    m_deletedIds = contents.deletedIds;
+    Sort();
+    m_headings.erase(std::unique(m_headings.begin(), m_headings.end()), m_headings.end());
+    m_rowValues.erase(std::unique(m_rowValues.begin(), m_rowValues.end()), m_rowValues.end());
+    SetSurplusAside();
+    return true;
 }
 
 double UtilizationFactorTable::GetFactor(int gridRow, int gridColumn) {

@@ -60,6 +60,18 @@ public:
     // Reads the factors anew for the same headings and row values. Deletions not yet submitted stay pending.
     // False when not all rows could be read.
     bool Reload();
+    // What makes up the table, to be kept and put back. SetContents is for a table loaded since: false, and
+    // nothing changes, when the contents are none of this luminaire, or name rows that the file has not.
+    struct Contents {
+        std::vector<tagLUMINAIREUTILIZATIONFACTOR> factors;
+        std::vector<tagLUMINAIREUTILIZATIONFACTOR> surplus;
+        std::vector<tagColHeading> headings;
+        std::vector<double> rowValues;
+        std::vector<int> deletedIds;
+    };
+    Contents GetContents() const;
+    bool SetContents(const Contents& contents);
+
     // False when the last load could not read all rows. Submitting then writes rows beside the unread ones.
     bool IsWhole() const { return m_whole; }
 

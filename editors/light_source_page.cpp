@@ -5,6 +5,7 @@
 
 #include "editors/filter_list.h"
 #include "editors/first_paint.h"
+#include "editors/kept_records.h"
 #include "editors/submit.h"
 #include "model/light_source_categories.h"
 #include "widgets/dialog_template.h"
@@ -30,6 +31,11 @@ const DialogControl kTemplate[] = {
 };
 
 const CString kCaption = u"光源库"_s;
+
+// In the kept edits.
+const CString kByMakerKey = u"byMaker"_s;
+const CString kSliceKey = u"slice"_s;
+const CString kRecordsKey = u"records"_s;
 
 bool IsBlank(const tagLAMPHOUSEINFO& record) {
     return record.ID == 0 && record.LamphouseName.isEmpty() && record.LamphouseModel.isEmpty() &&
@@ -222,6 +228,31 @@ void CQuorvaneLamphouseDlg::Load() {
         TellIncompleteLoad(this, kCaption, m_database.LastFailure());
     }
 }
+
+// ---- Kept edits
+
+std::function<QCborMap()> CQuorvaneLamphouseDlg::KeepEdits() const {
+    const bool byMaker = m_mode == Mode::ByMaker;
+    return [edits = EditsOf(m_records), byMaker, slice = (byMaker ? m_makers : m_categories)->currentText()] {
+        return QCborMap{{kByMakerKey, byMaker}, {kSliceKey, slice}, {kRecordsKey, ToCbor(edits)}};
+    };
+}
+
+QStringList CQuorvaneLamphouseDlg::MakeEditsAgain(const QCborMap& kept) {
+    const bool byMaker = kept[kByMakerKey].toBool();
+    const CString slice = kept[kSliceKey].toString();
+    ChooseMode(byMaker ? Mode::ByMaker : Mode::ByCategory);
+    FillMakerList();
+    CEaseComboBox& list = byMaker ? *m_makers : *m_categories;
+    if (!slice.isEmpty() && list.Holds(slice)) {
+        list.SelectString(slice);
+        (byMaker ? m_lastMaker : m_lastCategory) = ChosenEntry(list);
+        Load();
+    }
+    return quorvane::MakeEditsAgain(kept[kRecordsKey], m_records, m_grid);
+}
+
+// ---- Storing
 
 bool CQuorvaneLamphouseDlg::Submit() {
     const RecordStatements<tagLAMPHOUSEINFO> statements = {

@@ -1,7 +1,10 @@
 // CPage: everything that the main dialog knows of a tab page.
 #pragma once
 
+#include <QCborMap>
+#include <QStringList>
 #include <QWidget>
+#include <functional>
 
 class QAction;
 
@@ -33,6 +36,15 @@ public:
     virtual void Reload() = 0;
     // Puts a command of the window into the page's context menu, with its key. It outlives the page.
     virtual void AddCommand(QAction& command) = 0;
+
+    // For a later run: the edits as they are now, with what the page shows. The result may be called in any
+    // thread and owns what it uses.
+    virtual std::function<QCborMap()> KeepEdits() const = 0;
+    // Shows what the page showed then, and makes the edits again; nothing reaches the database. Edits of rows
+    // that the file no longer holds as they were are left out; the result has a line for each of them.
+    virtual QStringList MakeEditsAgain(const QCborMap& kept) = 0;
+    // Opens the dialog whose edits were made again, if there is one.
+    virtual void OpenKeptDialog() {}
 
 Q_SIGNALS:
     // What differs from the file may have changed.

@@ -87,6 +87,7 @@ public:
         });
     }
     CGridCtrl& Control() { return *m_grid; }
+    const RecordGridRules<Record>& Rules() const { return m_rules; }
 
     void SetHasAppendRow(bool hasAppendRow) { m_hasAppendRow = hasAppendRow; }
 
@@ -113,6 +114,7 @@ public:
         m_records.ResetDraft(m_rules.makeBlank());
         ShowRows();
     }
+    // The same, with the present append row.
     void ShowRows() {
         m_ownHeads.clear();
         m_numberedRows = m_records.Count();
@@ -122,7 +124,7 @@ public:
         m_grid->SetRowCount(1 + m_records.Count() + (m_hasAppendRow ? 1 : 0));
         m_grid->Refresh();
     }
-    // The same, but keeps the focus and the scroll position, and shows the first unwritten record.
+    // Like Fill, but keeps the focus and the scroll position, and shows the first unwritten record.
     void Refresh() {
         m_records.ResetDraft(m_rules.makeBlank());
         ShowRowsInPlace();

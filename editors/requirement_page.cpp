@@ -6,6 +6,7 @@
 #include <QTreeWidget>
 #include <utility>
 
+#include "editors/kept_records.h"
 #include "editors/submit.h"
 #include "widgets/dialog_template.h"
 
@@ -24,6 +25,11 @@ const DialogControl kTemplate[] = {
 };
 
 const CString kCaption = u"照度要求"_s;
+
+// In the kept edits.
+const CString kVocationKey = u"vocation"_s;
+const CString kBuildingKey = u"buildingType"_s;
+const CString kRowsKey = u"records"_s;
 
 bool IsBlank(const tagILLUMINANCESTANDARD& record) {
     return record.ID == 0 && record.Location.isEmpty() && record.ReferencePlane.isEmpty() &&
@@ -141,6 +147,32 @@ void CQuorvaneDemandDlg::Reload() {
         ChangeBuildingType(m_shownItem);
     }
 }
+
+// ---- Kept edits
+
+std::function<QCborMap()> CQuorvaneDemandDlg::KeepEdits() const {
+    return [edits = EditsOf(m_records), vocation = m_vocation, building = m_buildingType] {
+        return QCborMap{{kVocationKey, vocation}, {kBuildingKey, building}, {kRowsKey, ToCbor(edits)}};
+    };
+}
+
+QStringList CQuorvaneDemandDlg::MakeEditsAgain(const QCborMap& kept) {
+    QTreeWidgetItem* place = m_tree->invisibleRootItem();
+    for (const CString& name : {kept[kVocationKey].toString(), kept[kBuildingKey].toString()}) {
+        for (int child = 0; !name.isEmpty() && child < place->childCount(); ++child) {
+            if (place->child(child)->text(0) == name) {
+                place = place->child(child);
+                break;
+            }
+        }
+    }
+    if (place != m_tree->invisibleRootItem()) {
+        m_tree->setCurrentItem(place);
+    }
+    return quorvane::MakeEditsAgain(kept[kRowsKey], m_records, m_grid);
+}
+
+// ---- Storing
 
 bool CQuorvaneDemandDlg::Submit() {
     using Record = tagILLUMINANCESTANDARD;

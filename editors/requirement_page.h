@@ -25,6 +25,8 @@ public:
     bool DeleteSelected() override { return m_grid.DeleteSelected(); }
     void Reload() override;
     void AddCommand(QAction& command) override { m_grid.AddCommand(command); }
+    std::function<QCborMap()> KeepEdits() const override;
+    QStringList MakeEditsAgain(const QCborMap& kept) override;
 
 private:
     RecordGridRules<tagILLUMINANCESTANDARD> Rules();

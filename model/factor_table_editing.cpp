@@ -1,5 +1,6 @@
 #include "model/factor_table_editing.h"
 
+#include <map>
 #include <utility>
 
 #include "data/number_text.h"
@@ -177,6 +178,29 @@ FactorTableEditing::Place FactorTableEditing::Exchange(EditHistory<UtilizationFa
         ++column;
     }
     return std::nullopt;
+}
+
+// ---- Kept edits
+
+bool FactorTableEditing::MakeAgain(const Kept& kept, const CString& stepName) {
+    const auto rowsOf = [](const Contents& contents) {
+        std::map<int, tagLUMINAIREUTILIZATIONFACTOR> rows;
+        for (const auto* factors : {&contents.factors, &contents.surplus}) {
+            for (const tagLUMINAIREUTILIZATIONFACTOR& factor : *factors) {
+                if (factor.ID != 0) {  // else a gap in the file
+                    rows[factor.ID] = factor;
+                }
+            }
+        }
+        return rows;
+    };
+    if (rowsOf(kept.stored) != rowsOf(m_stored.GetContents())) {
+        return false;
+    }
+    const StepScope step(*this, stepName);
+    bool isMade = false;
+    Change([&] { return isMade = m_table.SetContents(kept.edited); });
+    return isMade;
 }
 
 // ---- Submitting

@@ -74,6 +74,19 @@ public:
     Place Undo();
     Place Redo();
 
+    // ---- To be kept beside the program, and made again in a later run
+
+    using Contents = UtilizationFactorTable::Contents;
+    struct Kept {
+        int luminaireId = 0;
+        Contents stored;  // the table as the file held it
+        Contents edited;
+    };
+    Kept Edits() const { return {m_table.LuminaireID(), m_stored.GetContents(), m_table.GetContents()}; }
+    // Makes the edits again, as one step, in a table that has just been loaded. False, and nothing changes,
+    // when the file holds another table than it did then.
+    bool MakeAgain(const Kept& kept, const CString& stepName);
+
     // Writes the table. It stays modified when something could not be written.
     SubmitFailures Submit(const UtilizationFactorTable::ProgressCallback& progress = {});
 

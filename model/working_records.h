@@ -154,6 +154,13 @@ public:
         }
         return stored->second ? &*stored->second : nullptr;
     }
+    // Calls visit(stored, edited) for each of these records: what the file holds, if anything, and the record
+    // as it is now, or null when it was removed. New records come in the order in which they were appended.
+    template <typename Visit>
+    void ForEachEdit(Visit visit) const {
+        std::for_each(m_stored.rbegin(), m_stored.rend(),
+                      [&](const auto& edit) { visit(edit.second, Find(edit.first)); });
+    }
     // How many records are new, changed or removed.
     int EditCount() const { return static_cast<int>(m_stored.size()); }
     // How many of them the next submit will delete from the file.

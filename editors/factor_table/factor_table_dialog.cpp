@@ -269,7 +269,17 @@ void CCoefficientTableDlg::AddUndo() {
         m_undo.Update();
         m_view.Update();
         m_grid->Refresh();  // for the marks
+        Q_EMIT EditsChanged();
     });
+}
+
+bool CCoefficientTableDlg::MakeEditsAgain(const FactorTableEditing::Kept& kept) {
+    const bool isMade = m_grid->isEnabled() && m_editing.MakeAgain(kept, u"恢复上次的修改"_s);
+    if (isMade) {
+        m_tree->Show(m_editing);
+        m_grid->Show(m_editing.Table());
+    }
+    return isMade;
 }
 
 void CCoefficientTableDlg::ShowUndone(FactorTableEditing::Place place) {

@@ -32,10 +32,18 @@ public:
     // Whether the table has changed since the last submit, or the submit could not write all of it.
     bool IsModified() const { return m_editing.IsModified(); }
 
+    // The edits as they are now, to be made again in a later run: false when the file holds another table.
+    FactorTableEditing::Kept KeepEdits() const { return m_editing.Edits(); }
+    bool MakeEditsAgain(const FactorTableEditing::Kept& kept);
+
     // "确定": asks whether to submit changes, and closes.
     void accept() override;
     // Esc asks the same question as the close box.
     void reject() override;
+
+Q_SIGNALS:
+    // What differs from the file may have changed.
+    void EditsChanged();
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -7,10 +7,13 @@
 
 #include "data/text_format.h"
 #include "editors/factor_table/factor_table_dialog.h"
+#include "editors/factor_table/kept_factor_table.h"
 #include "editors/filter_list.h"
+#include "editors/kept_records.h"
 #include "editors/luminaire/mixed_light_source_dialog.h"
 #include "editors/photo/photo_dialog.h"
 #include "editors/submit.h"
+#include "model/factor_table_cbor.h"
 #include "model/light_source_categories.h"
 #include "model/light_source_text.h"
 #include "widgets/dialog_template.h"
@@ -41,6 +44,11 @@ const DialogControl kTemplate[] = {
 };
 
 const CString kCaption = u"灯具库"_s;
+
+// In the kept edits.
+const CString kFilterKey = u"filter"_s;
+const CString kLuminairesKey = u"records"_s;
+const CString kFactorsKey = u"factorTable"_s;
 const CString kRoomIndex = u"RI"_s;
 const CString kRoomCavityRatio = u"RCR"_s;
 
@@ -440,9 +448,69 @@ void CQuorvaneLuminaireDlg::OpenFactorTable(int row) {
     const WorkingLuminaires::Saved saved = m_luminaires.Save(m_grid.IdAt(row));
     ShowSaved(row, saved);
     if (saved.StoredId() != 0) {
-        const tagLUMINAIREINFO record = m_grid.RecordAt(row);
-        CCoefficientTableDlg(m_database, saved.StoredId(), record.LampName, FactorKindText(record), this)
-            .exec();
+        MakeFactorTable(m_grid.RecordAt(row));
+        EditFactorTable();
+    }
+}
+
+void CQuorvaneLuminaireDlg::MakeFactorTable(const tagLUMINAIREINFO& record) {
+    m_factorTable = std::make_unique<CCoefficientTableDlg>(m_database, record.ID, record.LampName,
+                                                           FactorKindText(record), this);
+    connect(m_factorTable.get(), &CCoefficientTableDlg::EditsChanged, this, &CPage::EditsChanged);
+}
+
+void CQuorvaneLuminaireDlg::EditFactorTable() {
+    m_factorTable->exec();
+    m_factorTable.reset();
+    Q_EMIT EditsChanged();
+}
+
+// ---- Kept edits
+
+int CQuorvaneLuminaireDlg::EditCount() const {
+    const bool isTableEdited = m_factorTable != nullptr && m_factorTable->IsModified();
+    return m_luminaires.Records().EditCount() + (isTableEdited ? 1 : 0);
+}
+
+std::function<QCborMap()> CQuorvaneLuminaireDlg::KeepEdits() const {
+    std::optional<FactorTableEditing::Kept> table;
+    if (m_factorTable != nullptr && m_factorTable->IsModified()) {
+        table = m_factorTable->KeepEdits();
+    }
+    return [edits = EditsOf(m_luminaires.Records()), filter = m_filter->currentText(), table] {
+        QCborMap kept{{kFilterKey, filter}, {kLuminairesKey, ToCbor(edits)}};
+        if (table) {
+            kept.insert(kFactorsKey, ToCbor(*table));
+        }
+        return kept;
+    };
+}
+
+QStringList CQuorvaneLuminaireDlg::MakeEditsAgain(const QCborMap& kept) {
+    const CString filter = kept[kFilterKey].toString();
+    if (!filter.isEmpty() && m_filter->Holds(filter)) {
+        m_filter->SelectString(filter);
+        m_lastFilter = ChosenEntry(*m_filter);
+        Load();
+    }
+    QStringList refused = quorvane::MakeEditsAgain(kept[kLuminairesKey], m_luminaires.Records(), m_grid);
+    const auto table = ReadFactorTable(kept[kFactorsKey]);
+    if (table) {
+        const tagLUMINAIREINFO* luminaire = m_luminaires.Records().Find(table->luminaireId);
+        if (luminaire != nullptr) {
+            MakeFactorTable(*luminaire);
+        }
+        if (luminaire == nullptr || !m_factorTable->MakeEditsAgain(*table)) {
+            m_factorTable.reset();
+            refused += RefusedLines(luminaire == nullptr ? CString() : luminaire->LampName, *table);
+        }
+    }
+    return refused;
+}
+
+void CQuorvaneLuminaireDlg::OpenKeptDialog() {
+    if (m_factorTable != nullptr) {
+        EditFactorTable();
     }
 }
 

@@ -15,6 +15,8 @@ class QPushButton;
 
 namespace quorvane {
 
+class CCoefficientTableDlg;
+
 class CQuorvaneLuminaireDlg : public CPage {
 public:
     // Both arguments outlive the page.
@@ -22,7 +24,8 @@ public:
     ~CQuorvaneLuminaireDlg() override;
 
     bool IsModified() const override { return m_luminaires.Records().IsModified(); }
-    int EditCount() const override { return m_luminaires.Records().EditCount(); }
+    // An open factor table that has been edited counts as one.
+    int EditCount() const override;
     int RemovedCount() const override { return m_luminaires.Records().RemovedCount(); }
     void EndEditing() override { m_grid.EndEditing(); }
     bool Submit() override;
@@ -30,6 +33,9 @@ public:
     bool DeleteSelected() override { return m_grid.DeleteSelected(); }
     void Reload() override;
     void AddCommand(QAction& command) override { m_grid.AddCommand(command); }
+    std::function<QCborMap()> KeepEdits() const override;
+    QStringList MakeEditsAgain(const QCborMap& kept) override;
+    void OpenKeptDialog() override;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -61,6 +67,9 @@ private:
     GridTip PhotoTip(const tagLUMINAIREINFO& record);
     GridTip LightSourceTip(const tagLUMINAIREINFO& record);
     void OpenFactorTable(int row);
+    void EditFactorTable();
+    // Makes the dialog of the luminaire's factors, for EditFactorTable.
+    void MakeFactorTable(const tagLUMINAIREINFO& record);
 
     int SelectedRow();
     void Copy();
@@ -74,6 +83,7 @@ private:
     PhotoTips m_photoTips;
     CLamphouseTypeChoiceWindow m_chooser;
     int m_chooserRow = -1;
+    std::unique_ptr<CCoefficientTableDlg> m_factorTable;  // while it is open
     CEaseComboBox* m_filter;
     QPersistentModelIndex m_lastFilter;
     CString m_filterCategoryId;   // that of the loaded luminaires, or empty

@@ -51,6 +51,8 @@ public:
     }
     void Reload() override { *m_calls += m_name + u".reload"_s; }
     void AddCommand(QAction& /*command*/) override {}
+    std::function<QCborMap()> KeepEdits() const override { return {}; }
+    QStringList MakeEditsAgain(const QCborMap&) override { return {}; }
 
     bool modified = false;
     int removed = 0;

@@ -56,8 +56,9 @@ def has(element, state):
 
 
 def caption(element):
-    """The name without the mark of an access key, which Chinese texts carry as "(Y)" at their end."""
-    return re.sub(r"\(.\)$", "", element.get_name())
+    """The name without the mark of an access key, which Chinese texts carry as "(Y)" at their end, and without the
+    "*" of unsubmitted edits."""
+    return re.sub(r"(\(.\))?\*?$", "", element.get_name())
 
 
 def children(element):
@@ -161,7 +162,7 @@ class Program:
                                              and screen.active_process() == self.process.pid), None), what)
 
     def dialog(self, title):
-        return Window(self, self._window_that(lambda window: window.get_name() == title, f"a window “{title}”"))
+        return Window(self, self._window_that(lambda window: caption(window) == title, f"a window “{title}”"))
 
     def main_window(self):
         return self.dialog(MAIN_TITLE)
@@ -229,7 +230,7 @@ class Window:
         self.program.wait_until(lambda: self.shown_tab() == name, f"the tab “{name}” in front")
 
     def shown_tab(self):
-        return self.find("page tab list").get_name()  # a bar of tabs is told under the name of the one in front
+        return caption(self.find("page tab list"))  # a bar of tabs is told under the name of the one in front
 
     # Lists ----------------------------------------------------------------------------------------------------
 

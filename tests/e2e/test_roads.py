@@ -4,6 +4,7 @@
     virtual_screen test_roads.py BINARIES Roads.test_...
 """
 
+import os
 import shutil
 import sys
 import tempfile
@@ -34,6 +35,9 @@ class Roads(unittest.TestCase):
     def start(self, *arguments):
         return Program(self.folder, *arguments)
 
+    def kept_files(self):
+        return (Path(os.environ["XDG_CONFIG_HOME"]) / "quorvane").glob("edits-*.cbor")
+
     def test_second_start_ends_silently_while_the_first_runs(self):
         first = self.start()
         first.main_window()
@@ -54,6 +58,41 @@ class Roads(unittest.TestCase):
             self.assertEqual(window.shown_tab(), tab, arguments)
             window.press_button("退出")
             program.wait_for_end()
+
+    def test_edits_outlive_a_killed_program(self):
+        before = self.folder.everything()
+        program = self.start()
+        window = program.main_window()
+        window.choose("按光源类型显示", self.folder.first_category()["LamphouseType"])
+        window.enter(0, "光通量", "4321")
+        window.show_tab("灯具库")
+        window.choose("灯具类型:", "混光灯")
+        window.enter(0, "灯具效率", "43.25")
+        screen.wait_until(lambda: any(all(page in file.read_bytes() for page in (b"page 0", b"page 1"))
+                                      for file in self.kept_files()), "the edits of both pages are kept")
+        program.process.kill()
+        program.wait_for_end()
+        self.assertEqual(self.folder.everything(), before)
+
+        program = self.start()
+        program.message("上次有 2 处未提交的修改,是否恢复?").press_button("是")
+        window = program.main_window()
+        window.wait_for_cell(0, "光通量", "4321")
+        self.assertEqual(self.folder.everything(), before)
+        window.submit()
+        window.show_tab("灯具库")
+        window.wait_for_cell(0, "灯具效率", "43.25")
+        window.submit()
+        window.press_button("退出")
+        self.assertEqual(program.wait_for_end(), 0)
+        after = self.folder.everything()
+        for table, column, value in (("光源", "LuminousFlux", 4321), ("灯具", "LuminaireEfficiency", 43.25)):
+            changed = [(old, new) for old, new in zip(before.pop(table), after.pop(table)) if old != new]
+            self.assertEqual([new for _, new in changed], [{**changed[0][0], column: value}], table)
+        self.assertEqual(list(self.kept_files()), [])
+        program = self.start()  # nothing is left to be asked
+        program.main_window().press_button("退出")
+        self.assertEqual(program.wait_for_end(), 0)
 
     def test_without_a_database_it_says_so_and_ends(self):
         self.folder.database.unlink()

@@ -1,0 +1,140 @@
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "model/factor_table_cbor.h"
+#include "model/kept_edits_file.h"
+#include "model/record_edits.h"
+#include "tests/support/fake_connection.h"
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quorvane;
+
+namespace {
+
+using Record = tagLAMPHOUSEINFO;
+
+Record Lamp(int id, double flux) {
+    return {id, 1, {}, flux, 0, {}, u"灯"_s};
+}
+
+// 1 changed, 2 removed, 3 as it was, two equal new ones.
+QCborValue Edits() {
+    WorkingRecords<Record> records;
+    records.TakeLoaded({Lamp(1, 10), Lamp(2, 20), Lamp(3, 30)});
+    records.Replace(Lamp(1, 11.5));
+    records.Remove(2);
+    records.Append(Lamp(0, 40));
+    records.Append(Lamp(0, 40));
+    return ToCbor(EditsOf(records));
+}
+
+// What a file with those fluxes of 1, 2, … shows once the edits are made again (-: removed, !: refused).
+QString MadeAgain(const std::vector<Record>& file) {
+    WorkingRecords<Record> records;
+    records.TakeLoaded(file);
+    const auto refused = MakeAgain(records, *ReadEdits<Record>(Edits()), u"again"_s);
+    QStringList texts;
+    records.ForEach(
+        [&](const Record& record) { texts += u"%1:%2"_s.arg(record.ID).arg(record.LuminousFlux); });
+    for (const auto& edit : refused) {
+        texts += u"!%1"_s.arg(edit.stored->ID);
+    }
+    if (records.UndoName() != nullptr) {
+        records.Undo();
+    }
+    return records.EditCount() == 0 && !records.IsModified() ? texts.join(u' ') : u"not undone"_s;
+}
+
+}  // namespace
+
+class TestKeptEdits : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void EditsAreMadeAgainWhereTheFileIsAsItWas() {
+        const std::tuple<std::vector<Record>, QString> cases[] = {
+            {{Lamp(1, 10), Lamp(2, 20), Lamp(3, 30)}, u"1:11.5 3:30 -1:40 -2:40"_s},
+            // The end came during the submit.
+            {{Lamp(1, 11.5), Lamp(2, 20), Lamp(3, 30), Lamp(4, 40)}, u"1:11.5 3:30 4:40 -1:40"_s},
+            {{Lamp(1, 11.5), Lamp(3, 30), Lamp(4, 40), Lamp(5, 40)}, u"1:11.5 3:30 4:40 5:40"_s},
+            // Another program has been at the file.
+            {{Lamp(1, 12), Lamp(2, 21), Lamp(3, 31)}, u"1:12 2:21 3:31 -1:40 -2:40 !2 !1"_s},
+            {{Lamp(3, 40)}, u"3:40 -1:40 -2:40 !1"_s},
+        };
+        for (const auto& [file, expected] : cases) {
+            QCOMPARE(MadeAgain(file), expected);
+        }
+    }
+
+    void TheFileIsTakenAsAWholeOrNotAtAll() {
+        const QTemporaryDir folder;
+        KeptEditsFile file(folder.filePath(u"quorvane"_s), u"C:\\a.mdb"_s);
+        QVERIFY(!file.Read());
+        file.Write([] { return QCborMap{{u"records"_s, Edits()}}; });
+        QTRY_VERIFY(!file.IsBusy());
+        QCOMPARE((*file.Read())[u"records"_s], Edits());
+        const QDir kept(folder.filePath(u"quorvane"_s));
+        const QString path = kept.filePath(kept.entryList(QDir::Files).value(0));
+        QFile stored(path);
+        QVERIFY(stored.open(QIODevice::ReadOnly));
+        QCOMPARE(stored.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+        const QByteArray whole = stored.readAll();
+        // Damaged at any place it gives nothing, or edits of the right kind.
+        for (qsizetype at = 0; at < whole.size(); ++at) {
+            for (const QByteArray& damaged : {whole.first(at), QByteArray(whole).replace(at, 1, "\x9f")}) {
+                QFile::remove(path);
+                QFile rewritten(path);
+                QVERIFY(rewritten.open(QIODevice::WriteOnly) && rewritten.write(damaged) == damaged.size());
+                rewritten.close();
+                const std::optional<QCborMap> read = file.Read();
+                QVERIFY(!read || damaged.size() == whole.size());
+                if (read) {
+                    ReadEdits<Record>((*read)[u"records"_s]);
+                }
+            }
+        }
+        // Those of another database.
+        const KeptEditsFile other(folder.filePath(u"quorvane"_s), u"C:\\b.mdb"_s);
+        file.Write([] { return QCborMap(); });
+        QTRY_VERIFY(!file.IsBusy() && file.Read());
+        QVERIFY(!other.Read());
+        file.Remove();
+        QTRY_VERIFY(!QFile::exists(path));
+    }
+
+    void AFactorTableIsMadeAgainAsAWhole() {
+        const auto connection = std::make_shared<FakeConnection>();
+        CLightingDatabase database(FakeConnection::Factory(connection), u"/bin/quorvane"_s);
+        database.Connect();
+        const auto loaded = [&](double factor) {
+            connection->results = {
+                {{u"ID"_s, u"LuminaireID"_s, u"Pcc"_s, u"Pw"_s, u"Pf"_s, u"RCR_RI"_s, u"UtilizationFactor"_s},
+                 {{1, 7, 80, 50, 20, 0.6, factor}, {2, 7, 70, 50, 20, 0.6, 0.5}}}};
+            FactorTableEditing editing(database, [](const CString&) {});
+            editing.Load(7);
+            return editing;
+        };
+        FactorTableEditing edited = loaded(0.61);
+        edited.Delete(FactorTableBranch::Headings, 1);
+        edited.TakeLabel(FactorTableBranch::Rows, -1, u"1.25"_s);
+        edited.TakeFactor(5, 1, u"0.44"_s, false);
+        const auto kept = ReadFactorTable(ToCbor(edited.Edits()));
+        QVERIFY(kept);
+        FactorTableEditing again = loaded(0.61);
+        QVERIFY(again.MakeAgain(*kept, u"again"_s) && again.IsModified());
+        QVERIFY(again.Table().Factors() == edited.Table().Factors());
+        QCOMPARE(again.Table().DeletedIds(), std::vector<int>{2});
+        again.Undo();
+        QVERIFY(!again.IsModified());
+        FactorTableEditing changed = loaded(0.62);
+        QVERIFY(!changed.MakeAgain(*kept, u"again"_s) && !changed.IsModified());
+        // Rows that the file does not have cannot be named.
+        FactorTableEditing::Kept forged = *kept;
+        forged.edited.deletedIds = {99};
+        QVERIFY(!loaded(0.61).MakeAgain(forged, u"again"_s));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestKeptEdits)
+#include "test_kept_edits.moc"

@@ -227,6 +227,28 @@ private Q_SLOTS:
         QCOMPARE(tip(1) + tip(2) + tip(3), u"数据库文件中没有这数据库文件中的这一"_s);  // six digits are kept
     }
 
+    void EditsOfAnEarlierRunAreMadeAgain() {
+        Fixture earlier;
+        earlier.ChooseMaker(1);
+        const QStringList loaded = earlier.Rows();
+        earlier.Type(1, Flux, u"3351"_s);
+        earlier.Type(2, Flux, u"7"_s);
+        earlier.Type(4, Name, u"新"_s);
+        const QCborMap kept = earlier.page->KeepEdits()();
+        Fixture later(QString(kFile).replace(u"3350,36"_s, u"3300,36"_s));
+        QCOMPARE(later.page->MakeEditsAgain(kept),
+                 QStringList(u"光源库 直管: 光通量: 文件中的值 3300,上次改为 3351"_s));
+        QStringList expected = earlier.Rows();
+        expected[0].replace(u"3351"_s, u"3300"_s);
+        expected[3].replace(u"追加"_s, u"4"_s);
+        QCOMPARE(later.Rows(), expected);
+        QVERIFY(later.page->IsModified() && later.page->EditCount() == 2);
+        QCOMPARE(later.Chosen(kMakerList), u"甲厂"_s);
+        later.Activate();
+        QTest::keyClick(later.grid, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(later.Rows(), QStringList(loaded).replaceInStrings(u"3350"_s, u"3300"_s));
+    }
+
     void IncompleteLoadIsTold() {
         Fixture fixture(kFile + u"update 光源 set Factory=null where ID=12;"_s);
         QStringList seen;

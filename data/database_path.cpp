@@ -34,7 +34,7 @@ CString DatabasePath(const CString& executablePath) {
 }
 
 CString NativePath(const CString& storedPath) {
-    return CString(storedPath).replace(kSeparator, QDir::separator());
+    return QDir::toNativeSeparators(CString(storedPath).replace(kSeparator, u'/'));
 }
 
 }  // namespace quorvane

@@ -241,26 +241,35 @@ private Q_SLOTS:
         }
     }
 
-    // A record set without a database, made by the ADO of this system. That of Wine keeps no reals in one.
+    // A record set without a database, made by the ADO of this system. A new row empties the others in that
+    // of Wine.
     void ReadsTheSystemsRecordset() {
         constexpr qint64 integerType = 3;
+        constexpr qint64 realType = 5;
         constexpr qint64 textType = 202;
         ado::Object rows = ado::Object::Create(L"ADODB.Recordset");
         const ado::Object fields(rows.Property(L"Fields"));
+        const auto field = [&](const CString& name) { return ado::Object(fields.Property(L"Item", name)); };
         fields.Call(L"Append", u"ID"_s, integerType, qint64{4});
+        fields.Call(L"Append", u"LuminousFlux"_s, realType, qint64{8});
         fields.Call(L"Append", u"名    称"_s, textType, qint64{50});
         rows.Call(L"Open");
+        rows.Call(L"AddNew");
+        rows.Call(L"AddNew");
+        rows.Call(L"MoveFirst");
         for (qint64 id = 1; id <= 2; ++id) {
-            rows.Call(L"AddNew");
-            ado::Object(fields.Property(L"Item", u"ID"_s)).SetProperty(L"Value", id);
-            ado::Object(fields.Property(L"Item", u"名    称"_s)).SetProperty(L"Value", u"直管荧光灯"_s);
+            field(u"ID"_s).SetProperty(L"Value", id);
+            field(u"LuminousFlux"_s).SetProperty(L"Value", 0.1);
+            field(u"名    称"_s).SetProperty(L"Value", u"直管荧光灯"_s);
+            rows.Call(L"MoveNext");
         }
         rows.Call(L"MoveFirst");
         ado::AdoRecordset read(std::move(rows));
         for (qint64 id = 1; id <= 2; ++id, read.MoveNext()) {
             QVERIFY(!read.AtEnd());
             QVERIFY(read.Recordset::Value(u"ID"_s) == FieldValue(id));
-            QVERIFY(read.Value(1) == FieldValue(u"直管荧光灯"_s));
+            QVERIFY(read.Value(1) == FieldValue(0.1));
+            QVERIFY(read.Value(2) == FieldValue(u"直管荧光灯"_s));
         }
         QVERIFY(read.AtEnd());
         QVERIFY_THROWS_EXCEPTION(ProviderError, read.Column(u"名称"_s));

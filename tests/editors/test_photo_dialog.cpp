@@ -339,7 +339,8 @@ private Q_SLOTS:
         for (const QString& name : {u"d.gif"_s, u"gone.gif"_s}) {
             Open(Picture(name));
             auto* tree = Item<CDirTreeCtrl>(TreeControl);
-            QTRY_COMPARE(tree->SelectedPath(), name == u"d.gif"_s ? Picture(name) : m_pictures.path());
+            QTRY_COMPARE(tree->SelectedPath(),
+                         name == u"d.gif"_s ? Picture(name) : QDir::toNativeSeparators(m_pictures.path()));
             Press(Ok);
             QVERIFY(!m_dialog->IsChosen());
             Open(Picture(name));

@@ -1,7 +1,6 @@
 #include "data/lighting_database.h"
 
 #include <QLoggingCategory>
-#include <QRegularExpression>
 #include <new>
 #include <utility>
 
@@ -34,18 +33,22 @@ void Trace(bool isOpen, const CString& diagnostic, const ProviderFailure& failur
     }
 }
 
-// The query for the IDs of the rows that an insert has made, the newest first, with the same placeholders.
+// The query for the IDs of the rows that an insert has made, the newest first, with the same placeholders. An
+// insert reads "insert into TABLE (COLUMNS) values (VALUES)".
 CString SearchOfInsert(QStringView insert) {
-    static const QRegularExpression parts(u"^insert into (\\S+) \\(([^)]*)\\)\\s*values \\(([^)]*)\\)"_s);
-    const auto match = parts.match(insert.toString());
-    const QStringList columns = match.captured(2).split(u',');
-    const QStringList values = match.captured(3).split(u',');
-    QStringList conditions;
+    const QStringView target = insert.sliced(QStringView(u"insert into ").size());
+    const auto columns = target.first(target.indexOf(u')')).sliced(target.indexOf(u'(') + 1).split(u',');
+    const auto values =
+        target.first(target.lastIndexOf(u')')).sliced(target.lastIndexOf(u'(') + 1).split(u',');
+    CString search = u"select ID from "_s;
+    search += target.first(target.indexOf(u' '));
     for (qsizetype column = 0; column < columns.size(); ++column) {
-        conditions += columns[column].trimmed() + u'=' + values[column].trimmed();
+        search += column == 0 ? u" where "_s : u" and "_s;
+        search += columns[column].trimmed();
+        search += u'=';
+        search += values[column].trimmed();
     }
-    return u"select ID from %1 where %2 order by ID desc"_s.arg(match.captured(1),
-                                                                conditions.join(u" and "_s));
+    return search + u" order by ID desc"_s;
 }
 
 }  // namespace
@@ -57,16 +60,19 @@ bool CLightingDatabase::Connect() {
     if (m_connection != nullptr) {
         return true;
     }
-    const CString path = GetDatabasePath();
-    if (path.isEmpty()) {
-        return false;
-    }
-    const CString connectionString = u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source = "_s + path + u';';
-    return Try(u"连接数据库失败!"_s, [&] {
-        const std::shared_ptr<Connection> connection = m_factory(connectionString);
-        connection->Open(connectionString, CString(), CString(), kUnspecifiedOptions);
-        m_connection = connection;
-    });
+    return Try(u"连接数据库失败!"_s,
+               [&] {
+                   const CString path = GetDatabasePath();
+                   if (path.isEmpty()) {
+                       return;
+                   }
+                   const CString connectionString =
+                       u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source = "_s + path + u';';
+                   const std::shared_ptr<Connection> connection = m_factory(connectionString);
+                   connection->Open(connectionString, CString(), CString(), kUnspecifiedOptions);
+                   m_connection = connection;
+               }) &&
+           m_connection != nullptr;
 }
 
 bool CLightingDatabase::Disconnect() {
@@ -150,7 +156,8 @@ bool CLightingDatabase::Insert(QStringView insert, Arguments arguments, QStringV
         return true;
     }
     // Any other failure of the insert tells that nothing was written.
-    if (isInserted || m_lastFailure.kind == FailureKind::Other) {
+    if (isInserted || m_lastFailure.kind == FailureKind::Other ||
+        m_lastFailure.kind == FailureKind::OutOfMemory) {
         const ProviderFailure reason = m_lastFailure;
         Try(u"Insert"_s, [&] { m_lostInserts.insert(FormatStatement(insert, arguments)); });
         m_lastFailure = reason;

@@ -26,10 +26,15 @@ namespace {
 
 class UnixFile : public File {
 public:
-    UnixFile(int descriptor, QString path) : m_descriptor(descriptor), m_path(std::move(path)) {}
+    explicit UnixFile(QString path) : m_path(std::move(path)) {}
     UnixFile(const UnixFile&) = delete;
     UnixFile& operator=(const UnixFile&) = delete;
     ~UnixFile() override { ::close(m_descriptor); }
+
+    bool Open(int flags) {
+        m_descriptor = ::open(QFile::encodeName(m_path).constData(), flags, 0666);
+        return m_descriptor >= 0;
+    }
 
     FileStamp Stamp() const override {
         struct stat open {};
@@ -81,7 +86,7 @@ public:
     bool Lock() override { return ::flock(m_descriptor, LOCK_EX | LOCK_NB) == 0; }
 
 private:
-    int m_descriptor;
+    int m_descriptor = -1;
     QString m_path;
 };
 
@@ -91,11 +96,12 @@ public:
         int flags = O_CLOEXEC;
         flags |= mode == Mode::Read ? O_RDONLY : O_RDWR;
         flags |= mode == Mode::CreateNew ? O_CREAT | O_EXCL : 0;
-        const int descriptor = ::open(QFile::encodeName(path).constData(), flags, 0666);
-        if (descriptor < 0) {
+        // Nothing may fail once the file has been made.
+        auto file = std::make_unique<UnixFile>(path);
+        if (!file->Open(flags)) {
             ThrowFailure(mode == Mode::CreateNew ? QStringLiteral("made") : QStringLiteral("opened"), path);
         }
-        return std::make_unique<UnixFile>(descriptor, path);
+        return file;
     }
 
     bool Exists(const QString& path) override {

@@ -38,7 +38,7 @@ quint64 Joined(DWORD high, DWORD low) {
 
 class Handle {
 public:
-    explicit Handle(HANDLE handle) : m_handle(handle) {}
+    explicit Handle(HANDLE handle = INVALID_HANDLE_VALUE) : m_handle(handle) {}
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
     ~Handle() {
@@ -48,6 +48,8 @@ public:
     }
     bool IsOpen() const { return m_handle != INVALID_HANDLE_VALUE; }
     HANDLE Get() const { return m_handle; }
+    // Of one that is not open.
+    void Take(HANDLE handle) { m_handle = handle; }
 
 private:
     HANDLE m_handle;
@@ -67,7 +69,13 @@ quint64 Identity(const QString& path) {
 
 class WindowsFile : public File {
 public:
-    WindowsFile(HANDLE handle, QString path) : m_handle(handle), m_path(std::move(path)) {}
+    explicit WindowsFile(QString path) : m_path(std::move(path)) {}
+
+    bool Open(DWORD access, DWORD share, DWORD disposition) {
+        m_handle.Take(::CreateFileW(NativeName(m_path).c_str(), access, share, nullptr, disposition,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr));
+        return m_handle.IsOpen();
+    }
 
     FileStamp Stamp() const override {
         BY_HANDLE_FILE_INFORMATION info{};
@@ -158,13 +166,12 @@ public:
         const DWORD share = mode == Mode::Read        ? kShareAll
                             : mode == Mode::ReadWrite ? FILE_SHARE_READ
                                                       : FILE_SHARE_READ | FILE_SHARE_DELETE;
-        const HANDLE handle = ::CreateFileW(NativeName(path).c_str(), access, share, nullptr,
-                                            mode == Mode::CreateNew ? CREATE_NEW : OPEN_EXISTING,
-                                            FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (handle == INVALID_HANDLE_VALUE) {
+        // Nothing may fail once the file has been made.
+        auto file = std::make_unique<WindowsFile>(path);
+        if (!file->Open(access, share, mode == Mode::CreateNew ? CREATE_NEW : OPEN_EXISTING)) {
             ThrowFailure(mode == Mode::CreateNew ? QStringLiteral("made") : QStringLiteral("opened"), path);
         }
-        return std::make_unique<WindowsFile>(handle, path);
+        return file;
     }
 
     bool Exists(const QString& path) override {

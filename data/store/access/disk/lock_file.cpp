@@ -72,7 +72,7 @@ LockFile::LockFile(FileSystem& files, const QString& databasePath)
 LockFile::~LockFile() {
     try {
         m_files->Remove(m_path);
-    } catch (const AccessError&) {
+    } catch (const std::exception&) {
         // A lock file that stays is taken over at the next opening.
     }
 }

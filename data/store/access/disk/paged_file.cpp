@@ -1,6 +1,8 @@
 #include "data/store/access/disk/paged_file.h"
 
 #include <QDateTime>
+#include <exception>
+#include <new>
 #include <utility>
 
 namespace quorvane::access {
@@ -44,7 +46,7 @@ PagedFile::~PagedFile() {
     try {
         Rollback();
         EndSubmit();
-    } catch (const AccessError&) {
+    } catch (const std::exception&) {
         // The log stays, and the next opening goes on with it.
     }
 }
@@ -146,18 +148,24 @@ void PagedFile::Commit() {
             changes.push_back(std::move(change));
         }
     }
+    // Nothing may fail once the statement is in the log.
+    std::map<PageNumber, Pending> added;
+    for (const PageChange& change : changes) {
+        if (change.first) {
+            const auto base =
+                change.before != nullptr ? FingerprintSectors(*change.before) : SectorFingerprints{};
+            added[change.page] = {.content = nullptr, .base = base};
+        }
+    }
     if (!changes.empty()) {
         if (m_log == nullptr) {
             m_log = std::make_unique<RedoLog>(*m_files, LogPath(m_path), PresentState());
         }
         m_log->AppendStatement(changes, m_count);
     }
+    m_pending.merge(added);
     for (const PageChange& change : changes) {
-        Pending& pending = m_pending[change.page];
-        if (change.first && change.before != nullptr) {
-            pending.base = FingerprintSectors(*change.before);
-        }
-        pending.content = change.after;
+        m_pending.find(change.page)->second.content = change.after;
     }
     m_inStatement = false;
     m_changed.clear();
@@ -181,10 +189,14 @@ void PagedFile::PutInPlace() {
     m_log->Remove();
     m_log.reset();
     m_writing = false;
-    for (const auto& [page, pending] : m_pending) {
-        m_cache.Put(page, pending.content);
+    const auto written = std::exchange(m_pending, {});
+    try {
+        for (const auto& [page, pending] : written) {
+            m_cache.Put(page, pending.content);
+        }
+    } catch (const std::bad_alloc&) {
+        m_cache.Clear();  // no page may stand there as it was before
     }
-    m_pending.clear();
 }
 
 // New pages first: where the disk has no room for them, the file can still be left as it was.

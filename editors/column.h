@@ -17,6 +17,8 @@ struct Column {
     unsigned format = kCentred;
     // The text that the record shows in this column.
     std::function<CString(const Record&)> show = {};
+    // The number that it shows, for a column of numbers. Rows are sorted and filtered by it.
+    std::function<double(const Record&)> number = {};
     // Takes what the user typed or chose into the record. Never writes a cell: a cell that then shows the
     // record differently is rewritten by the grid. None: the cell takes no text.
     std::function<void(const CString& text, Record&)> take = {};
@@ -30,6 +32,8 @@ struct Column {
     std::function<GridTip(const Record&)> tip = {};
     // Whether this cell must be shown again after another cell of the row has been edited.
     bool dependsOnRecord = false;
+    // Whether the rows can be sorted, filtered and searched by what the column shows.
+    bool holdsText = true;
 };
 
 // The row numbers, which every grid has in column 0.
@@ -57,6 +61,7 @@ Column<Record> RealColumn(const char16_t* heading, const char16_t* help, double 
             .help = help,
             .share = share,
             .show = [field](const Record& record) { return FormatReal(record.*field); },
+            .number = [field](const Record& record) { return record.*field; },
             .take = [field](const CString& text,
                             Record& record) { record.*field = TypedReal(text, record.*field); },
             .accepts = [](const CString& text) { return CheckReal(text).has_value(); }};
@@ -69,6 +74,7 @@ Column<Record> IntegerColumn(const char16_t* heading, const char16_t* help, doub
             .help = help,
             .share = share,
             .show = [field](const Record& record) { return FormatInteger(record.*field); },
+            .number = [field](const Record& record) { return record.*field; },
             .take = [field](const CString& text, Record& record) { record.*field = TypedInteger(text); },
             .accepts = [](const CString& text) { return CheckInteger(text).has_value(); }};
 }

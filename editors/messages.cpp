@@ -97,8 +97,31 @@ bool AskToSubmit(QWidget* parent, const CString& caption) {
     return Ask(parent, caption, u"数据已经修改是否提交?"_s);
 }
 
-bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title) {
-    return Ask(parent, caption, FormatText(u"确定是否删除选中数据:第%d行,%s的全部信息?"_s, {row, title}));
+DeleteAnswer AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title,
+                         bool offersAll) {
+    const CString question = FormatText(u"确定是否删除选中数据:第%d行,%s的全部信息?"_s, {row, title});
+    switch (ShowMessage(parent, question, caption,
+                        offersAll ? MessageButtons::YesNoAll : MessageButtons::YesNo,
+                        MessageIcon::Question)) {
+        case MessageAnswer::Yes:
+            return DeleteAnswer::Yes;
+        case MessageAnswer::YesToAll:
+            return DeleteAnswer::YesToAll;
+        default:
+            return DeleteAnswer::No;
+    }
+}
+
+void TellReplaced(QWidget* parent, const CString& caption, const Replacement& replacement) {
+    if (replacement.refused > 0) {
+        ShowMessage(parent,
+                    FormatText(u"已替换%d格。有%d格不能替换:第%d行“%s”一列不能填入“%s”。"_s,
+                               {replacement.done, replacement.refused, replacement.row, replacement.heading,
+                                replacement.text}),
+                    caption);
+    } else if (replacement.done == 0) {
+        ShowMessage(parent, u"没有可以替换的文字。按拼音首字母找到的文字不能替换。"_s, caption);
+    }
 }
 
 bool AskToPaste(QWidget* parent, const CString& caption, const PasteLoss& loss, bool rowsCome) {

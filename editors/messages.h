@@ -14,8 +14,21 @@ bool AskToSubmit(QWidget* parent, const CString& caption);
 // Before a paste that leaves texts out: how many, and whether the rest is to be pasted. rowsCome: an append
 // row takes what lies below the last row. Asks nothing when nothing is lost after all.
 bool AskToPaste(QWidget* parent, const CString& caption, const PasteLoss& loss, bool rowsCome);
-// Whether the row's record, which `title` names, is to be deleted.
-bool AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title);
+// Whether the row's record, which `title` names, is to be deleted, and perhaps all others that were to
+// follow.
+enum class DeleteAnswer { No, Yes, YesToAll };
+DeleteAnswer AskToDelete(QWidget* parent, const CString& caption, int row, const CString& title,
+                         bool offersAll = false);
+// What a replacement in many cells came to.
+struct Replacement {
+    int done = 0;     // cells
+    int refused = 0;  // cells that do not take their new text
+    int row = 0;      // of the first of these: its number, its column and that text
+    CString heading = {};
+    CString text = {};
+};
+// Tells what was not replaced.
+void TellReplaced(QWidget* parent, const CString& caption, const Replacement& replacement);
 // Tells that something could not be read completely, and why when a name cannot be searched for.
 void TellIncompleteLoad(QWidget* parent, const CString& caption, const ProviderFailure& failure = {});
 // The same from the event loop, for a page that is not shown yet.

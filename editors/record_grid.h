@@ -2,7 +2,8 @@
 //
 // A row finds its record by the record ID that is the item data of column 0. The append row, always the last,
 // has 0 there; its entries are collected in the draft of the records, which becomes a new record once it is
-// not blank any more. Each thing that the user does is one step, which can be undone.
+// not blank any more. The other rows are those of a RowView. Each thing that the user does is one step, which
+// can be undone.
 #pragma once
 
 #include <QScrollBar>
@@ -16,8 +17,8 @@
 #include "editors/messages.h"
 #include "editors/record_marks.h"
 #include "editors/undo_actions.h"
+#include "editors/view/record_arrangement.h"
 #include "grid/cells/btn_data_base.h"
-#include "model/slot_order.h"
 #include "model/working_records.h"
 
 namespace quorvane {
@@ -31,6 +32,7 @@ struct RecordGridRules {
     std::function<bool(const Record&)> isBlank;   // whether nothing has been entered in the append row
     std::function<Record()> makeBlank;            // what a fresh append row holds
     bool marksChanges = true;                     // what differs from the file is marked
+    bool arrangesRows = true;                     // the user can sort, filter and search the rows
     std::function<void()> edited = {};            // is called after each change of the records
     std::function<CString()> slice = {};          // names which of all records are shown; none: all
 };
@@ -43,7 +45,8 @@ public:
         : m_parent(parent),
           m_records(records),
           m_rules(std::move(rules)),
-          m_marks(records, m_rules.columns) {}
+          m_marks(records, m_rules.columns),
+          m_arrangement(records, m_rules.columns) {}
     ~RecordGrid() { m_records.SetListener({}); }
     RecordGrid(const RecordGrid&) = delete;
     RecordGrid& operator=(const RecordGrid&) = delete;
@@ -74,10 +77,13 @@ public:
         m_grid->SetTipSource([this](CCellID cell) { return TipOf(cell); });
         if (m_rules.marksChanges) {
             m_grid->SetMarkSource([this](CCellID cell) {
-                return m_marks.MarksOf(IdAt(cell.row), cell.col, m_records.RemovedBefore(cell.row - 1));
+                return m_marks.MarksOf(IdAt(cell.row), cell.col, RemovedAbove(cell.row));
             });
         }
         AddUndo();
+        if (m_rules.arrangesRows) {
+            m_arrangement.Create(*m_grid, m_parent, m_rules.caption, [this] { ShowRowsInPlace(); });
+        }
         QObject::connect(m_grid, &CGridCtrl::TextTyped, &m_parent, ShowQuoteTip);
         QObject::connect(m_grid, &CGridCtrl::ButtonClicked, &m_parent, [this](int row, int column) {
             Open({row, column});
@@ -109,8 +115,9 @@ public:
 
     // ---- Showing
 
-    // Shows the working records anew, from the first row on, with a fresh append row.
+    // Shows the working records anew, all of them, from the first row on, with a fresh append row.
     void Fill() {
+        m_arrangement.ShowAll();
         m_records.ResetDraft(m_rules.makeBlank());
         ShowRows();
     }
@@ -118,10 +125,10 @@ public:
     void ShowRows() {
         m_ownHeads.clear();
         m_numberedRows = m_records.Count();
-        m_rowNumbers.Reset(m_records.Count());
+        m_arrangement.Arrange();
         m_grid->SetHasAppendRow(m_hasAppendRow);
         m_grid->DeleteNonFixedRows();
-        m_grid->SetRowCount(1 + m_records.Count() + (m_hasAppendRow ? 1 : 0));
+        m_grid->SetRowCount(1 + Rows().Count() + (m_hasAppendRow ? 1 : 0));
         m_grid->Refresh();
     }
     // Like Fill, but keeps the focus and the scroll position, and shows the first unwritten record.
@@ -132,13 +139,10 @@ public:
     }
     // Shows all rows anew, because what they show beside their records has changed.
     void RemakeRows() { m_grid->RemakeRows(); }
-    // Numbers all rows but the append row by their position.
+    // Numbers all rows but the append row.
     void NumberRows() {
         m_ownHeads.clear();
-        m_rowNumbers.Reset(m_records.Count());
-        for (int row = 1; row <= m_records.Count(); ++row) {
-            m_grid->SetItemText(row, 0, FormatInteger(row));
-        }
+        m_grid->RemakeRows();
     }
 
     // ---- Rows and records
@@ -162,7 +166,7 @@ public:
     }
     // Adds a fresh append row, because the present one has become the row of an appended record.
     void AddAppendRow() {
-        m_rowNumbers.Append();
+        m_arrangement.Rows().NoteAppended();
         m_records.SetDraft(m_rules.makeBlank());
         m_grid->InsertRow({});
     }
@@ -170,36 +174,43 @@ public:
     // stored ID before gets the next row number.
     void ShowSaved(int row, int id, bool isWritten) {
         const int oldId = IdAt(row);
-        CString head = m_grid->GetItemText(row, 0);
+        CString head = oldId == 0 ? AppendMarker() : m_ownHeads.take(oldId);
         if (oldId <= 0 && id > 0) {
             head = FormatInteger(++m_numberedRows);
         }
-        m_ownHeads.remove(oldId);
-        m_ownHeads.insert(id, head);
-        ShowRowHead(*m_grid, row, head, id, !isWritten);
+        if (!head.isEmpty()) {
+            m_ownHeads.insert(id, head);
+        }
+        ShowRowHead(*m_grid, row, HeadOf(row, id), id, !isWritten);
         ShowRow(row, *m_records.Find(id));
     }
 
     // ---- Deleting
 
-    // Deletes the selected rows, asking for each. False when nothing was selected or an answer was No.
+    // Deletes the selected rows, asking for each, or once for all that follow the first. False when nothing
+    // was selected or an answer was No.
     bool DeleteSelected() {
-        const std::vector<GridRowRun> selected = m_grid->GetSelectedRows();
-        if (selected.empty()) {
+        if (m_grid->GetSelectedRows().empty()) {
             return false;
         }
         const StepScope step(m_records, {});
         int removed = 0;
-        for (const GridRowRun& run : selected) {
-            const int first = run.first - removed;  // the rows below have moved up
-            for (int row = run.first; row <= run.last; ++row) {
-                const Deletion deletion = DeleteRow(first);
-                if (deletion == Deletion::Refused) {
+        bool asks = true;
+        for (const auto& [row, id] : SelectedRecords()) {
+            if (!asks) {
+                m_records.Remove(id);
+            } else {
+                const DeleteAnswer answer = DeleteRow(row - removed, removed > 0);
+                if (answer == DeleteAnswer::No) {
                     return false;
                 }
-                removed += deletion == Deletion::Done ? 1 : 0;
-                m_records.RenameStep(QStringLiteral("删除 %1 行").arg(removed));
+                asks = answer != DeleteAnswer::YesToAll;
             }
+            ++removed;
+            m_records.RenameStep(QStringLiteral("删除 %1 行").arg(removed));
+        }
+        if (!asks) {
+            ShowRowsInPlace();
         }
         if (removed > 0) {
             m_records.SetModified();
@@ -207,22 +218,27 @@ public:
         m_grid->Refresh();
         return true;
     }
-    // Deletes one row after asking. Leaves the modified flag to the caller.
-    enum class Deletion { Done, Refused, NoRecord };
-    Deletion DeleteRow(int row) {
+    // Deletes one row after asking. Leaves the modified flag to the caller. No also when the row has no
+    // record.
+    DeleteAnswer DeleteRow(int row, bool offersAll = false) {
         const int id = IdAt(row);
         const Record* record = id == 0 ? nullptr : m_records.Find(id);
         if (record == nullptr) {
-            return Deletion::NoRecord;
+            return DeleteAnswer::No;
         }
-        if (!AskToDelete(&m_parent, m_rules.caption, row, m_rules.title(*record))) {
-            return Deletion::Refused;
+        const DeleteAnswer answer =
+            AskToDelete(&m_parent, m_rules.caption, NumberOf(row), m_rules.title(*record), offersAll);
+        if (answer == DeleteAnswer::No) {
+            return answer;
         }
         const StepScope step(m_records, QStringLiteral("删除 1 行"));
         m_records.Remove(id);
-        m_rowNumbers.Empty(m_rowNumbers.SlotAt(row - 1));
+        Rows().NoteRemoved(row - 1);
+        m_numberedRows -= m_ownHeads.take(id) == AppendMarker() ? 0 : 1;
+        m_ownHeads.removeIf([](const auto& head) { return head.value() != AppendMarker(); });
         m_grid->DeleteRow(row);
-        return Deletion::Done;
+        m_grid->RemakeRows();  // the rows below have other numbers now
+        return answer;
     }
 
     // ---- Undo and redo
@@ -265,11 +281,11 @@ private:
 
     // Fills the cells of a row, which the grid calls for when the row is first shown or touched.
     void MakeRow(int row) {
-        const bool isAppendRow = row > m_records.Count();
-        const Record& record = isAppendRow ? m_records.Draft() : m_records.At(row - 1);
-        const CString head =
-            isAppendRow ? AppendMarker() : m_ownHeads.value(record.ID, FormatInteger(NumberOf(row)));
-        ShowRowHead(*m_grid, row, head, isAppendRow ? 0 : record.ID, m_records.IsUnwritten(record.ID));
+        const bool isAppendRow = row > Rows().Count();
+        const Record& record = isAppendRow ? m_records.Draft() : Rows().At(row - 1);
+        const int id = isAppendRow ? 0 : record.ID;
+        ShowRowHead(*m_grid, row, isAppendRow ? AppendMarker() : HeadOf(row, id), id,
+                    m_records.IsUnwritten(id));
         ShowRow(row, record);
     }
     void ShowRow(int row, const Record& record) {
@@ -295,13 +311,28 @@ private:
         }
         GridTip tip = column.tip ? column.tip(RecordAt(cell.row)) : GridTip{};
         if (m_rules.marksChanges) {
-            const int removedAbove = m_records.RemovedBefore(cell.row - 1);
-            tip.text = JoinLines({tip.text, m_marks.TipOf(IdAt(cell.row), cell.col, removedAbove)});
+            const CString changes = m_marks.TipOf(IdAt(cell.row), cell.col, RemovedAbove(cell.row));
+            tip.text = JoinLines({tip.text, changes});
         }
         return tip;
     }
-    // The number that the row got when the grid was filled.
-    int NumberOf(int row) const { return m_rowNumbers.SlotAt(row - 1) + 1; }
+    RowView<Record>& Rows() { return m_arrangement.Rows(); }
+    const RowView<Record>& Rows() const { return m_arrangement.Rows(); }
+    // A record has the same number wherever it is shown.
+    int NumberOf(int row) const { return m_records.PositionOf(Rows().SlotAt(row - 1)) + 1; }
+    CString HeadOf(int row, int id) const { return m_ownHeads.value(id, FormatInteger(NumberOf(row))); }
+    // How many records were removed between the row and the one above it.
+    int RemovedAbove(int row) const { return Rows().IsWhole() ? m_records.RemovedBefore(row - 1) : 0; }
+    // The rows with records in which a cell is selected, and the IDs of the records.
+    std::vector<std::pair<int, int>> SelectedRecords() const {
+        std::vector<std::pair<int, int>> selected;
+        for (const GridRowRun& run : m_grid->GetSelectedRows()) {
+            for (int row = run.first; row <= std::min(run.last, Rows().Count()); ++row) {
+                selected.emplace_back(row, Rows().At(row - 1).ID);
+            }
+        }
+        return selected;
+    }
 
     void Open(CCellID cell) {
         if (At(cell.col).open) {
@@ -374,6 +405,7 @@ private:
         });
         m_records.SetListener([this] {
             m_undo.Update();
+            m_arrangement.NoteChange();
             m_grid->Refresh();  // for the marks
             if (m_rules.edited) {
                 m_rules.edited();
@@ -392,14 +424,19 @@ private:
             return change.other &&
                    (change.slot == Records::kDraft || m_records.Find(change.other->ID) != nullptr);
         });
+        const auto& first = changes.front();
+        const bool isDraft = first.slot == Records::kDraft;
         if (isReplaced) {
             m_grid->RemakeRows();
         } else {
             ShowRowsInPlace();
         }
-        const auto& first = changes.front();
-        const bool isDraft = first.slot == Records::kDraft;
-        const int row = 1 + (isDraft ? m_records.Count() : m_records.PositionOf(first.slot));
+        const bool exists = !first.other || m_records.Find(first.other->ID) != nullptr;
+        if (!isDraft && exists && Rows().RowOf(first.slot) < 0) {
+            m_arrangement.ShowAll();  // a filter hides it
+            ShowRowsInPlace();
+        }
+        const int row = 1 + (isDraft ? Rows().Count() : Rows().RowOf(first.slot));
         int column = std::max(1, m_grid->GetFocusCell().col);
         if (isReplaced) {
             const Record now = RecordAt(row);
@@ -409,7 +446,7 @@ private:
                 }
             }
         }
-        if (row < m_grid->GetRowCount()) {
+        if (row > 0 && row < m_grid->GetRowCount()) {
             m_grid->SetFocusCell({row, column});
         }
     }
@@ -421,8 +458,8 @@ private:
             return;
         }
         m_records.SetModified();
-        for (int row = 1; row <= m_records.Count(); ++row) {
-            if (m_records.IsUnwritten(m_records.At(row - 1).ID)) {
+        for (int row = 1; row <= Rows().Count(); ++row) {
+            if (m_records.IsUnwritten(Rows().At(row - 1).ID)) {
                 m_grid->EnsureVisible(row, 0);
                 return;
             }
@@ -436,12 +473,12 @@ private:
     Records& m_records;
     RecordGridRules<Record> m_rules;
     RecordMarks<Record> m_marks;
+    RecordArrangement<Record> m_arrangement;
     UndoActions m_undo;
     CBtnDataBase m_buttons;
     CGridCtrl* m_grid = nullptr;  // child of m_parent
     bool m_hasAppendRow = true;
-    SlotOrder m_rowNumbers;          // the rows since the grid was filled; deleted ones leave gaps
-    QHash<int, CString> m_ownHeads;  // by record ID: the row heads that are not such a number
+    QHash<int, CString> m_ownHeads;  // by record ID: the row heads that are not the record's number
     int m_numberedRows = 0;
 };
 

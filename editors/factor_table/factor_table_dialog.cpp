@@ -13,6 +13,8 @@
 #include "editors/factor_table/factor_table_grid.h"
 #include "editors/grid_output.h"
 #include "editors/messages.h"
+#include "editors/view/foot_bar.h"
+#include "editors/view/grid_finder.h"
 #include "widgets/dialog_template.h"
 #include "widgets/guide_window.h"
 #include "widgets/image_button.h"
@@ -78,6 +80,7 @@ CCoefficientTableDlg::CCoefficientTableDlg(CLightingDatabase& database, int lumi
     m_grid->SetPasteQuestion(
         [this](const PasteLoss& loss) { return AskToPaste(MessageParent(), {}, loss, false); });
     connect(m_grid, &CGridCtrl::EndLabelEdit, this, &CCoefficientTableDlg::OnFactorEdited);
+    AddFinding();
     AddUndo();
     AddView();
     AddOutputCommands(*m_grid, [this] { return windowTitle(); });
@@ -252,6 +255,30 @@ void CCoefficientTableDlg::OnClear() {
     }
 }
 
+// ---- Finding
+
+void CCoefficientTableDlg::AddFinding() {
+    const auto matches = [this](CCellID cell, const TextMatcher& matcher) {
+        return matcher.Matches(m_grid->GetItemText(cell.row, cell.col));
+    };
+    m_finder = new GridFinder(*m_grid, *new GridFoot(*m_grid),
+                              {.find =
+                                   [this, matches](const TextMatcher& matcher) {
+                                       std::vector<CCellID> found;
+                                       for (int row = FactorTableGrid::kFirstRow; row < m_grid->GetRowCount();
+                                            ++row) {
+                                           for (int column = FactorTableGrid::kFirstColumn;
+                                                column < m_grid->GetColumnCount(); ++column) {
+                                               if (matches({row, column}, matcher)) {
+                                                   found.push_back({row, column});
+                                               }
+                                           }
+                                       }
+                                       return found;
+                                   },
+                               .matches = matches});
+}
+
 // ---- Undo and redo
 
 void CCoefficientTableDlg::AddUndo() {
@@ -268,6 +295,7 @@ void CCoefficientTableDlg::AddUndo() {
     m_editing.SetListener([this] {
         m_undo.Update();
         m_view.Update();
+        m_finder->NoteChange();
         m_grid->Refresh();  // for the marks
         Q_EMIT EditsChanged();
     });

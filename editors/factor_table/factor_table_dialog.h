@@ -17,6 +17,7 @@ class QLayout;
 namespace quorvane {
 
 class FactorTableGrid;
+class GridFinder;
 
 class CCoefficientTableDlg : public QDialog {
     Q_OBJECT
@@ -63,6 +64,7 @@ private:
     void OnFactorEdited(int row, int column);
     void OnSubmit();
     void OnClear();
+    void AddFinding();
     void AddUndo();
     void AddView();
     // Shows the table after an undo or redo, which gave the place of the first changed factor.
@@ -83,6 +85,7 @@ private:
     FactorTableEditing m_editing;
     FactorTableTree* m_tree = nullptr;
     FactorTableGrid* m_grid = nullptr;
+    GridFinder* m_finder = nullptr;
     UndoActions m_undo;
     FactorView m_view;
     bool m_isFactorRefused = false;

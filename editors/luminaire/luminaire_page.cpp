@@ -221,7 +221,8 @@ std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
          .share = 0.11,
          .show = [](const Record&) { return CString(); },
          .setup = ButtonSetup(u"利用系数表"_s),
-         .open = [this](CCellID cell) { OpenFactorTable(cell.row); }},
+         .open = [this](CCellID cell) { OpenFactorTable(cell.row); },
+         .holdsText = false},
     };
 }
 

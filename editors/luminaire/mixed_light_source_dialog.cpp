@@ -97,7 +97,8 @@ RecordGridRules<tagMIXLUMINAIREINFO> CMixLuminaireSettingDlg::Rules() {
             .title = [](const Record& entry) { return entry.LightSource; },
             .isBlank = [](const Record& entry) { return entry == Record{}; },
             .makeBlank = [] { return Record{}; },
-            .marksChanges = false};
+            .marksChanges = false,
+            .arrangesRows = false};
 }
 
 CString CMixLuminaireSettingDlg::GetLightSources() const {
@@ -172,8 +173,7 @@ void CMixLuminaireSettingDlg::TellIncompleteOnce(QWidget* parent) {
 void CMixLuminaireSettingDlg::DeleteSelected() {
     m_grid.EndEditing();
     const CCellRange selected = m_grid.Control().GetSelectedCellRange();
-    if (m_grid.Control().IsValid(selected) &&
-        m_grid.DeleteRow(selected.minRow) == RecordGrid<tagMIXLUMINAIREINFO>::Deletion::Done) {
+    if (m_grid.Control().IsValid(selected) && m_grid.DeleteRow(selected.minRow) == DeleteAnswer::Yes) {
         m_grid.NumberRows();
     }
 }

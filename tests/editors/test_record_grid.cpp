@@ -1,5 +1,8 @@
+#include <QLabel>
+#include <QLineEdit>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QToolButton>
 
 #include "editors/record_grid.h"
 #include "tests/support/shown_page.h"
@@ -67,6 +70,13 @@ struct Fixture : WorkedGrid {
         }
         return shown.DeleteSelected();
     }
+    QString Heads() const {
+        QStringList heads;
+        for (const QString& row : Rows()) {
+            heads += row.section(u'|', 0, 0);
+        }
+        return heads.join(u' ');
+    }
     QColor HeadColour(int row) const { return grid->Cell(row, Number)->GetBackColour(); }
 
     QWidget window;
@@ -74,8 +84,8 @@ struct Fixture : WorkedGrid {
     RecordGrid<Item> shown;
 };
 
-QString Question(int row, const QString& name) {
-    return u"物品|确定是否删除选中数据:第%1行,%2的全部信息?|是/否"_s.arg(row).arg(name);
+QString Question(int row, const QString& name, const QString& buttons = u"是/否/全部是"_s) {
+    return u"物品|确定是否删除选中数据:第%1行,%2的全部信息?|%3"_s.arg(row).arg(name, buttons);
 }
 
 }  // namespace
@@ -134,24 +144,13 @@ private Q_SLOTS:
         Fixture fixture(5);
         QVERIFY(fixture.DeleteSelected(6, 6, {}));  // the append row
         QVERIFY(!fixture.DeleteSelected(2, 4, {u"是"_s, u"否"_s}));
-        QCOMPARE(fixture.answers.TakeSeen(), QStringList({Question(2, u"a2"_s), Question(2, u"a3"_s)}));
+        QCOMPARE(fixture.answers.TakeSeen(),
+                 QStringList({Question(2, u"a2"_s, u"是/否"_s), Question(2, u"a3"_s)}));
         QVERIFY(!fixture.records.IsModified());
-        QCOMPARE(fixture.Rows().mid(1, 2), QStringList({u"3|a3|0|a30"_s, u"4|a4|0|a40"_s}));
+        QCOMPARE(fixture.Rows().mid(1, 2), QStringList({u"2|a3|0|a30"_s, u"3|a4|0|a40"_s}));
         QVERIFY(fixture.DeleteSelected(3, 5, {u"是"_s, u"是"_s}));  // the append row as well
         QVERIFY(fixture.records.IsModified());
-        QCOMPARE(fixture.Rows(), QStringList({u"1|a1|0|a10"_s, u"3|a3|0|a30"_s, u"追加||7|7"_s}));
-        fixture.shown.NumberRows();
         QCOMPARE(fixture.Rows(), QStringList({u"1|a1|0|a10"_s, u"2|a3|0|a30"_s, u"追加||7|7"_s}));
-    }
-
-    void RowsThatCtrlLeftOutStay() {
-        Fixture fixture(6);
-        fixture.Click(2, Name);
-        fixture.Click(5, Name, Qt::ControlModifier);
-        fixture.answers.Plan(u"是"_s);
-        fixture.answers.Plan(u"是"_s);
-        QVERIFY(fixture.shown.DeleteSelected());
-        QCOMPARE(fixture.answers.TakeSeen(), QStringList({Question(2, u"a2"_s), Question(4, u"a5"_s)}));
     }
 
     void ColumnsStayAsTheUserLeftThem() {
@@ -167,51 +166,112 @@ private Q_SLOTS:
         QCOMPARE(after.grid->GetColumnWidth(Name), width + 20);
     }
 
-    // Rows are made when they are first shown, and keep the numbers that they had when the grid was filled.
-    void ManyRowsKeepTheirNumbers() {
-        Fixture fixture(900);
-        fixture.DeleteSelected(2, 2, {u"是"_s});
-        QCOMPARE(fixture.Row(800), u"801|a801|0|a8010"_s);
-        fixture.shown.Refresh();
-        QCOMPARE(fixture.Row(800), u"800|a801|0|a8010"_s);
+    // Rows that Ctrl left out stay, and "all" asks no more.
+    void OneAnswerDeletesAllSelectedRows() {
+        Fixture fixture(8);
+        fixture.Click(2, Name);
+        fixture.Click(3, Name, Qt::ShiftModifier);
+        for (const int row : {5, 7, 8, 9}) {
+            fixture.Click(row, Name, Qt::ControlModifier);
+        }
+        for (const QString& reply : {u"是"_s, u"是"_s, u"全部是"_s}) {
+            fixture.answers.Plan(reply);
+        }
+        QVERIFY(fixture.shown.DeleteSelected());
+        QCOMPARE(fixture.answers.TakeSeen(),
+                 QStringList({Question(2, u"a2"_s, u"是/否"_s), Question(2, u"a3"_s), Question(3, u"a5"_s)}));
+        QCOMPARE(fixture.Rows(),
+                 QStringList({u"1|a1|0|a10"_s, u"2|a4|0|a40"_s, u"3|a6|0|a60"_s, u"追加||7|7"_s}));
+        QVERIFY(fixture.records.IsModified());
     }
 
-    void StepsAreUndoneAndMarksGo() {
-        Fixture fixture(4);
-        const QStringList loaded = fixture.Rows();
-        fixture.Type(2, Count, u"5"_s);
-        fixture.Type(5, Count, u"9"_s);  // stays the append row
-        fixture.Type(5, Name, u"b"_s);
-        QVERIFY(fixture.DeleteSelected(3, 4, {u"是"_s, u"是"_s}));
-        const QStringList edited = fixture.Rows();
-        const auto marks = [&fixture] {
-            QStringList texts;
-            for (int row = 1; row < fixture.grid->GetRowCount(); ++row) {
-                for (const int column : {Number, Count}) {
-                    texts += QString::number(fixture.grid->MarksOf({row, column}));
-                }
-            }
-            return texts.join(u' ');
+    // The arrow of a heading sorts, turns round and restores; the records keep their order and their numbers.
+    void AHeadingSortsTheRows() {
+        Fixture fixture;
+        fixture.records.TakeLoaded({{1, u"直管"_s, 10}, {2, u"LED"_s, 9}, {3, u"钠灯"_s, 9}});
+        fixture.shown.Fill();
+        const auto press = [&](int column) {
+            const QRect heading = fixture.grid->CellRect(0, column);
+            QTest::mouseClick(fixture.grid->viewport(), Qt::LeftButton, {},
+                              {heading.right() - 5, heading.center().y()});
+            return fixture.Rows().join(u' ');
         };
-        QCOMPARE(marks(), u"0 0 1 1 6 0 0 0"_s);  // changed; new and below deleted rows
-        QCOMPARE(fixture.grid->TipOf({2, Count}).text, u"文件中的值: 0"_s);
-        QCOMPARE(fixture.grid->TipOf({3, Number}).text, u"新行,尚未提交。\n上方已删除2行,尚未提交。"_s);
-        QStringList names;
-        fixture.Activate();
-        for (int step = 0; step < 4; ++step) {
-            names += *fixture.records.UndoName();
-            QTest::keyClick(fixture.grid, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(press(Name), u"3|钠灯|9|钠灯9 1|直管|10|直管10 2|LED|9|LED9 追加||7|7"_s);
+        QCOMPARE(press(Count), u"2|LED|9|LED9 3|钠灯|9|钠灯9 1|直管|10|直管10 追加||7|7"_s);
+        // An edited and an appended row stay where they are until the rows are sorted again.
+        fixture.Type(1, Count, u"99"_s);
+        fixture.Type(4, Name, u"new"_s);
+        QCOMPARE(fixture.Rows().join(u' '),
+                 u"2|LED|99|LED99 3|钠灯|9|钠灯9 1|直管|10|直管10 追加|new|7|new7 追加||7|7"_s);
+        fixture.answers.Plan(u"是"_s);
+        fixture.Click(2, Name);
+        QVERIFY(fixture.shown.DeleteSelected());
+        QCOMPARE(fixture.answers.TakeSeen(), QStringList(Question(3, u"钠灯"_s, u"是/否"_s)));
+        QCOMPARE(press(Count), u"2|LED|99|LED99 1|直管|10|直管10 3|new|7|new7 追加||7|7"_s);
+        QCOMPARE(fixture.records.At(0).ID, 1);
+        fixture.shown.Undo();
+        QCOMPARE(press(Count), u"1|直管|10|直管10 2|LED|99|LED99 3|钠灯|9|钠灯9 4|new|7|new7 追加||7|7"_s);
+    }
+
+    void AFilterHidesRowsButNoUnwrittenOnes() {
+        Fixture fixture(12);
+        fixture.records.Replace({3, u"a3"_s, 5});
+        fixture.records.Replace({4, u"a4"_s, 0});
+        fixture.Submit(3);
+        fixture.shown.Refresh();
+        fixture.Click(1, Name);
+        QTest::keyClick(fixture.grid, Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+        QTest::keyClicks(QApplication::focusWidget(), u"A1"_s);
+        QCOMPARE(fixture.Heads(), u"1 3 10 11 12 追加"_s);
+        QCOMPARE(fixture.window.findChild<QLabel*>(u"filterCount"_s)->text(), u"显示 5 行,共 12 行"_s);
+        fixture.Type(6, Name, u"b"_s);
+        QCOMPARE(fixture.Heads(), u"1 3 10 11 12 追加 追加"_s);
+        fixture.Submit();
+        fixture.shown.Refresh();
+        QCOMPARE(fixture.Heads(), u"1 10 11 12 追加"_s);
+        QCOMPARE(fixture.records.Count(), 13);
+        fixture.Click(1, Count);
+        QTest::keyClick(fixture.grid, Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+        QTest::keyClicks(QApplication::focusWidget(), u"1"_s);
+        QCOMPARE(fixture.Heads(), u"追加"_s);
+        fixture.shown.Fill();
+        QCOMPARE(fixture.grid->GetRowCount(), 15);
+    }
+
+    // Ctrl+F, the next and the previous one, Esc; then Ctrl+H, which takes as typing does.
+    void FindsAndReplaces() {
+        Fixture fixture;
+        fixture.records.TakeLoaded({{1, u"荧光灯"_s, 16}, {2, u"T8"_s, 8}, {3, u"YG型"_s, 18}});
+        fixture.shown.Fill();
+        const auto focus = [&] { return fixture.grid->GetFocusCell(); };
+        const auto count = [&] { return fixture.window.findChild<QLabel*>(u"findCount"_s)->text(); };
+        fixture.Click(1, Name);
+        QTest::keyClick(fixture.grid, Qt::Key_F, Qt::ControlModifier);
+        QWidget* field = QApplication::focusWidget();
+        QTest::keyClicks(field, u"yg"_s);
+        QCOMPARE(focus(), (CCellID{1, Name}));
+        QCOMPARE(count(), u"第 1 个,共 4 个"_s);  // the labels show the names too
+        QTest::keyClick(field, Qt::Key_Return, Qt::ShiftModifier);
+        QCOMPARE(focus(), (CCellID{3, Label}));
+        QTest::keyClick(field, Qt::Key_Return);
+        QTest::keyClick(field, Qt::Key_F3);
+        QCOMPARE(count(), u"第 2 个,共 4 个"_s);
+        QTest::keyClick(field, Qt::Key_Escape);
+        QVERIFY(!field->isVisible());
+        QTest::keyClick(fixture.grid, Qt::Key_H, Qt::ControlModifier);
+        QTest::keyClicks(QApplication::focusWidget(), u"8"_s);
+        auto* replacement = fixture.window.findChild<QLineEdit*>(u"replacementText"_s);
+        QTest::keyClicks(replacement, u"x"_s);
+        for (QToolButton* button : fixture.window.findChildren<QToolButton*>()) {
+            if (button->text() == u"全部替换") {
+                QTest::mouseClick(button, Qt::LeftButton);
+            }
         }
-        QCOMPARE(names.join(u','), u"删除 2 行,输入 name,输入 count,输入 count"_s);
-        QCOMPARE(fixture.Rows(), loaded);
-        QCOMPARE(fixture.grid->GetFocusCell(), (CCellID{2, Count}));
-        QVERIFY(!fixture.records.IsModified() && fixture.records.EditCount() == 0);
-        QCOMPARE(marks().remove(u"0"_s).trimmed(), QString());
-        for (int step = 0; step < 4; ++step) {
-            QTest::keyClick(fixture.grid, Qt::Key_Y, Qt::ControlModifier);
-        }
-        QCOMPARE(fixture.Rows(), QStringList(edited).replaceInStrings(u"追加|b"_s, u"3|b"_s));
-        QVERIFY(fixture.records.IsModified() && fixture.records.RemovedCount() == 2);
+        QCOMPARE(fixture.answers.TakeSeen().value(0),
+                 u"物品|已替换1格。有4格不能替换:第2行“count”一列不能填入“x”。|确定|unplanned"_s);
+        QCOMPARE(fixture.Rows().join(u' '), u"1|荧光灯|16|荧光灯16 2|Tx|8|Tx8 3|YG型|18|YG型18 追加||7|7"_s);
+        fixture.shown.Undo();
+        QCOMPARE(fixture.Row(2), u"2|T8|8|T88"_s);
     }
 
     void UnwrittenRecordsArePointedOut() {

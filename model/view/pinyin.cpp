@@ -1,10 +1,10 @@
 #include "model/view/pinyin.h"
 
-#include <QCollator>
-#include <QLocale>
-#include <algorithm>
 #include <array>
 #include <string_view>
+#include <vector>
+
+#include "model/view/pinyin_order.h"
 
 namespace quorvane {
 namespace {
@@ -18,14 +18,18 @@ constexpr std::u16string_view kFirstOfInitial = u"阿八嚓咑妸发旮哈丌咔
 static_assert(kInitials.size() == kFirstOfInitial.size());
 
 char16_t Lookup(char16_t character) {
-    static const QCollator collator(QLocale(QLocale::Chinese, QLocale::China));
-    const auto isBefore = [](char16_t left, char16_t right) {
-        return collator.compare(QStringView(&left, 1), QStringView(&right, 1)) < 0;
-    };
-    const auto next = std::upper_bound(kFirstOfInitial.begin(), kFirstOfInitial.end(), character, isBefore);
-    return next == kFirstOfInitial.begin()
-               ? character
-               : kInitials[static_cast<std::size_t>(next - kFirstOfInitial.begin()) - 1];
+    std::vector<CString> texts;
+    for (const char16_t first : kFirstOfInitial) {
+        texts.emplace_back(QChar(first));
+    }
+    texts.emplace_back(QChar(character));
+    const auto count = static_cast<int>(kInitials.size());
+    const IndexLess less = PinyinOrder(texts);
+    int initials = 0;  // that begin with the character or before it
+    while (initials < count && !less(count, initials)) {
+        ++initials;
+    }
+    return initials == 0 ? character : kInitials[static_cast<std::size_t>(initials) - 1];
 }
 
 }  // namespace

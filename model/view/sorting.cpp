@@ -1,21 +1,21 @@
 #include "model/view/sorting.h"
 
-#include <QCollator>
-#include <QLocale>
 #include <algorithm>
 #include <compare>
 #include <numeric>
+
+#include "model/view/pinyin_order.h"
 
 namespace quorvane {
 namespace {
 
 // less(left, right) tells whether one index comes before another one.
 template <typename Less>
-std::vector<int> Sorted(std::size_t count, SortDirection direction, Less less) {
+std::vector<int> Sorted(std::size_t count, SortDirection direction, const Less& less) {
     std::vector<int> order(count);
     std::iota(order.begin(), order.end(), 0);
     const bool isAscending = direction == SortDirection::Ascending;
-    std::stable_sort(order.begin(), order.end(), [isAscending, less](int left, int right) {
+    std::stable_sort(order.begin(), order.end(), [isAscending, &less](int left, int right) {
         return isAscending ? less(left, right) : less(right, left);
     });
     return order;
@@ -34,16 +34,8 @@ std::vector<int> SortedByNumber(const std::vector<double>& values, SortDirection
     });
 }
 
-// A key costs as much as looking up whether the same text has one already.
 std::vector<int> SortedByText(const std::vector<CString>& texts, SortDirection direction) {
-    const QCollator collator(QLocale(QLocale::Chinese, QLocale::China));
-    std::vector<QCollatorSortKey> keys;
-    keys.reserve(texts.size());
-    for (const CString& text : texts) {
-        keys.push_back(collator.sortKey(text));
-    }
-    return Sorted(texts.size(), direction,
-                  [&](int left, int right) { return Of(keys, left) < Of(keys, right); });
+    return Sorted(texts.size(), direction, PinyinOrder(texts));
 }
 
 }  // namespace quorvane

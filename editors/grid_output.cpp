@@ -27,21 +27,27 @@ const CString kCsvFilter = u"CSV 文件 (*.csv)"_s;
 // Carries out the commands of one grid, whose child it is.
 class GridOutput : public QObject {
 public:
-    GridOutput(CGridCtrl& grid, std::function<CString()> title)
-        : QObject(&grid), m_grid(grid), m_title(std::move(title)) {
+    GridOutput(CGridCtrl& grid, std::function<CString()> title, std::function<CString()> whyNoImport)
+        : QObject(&grid), m_grid(grid), m_title(std::move(title)), m_whyNoImport(std::move(whyNoImport)) {
         Add(u"打印…"_s, QKeySequence::Print, &GridOutput::Print);
         Add(u"打印预览…"_s, {}, &GridOutput::Preview);
         Add(u"导出 PDF…"_s, {}, &GridOutput::ExportPdf);
         Add(u"导出 CSV…"_s, {}, &GridOutput::ExportCsv);
-        Add(u"导入 CSV…"_s, {}, &GridOutput::ImportCsv);
+        QAction* import = Add(u"导入 CSV…"_s, {}, &GridOutput::ImportCsv);
+        connect(&grid, &CGridCtrl::MenuAboutToShow, this, [this, import] {
+            const CString obstacle = m_whyNoImport ? m_whyNoImport() : CString();
+            import->setEnabled(obstacle.isEmpty());
+            import->setToolTip(obstacle);
+        });
     }
 
 private:
-    void Add(const CString& text, const QKeySequence& key, void (GridOutput::*run)()) {
+    QAction* Add(const CString& text, const QKeySequence& key, void (GridOutput::*run)()) {
         auto* action = new QAction(text, this);
         action->setShortcut(key);
         connect(action, &QAction::triggered, this, run);
         m_grid.AddMenuAction(GridMenuGroup::Output, action);
+        return action;
     }
 
     // ---- Paper
@@ -164,12 +170,14 @@ private:
 
     CGridCtrl& m_grid;
     std::function<CString()> m_title;
+    std::function<CString()> m_whyNoImport;
 };
 
 }  // namespace
 
-void AddOutputCommands(CGridCtrl& grid, const std::function<CString()>& title) {
-    new GridOutput(grid, title);
+void AddOutputCommands(CGridCtrl& grid, const std::function<CString()>& title,
+                       const std::function<CString()>& whyNoImport) {
+    new GridOutput(grid, title, whyNoImport);
 }
 
 }  // namespace quorvane

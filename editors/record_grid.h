@@ -71,9 +71,13 @@ public:
         m_grid->SetPasteQuestion([this](const PasteLoss& loss) {
             return AskToPaste(&m_parent, m_rules.caption, loss, m_hasAppendRow);
         });
-        AddOutputCommands(*m_grid, [this] {
-            return m_rules.slice ? m_rules.caption + u' ' + m_rules.slice() : m_rules.caption;
-        });
+        AddOutputCommands(
+            *m_grid,
+            [this] { return m_rules.slice ? m_rules.caption + u' ' + m_rules.slice() : m_rules.caption; },
+            // A row that is hidden would be taken for a new one.
+            [this] {
+                return Rows().Count() < m_records.Count() ? QStringLiteral("请先取消筛选") : CString();
+            });
         m_grid->SetTipSource([this](CCellID cell) { return TipOf(cell); });
         if (m_rules.marksChanges) {
             m_grid->SetMarkSource([this](CCellID cell) {

@@ -1,6 +1,7 @@
 #include <QClipboard>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QPrintPreviewWidget>
 #include <QRadioButton>
 #include <QTemporaryDir>
 #include <QTest>
@@ -117,6 +118,25 @@ private Q_SLOTS:
         QVERIFY(!fixture.page->IsModified());
         fixture.ChooseFile(u"导出 PDF…"_s, folder.filePath(u"a"_s));
         QVERIFY(QFile(folder.filePath(u"a.pdf"_s)).size() > 1000);
+    }
+
+    void IsPreviewedOnPaper() {
+        Fixture fixture;
+        fixture.ChooseFluorescent();
+        fixture.Click(1, Name);
+        bool wasShown = false;
+        QTimer close;
+        connect(&close, &QTimer::timeout, &close, [&wasShown] {
+            auto* dialog = QApplication::activeModalWidget();
+            const auto* preview = dialog == nullptr ? nullptr : dialog->findChild<QPrintPreviewWidget*>();
+            if (preview != nullptr && preview->pageCount() == 1) {
+                wasShown = true;
+                dialog->close();
+            }
+        });
+        close.start(20);
+        fixture.Command(u"打印预览…"_s);
+        QVERIFY(wasShown);
     }
 
     void APasteSaysWhatItLeavesOut() {

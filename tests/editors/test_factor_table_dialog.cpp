@@ -135,6 +135,14 @@ private Q_SLOTS:
         QVERIFY(!fixture.dialog->IsModified() && fixture.grid->MarksOf({5, 2}) == 0);
     }
 
+    void FactorsAreFound() {
+        Fixture fixture;
+        fixture.Click(4, 1);
+        QTest::keyClick(fixture.grid, Qt::Key_F, Qt::ControlModifier);
+        QTest::keyClicks(QApplication::focusWidget(), u"0.56"_s);
+        QCOMPARE(fixture.grid->GetFocusCell(), (CCellID{5, 2}));
+    }
+
     void FactorsAreLookedAt() {
         Fixture fixture;
         fixture.Click(4, 2);

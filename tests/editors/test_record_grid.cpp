@@ -207,6 +207,7 @@ private Q_SLOTS:
         fixture.Click(2, Name);
         QVERIFY(fixture.shown.DeleteSelected());
         QCOMPARE(fixture.answers.TakeSeen(), QStringList(Question(3, u"钠灯"_s, u"是/否"_s)));
+        QCOMPARE(fixture.Rows().join(u' '), u"2|LED|99|LED99 1|直管|10|直管10 追加|new|7|new7 追加||7|7"_s);
         QCOMPARE(press(Count), u"2|LED|99|LED99 1|直管|10|直管10 3|new|7|new7 追加||7|7"_s);
         QCOMPARE(fixture.records.At(0).ID, 1);
         fixture.shown.Undo();

@@ -45,6 +45,8 @@ protected:
 private:
     RecordGridRules<tagLUMINAIREINFO> Rules();
     std::vector<Column<tagLUMINAIREINFO>> Columns();
+    static CString FactorKindText(const tagLUMINAIREINFO& luminaire);
+    static CString CountText(const CString& typed);  // an empty count is 0
     CellSetup LightSourceSetup(const tagLUMINAIREINFO& record);
     void TakeLightSources(const CString& texts, tagLUMINAIREINFO& record);
     CString PresetLightSource();

@@ -3,7 +3,6 @@
 
 readonly packagePackages=(
     nsis                               # makes the installer
-    mdbtools                           # reads the database beside the program's own driver
 )
 
 # What the programs are linked with, from the copyright files of the packages and the notes of Qt's own sources.
@@ -65,7 +64,6 @@ makeSample() {
 }
 
 makePackages() {
-    makeSample
     local layout="$build/package/quorvane"
     rm -rf "$build/package"
     layOut "$layout"

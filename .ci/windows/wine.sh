@@ -4,6 +4,7 @@
 
 readonly winePackages=(
     debootstrap                        # makes that system
+    mdbtools                           # reads a database independently of the program
     util-linux                         # gives it places of its own in the tree of folders
 )
 case $arch in

@@ -6,7 +6,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <random>
-#include <ranges>
 
 #include "data/store/access/check/file_check.h"
 #include "data/store/store_factory.h"
@@ -45,8 +44,10 @@ QByteArray UnwrittenPages(const access::Database& database) {
         for (const access::IndexDescription& index : table.indexes) {
             parts.push_back(MappedPages(pages, index.map));
         }
-        for (const access::PageNumber page : parts | std::views::join) {
-            bytes += QByteArray(pages.Read(page)->data(), access::kPageSize);
+        for (const std::vector<access::PageNumber>& part : parts) {
+            for (const access::PageNumber page : part) {
+                bytes += QByteArray(pages.Read(page)->data(), access::kPageSize);
+            }
         }
     }
     return bytes;

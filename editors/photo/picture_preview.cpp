@@ -90,7 +90,7 @@ LoadedPicture LoadPicture(const CString& file, const QSize& area) {
         return picture;
     }
     if (reader.size().width() > area.width() && reader.size().height() > area.height()) {
-        const QSize fitting = reader.size().scaled(area, Qt::KeepAspectRatio);
+        const QSize fitting = reader.size().scaled(area, Qt::KeepAspectRatioByExpanding);
         reader.setScaledSize(fitting.expandedTo({1, 1}));
     }
     picture.image = reader.read();
@@ -132,9 +132,7 @@ void PicturePreview::paintEvent(QPaintEvent* event) {
         painter.drawText(contentsRect(), Qt::AlignCenter | Qt::TextWordWrap, m_note);
     } else if (!m_picture.isNull()) {
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        QRect place(QPoint(), m_picture.size().scaled(contentsRect().size(), Qt::KeepAspectRatio));
-        place.moveCenter(contentsRect().center());
-        painter.drawImage(place, m_picture);
+        painter.drawImage(contentsRect(), m_picture);
     }
 }
 

@@ -1,4 +1,4 @@
-// A sunken frame that shows a picture file as large as fits, in its proportions.
+// A sunken frame that shows a picture file stretched over all of its area.
 #pragma once
 
 #include <QFrame>

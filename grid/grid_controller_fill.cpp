@@ -7,6 +7,7 @@
 
 #include "grid/grid_controller.h"
 #include "grid/output/grid_clipboard.h"
+#include "grid/output/separated_text.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -29,7 +30,12 @@ bool GridController::MayLose(const PasteLoss& loss) const {
 }
 
 bool GridController::Paste() {
-    const std::vector<GridEntry> entries = PasteEntries(m_core, QApplication::clipboard()->text());
+    const CString text = QApplication::clipboard()->text();
+    const TableTaker take = m_core.tableTaker;  // the answer to its question may take the grid away
+    if (take && take(ReadTabText(text))) {
+        return true;
+    }
+    const std::vector<GridEntry> entries = PasteEntries(m_core, text);
     const QPointer<CGridCtrl> alive(&m_grid);
     if (entries.empty()) {
         return false;

@@ -139,6 +139,7 @@ public:
     // Whether typing goes on at the head of the next column after the foot of one.
     bool typesByColumns = false;
     EntryCheck entryCheck;  // none: every text may be
+    TableTaker tableTaker;  // none: no table is taken
     // Whether the last row is one for new entries, which fills of several rows leave out.
     bool hasAppendRow = false;
     int FilledRowCount() const { return RowCount() - (hasAppendRow ? 1 : 0); }

@@ -284,6 +284,10 @@ void CGridCtrl::SetPasteQuestion(PasteQuestion ask) {
     m_controller->SetPasteQuestion(std::move(ask));
 }
 
+void CGridCtrl::SetTableTaker(TableTaker take) {
+    MutableCore().tableTaker = std::move(take);
+}
+
 void CGridCtrl::SetEntryCheck(EntryCheck check) {
     MutableCore().entryCheck = std::move(check);
 }

@@ -144,6 +144,8 @@ public:
     void CancelEdit();
     // Is asked before a paste that leaves texts out changes anything. Without a question the rest is pasted.
     void SetPasteQuestion(PasteQuestion ask);
+    // Is offered each paste before anything else, also while no cell has the focus.
+    void SetTableTaker(TableTaker take);
     // A cell takes any text that is typed into it. A paste or a fill leaves out a text that fails this check;
     // the empty text is not checked.
     void SetEntryCheck(EntryCheck check);

@@ -145,5 +145,7 @@ struct PasteLoss {
 using EntryCheck = std::function<bool(CCellID cell, const CString& text)>;
 // Whether to paste the rest.
 using PasteQuestion = std::function<bool(const PasteLoss& loss)>;
+// Takes a pasted table, row by row, as a whole; false when its texts are to go into cells one by one.
+using TableTaker = std::function<bool(const std::vector<std::vector<CString>>& texts)>;
 
 }  // namespace quorvane

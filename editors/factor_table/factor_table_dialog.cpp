@@ -10,6 +10,7 @@
 
 #include "data/lighting_database.h"
 #include "data/number_text.h"
+#include "editors/factor_table/factor_block_commands.h"
 #include "editors/factor_table/factor_table_grid.h"
 #include "editors/grid_output.h"
 #include "editors/messages.h"
@@ -70,8 +71,7 @@ CCoefficientTableDlg::CCoefficientTableDlg(CLightingDatabase& database, int lumi
     LayOut();
     DecorateButtons();
     if (m_editing.Load(luminaireId)) {
-        m_tree->Show(m_editing);
-        m_grid->Show(m_editing.Table());
+        ShowTable();
     } else {
         ForbidEditing();
     }
@@ -83,6 +83,7 @@ CCoefficientTableDlg::CCoefficientTableDlg(CLightingDatabase& database, int lumi
     AddFinding();
     AddUndo();
     AddView();
+    AddBlockCommands(*m_grid, m_editing, m_rowLabel, [this] { ShowTable(); });
     AddOutputCommands(*m_grid, [this] { return windowTitle(); });
     AddGuideKey(*this);
 }
@@ -158,6 +159,11 @@ void CCoefficientTableDlg::ForbidEditing() {
     m_grid->setEnabled(false);
     DialogItem(this, kSubmit)->setEnabled(false);
     DialogItem(this, kClear)->setEnabled(false);
+}
+
+void CCoefficientTableDlg::ShowTable() {
+    m_tree->Show(m_editing);
+    m_grid->Show(m_editing.Table());
 }
 
 // ---- Headings and row values
@@ -304,15 +310,13 @@ void CCoefficientTableDlg::AddUndo() {
 bool CCoefficientTableDlg::MakeEditsAgain(const FactorTableEditing::Kept& kept) {
     const bool isMade = m_grid->isEnabled() && m_editing.MakeAgain(kept, u"恢复上次的修改"_s);
     if (isMade) {
-        m_tree->Show(m_editing);
-        m_grid->Show(m_editing.Table());
+        ShowTable();
     }
     return isMade;
 }
 
 void CCoefficientTableDlg::ShowUndone(FactorTableEditing::Place place) {
-    m_tree->Show(m_editing);
-    m_grid->Show(m_editing.Table());
+    ShowTable();
     if (place) {
         m_grid->SetFocusCell({place->first, place->second});
     }

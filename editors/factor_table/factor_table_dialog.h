@@ -10,7 +10,7 @@
 #include "editors/factor_table/factor_table_tree.h"
 #include "editors/factor_table/factor_view.h"
 #include "editors/undo_actions.h"
-#include "model/factor_table_editing.h"
+#include "model/factor_table/factor_table_editing.h"
 
 class QLayout;
 
@@ -58,6 +58,8 @@ private:
     QLayout* LayOutButtons();
     void DecorateButtons();
     void ForbidEditing();
+    // In tree and grid.
+    void ShowTable();
 
     void OnCommand(FactorTableTree::Command command);
     void OnLabelEdited(QTreeWidgetItem* item, const CString& text, bool isTyped);

@@ -7,6 +7,7 @@
 #include "data/number_text.h"
 #include "editors/grid_setup.h"
 #include "editors/messages.h"
+#include "editors/user_settings.h"
 #include "grid/cells/cell_attributes.h"
 #include "model/index_after_change.h"
 #include "model/text_checks.h"
@@ -40,15 +41,27 @@ bool IsUnlikely(std::optional<double> factor) {
     return factor && !(*factor >= 0 && *factor <= largestLikely);
 }
 
+const CString kDecimalsKey = u"factorTable/decimals"_s;
+
+int KeptDecimals() {
+    return std::clamp(UserSettings().value(kDecimalsKey).toInt(), FactorTableGrid::kFewestDecimals,
+                      FactorTableGrid::kMostDecimals);
+}
+
 int HeightFor(const QFontMetrics& metrics) {
     return std::max(kRowHeight, metrics.height() + kLines);
 }
 
 }  // namespace
 
-FactorTableGrid::FactorTableGrid(const CString& rowLabel) : m_rowLabel(rowLabel) {
+FactorTableGrid::FactorTableGrid(const CString& rowLabel) : m_rowLabel(rowLabel), m_decimals(KeptDecimals()) {
     SetBackgroundColour(Qt::white);
     SetEntryCheck([](CCellID, const CString& text) { return CheckReal(text).has_value(); });
+}
+
+void FactorTableGrid::SetDecimals(int decimals) {
+    m_decimals = decimals;
+    UserSettings().setValue(kDecimalsKey, decimals);
 }
 
 void FactorTableGrid::SetEditing(const FactorTableEditing& editing) {
@@ -148,7 +161,7 @@ void FactorTableGrid::Build(UtilizationFactorTable& table) {
 }
 
 void FactorTableGrid::BuildLabels(const UtilizationFactorTable& table) {
-    const QStringList labels{u"有效顶棚反射比"_s, u"墙反射比"_s, u"地面反射比"_s, m_rowLabel};
+    const QStringList labels = FactorRowLabels(m_rowLabel);
     const QFontMetrics metrics(font());
     SetColumnWidth(0, WidthFor(labels, metrics, kLabelWidth));
     for (int row = 0; row < GetRowCount(); ++row) {

@@ -9,7 +9,7 @@
 
 #include "data/utilization_factor_table.h"
 #include "grid/grid_ctrl.h"
-#include "model/factor_table_editing.h"
+#include "model/factor_table/factor_table_editing.h"
 
 namespace quorvane {
 
@@ -30,8 +30,9 @@ public:
     // Rebuilds the whole grid. The scroll position stays. The focus stays on its factor, or moves to a
     // neighbour when the factor was removed.
     void Show(UtilizationFactorTable& table);
-    // How many decimals the next Show gives the factors.
-    void SetDecimals(int decimals) { m_decimals = decimals; }
+    // How many decimals the next Show gives the factors. The user finds them again in every later table.
+    void SetDecimals(int decimals);
+    int Decimals() const { return m_decimals; }
     // Selects the factors of a heading or a row value, counted from 0, and makes them visible.
     void ShowHeading(int index);
     void ShowRow(int index);
@@ -47,7 +48,7 @@ private:
     void MergeHeadings();
 
     CString m_rowLabel;
-    int m_decimals = kFewestDecimals;
+    int m_decimals;
     std::vector<tagColHeading> m_headings;  // those shown
     std::vector<double> m_rowValues;
     std::vector<Unwritten> m_unwritten;  // by row value

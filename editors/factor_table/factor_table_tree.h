@@ -5,7 +5,7 @@
 #include <QPointer>
 #include <vector>
 
-#include "model/factor_table_editing.h"
+#include "model/factor_table/factor_table_editing.h"
 #include "widgets/label_edit_tree.h"
 
 namespace quorvane {

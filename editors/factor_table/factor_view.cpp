@@ -17,7 +17,7 @@ void FactorView::AddCommands(FactorTableGrid& grid, const UtilizationFactorTable
          ++decimals) {
         auto* action = new QAction(u"显示%1位小数"_s.arg(decimals), group);
         action->setCheckable(true);
-        action->setChecked(decimals == FactorTableGrid::kFewestDecimals);
+        action->setChecked(decimals == grid.Decimals());
         QObject::connect(action, &QAction::triggered, &grid, [&grid, decimals, showAnew] {
             grid.SetDecimals(decimals);
             showAnew();

@@ -3,7 +3,7 @@
 
 #include <QStringList>
 
-#include "model/factor_table_editing.h"
+#include "model/factor_table/factor_table_editing.h"
 
 namespace quorvane {
 

@@ -13,7 +13,7 @@
 #include "editors/luminaire/mixed_light_source_dialog.h"
 #include "editors/photo/photo_dialog.h"
 #include "editors/submit.h"
-#include "model/factor_table_cbor.h"
+#include "model/factor_table/factor_table_cbor.h"
 #include "model/light_source_text.h"
 #include "widgets/dialog_template.h"
 #include "widgets/image_button.h"

@@ -64,10 +64,10 @@ CString ObstacleOf(const GridCore& core, GridCommand::Kind command) {
         case Kind::Copy:
             return hasPlace ? CString() : u"没有选中单元格。"_s;
         case Kind::Paste:
-            if (hasPlace && !HasClipboardText()) {
-                return u"剪贴板中没有文字。"_s;
+            if (!hasPlace && !core.tableTaker) {
+                return u"没有选中单元格。"_s;
             }
-            return hasPlace ? CString() : u"没有选中单元格。"_s;
+            return HasClipboardText() ? CString() : u"剪贴板中没有文字。"_s;
         case Kind::FillDown:
             if (std::ranges::none_of(ranges, [&](const auto& range) { return HasRowAbove(core, range); })) {
                 return u"选中的单元格上面没有可填充的内容。"_s;

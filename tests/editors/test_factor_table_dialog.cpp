@@ -1,7 +1,9 @@
+#include <QClipboard>
 #include <QLineEdit>
 #include <QMenu>
 
 #include "editors/factor_table/factor_table_dialog.h"
+#include "editors/user_settings.h"
 #include "tests/support/shown_page.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -33,6 +35,7 @@ void Settle() {
 struct Fixture : ShownGrid {
     explicit Fixture(const QString& rows = kFile, const QString& kind = u"RCR"_s) : ShownGrid(rows) {
         QCoreApplication::setApplicationName(u"QuorvaneTest"_s);
+        UserSettings().clear();
         Open(kind);
     }
     void Open(const QString& kind = u"RCR"_s) {
@@ -135,6 +138,40 @@ private Q_SLOTS:
         QVERIFY(!fixture.dialog->IsModified() && fixture.grid->MarksOf({5, 2}) == 0);
     }
 
+    void ATableIsPastedWithItsHeadings() {
+        QStringList whole;
+        {
+            Fixture source;
+            whole = source.Grid() + source.File();
+            source.Click(4, 1);
+            QTest::keyClick(source.grid, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+        }
+        Fixture fixture(u"insert into 利用系数 values (9,8,80,50,20,1,0.9);"_s);
+        const QString question = u"甲灯 利用系数表|将新增%1个列表头和%2个室空间比RCR。\n是否粘贴?|是/否"_s;
+        const auto paste = [&](const QString& answer) {
+            fixture.answers.Plan(answer);
+            fixture.Activate();
+            fixture.grid->setFocus();
+            QTest::keyClick(fixture.grid, Qt::Key_V, Qt::ControlModifier);
+            return fixture.answers.TakeSeen().value(0);
+        };
+        QCOMPARE(paste(u"否"_s), question.arg(3).arg(2));
+        QVERIFY(!fixture.dialog->IsModified());
+        paste(u"是"_s);
+        fixture.Press(Submit);
+        QCOMPARE(fixture.Grid() + fixture.File(), whole);
+        // From a data sheet: merged cells, no label, one heading and one ratio that are there.
+        QGuiApplication::clipboard()->setText(
+            u"\t80\t\r\n\t50\t10\r\n\t20\t\r\n1.25\t.5\t.4\r\n2\t\t0.3\r\n"_s);
+        QCOMPARE(paste(u"是"_s), question.arg(1).arg(1));
+        QCOMPARE(fixture.Grid().mid(4),
+                 QStringList({u"0.60|0.61|0.65|0.00|0.63"_s, u"1.25|0.50|0.56|0.40|0.54"_s,
+                              u"2.00|0.00|0.00|0.30|0.00"_s}));
+        fixture.Activate();
+        QTest::keyClick(fixture.grid, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(fixture.Grid(), whole.mid(0, 6));
+    }
+
     void FactorsAreFound() {
         Fixture fixture;
         fixture.Click(4, 1);
@@ -148,6 +185,7 @@ private Q_SLOTS:
         fixture.Click(4, 2);
         QCOMPARE(fixture.grid->TipOf({4, 2}).text, u"未取舍的数值:0.654"_s);
         fixture.Command(u"显示3位小数"_s);
+        fixture.Open();
         QCOMPARE(fixture.Row(4), u"0.60|0.610|0.654|0.630"_s);
         QVERIFY(fixture.grid->TipOf({4, 2}).text.isEmpty());
         fixture.Type(4, 1, u"6.1"_s);

@@ -1,7 +1,7 @@
 #include <QTest>
 
 #include "data/lighting_database.h"
-#include "model/factor_table_editing.h"
+#include "model/factor_table/factor_table_editing.h"
 #include "model/index_after_change.h"
 #include "tests/support/fake_connection.h"
 
@@ -162,6 +162,33 @@ private Q_SLOTS:
         const double factors[] = {0.12345678, 0.5, 0.634, 0.54};
         for (std::size_t index = 0; index < 4; ++index) {
             QCOMPARE(fixture.editing.Table().Factors()[index].UtilizationFactor, factors[index]);
+        }
+    }
+
+    void BlocksAreToldFromOtherTexts() {
+        // Rows separated by "/", texts by blanks, "_" for an empty one. Behind "=": the last column and row.
+        const QStringList blocks =
+            u"RCR 80 _/_ 50 30/_ 20 _/RCR _ _/1 .5 .6=80,30,20 1 0.6;a 80/b 50/c 20/1 -=80,50,20 1 ?;"
+            "5 80/6 50/7 20/1 .5;_ 80/_ 50/_ 101/1 .5;_ 80/_ .5/_ 20/1 .5;_ _ 80/_ 1 1/_ 1 1/1 .5 .5;"
+            "_ 80/_ 50/_ 20/1 .5/x .6;_ 80/_ 50/_ 20;_/_/_/1"_s.split(u';');
+        for (const QString& block : blocks) {
+            FactorTexts texts;
+            for (const QString& row : block.section(u'=', 0, 0).replace(u'_', QString()).split(u'/')) {
+                const QStringList cells = row.split(u' ');
+                texts.emplace_back(cells.begin(), cells.end());
+            }
+            const auto read = ReadFactorBlock(texts);
+            QString last;
+            if (read) {
+                const auto& [Pcc, Pw, Pf] = read->headings.back();
+                const auto factor = read->rows.back().factors.back();
+                last = u"%1,%2,%3 %4 %5"_s.arg(Pcc)
+                           .arg(Pw)
+                           .arg(Pf)
+                           .arg(read->rows.back().ratio)
+                           .arg(factor ? QString::number(*factor) : u"?"_s.repeated(read->lostTexts));
+            }
+            QCOMPARE(last, block.section(u'=', 1));
         }
     }
 

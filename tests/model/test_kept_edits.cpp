@@ -2,7 +2,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "model/factor_table_cbor.h"
+#include "model/factor_table/factor_table_cbor.h"
 #include "model/kept_edits_file.h"
 #include "model/record_edits.h"
 #include "tests/support/fake_connection.h"

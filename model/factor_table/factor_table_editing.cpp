@@ -1,6 +1,9 @@
-#include "model/factor_table_editing.h"
+#include "model/factor_table/factor_table_editing.h"
 
+#include <algorithm>
+#include <iterator>
 #include <map>
+#include <set>
 #include <utility>
 
 #include "data/number_text.h"
@@ -9,8 +12,6 @@
 
 namespace quorvane {
 namespace {
-
-constexpr int kLargestReflectance = 100;  // %
 
 std::optional<tagColHeading> ParseHeading(const CString& text) {
     const std::vector<CString> pieces = Split(text, u',');
@@ -25,6 +26,22 @@ std::optional<tagColHeading> ParseHeading(const CString& text) {
         return std::nullopt;
     }
     return tagColHeading{values[0], values[1], values[2]};
+}
+
+// Rounded to what the file keeps: two rows must not become one there.
+double KeptRowValue(double value) {
+    return FormatReal(value).toDouble();
+}
+
+template <typename Value>
+bool Contains(const std::vector<Value>& values, const Value& value) {
+    return std::find(values.begin(), values.end(), value) != values.end();
+}
+
+// The number of a value among those that are there.
+template <typename Value>
+int IndexOf(const std::vector<Value>& values, const Value& value) {
+    return static_cast<int>(std::distance(values.begin(), std::find(values.begin(), values.end(), value)));
 }
 
 }  // namespace
@@ -78,8 +95,7 @@ bool FactorTableEditing::TakeHeading(int index, const CString& text) {
 bool FactorTableEditing::TakeRowValue(int index, const CString& text) {
     const std::optional<double> value = CheckReal(text);
     if (value) {
-        // Rounded to what the file keeps: two rows must not become one there.
-        const double kept = FormatReal(*value).toDouble();
+        const double kept = KeptRowValue(*value);
         Change([&] { return index < 0 ? m_table.AddRow(kept) : m_table.ModifyRow(index, kept); });
     }
     return value.has_value();
@@ -114,6 +130,68 @@ void FactorTableEditing::Clear() {
         m_table.ClearFactors();
         return true;
     });
+}
+
+// ---- Blocks with headings
+
+double FactorTableEditing::RowValueFor(double ratio) const {
+    const std::vector<double>& present = m_table.RowValues();
+    if (Contains(present, KeptRowValue(ratio))) {
+        return KeptRowValue(ratio);
+    }
+    const auto labelled = std::find_if(present.begin(), present.end(), [ratio](double value) {
+        return FormatFixed2(value).toDouble() == ratio;
+    });
+    return labelled == present.end() ? KeptRowValue(ratio) : *labelled;
+}
+
+FactorTableEditing::Missing FactorTableEditing::MissingFor(const FactorBlock& block) const {
+    std::set<std::tuple<int, int, int>> headings;
+    for (const tagColHeading& heading : block.headings) {
+        if (!Contains(m_table.Headings(), heading)) {
+            headings.insert({heading.Pcc, heading.Pw, heading.Pf});
+        }
+    }
+    std::set<double> rows;
+    for (const FactorBlock::Row& row : block.rows) {
+        if (!Contains(m_table.RowValues(), RowValueFor(row.ratio))) {
+            rows.insert(RowValueFor(row.ratio));
+        }
+    }
+    return {static_cast<int>(headings.size()), static_cast<int>(rows.size())};
+}
+
+int FactorTableEditing::TakeBlock(const FactorBlock& block) {
+    int taken = 0;
+    Change([&] {
+        std::vector<double> rowValues;
+        for (const FactorBlock::Row& row : block.rows) {
+            rowValues.push_back(RowValueFor(row.ratio));
+        }
+        bool isChanged = false;
+        for (const tagColHeading& heading : block.headings) {
+            isChanged |= !Contains(m_table.Headings(), heading) &&
+                         m_table.AddHeading(heading.Pcc, heading.Pw, heading.Pf);
+        }
+        for (const double rowValue : rowValues) {
+            isChanged |= !Contains(m_table.RowValues(), rowValue) && m_table.AddRow(rowValue);
+        }
+        for (std::size_t row = 0; row < rowValues.size(); ++row) {
+            const int gridRow =
+                UtilizationFactorTable::kHeadingRows + IndexOf(m_table.RowValues(), rowValues[row]);
+            for (std::size_t column = 0; column < block.headings.size(); ++column) {
+                if (const std::optional<double> factor = block.rows[row].factors[column]) {
+                    m_table.SetFactor(gridRow,
+                                      UtilizationFactorTable::kHeadingColumns +
+                                          IndexOf(m_table.Headings(), block.headings[column]),
+                                      *factor);
+                    ++taken;
+                }
+            }
+        }
+        return isChanged || taken > 0;
+    });
+    return taken;
 }
 
 std::optional<double> FactorTableEditing::StoredFactor(int gridRow, int gridColumn) const {

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "model/factor_table_editing.h"
+#include "model/factor_table/factor_table_editing.h"
 #include "model/record_cbor.h"
 
 namespace quorvane {

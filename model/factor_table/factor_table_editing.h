@@ -10,6 +10,7 @@
 
 #include "data/utilization_factor_table.h"
 #include "model/edit_history.h"
+#include "model/factor_table/factor_block.h"
 #include "model/working_records.h"
 
 namespace quorvane {
@@ -49,6 +50,16 @@ public:
     std::optional<CString> TakeFactor(int gridRow, int gridColumn, const CString& text, bool isUntouched);
     // Sets all factors to 0.
     void Clear();
+
+    // How many headings and row values of a block the table does not have. A row value that is written as a
+    // row of the table is labelled, with two decimals, is that row's.
+    struct Missing {
+        int headings = 0;
+        int rows = 0;
+    };
+    Missing MissingFor(const FactorBlock& block) const;
+    // Adds those, and takes the factors of the block. Returns how many these are.
+    int TakeBlock(const FactorBlock& block);
 
     // The factor at that place, addressed as in GetFactor, as it is in the file; nothing when it is not
     // there.
@@ -93,6 +104,7 @@ public:
 private:
     bool TakeHeading(int index, const CString& text);
     bool TakeRowValue(int index, const CString& text);
+    double RowValueFor(double ratio) const;
     std::optional<double> FactorIn(const UtilizationFactorTable& table, int gridRow, int gridColumn) const;
     // Runs an operation on the table, which returns whether it changed something.
     template <typename Operation>

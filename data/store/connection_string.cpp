@@ -1,16 +1,20 @@
 #include "data/store/connection_string.h"
 
-#include <QRegularExpression>
-
-using namespace Qt::Literals::StringLiterals;
-
 namespace quorvane {
 
+// By hand: a regular expression that has no memory tells no more than that nothing was found.
 CString DataSource(const CString& connectionString) {
-    static const QRegularExpression entry(
-        u"(?:^|;)\\s*Data Source\\s*=\\s*(.*?);?$"_s,
-        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
-    return entry.match(connectionString).captured(1);
+    const QStringView text(connectionString);
+    const qsizetype entry = text.indexOf(u"Data Source", 0, Qt::CaseInsensitive);
+    const qsizetype sign = entry < 0 ? -1 : text.indexOf(u'=', entry);
+    if (sign < 0) {
+        return {};
+    }
+    QStringView path = text.sliced(sign + 1);
+    while (path.startsWith(u' ')) {
+        path = path.sliced(1);
+    }
+    return path.chopped(path.endsWith(u';') ? 1 : 0).toString();
 }
 
 }  // namespace quorvane

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <new>
 #include <optional>
+#include <system_error>
 #include <thread>
 
 #include "data/store/sqlite_guard.h"
@@ -38,7 +39,7 @@ struct SqliteBackgroundCheck::State {
         changed.notify_all();
     }
 
-    void Run(const CString& path);
+    void Run(const CString& path) noexcept;
     void Check(sqlite3* database);
 };
 
@@ -58,29 +59,35 @@ void SqliteBackgroundCheck::State::Check(sqlite3* database) {
     }
 }
 
-void SqliteBackgroundCheck::State::Run(const CString& path) {
+// Nothing may leave the thread, the lack of memory for a message neither.
+void SqliteBackgroundCheck::State::Run(const CString& path) noexcept {
     sqlite3* database = nullptr;
+    std::optional<ProviderFailure> found;
     try {
-        const int result = OpenSqliteFile(path, &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX);
-        if (result != SQLITE_OK) {
-            throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
+        try {
+            const int result = OpenSqliteFile(path, &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX);
+            if (result != SQLITE_OK) {
+                throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
+            }
+            Check(database);
+        } catch (const ProviderError& error) {
+            found = {.kind = error.Kind(),
+                     .message = u"the file could not be checked: %1"_s.arg(error.Message()),
+                     .column = {}};
         }
-        Check(database);
-        sqlite3_close_v2(database);
-        End(std::nullopt);
-    } catch (const ProviderError& error) {
-        sqlite3_close_v2(database);
-        End(ProviderFailure{.kind = error.Kind(),
-                            .message = u"the file could not be checked: %1"_s.arg(error.Message()),
-                            .column = {}});
     } catch (const std::bad_alloc&) {
-        sqlite3_close_v2(database);
-        End(ProviderFailure{.kind = FailureKind::OutOfMemory, .message = {}, .column = {}});
+        found = {.kind = FailureKind::OutOfMemory, .message = {}, .column = {}};
     }
+    sqlite3_close_v2(database);
+    End(std::move(found));
 }
 
 SqliteBackgroundCheck::SqliteBackgroundCheck(const CString& path) : m_state(std::make_shared<State>()) {
-    std::thread([state = m_state, path] { state->Run(path); }).detach();
+    try {
+        std::thread([state = m_state, path] { state->Run(path); }).detach();
+    } catch (const std::system_error&) {
+        throw ProviderError(u"no thread could be started to check the file"_s, FailureKind::OutOfMemory);
+    }
 }
 
 SqliteBackgroundCheck::~SqliteBackgroundCheck() {

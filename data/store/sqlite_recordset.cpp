@@ -1,5 +1,6 @@
 #include "data/store/sqlite_recordset.h"
 
+#include <QFile>
 #include <QStringDecoder>
 #include <algorithm>
 #include <functional>
@@ -62,8 +63,12 @@ FailureKind KindOfSqliteError(sqlite3* database) {
         case SQLITE_INTERRUPT:
             return FailureKind::TimeLimit;
         case SQLITE_CANTOPEN:
-        case SQLITE_IOERR:
-            return KindOfSystemError(sqlite3_system_errno(database));
+        case SQLITE_IOERR: {
+            // After a journal could not be made, the engine looks for one, and tells that there is none.
+            const FailureKind kind = KindOfSystemError(sqlite3_system_errno(database));
+            const bool isThere = QFile::exists(QString::fromUtf8(sqlite3_db_filename(database, "main")));
+            return kind == FailureKind::FileGone && isThere ? FailureKind::ReadOnly : kind;
+        }
         default:
             return FailureKind::Other;
     }

@@ -11,8 +11,11 @@ enum class Fault {
     EmptyText,  // in a column that takes none
     Damaged,    // bytes that cannot be what they should be
     ReadOnly,   // the system forbids writing
+    InUse,      // another program has the file open
     Changed,    // another program has changed the file since it was read
-    Failed,     // the system could not: no room, a device that fails
+    Gone,       // no file bears the name any more
+    NoRoom,     // the disk is full
+    Failed,     // the system could not for another reason
 };
 
 // Thrown by every unit of this folder. Whatever a statement had changed until then is rolled back by the one

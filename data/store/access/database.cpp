@@ -83,18 +83,13 @@ Database::Database(FileSystem& files, const QString& path) : m_header(CheckedHea
         m_lock.reset();
         m_file = std::make_unique<PagedFile>(files, path, false);
     }
-    Load();
+    m_allocator = std::make_unique<PageAllocator>(*m_file, [this] { return ClaimedPages(); });
+    m_catalog = ReadCatalog(*m_file);
     try {
         m_allocator->RequireWholeMap();
     } catch (const AccessError& error) {
         ForbidWriting(error);
     }
-}
-
-void Database::Load() {
-    m_tables.clear();
-    m_allocator = std::make_unique<PageAllocator>(*m_file, [this] { return ClaimedPages(); });
-    m_catalog = ReadCatalog(*m_file);
 }
 
 void Database::RequireSound() const {
@@ -122,9 +117,10 @@ Table& Database::Find(const QString& name) {
     return *m_tables.back();
 }
 
-void Database::Reload() {
-    m_file->Reload();
-    Load();
+bool Database::IsOutdated(bool beforeWriting) const {
+    const bool mayChange =
+        m_refusal && (m_refusal->Kind() == Fault::ReadOnly || m_refusal->Kind() == Fault::InUse);
+    return m_file->IsReplaced() || (beforeWriting && mayChange);
 }
 
 void Database::BeginStatement() {

@@ -33,12 +33,14 @@ public:
     // Of system tables too.
     const std::vector<CatalogEntry>& Catalog() const { return m_catalog; }
     // A table by its name, in whatever case. Throws when there is none, or when it is a link into another
-    // file. Stays valid until Reload.
+    // file.
     Table& Find(const QString& name);
 
-    // Throws when another program has changed the file since it was read; Reload makes it readable again.
+    // Throws when another program has changed the file since it was read, or has removed it.
     void RequireUnchanged() const { m_file->RequireUnchanged(); }
-    void Reload();
+    // Whether the path is to be opened anew: another file bears it now, or, before a statement that writes,
+    // this one may be written meanwhile.
+    bool IsOutdated(bool beforeWriting) const;
 
     // A statement is committed or rolled back; a submit makes all committed statements safe from a power cut.
     void BeginStatement();
@@ -51,7 +53,6 @@ public:
     std::optional<AccessError> TakeFailure() { return std::exchange(m_failure, std::nullopt); }
 
 private:
-    void Load();
     std::vector<bool> ClaimedPages() const;
 
     std::optional<AccessError> m_failure;

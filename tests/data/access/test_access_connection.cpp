@@ -131,6 +131,27 @@ private Q_SLOTS:
         QCOMPARE(CheckStoreFile(m_file), QStringList());
     }
 
+    // What stands at the path counts, not what was opened, and who uses it now, not who did.
+    void FollowsTheFileAtItsPath() {
+        const QString lock = m_folder->filePath(u"灯具数据库.ldb"_s);
+        const QString copy = m_folder->filePath(u"copy.mdb"_s);
+        Write(lock, 0, QByteArray("OFFICE-7").leftJustified(64, '\0'));
+        const auto database = Open(m_file);
+        const QString update = u"update 光源类别 set LamphouseType='x' where ID=1"_s;
+        QCOMPARE(Failure(*database, update).kind, FailureKind::Locked);
+        QVERIFY(QFile::remove(lock));
+        QCOMPARE(Complaint(*database, update), QString());
+        Take(u"lighting-general"_s);
+        QVERIFY(QFile::rename(m_file, copy));
+        QCOMPARE(Failure(*database, update).kind, FailureKind::FileGone);
+        QVERIFY(QFile::rename(copy, m_file));
+        database->BeginSubmit();
+        QCOMPARE(Complaint(*database, update), QString());
+        database->EndSubmit();
+        QCOMPARE(First(*Open(m_file), u"select LamphouseType from 光源类别 where ID=1"_s),
+                 FieldValue(u"x"_s));
+    }
+
     void OneStatementIsInTheFileWithoutASubmit() {
         const auto database = Open(m_file);
         database->Execute(u"update 光源类别 set LamphouseType='x' where ID=1"_s);

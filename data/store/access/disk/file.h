@@ -13,11 +13,11 @@ namespace quorvane::access {
 struct FileStamp {
     qint64 size = 0;
     qint64 modified = 0;   // in the finest unit that the system keeps
-    quint64 identity = 0;  // of the file that bears the name now
+    quint64 identity = 0;  // of the file that bears the name now; 0: none does
     bool operator==(const FileStamp&) const = default;
 };
 
-// An open file. Every failure is an AccessError with the system's reason, ReadOnly or Failed.
+// An open file. Every failure is an AccessError with the system's reason.
 class File {
 public:
     virtual ~File() = default;

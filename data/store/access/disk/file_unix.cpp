@@ -19,9 +19,12 @@ namespace {
 
 [[noreturn]] void ThrowFailure(const QString& action, const QString& path, int error = errno) {
     const bool isForbidden = error == EACCES || error == EPERM || error == EROFS;
+    const bool isFull = error == ENOSPC || error == EDQUOT;
     throw AccessError(
         QStringLiteral("%1 cannot be %2: %3").arg(path, action, QString::fromLocal8Bit(std::strerror(error))),
-        isForbidden ? Fault::ReadOnly : Fault::Failed);
+        isForbidden ? Fault::ReadOnly
+        : isFull    ? Fault::NoRoom
+                    : Fault::Failed);
 }
 
 class UnixFile : public File {

@@ -18,9 +18,14 @@ namespace {
 
 [[noreturn]] void ThrowFailure(const QString& action, const QString& path, DWORD error = ::GetLastError()) {
     const bool isForbidden = error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT;
+    const bool isFull = error == ERROR_DISK_FULL || error == ERROR_HANDLE_DISK_FULL;
+    const bool isInUse = error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
     throw AccessError(
         QStringLiteral("%1 cannot be %2: %3").arg(path, action, qt_error_string(static_cast<int>(error))),
-        isForbidden ? Fault::ReadOnly : Fault::Failed);
+        isForbidden ? Fault::ReadOnly
+        : isFull    ? Fault::NoRoom
+        : isInUse   ? Fault::InUse
+                    : Fault::Failed);
 }
 
 // The form of a path that may have more than 260 characters.

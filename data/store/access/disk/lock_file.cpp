@@ -66,7 +66,8 @@ LockFile::LockFile(FileSystem& files, const QString& databasePath)
     }
     throw AccessError(
         QStringLiteral("%1 has the file open; %2 says so, and may be deleted when nobody has it open")
-            .arg(ComputerNames(found), QFileInfo(m_path).fileName()));
+            .arg(ComputerNames(found), QFileInfo(m_path).fileName()),
+        Fault::InUse);
 }
 
 LockFile::~LockFile() {

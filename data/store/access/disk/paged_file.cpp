@@ -31,6 +31,7 @@ PagedFile::PagedFile(FileSystem& files, const QString& path, bool writable)
     : m_files(&files), m_path(path), m_writable(writable) {
     m_file = files.Open(path, writable ? FileSystem::Mode::ReadWrite : FileSystem::Mode::Read);
     m_stamp = m_file->Stamp();
+    m_identity = m_stamp.identity;
     m_fileCount = static_cast<PageNumber>(m_stamp.size / kPageSize);
     m_count = m_fileCount;
     if (files.Exists(LogPath(path))) {
@@ -96,22 +97,19 @@ PageNumber PagedFile::Append() {
 
 // A failure in the middle of PutInPlace leaves changes of our own, which the next attempt completes.
 void PagedFile::RequireUnchanged() const {
-    if (!m_writing && m_file->Stamp() != m_stamp) {
+    const FileStamp now = m_file->Stamp();
+    if (now.identity == 0) {
+        throw AccessError(QStringLiteral("the file was removed or renamed"), Fault::Gone);
+    }
+    if (IsReplaced() || (!m_writing && now != m_stamp)) {
         throw AccessError(QStringLiteral("another program has changed the file since it was read"),
                           Fault::Changed);
     }
 }
 
-void PagedFile::Reload() {
-    Rollback();
-    if (m_log != nullptr) {
-        PutLogAside();
-    }
-    m_pending.clear();
-    m_cache.Clear();
-    m_stamp = m_file->Stamp();
-    m_fileCount = static_cast<PageNumber>(m_stamp.size / kPageSize);
-    m_count = m_fileCount;
+bool PagedFile::IsReplaced() const {
+    const quint64 identity = m_file->Stamp().identity;
+    return identity != 0 && identity != m_identity;
 }
 
 void PagedFile::BeginStatement() {
@@ -172,6 +170,10 @@ void PagedFile::Commit() {
 }
 
 void PagedFile::EndSubmit() {
+    if (m_log != nullptr && m_pending.empty()) {  // its first statement has failed
+        m_log->Remove();
+        m_log.reset();
+    }
     if (m_log == nullptr) {
         return;
     }
@@ -243,8 +245,8 @@ void PagedFile::Recover() {
         }
     } catch (const AccessError& error) {
         m_pending.clear();
-        const bool isOfSystem = error.Kind() == Fault::Failed || error.Kind() == Fault::ReadOnly;
-        if (isOfSystem || (!m_writable && log.marked)) {
+        const bool isOfFile = error.Kind() == Fault::Damaged || error.Kind() == Fault::Changed;
+        if (!isOfFile || (!m_writable && log.marked)) {
             throw;
         }
         if (m_writable) {

@@ -35,11 +35,10 @@ public:
     Page& Write(PageNumber page) override;
     PageNumber Append() override;
 
-    // Throws when another program has changed the file since it was read.
+    // Throws when another program has changed the file since it was read, or has removed it.
     void RequireUnchanged() const;
-    // Forgets all that was read, so that the file is read as it is now. What was committed and is not in the
-    // file yet is put aside with its log.
-    void Reload();
+    // Whether another file bears the name now.
+    bool IsReplaced() const;
 
     void BeginStatement();
     void Commit();
@@ -68,6 +67,7 @@ private:
     bool m_writable;
     QString m_logAside;
     std::unique_ptr<File> m_file;
+    quint64 m_identity = 0;  // of the file when it was opened
     FileStamp m_stamp;
     PageNumber m_fileCount = 0;  // pages in the file itself
     PageNumber m_count = 0;

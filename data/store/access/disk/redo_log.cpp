@@ -195,8 +195,11 @@ void RedoLog::WriteAgain() {
 }
 
 void RedoLog::Remove() {
+    const bool isMade = m_file != nullptr || m_end > 0;
     m_file.reset();
-    m_files->Remove(m_path);
+    if (isMade) {
+        m_files->Remove(m_path);
+    }
 }
 
 // The end moves on only when all is written. What a failed write left behind it is overwritten by the next

@@ -24,8 +24,14 @@ FailureKind KindOf(Fault fault) {
             return FailureKind::Damaged;
         case Fault::ReadOnly:
             return FailureKind::ReadOnly;
+        case Fault::InUse:
+            return FailureKind::Locked;
         case Fault::Changed:
             return FailureKind::FileChanged;
+        case Fault::Gone:
+            return FailureKind::FileGone;
+        case Fault::NoRoom:
+            return FailureKind::DiskFull;
         default:
             return FailureKind::Other;
     }
@@ -68,38 +74,47 @@ QStringList CheckAccessFile(const QString& path) {
 
 void AccessConnection::Open(const CString& connectionString, const CString& /*user*/,
                             const CString& /*password*/, int /*options*/) {
-    m_deadline.setRemainingTime(kTimeLimit);
-    AsProviderError([&] {
-        m_database = std::make_shared<Database>(m_files, NativePath(DataSource(connectionString)));
-        Load();
-    });
+    m_path = NativePath(DataSource(connectionString));
+    AsProviderError([&] { OpenPath(); });
 }
 
-void AccessConnection::Load() {
-    CheckBeforeWriting(*m_database, m_deadline);
+// What was open is closed first, because its lock file keeps everybody else from writing.
+void AccessConnection::OpenPath() {
+    m_engine.reset();
+    m_database.reset();
+    m_deadline.setRemainingTime(kTimeLimit);
+    auto database = std::make_shared<Database>(m_files, m_path);
+    CheckBeforeWriting(*database, m_deadline);
     sqlite3* handle = nullptr;
     const int result = sqlite3_open_v2(":memory:", &handle, SQLITE_OPEN_READWRITE, nullptr);
-    m_engine.reset(handle);
+    Engine engine(handle);
     if (result != SQLITE_OK) {
         throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
     }
     GuardEngine(handle, &m_deadline);
     m_deadline.setRemainingTime(kTimeLimit);
-    m_leftOut = DeclareTables(handle, m_database);
+    m_leftOut = DeclareTables(handle, database);
+    m_database = std::move(database);
+    m_engine = std::move(engine);
+    m_changedOutside = false;
 }
 
 std::unique_ptr<Recordset> AccessConnection::Execute(const CString& statement) {
-    if (m_engine == nullptr) {
+    if (m_path.isEmpty()) {
         throw ProviderError(QStringLiteral("the connection is not open"));
     }
-    m_deadline.setRemainingTime(kTimeLimit);
     return AsProviderError([&] {
+        if (m_engine == nullptr) {
+            OpenPath();
+        }
         SqliteStatement prepared = Prepare(statement);
-        if (m_changedOutside && sqlite3_stmt_readonly(prepared.get()) != 0) {
+        const bool writes = sqlite3_stmt_readonly(prepared.get()) == 0;
+        if ((m_changedOutside && !writes) || (!m_inSubmit && m_database->IsOutdated(writes))) {
             prepared.reset();
-            Reload();
+            Reopen();
             prepared = Prepare(statement);
         }
+        m_deadline.setRemainingTime(kTimeLimit);
         RequireUnchanged();
         auto rows = Run(std::move(prepared));
         if (!m_inSubmit) {
@@ -131,15 +146,12 @@ void AccessConnection::RequireUnchanged() {
     }
 }
 
-void AccessConnection::Reload() {
-    if (sqlite3_next_stmt(m_engine.get(), nullptr) != nullptr) {
+void AccessConnection::Reopen() {
+    if (m_engine != nullptr && sqlite3_next_stmt(m_engine.get(), nullptr) != nullptr) {
         throw ProviderError(
             QStringLiteral("the file has changed, and a query of its old state is still open"));
     }
-    m_engine.reset();
-    m_database->Reload();
-    Load();
-    m_changedOutside = false;
+    OpenPath();
 }
 
 void AccessConnection::PutOnDisk() {
@@ -164,6 +176,9 @@ SqliteStatement AccessConnection::Prepare(const CString& statement) const {
 
 void AccessConnection::BeginSubmit() {
     m_inSubmit = true;
+    if (m_database != nullptr && m_database->IsOutdated(true)) {
+        AsProviderError([&] { Reopen(); });
+    }
 }
 
 void AccessConnection::EndSubmit() {
@@ -190,6 +205,7 @@ void AccessConnection::Close() {
     }
     static_cast<void>(m_engine.release());
     m_database.reset();
+    m_path.clear();
 }
 
 }  // namespace quorvane

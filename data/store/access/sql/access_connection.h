@@ -32,7 +32,8 @@ public:
               int options) override;
     // Every statement that writes fails with the reason where the file is open for reading alone. When
     // another program has changed the file, one statement fails with that reason; from the next query on the
-    // file is read anew, and until then nothing is written.
+    // file is read anew, and until then nothing is written. A file that stands in the place of the open one,
+    // or may be written meanwhile, is opened by the next statement or submit.
     std::unique_ptr<Recordset> Execute(const CString& statement) override;
     void BeginSubmit() override;
     void EndSubmit() override;
@@ -47,15 +48,16 @@ private:
     };
     using Engine = std::unique_ptr<sqlite3, EngineCloser>;
 
-    void Load();
-    void Reload();
+    void OpenPath();
+    void Reopen();
     std::unique_ptr<Recordset> Run(SqliteStatement statement);
     void RequireUnchanged();
     SqliteStatement Prepare(const CString& statement) const;
     void PutOnDisk();
 
     access::FileSystem& m_files;
-    std::shared_ptr<access::Database> m_database;  // null: not open
+    CString m_path;
+    std::shared_ptr<access::Database> m_database;  // null: not open, or could not be opened anew
     std::map<CString, CString> m_leftOut;          // tables that cannot be shown, in lower case: why
     QDeadlineTimer m_deadline;                     // of the present statement
     Engine m_engine;

@@ -130,16 +130,26 @@ void SetMessage(char** place, const QString& message) {
 template <typename Action>
 int Run(char** message, const Action& action) {
     try {
-        action();
-        return SQLITE_OK;
-    } catch (const AccessError& error) {
-        SetMessage(message, error.Message());
+        try {
+            action();
+            return SQLITE_OK;
+        } catch (const AccessError& error) {
+            SetMessage(message, error.Message());
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (const std::exception& error) {
+            SetMessage(message, QString::fromLocal8Bit(error.what()));
+        }
+        return SQLITE_ERROR;
     } catch (const std::bad_alloc&) {
         return SQLITE_NOMEM;
-    } catch (const std::exception& error) {
-        SetMessage(message, QString::fromLocal8Bit(error.what()));
     }
-    return SQLITE_ERROR;
+}
+
+void RequireMemory(int result) {
+    if (result == SQLITE_NOMEM) {
+        throw std::bad_alloc();
+    }
 }
 template <typename Action>
 int Run(sqlite3_vtab* table, const Action& action) {
@@ -165,7 +175,9 @@ int Connect(sqlite3* engine, void* database, int /*count*/, const char* const* a
             columns += Quoted(column.name) + QLatin1String(DeclaredType(column.type));
         }
         const QString declaration = QStringLiteral("CREATE TABLE x(%1)").arg(columns.join(u','));
-        if (sqlite3_declare_vtab(engine, declaration.toUtf8().constData()) != SQLITE_OK) {
+        const int declared = sqlite3_declare_vtab(engine, declaration.toUtf8().constData());
+        RequireMemory(declared);
+        if (declared != SQLITE_OK) {
             throw AccessError(QString::fromUtf8(sqlite3_errmsg(engine)));
         }
         *table = made.release();
@@ -422,8 +434,9 @@ const sqlite3_module kModule{
 
 std::map<QString, QString> DeclareTables(sqlite3* engine, const std::shared_ptr<Database>& database) {
     using Owner = std::shared_ptr<Database>;
-    sqlite3_create_module_v2(engine, kModuleName, &kModule, std::make_unique<Owner>(database).release(),
-                             [](void* owner) { delete static_cast<Owner*>(owner); });
+    RequireMemory(sqlite3_create_module_v2(engine, kModuleName, &kModule,
+                                           std::make_unique<Owner>(database).release(),
+                                           [](void* owner) { delete static_cast<Owner*>(owner); }));
     std::map<QString, QString> leftOut;
     for (const CatalogEntry& entry : database->Catalog()) {
         if (entry.system) {
@@ -431,7 +444,9 @@ std::map<QString, QString> DeclareTables(sqlite3* engine, const std::shared_ptr<
         }
         const QString statement = QStringLiteral("CREATE VIRTUAL TABLE %1 USING %2")
                                       .arg(Quoted(entry.name), QLatin1String(kModuleName));
-        if (sqlite3_exec(engine, statement.toUtf8().constData(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+        const int declared = sqlite3_exec(engine, statement.toUtf8().constData(), nullptr, nullptr, nullptr);
+        RequireMemory(declared);
+        if (declared != SQLITE_OK) {
             leftOut[entry.name.toLower()] = QString::fromUtf8(sqlite3_errmsg(engine));
         }
     }

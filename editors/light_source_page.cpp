@@ -249,7 +249,9 @@ QStringList CQuorvaneLamphouseDlg::MakeEditsAgain(const QCborMap& kept) {
         (byMaker ? m_lastMaker : m_lastCategory) = ChosenEntry(list);
         Load();
     }
-    return quorvane::MakeEditsAgain(kept[kRecordsKey], m_records, m_grid);
+    return quorvane::MakeEditsAgain(
+        kept[kRecordsKey], m_records, m_grid,
+        {[this](std::vector<tagLAMPHOUSEINFO>& all) { return m_database.LoadAllLightSources(all); }});
 }
 
 // ---- Storing

@@ -169,7 +169,24 @@ QStringList CQuorvaneDemandDlg::MakeEditsAgain(const QCborMap& kept) {
     if (place != m_tree->invisibleRootItem()) {
         m_tree->setCurrentItem(place);
     }
-    return quorvane::MakeEditsAgain(kept[kRowsKey], m_records, m_grid);
+    return quorvane::MakeEditsAgain(
+        kept[kRowsKey], m_records, m_grid,
+        {[this](std::vector<tagILLUMINANCESTANDARD>& all) { return LoadAll(all); }});
+}
+
+bool CQuorvaneDemandDlg::LoadAll(std::vector<tagILLUMINANCESTANDARD>& all) {
+    std::vector<CString> vocations;
+    bool isWhole = m_database.LoadVocations(vocations);
+    for (const CString& vocation : vocations) {
+        std::vector<CString> buildingTypes;
+        isWhole = m_database.LoadBuildingTypes(vocation, buildingTypes) && isWhole;
+        for (const CString& buildingType : buildingTypes) {
+            std::vector<tagILLUMINANCESTANDARD> records;
+            isWhole = m_database.LoadIlluminanceStandards(vocation, buildingType, records) && isWhole;
+            all.insert(all.end(), records.begin(), records.end());
+        }
+    }
+    return isWhole;
 }
 
 // ---- Storing

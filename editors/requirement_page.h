@@ -32,6 +32,8 @@ private:
     RecordGridRules<tagILLUMINANCESTANDARD> Rules();
     void FillTree();
     void ChangeBuildingType(QTreeWidgetItem* item);
+    // The requirements of all building types. False when not all of them could be read.
+    bool LoadAll(std::vector<tagILLUMINANCESTANDARD>& all);
 
     CLightingDatabase& m_database;
     WorkingRecords<tagILLUMINANCESTANDARD> m_records;

@@ -2,7 +2,11 @@
 // a later run.
 #pragma once
 
+#include <algorithm>
+#include <functional>
+#include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "data/stored_records.h"
@@ -35,45 +39,83 @@ RecordEdits<Record> EditsOf(const WorkingRecords<Record>& records) {
     return result;
 }
 
+// An edit that could not be made again, and what the file holds of its record, if anything.
+template <typename Record>
+struct RefusedEdit {
+    RecordEdit<Record> edit;
+    std::optional<Record> present;
+};
+
+// Reads all records of the file. False when not all of them could be read.
+template <typename Record>
+using ReadAll = std::function<bool(std::vector<Record>& records)>;
+
+// The records of the file that are not among the loaded ones. They are read when the first is sought.
+template <typename Record>
+class RecordsElsewhere {
+public:
+    explicit RecordsElsewhere(ReadAll<Record> read) : m_read(std::move(read)) {}
+
+    const Record* Find(int id) {
+        if (m_read) {
+            m_isWhole = std::exchange(m_read, {})(m_records);
+        }
+        const auto found = std::find_if(m_records.begin(), m_records.end(),
+                                        [id](const Record& record) { return record.ID == id; });
+        return found == m_records.end() ? nullptr : &*found;
+    }
+    bool IsWhole() const { return m_isWhole; }
+
+private:
+    ReadAll<Record> m_read;
+    std::vector<Record> m_records;
+    bool m_isWhole = true;
+};
+
 // Makes the edits again, as one step, in records that have just been loaded. What the file holds already is
 // left alone: the end of the other run may have come during a submit. Returns the edits of records that are
-// not in the file as they were then.
+// not in the file, or not among the loaded ones, as they were then. newIds, if given, gets the IDs that the
+// new records have now, by those that they had.
 template <typename Record>
-std::vector<RecordEdit<Record>> MakeAgain(WorkingRecords<Record>& records, const RecordEdits<Record>& kept,
-                                          const CString& stepName) {
+std::vector<RefusedEdit<Record>> MakeAgain(WorkingRecords<Record>& records, const RecordEdits<Record>& kept,
+                                           const CString& stepName, const ReadAll<Record>& readAll,
+                                           std::map<int, int>* newIds = nullptr) {
     const StepScope step(records, stepName);
-    std::vector<RecordEdit<Record>> refused;
+    std::vector<RefusedEdit<Record>> refused;
     std::vector<Record> later;  // in the file since then
+    RecordsElsewhere<Record> elsewhere(readAll);
     records.ForEach([&](const Record& record) {
         if (record.ID > kept.highestId) {
             later.push_back(record);
         }
     });
     for (const RecordEdit<Record>& edit : kept.edits) {
-        const Record* present = edit.stored ? records.Find(edit.stored->ID) : nullptr;
         if (!edit.stored) {
             const auto written = std::find_if(later.begin(), later.end(), [&edit](const Record& record) {
                 Record sought = *edit.edited;
                 sought.ID = record.ID;
                 return IsSameInFile(record, sought);
             });
-            if (written == later.end()) {
-                records.Append(*edit.edited);
-            } else {
+            if (written != later.end()) {
                 later.erase(written);
+            } else if (const int id = records.Append(*edit.edited); newIds != nullptr) {
+                newIds->emplace(edit.edited->ID, id);
             }
-        } else if (present == nullptr) {
-            if (edit.edited) {
-                refused.push_back(edit);
-            }
-        } else if (edit.edited && IsSameInFile(*present, *edit.edited)) {
             continue;
-        } else if (!IsSameInFile(*present, *edit.stored)) {
-            refused.push_back(edit);
+        }
+        const Record* loaded = records.Find(edit.stored->ID);
+        const Record* present = loaded != nullptr ? loaded : elsewhere.Find(edit.stored->ID);
+        const bool isDone = present == nullptr ? !edit.edited && elsewhere.IsWhole()
+                                               : edit.edited && IsSameInFile(*present, *edit.edited);
+        if (isDone) {
+            continue;
+        }
+        if (loaded == nullptr || !IsSameInFile(*loaded, *edit.stored)) {
+            refused.push_back({edit, present == nullptr ? std::nullopt : std::optional(*present)});
         } else if (edit.edited) {
             records.Replace(*edit.edited);
         } else {
-            records.Remove(present->ID);
+            records.Remove(loaded->ID);
             records.SetModified();
         }
     }

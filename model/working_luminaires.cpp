@@ -329,4 +329,19 @@ WorkingLuminaires::Saved WorkingLuminaires::Paste(int id) {
     return saved;
 }
 
+std::map<int, WorkingLuminaires::Factors> WorkingLuminaires::PendingFactors() const {
+    std::map<int, Factors> pending;
+    for (const auto& [id, unsaved] : m_unsaved) {
+        if (unsaved.factors) {
+            pending.emplace(id, *unsaved.factors);
+        }
+    }
+    return pending;
+}
+
+void WorkingLuminaires::SetPendingFactors(int id, Factors factors) {
+    m_unsaved[id].factors = std::move(factors);
+    m_records.SetModified();
+}
+
 }  // namespace quorvane

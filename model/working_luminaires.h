@@ -67,10 +67,13 @@ public:
     // Puts the copy in the place of the record with that ID, or appends it for ID 0, and writes it at once.
     // The modified flag changes only when the copy could not be written.
     Saved Paste(int id);
+    // The pasted factors that are still to be written, by record ID.
+    using Factors = std::vector<tagLUMINAIREUTILIZATIONFACTOR>;
+    std::map<int, Factors> PendingFactors() const;
+    // Factors that the next submit is to put in the place of those of the record with that ID.
+    void SetPendingFactors(int id, Factors factors);
 
 private:
-    using Factors = std::vector<tagLUMINAIREUTILIZATIONFACTOR>;
-
     struct CopyBuffer {
         tagLUMINAIREINFO luminaire;  // empty: nothing copied
         PhotoLibrary::PictureCopy picture;

@@ -15,6 +15,7 @@
 #include "editors/grid_output.h"
 #include "editors/messages.h"
 #include "editors/view/foot_bar.h"
+#include "editors/view/grey_commands.h"
 #include "editors/view/grid_finder.h"
 #include "widgets/dialog_template.h"
 #include "widgets/guide_window.h"
@@ -283,6 +284,8 @@ void CCoefficientTableDlg::AddFinding() {
                                        return found;
                                    },
                                .matches = matches});
+    AddGreyReplacing(*m_grid, u"利用系数逐格修改,此表不提供替换"_s);
+    AddGreyArranging(*m_grid, u"列总是按反射比、行总是按%1排列"_s.arg(m_rowLabel));
 }
 
 // ---- Undo and redo

@@ -48,6 +48,7 @@ const CString kCaption = u"灯具库"_s;
 const CString kFilterKey = u"filter"_s;
 const CString kLuminairesKey = u"records"_s;
 const CString kFactorsKey = u"factorTable"_s;
+const CString kPastedKey = u"pasted"_s;
 // The keys that open every cell with a drop-down list.
 bool OpensDropDown(const QKeyEvent& event) {
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
@@ -336,7 +337,8 @@ void CQuorvaneLuminaireDlg::EditFactorTable() {
 
 int CQuorvaneLuminaireDlg::EditCount() const {
     const bool isTableEdited = m_factorTable != nullptr && m_factorTable->IsModified();
-    return m_luminaires.Records().EditCount() + (isTableEdited ? 1 : 0);
+    return m_luminaires.Records().EditCount() + static_cast<int>(m_luminaires.PendingFactors().size()) +
+           (isTableEdited ? 1 : 0);
 }
 
 std::function<QCborMap()> CQuorvaneLuminaireDlg::KeepEdits() const {
@@ -344,8 +346,14 @@ std::function<QCborMap()> CQuorvaneLuminaireDlg::KeepEdits() const {
     if (m_factorTable != nullptr && m_factorTable->IsModified()) {
         table = m_factorTable->KeepEdits();
     }
-    return [edits = EditsOf(m_luminaires.Records()), filter = m_filter->currentText(), table] {
+    return [edits = EditsOf(m_luminaires.Records()), filter = m_filter->currentText(), table,
+            pasted = m_luminaires.PendingFactors()] {
         QCborMap kept{{kFilterKey, filter}, {kLuminairesKey, ToCbor(edits)}};
+        QCborArray tables;
+        for (const auto& [id, factors] : pasted) {
+            tables.append(QCborArray{id, ToCbor(factors)});
+        }
+        kept.insert(kPastedKey, tables);
         if (table) {
             kept.insert(kFactorsKey, ToCbor(*table));
         }
@@ -360,7 +368,13 @@ QStringList CQuorvaneLuminaireDlg::MakeEditsAgain(const QCborMap& kept) {
         m_lastFilter = ChosenEntry(*m_filter);
         Load();
     }
-    QStringList refused = quorvane::MakeEditsAgain(kept[kLuminairesKey], m_luminaires.Records(), m_grid);
+    std::map<int, int> newIds;
+    QStringList refused = quorvane::MakeEditsAgain(
+        kept[kLuminairesKey], m_luminaires.Records(), m_grid,
+        {[this](std::vector<tagLUMINAIREINFO>& all) { return m_database.LoadAllLuminaires(all); }}, &newIds);
+    for (const auto& pasted : kept[kPastedKey].toArray()) {
+        refused += PasteFactorsAgain(pasted.toArray(), newIds);
+    }
     const auto table = ReadFactorTable(kept[kFactorsKey]);
     if (table) {
         const tagLUMINAIREINFO* luminaire = m_luminaires.Records().Find(table->luminaireId);
@@ -373,6 +387,21 @@ QStringList CQuorvaneLuminaireDlg::MakeEditsAgain(const QCborMap& kept) {
         }
     }
     return refused;
+}
+
+// Pasted factors that could not be written, [the luminaire's ID, the factors].
+QStringList CQuorvaneLuminaireDlg::PasteFactorsAgain(const QCborArray& pasted,
+                                                     const std::map<int, int>& newIds) {
+    int id = 0;
+    WorkingLuminaires::Factors factors;
+    const bool isRead = ReadCbor(pasted.at(0), id) && ReadCbor(pasted.at(1), factors);
+    const auto now = newIds.find(id);
+    id = now == newIds.end() ? id : now->second;
+    if (!isRead || m_luminaires.Records().Find(id) == nullptr) {
+        return {u"利用系数表: 上次粘贴而未写入的利用系数没有恢复,请重新粘贴"_s};
+    }
+    m_luminaires.SetPendingFactors(id, std::move(factors));
+    return {};
 }
 
 void CQuorvaneLuminaireDlg::OpenKeptDialog() {

@@ -72,6 +72,7 @@ private:
     void EditFactorTable();
     // Makes the dialog of the luminaire's factors, for EditFactorTable.
     void MakeFactorTable(const tagLUMINAIREINFO& record);
+    QStringList PasteFactorsAgain(const QCborArray& pasted, const std::map<int, int>& newIds);
 
     int SelectedRow();
     void Copy();

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "data/text_format.h"
+#include "editors/view/grey_commands.h"
 #include "model/light_source_text.h"
 #include "widgets/dialog_template.h"
 #include "widgets/screen_place.h"
@@ -30,6 +31,7 @@ constexpr QSize kTemplateSize(320, 188);
 constexpr int kLightSourceColumn = 2;
 
 const CString kCaption = u"混合光源设置"_s;
+const CString kShortList = u"一套灯具的光源不多,此表不提供查找和替换"_s;
 
 }  // namespace
 
@@ -43,6 +45,9 @@ CMixLuminaireSettingDlg::CMixLuminaireSettingDlg(CLightingDatabase& database, Re
     setFixedSize(DialogUnits(font()).ToPixels(kTemplateSize));
     PlaceOnScreen(this);
     m_grid.Create(kGrid, DialogItem(this, kGridFrame)->geometry(), SharesOf::ClientWidth);
+    AddGreyFinding(m_grid.Control(), kShortList);
+    AddGreyReplacing(m_grid.Control(), kShortList);
+    AddGreyArranging(m_grid.Control(), u"行的顺序就是灯具中各光源的顺序"_s);
     setTabOrder(&m_grid.Control(), DialogItem(this, kOk));
     m_grid.Control().setFocus();
 

@@ -35,6 +35,9 @@ void CellLineEdit::keyPressEvent(QKeyEvent* event) {
     } else if (event->keyCombination() == (Qt::CTRL | Qt::Key_Y)) {
         redo();  // its key on every platform; the toolkit knows it on one
         event->accept();
+    } else if (event->key() == Qt::Key_Menu || event->keyCombination() == (Qt::SHIFT | Qt::Key_F10)) {
+        PopUpMenu(mapToGlobal(cursorRect().bottomLeft()));  // the grid would end the edit and open its own
+        event->accept();
     } else {
         QLineEdit::keyPressEvent(event);
     }
@@ -50,6 +53,11 @@ void CellLineEdit::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void CellLineEdit::contextMenuEvent(QContextMenuEvent* event) {
+    PopUpMenu(event->reason() == QContextMenuEvent::Keyboard ? mapToGlobal(cursorRect().bottomLeft())
+                                                             : event->globalPos());
+}
+
+void CellLineEdit::PopUpMenu(const QPoint& globalPosition) {
     QMenu* menu = createStandardContextMenu();
     menu->setAttribute(Qt::WA_DeleteOnClose);
     // The toolkit gives its entry no other name than its text, in the user's language.
@@ -59,7 +67,7 @@ void CellLineEdit::contextMenuEvent(QContextMenuEvent* event) {
             connect(action, &QAction::triggered, this, [this] { Paste(QClipboard::Clipboard); });
         }
     }
-    menu->popup(event->globalPos());
+    menu->popup(globalPosition);
 }
 
 void CellLineEdit::dropEvent(QDropEvent* event) {

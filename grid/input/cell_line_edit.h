@@ -20,6 +20,7 @@ protected:
 
 private:
     void Paste(QClipboard::Mode mode);
+    void PopUpMenu(const QPoint& globalPosition);
 };
 
 }  // namespace quorvane

@@ -244,6 +244,7 @@ private Q_SLOTS:
 
     void PastesOverARow() {
         Fixture fixture;
+        fixture.file.Raw().Execute(u"update 灯具 set LampPhoto=''"_s);
         fixture.ChooseCategory(u"荧光灯"_s);
         fixture.PressButton(CopyButton, 5);  // nothing to copy
         QVERIFY(!DialogItem(fixture.page, PasteButton)->isEnabled());
@@ -252,12 +253,18 @@ private Q_SLOTS:
         QVERIFY(!fixture.page->IsModified());
         QVERIFY(!fixture.grid->IsCellEditable(2, LightSourceCount));
         QCOMPARE(fixture.Field("LampName", 32), u"混灯"_s);
+        fixture.PressButton(CopyButton, 1);
         fixture.log.failing = {u"insert "_s};
         fixture.PressButton(PasteButton, 5);
         QCOMPARE(fixture.answers.TakeSeen().size(), 1);
         QCOMPARE(fixture.grid->GetItemData(5, Number), -1);
         QCOMPARE(fixture.Row(6), u"追加|||0|0|0||直管:T8|0|0|0|||RCR|"_s);
         QVERIFY(fixture.page->IsModified());
+        Fixture later;
+        QVERIFY(later.page->MakeEditsAgain(fixture.page->KeepEdits()()).isEmpty());
+        later.Submit();
+        QCOMPARE(later.file.Raw().Text(u"select count(*) from 利用系数 where LuminaireID=35"_s), u"1"_s);
+        fixture.Activate();
         fixture.file.Raw().Execute(u"update 利用系数 set UtilizationFactor=null"_s);
         fixture.PressButton(CopyButton, 1);
         QCOMPARE(fixture.answers.TakeSeen().size(), 1);

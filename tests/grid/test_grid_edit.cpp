@@ -234,10 +234,11 @@ private Q_SLOTS:
         QVERIFY(grid.hasFocus());
 
         type(u"d"_s);
-        QContextMenuEvent ask(QContextMenuEvent::Mouse, {}, shown.Editor()->mapToGlobal(QPoint()));
-        QCoreApplication::sendEvent(shown.Editor(), &ask);
-        QVERIFY(QApplication::activePopupWidget() != nullptr);
-        QApplication::activePopupWidget()->close();
+        for (const QKeyCombination key : {QKeyCombination(Qt::Key_Menu), Qt::SHIFT | Qt::Key_F10}) {
+            QTest::keyClick(shown.Editor(), key.key(), key.keyboardModifiers());
+            QVERIFY(QApplication::activePopupWidget() != nullptr);
+            QApplication::activePopupWidget()->close();
+        }
         QVERIFY(grid.IsEditing());  // the editor's own menu is no other place
         QWidget second;
         second.show();

@@ -30,15 +30,20 @@ QCborValue Edits() {
 }
 
 // What a file with those fluxes of 1, 2, … shows once the edits are made again (-: removed, !: refused).
-QString MadeAgain(const std::vector<Record>& file) {
+QString MadeAgain(const std::vector<Record>& file, const std::vector<Record>& elsewhere = {},
+                  bool isWhole = true) {
     WorkingRecords<Record> records;
     records.TakeLoaded(file);
-    const auto refused = MakeAgain(records, *ReadEdits<Record>(Edits()), u"again"_s);
+    const auto refused = MakeAgain(records, *ReadEdits<Record>(Edits()), u"again"_s,
+                                   ReadAll<Record>([&](std::vector<Record>& all) {
+                                       all = elsewhere;
+                                       return isWhole;
+                                   }));
     QStringList texts;
     records.ForEach(
         [&](const Record& record) { texts += u"%1:%2"_s.arg(record.ID).arg(record.LuminousFlux); });
     for (const auto& edit : refused) {
-        texts += u"!%1"_s.arg(edit.stored->ID);
+        texts += u"!%1"_s.arg(edit.edit.stored->ID);
     }
     if (records.UndoName() != nullptr) {
         records.Undo();
@@ -65,6 +70,9 @@ private Q_SLOTS:
         for (const auto& [file, expected] : cases) {
             QCOMPARE(MadeAgain(file), expected);
         }
+        // Edited or removed records that are in the file, but not among the loaded ones.
+        QCOMPARE(MadeAgain({}, {Lamp(1, 11.5), Lamp(2, 20)}), u"-1:40 -2:40 !2"_s);
+        QCOMPARE(MadeAgain({Lamp(1, 10)}, {}, false), u"1:11.5 -1:40 -2:40 !2"_s);
     }
 
     void TheFileIsTakenAsAWholeOrNotAtAll() {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "editors/page.h"
-#include "model/kept_edits_file.h"
+#include "model/kept/kept_edits_file.h"
 
 namespace quorvane {
 

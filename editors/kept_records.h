@@ -4,7 +4,7 @@
 #include <QStringList>
 
 #include "editors/record_grid.h"
-#include "model/record_edits.h"
+#include "model/kept/record_edits.h"
 
 namespace quorvane {
 

@@ -8,6 +8,7 @@
 #include "editors/kept_records.h"
 #include "editors/submit.h"
 #include "model/light_source_categories.h"
+#include "model/view/pinyin_order.h"
 #include "widgets/dialog_template.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -24,9 +25,9 @@ constexpr int kGrid = 102;
 
 const DialogControl kTemplate[] = {
     {kByCategory, ControlKind::RadioButton, u"按光源类型显示", {28, 11, 70, 10}},
-    {kCategoryList, ControlKind::SortedDropDownList, u"", {100, 10, 100, 12}},
+    {kCategoryList, ControlKind::DropDownList, u"", {100, 10, 100, 12}},
     {kByMaker, ControlKind::RadioButton, u"按厂家显示", {260, 11, 54, 10}},
-    {kMakerList, ControlKind::SortedDropDownList, u"", {316, 10, 100, 12}},
+    {kMakerList, ControlKind::DropDownList, u"", {316, 10, 100, 12}},
     {kGridFrame, ControlKind::Frame, u"", {7, 30, 456, 203}},
 };
 
@@ -52,6 +53,8 @@ CQuorvaneLamphouseDlg::CQuorvaneLamphouseDlg(CLightingDatabase& database, Refere
     m_byMaker = DialogItem<QRadioButton>(this, kByMaker);
     m_categories = DialogItem<CEaseComboBox>(this, kCategoryList);
     m_makers = DialogItem<CEaseComboBox>(this, kMakerList);
+    m_categories->SetOrder(PinyinLess);
+    m_makers->SetOrder(PinyinLess);
     m_categories->setAccessibleName(m_byCategory->text());
     m_makers->setAccessibleName(m_byMaker->text());
     FillCategoryList();

@@ -3,8 +3,8 @@
 
 #include "data/records.h"
 #include "grid/grid_types.h"
-#include "model/photo_library.h"
-#include "model/working_records.h"
+#include "model/photo/photo_library.h"
+#include "model/records/working_records.h"
 #include "widgets/message_box.h"
 
 namespace quorvane {

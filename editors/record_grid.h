@@ -19,7 +19,7 @@
 #include "editors/undo_actions.h"
 #include "editors/view/record_arrangement.h"
 #include "grid/cells/btn_data_base.h"
-#include "model/working_records.h"
+#include "model/records/working_records.h"
 
 namespace quorvane {
 

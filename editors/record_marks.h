@@ -5,7 +5,7 @@
 
 #include "editors/column.h"
 #include "editors/messages.h"
-#include "model/working_records.h"
+#include "model/records/working_records.h"
 
 namespace quorvane {
 

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "data/lighting_database.h"
-#include "model/photo_library.h"
-#include "model/working_records.h"
+#include "model/photo/photo_library.h"
+#include "model/records/working_records.h"
 
 class QWidget;
 

@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "data/lighting_database.h"
-#include "model/photo_library.h"
+#include "model/photo/photo_library.h"
+#include "model/records/working_records.h"
 #include "model/reference_lists.h"
-#include "model/working_records.h"
 
 namespace quorvane {
 

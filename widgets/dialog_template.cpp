@@ -31,9 +31,7 @@ QWidget* CreateControl(ControlKind kind, const QString& text, QWidget* dialog) {
         case ControlKind::RadioButton:
             return new QRadioButton(text, dialog);
         case ControlKind::DropDownList:
-            return new CEaseComboBox(false, dialog);
-        case ControlKind::SortedDropDownList:
-            return new CEaseComboBox(true, dialog);
+            return new CEaseComboBox(dialog);
         case ControlKind::Label:
             return new QLabel(text, dialog);
         case ControlKind::Edit:

@@ -17,8 +17,7 @@ namespace quorvane {
 enum class ControlKind {
     PushButton,
     RadioButton,
-    DropDownList,        // CEaseComboBox in the order of insertion
-    SortedDropDownList,  // CEaseComboBox that sorts itself
+    DropDownList,  // CEaseComboBox
     Label,
     Edit,    // one line of text
     Frame,   // reserves a place, for instance for a grid; never shown

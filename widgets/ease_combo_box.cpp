@@ -3,17 +3,15 @@
 #include <QWheelEvent>
 #include <utility>
 
-#include "widgets/chinese_order.h"
-
 namespace quorvane {
 
-CEaseComboBox::CEaseComboBox(bool sorted, QWidget* parent) : QComboBox(parent), m_sorted(sorted) {
+CEaseComboBox::CEaseComboBox(QWidget* parent) : QComboBox(parent) {
     setMaxVisibleItems(16);
     connect(this, &QComboBox::activated, this, &CEaseComboBox::TakeChoice);
 }
 
 void CEaseComboBox::AddString(const QString& text) {
-    const int place = m_sorted ? PlaceOf(text) : count();
+    const int place = m_less ? PlaceOf(text) : count();
     const int selected = currentIndex();
     insertItem(place, text);
     // The base class selects the first entry that an empty list gets.
@@ -27,7 +25,7 @@ int CEaseComboBox::PlaceOf(const QString& text) const {
     int end = count();
     while (first < end) {
         const int middle = first + (end - first) / 2;
-        if (PinyinLess(text, itemText(middle))) {
+        if (m_less(text, itemText(middle))) {
             end = middle;
         } else {
             first = middle + 1;

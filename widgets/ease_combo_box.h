@@ -1,7 +1,9 @@
-// CEaseComboBox: a drop-down list of texts, optionally sorted by pinyin.
+// CEaseComboBox: a drop-down list of texts, in the order of insertion or sorted.
 #pragma once
 
 #include <QComboBox>
+#include <functional>
+#include <utility>
 #include <vector>
 
 namespace quorvane {
@@ -10,7 +12,11 @@ class CEaseComboBox : public QComboBox {
     Q_OBJECT
 
 public:
-    explicit CEaseComboBox(bool sorted, QWidget* parent);
+    explicit CEaseComboBox(QWidget* parent);
+
+    // Sorts what is added from now on. The order is a strict weak one.
+    using TextLess = std::function<bool(const QString& left, const QString& right)>;
+    void SetOrder(TextLess less) { m_less = std::move(less); }
 
     // Adds a text at its place (sorted) or at the end. The selection stays on the entry that it was on.
     void AddString(const QString& text);
@@ -41,7 +47,7 @@ private:
     // reaches the list a second time, when the list has closed.
     void TakeChoice();
 
-    bool m_sorted;
+    TextLess m_less;  // none: the order of insertion
     bool m_isChoiceDue = false;
     bool m_isInKeyPress = false;
 };

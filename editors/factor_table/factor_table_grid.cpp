@@ -9,7 +9,7 @@
 #include "editors/messages.h"
 #include "editors/user_settings.h"
 #include "grid/cells/cell_attributes.h"
-#include "model/index_after_change.h"
+#include "model/records/index_after_change.h"
 #include "model/text_checks.h"
 
 using namespace Qt::Literals::StringLiterals;

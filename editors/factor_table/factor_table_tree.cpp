@@ -4,7 +4,7 @@
 #include <QScrollBar>
 #include <memory>
 
-#include "model/index_after_change.h"
+#include "model/records/index_after_change.h"
 
 using namespace Qt::Literals::StringLiterals;
 

@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "widgets/chinese_order.h"
+#include "model/view/pinyin_order.h"
 
 using namespace Qt::Literals::StringLiterals;
 

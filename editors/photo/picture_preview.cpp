@@ -7,7 +7,7 @@
 #include <QPainter>
 
 #include "editors/photo/picture_wholeness.h"
-#include "model/photo_library.h"
+#include "model/photo/photo_library.h"
 
 using namespace Qt::Literals::StringLiterals;
 

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "model/factor_table/factor_table_editing.h"
-#include "model/record_cbor.h"
+#include "model/kept/record_cbor.h"
 
 namespace quorvane {
 

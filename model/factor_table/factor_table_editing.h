@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "data/utilization_factor_table.h"
-#include "model/edit_history.h"
 #include "model/factor_table/factor_block.h"
-#include "model/working_records.h"
+#include "model/records/edit_history.h"
+#include "model/records/working_records.h"
 
 namespace quorvane {
 

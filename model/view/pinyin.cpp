@@ -18,7 +18,7 @@ constexpr std::u16string_view kFirstOfInitial = u"阿八嚓咑妸发旮哈丌咔
 static_assert(kInitials.size() == kFirstOfInitial.size());
 
 char16_t Lookup(char16_t character) {
-    std::vector<CString> texts;
+    std::vector<QString> texts;
     for (const char16_t first : kFirstOfInitial) {
         texts.emplace_back(QChar(first));
     }

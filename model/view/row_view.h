@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "model/records/working_records.h"
 #include "model/view/sorting.h"
-#include "model/working_records.h"
 
 namespace quorvane {
 

@@ -14,7 +14,7 @@
 #include "editors/photo/drives.h"
 #include "editors/photo/photo_dialog.h"
 #include "editors/photo/picture_preview.h"
-#include "model/photo_library.h"
+#include "model/photo/photo_library.h"
 #include "tests/support/message_answers.h"
 #include "tests/support/unprivileged_scope.h"
 #include "widgets/dialog_template.h"

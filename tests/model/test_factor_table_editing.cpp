@@ -2,7 +2,7 @@
 
 #include "data/lighting_database.h"
 #include "model/factor_table/factor_table_editing.h"
-#include "model/index_after_change.h"
+#include "model/records/index_after_change.h"
 #include "tests/support/fake_connection.h"
 
 using namespace Qt::Literals::StringLiterals;

@@ -3,8 +3,8 @@
 #include <QTest>
 
 #include "model/factor_table/factor_table_cbor.h"
-#include "model/kept_edits_file.h"
-#include "model/record_edits.h"
+#include "model/kept/kept_edits_file.h"
+#include "model/kept/record_edits.h"
 #include "tests/support/fake_connection.h"
 
 using namespace Qt::Literals::StringLiterals;

@@ -3,7 +3,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "model/photo_library.h"
+#include "model/photo/photo_library.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;

@@ -2,7 +2,7 @@
 #include <QStringList>
 #include <QTest>
 
-#include "model/working_records.h"
+#include "model/records/working_records.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;

@@ -13,7 +13,7 @@
 #include <set>
 
 #include "data/records.h"
-#include "model/photo_copy.h"
+#include "model/photo/photo_copy.h"
 
 class QTemporaryDir;
 

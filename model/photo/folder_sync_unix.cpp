@@ -3,7 +3,7 @@
 
 #include <QFile>
 
-#include "model/folder_sync.h"
+#include "model/photo/folder_sync.h"
 
 namespace quorvane {
 

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "data/stored_records.h"
-#include "model/record_cbor.h"
-#include "model/working_records.h"
+#include "model/kept/record_cbor.h"
+#include "model/records/working_records.h"
 
 namespace quorvane {
 

@@ -1,4 +1,4 @@
-#include "model/kept_edits_file.h"
+#include "model/kept/kept_edits_file.h"
 
 #include <QCborValue>
 #include <QCryptographicHash>

@@ -1,4 +1,4 @@
-#include "model/folder_sync.h"
+#include "model/photo/folder_sync.h"
 
 namespace quorvane {
 

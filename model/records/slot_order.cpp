@@ -1,4 +1,4 @@
-#include "model/slot_order.h"
+#include "model/records/slot_order.h"
 
 #include <bit>
 #include <cstddef>

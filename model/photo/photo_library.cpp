@@ -1,4 +1,4 @@
-#include "model/photo_library.h"
+#include "model/photo/photo_library.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -12,7 +12,7 @@
 #include "data/database_path.h"
 #include "data/number_text.h"
 #include "model/async_reader.h"
-#include "model/folder_sync.h"
+#include "model/photo/folder_sync.h"
 
 using namespace Qt::Literals::StringLiterals;
 

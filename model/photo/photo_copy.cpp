@@ -1,4 +1,4 @@
-#include "model/photo_copy.h"
+#include "model/photo/photo_copy.h"
 
 #include <QDir>
 #include <QFile>

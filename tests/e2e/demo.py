@@ -17,9 +17,8 @@ from pathlib import Path
 import screen
 from driver import ProgramFolder
 from road_factor_table import factor_table_road
-from road_light_sources import light_source_road
 from road_luminaires import luminaire_road
-from road_requirements import requirement_road
+from road_records import light_source_road, requirement_road
 from story import Story
 
 ROADS = [light_source_road, requirement_road, factor_table_road, luminaire_road]

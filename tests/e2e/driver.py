@@ -1,12 +1,5 @@
 """Drives the program from outside: finds things as a screen reader does, acts by keys and mouse alone.
 
-    folder = ProgramFolder(Path("somewhere"), Path("build/release/bin"))
-    window = Program(folder).main_window()
-    window.choose("按光源类型显示", "直管荧光灯")
-    window.enter(0, "光通量", "2650")
-    window.press_button("提交")
-    print(folder.rows("光源"))
-
 What is found are objects of Debian's bindings to AT-SPI. It runs under tests/e2e/virtual_screen.
 """
 
@@ -118,11 +111,6 @@ class ProgramFolder:
         shutil.copy2(Path(binaries) / "quorvane", self.program)
         subprocess.run([Path(binaries) / "quorvane-sample-database", *option, self.database], check=True, timeout=120,
                        stdout=subprocess.DEVNULL)
-
-    def first_category(self):
-        """ID and LamphouseType of the category of the first light source."""
-        tables = self.everything()
-        return next(row for row in tables["光源类别"] if row["ID"] == tables["光源"][0]["LamphouseType"])
 
     def photos(self):
         """Name -> content of the files in the photo library."""

@@ -132,22 +132,17 @@ def compare(story, after, new):
     """The new rows of the file against what was typed and chosen."""
     categories = {row["LamphouseType"]: row["ID"] for row in after["光源类别"]}
     sources = {f"{row['LamphouseName']}:{row['LamphouseModel']}": row["ID"] for row in after["光源"]}
-
-    def wanted(typed, categories_ticked, source_texts, counts):
-        return {"LampName": typed["灯具名称"], "LampModel": typed["灯具型号"],
-                "LuminaireEfficiency": float(typed["灯具效率"]), "MaxLhAA": float(typed["A-A"]),
-                "MaxLhBB": float(typed["B-B"]),
-                "LamphouseTypeID": ",".join(str(categories[name]) for name in categories_ticked),
-                "DefaultLamphouse": ",".join(str(sources[text]) for text in source_texts),
-                "LamphouseCount": ",".join(map(str, counts))}
-
-    plain = wanted(PLAIN, PLAIN_CATEGORIES, [PLAIN_SOURCE], [2]) | {"UtilizationFactorType": 1}
-    mixed = wanted(MIXED, MIXED_CATEGORIES, [source for _, source, _ in MIXED_SOURCES],
-                   [count for *_, count in MIXED_SOURCES]) | {"UtilizationFactorType": 0, "LampPhoto": ""}
     for row in new:
         is_plain = row["LampModel"] == PLAIN["灯具型号"]
-        if is_plain:
-            plain["LampPhoto"] = f"\\Vexal\\LuminairePhotoLib\\{row['ID']}.jpg"
-        story.expect({**row, **(plain if is_plain else mixed)} == row, f"a new luminaire is {row}")
+        typed, ticked, chosen = ((PLAIN, PLAIN_CATEGORIES, [(PLAIN_SOURCE, 2)]) if is_plain else
+                                 (MIXED, MIXED_CATEGORIES, [(source, count) for _, source, count in MIXED_SOURCES]))
+        name, model, *numbers = typed.values()
+        wanted = {"LampName": name, "LampModel": model, "UtilizationFactorType": int(is_plain),
+                  **dict(zip(("LuminaireEfficiency", "MaxLhAA", "MaxLhBB"), map(float, numbers))),
+                  "LamphouseTypeID": ",".join(str(categories[category]) for category in ticked),
+                  "DefaultLamphouse": ",".join(str(sources[source]) for source, _ in chosen),
+                  "LamphouseCount": ",".join(str(count) for _, count in chosen),
+                  "LampPhoto": f"\\Vexal\\LuminairePhotoLib\\{row['ID']}.jpg" if is_plain else ""}
+        story.expect({**row, **wanted} == row, f"a new luminaire is {row}")
         story.expect(factors_of(row["ID"], after) == (FACTORS if is_plain else {}),
                      f"the factors of {row['LampName']} are {factors_of(row['ID'], after)}")

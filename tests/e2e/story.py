@@ -35,16 +35,6 @@ class Story:
         self.tell("submitting")
         self.window.submit()
 
-    def append_and_submit(self, headings, values, before, pictures):
-        """Types the values into the cells of the append row under the headings, and submits. One picture each."""
-        row = self.window.append_row()
-        self.window.type_along(row, dict(zip(headings, map(str, values))))
-        self.show(pictures[0])
-        self.expect(self.folder.everything() == before, "the file was changed before the data were submitted")
-        self.submit()
-        self.window.wait_for_cell(row, "序号", f"{row + 1}")
-        self.show(pictures[1])
-
     def changes(self, before, *tables):
         """Table -> (what changed rows were, what they are now, new rows), printed for the reader. Fails when a row
         is gone, or when a table that is not among the named ones was changed."""
@@ -61,11 +51,3 @@ class Story:
                 for row in shown:
                     print(f"  {title}{table}: {', '.join(f'{name} {value}' for name, value in row.items())}")
         return result
-
-    def expect_one_changed_one_new(self, table, before, told_by, typed, added):
-        """Fails unless the table was changed by just these two: the row that was told by some of its values is as
-        it was but for those typed over, and one with the values `added` is new."""
-        old, now, new = self.changes(before, table)[table]
-        self.expect(len(now) == 1 and now[0] == {**old[0], **told_by, **typed} and old[0] == {**old[0], **told_by},
-                    f"the changed rows are {now}")
-        self.expect(len(new) == 1 and new[0] == {**new[0], **added}, f"the new rows are {new}")

@@ -15,6 +15,13 @@ import screen
 from driver import Program, ProgramFolder
 
 BINARIES = Path(sys.argv.pop(1)).resolve()
+# What is typed over the first row under each tab: tab, how its rows are chosen, heading, text; table and column.
+EDITS = (("光源库", lambda window: window.choose("按光源类型显示", "T5直管荧光灯"), "光通量", "4321",
+          "光源", "LuminousFlux"),
+         ("灯具库", lambda window: window.choose("灯具类型:", "混光灯"), "灯具效率", "43.25",
+          "灯具", "LuminaireEfficiency"),
+         ("照度要求及功率密度", lambda window: (window.expand("公共建筑"), window.click_tree("办公建筑")),
+          "照度标准值", "4327", "照度要求及功率密度", "IlluminanceStandard"))
 
 
 class Roads(unittest.TestCase):
@@ -34,6 +41,26 @@ class Roads(unittest.TestCase):
 
     def start(self, *arguments):
         return Program(self.folder, *arguments)
+
+    def start_and_edit(self):
+        """Types the EDITS; no change between the tabs asks anything, and nothing is in the file yet."""
+        before = self.folder.everything()
+        program = self.start()
+        window = program.main_window()
+        for tab, choose_rows, heading, text, *_ in EDITS:
+            window.show_tab(tab)
+            choose_rows(window)
+            window.wait_for_cell(0, "序号", "1")
+            window.enter(0, heading, text)
+        self.assertEqual(self.folder.everything(), before)
+        return program, before
+
+    def expect_edits_in_the_file(self, before):
+        after = self.folder.everything()
+        for *_, text, table, column in EDITS:
+            changed = [(old, new) for old, new in zip(before.pop(table), after.pop(table), strict=True) if old != new]
+            self.assertEqual([new for _, new in changed], [{**changed[0][0], column: float(text)}], table)
+        self.assertEqual(after, before)
 
     def kept_files(self):
         return (Path(os.environ["XDG_CONFIG_HOME"]) / "quorvane").glob("edits-*.cbor")
@@ -60,35 +87,22 @@ class Roads(unittest.TestCase):
             program.wait_for_end()
 
     def test_edits_outlive_a_killed_program(self):
-        before = self.folder.everything()
-        program = self.start()
-        window = program.main_window()
-        window.choose("按光源类型显示", self.folder.first_category()["LamphouseType"])
-        window.enter(0, "光通量", "4321")
-        window.show_tab("灯具库")
-        window.choose("灯具类型:", "混光灯")
-        window.enter(0, "灯具效率", "43.25")
-        screen.wait_until(lambda: any(all(page in file.read_bytes() for page in (b"page 0", b"page 1"))
-                                      for file in self.kept_files()), "the edits of both pages are kept")
+        program, before = self.start_and_edit()
+        screen.wait_until(lambda: any(all(page in file.read_bytes() for page in (b"page 0", b"page 1", b"page 2"))
+                                      for file in self.kept_files()), "the edits of all pages are kept")
         program.process.kill()
         program.wait_for_end()
-        self.assertEqual(self.folder.everything(), before)
-
         program = self.start()
-        program.message("上次有 2 处未提交的修改,是否恢复?").press_button("是")
+        program.message("上次有 3 处未提交的修改,是否恢复?").press_button("是")
         window = program.main_window()
-        window.wait_for_cell(0, "光通量", "4321")
         self.assertEqual(self.folder.everything(), before)
-        window.submit()
-        window.show_tab("灯具库")
-        window.wait_for_cell(0, "灯具效率", "43.25")
-        window.submit()
+        for tab, _, heading, text, *_ in EDITS:
+            window.show_tab(tab)
+            window.wait_for_cell(0, heading, text)
+            window.submit()
         window.press_button("退出")
         self.assertEqual(program.wait_for_end(), 0)
-        after = self.folder.everything()
-        for table, column, value in (("光源", "LuminousFlux", 4321), ("灯具", "LuminaireEfficiency", 43.25)):
-            changed = [(old, new) for old, new in zip(before.pop(table), after.pop(table)) if old != new]
-            self.assertEqual([new for _, new in changed], [{**changed[0][0], column: value}], table)
+        self.expect_edits_in_the_file(before)
         self.assertEqual(list(self.kept_files()), [])
         program = self.start()  # nothing is left to be asked
         program.main_window().press_button("退出")
@@ -105,31 +119,14 @@ class Roads(unittest.TestCase):
         self.assertEqual(list(self.folder.database.parent.iterdir()), before)
 
     def test_leaving_settles_the_edits_of_every_page(self):
-        before = self.folder.everything()
         for answer in ("否", "是"):
-            self.assertEqual(self.folder.everything(), before)
-            program = self.start()
-            window = program.main_window()
-            window.choose("按光源类型显示", self.folder.first_category()["LamphouseType"])
-            window.enter(0, "光通量", "4321")
-            window.show_tab("灯具库")  # changing between the pages asks nothing
-            window.choose("灯具类型:", "混光灯")
-            window.enter(0, "灯具效率", "43.25")
-            window.show_tab("照度要求及功率密度")
-            window.expand("公共建筑")
-            window.click_tree("办公建筑")
-            window.wait_for_cell(0, "序号", "1")
-            window.enter(0, "照度标准值", "4327")
-            self.assertEqual(self.folder.everything(), before)
+            program, before = self.start_and_edit()
             screen.press("alt+F4")  # the window manager's own way to close a window
             program.message("数据未提交,是否提交?").press_button(answer)
             self.assertEqual(program.wait_for_end(), 0)
-        after = self.folder.everything()
-        for table, column, value in (("光源", "LuminousFlux", 4321), ("灯具", "LuminaireEfficiency", 43.25),
-                                     ("照度要求及功率密度", "IlluminanceStandard", 4327)):
-            changed = [(old, new) for old, new in zip(before.pop(table), after.pop(table)) if old != new]
-            self.assertEqual([new for _, new in changed], [{**changed[0][0], column: value}], table)
-        self.assertEqual(after, before)
+            if answer == "否":
+                self.assertEqual(self.folder.everything(), before)
+        self.expect_edits_in_the_file(before)
 
 
 if __name__ == "__main__":

@@ -51,24 +51,29 @@ private Q_SLOTS:
             QCOMPARE(fixture.grid->GetRowCount(), 1);
             fixture.Select(0, 0);
             fixture.Type(1, Illuminance, u"abc"_s);
+            fixture.Click(2, Location);
+            fixture.answers.Plan(u"是"_s);
+            fixture.page->DeleteSelected();
+            fixture.answers.TakeSeen();
             fixture.Type(1, ObjectiveLPD, u" 6.5 "_s);
-            fixture.Type(4, Ra, u"0"_s);
-            fixture.TypeOpen(4, Glare, u"-1"_s);
+            fixture.Type(3, Ra, u"0"_s);
+            fixture.TypeOpen(3, Glare, u"-1"_s);
             fixture.answers.Plan(submit ? u"是"_s : u"否"_s);
             fixture.Select(1, 0);
-            QCOMPARE(fixture.answers.TakeSeen(), QStringList(u"照度要求|数据已经修改是否提交?|是/否"_s));
+            QCOMPARE(fixture.Seen(), u"照度要求|数据已经修改是否提交?|是/否"_s);
             QCOMPARE(fixture.Rows(), QStringList({u"1|卧室|地面|7|6|75|0|80"_s, u"追加|||0|0|0|0|0"_s}));
             QVERIFY(!fixture.page->IsModified());
             QCOMPARE(fixture.File().first(), submit
                                                  ? u"1|'公共'|'办公'|'办公室'|'桌面'|11.0|6.5|0|19|80"_s
                                                  : u"1|'公共'|'办公'|'办公室'|'桌面'|11.0|9.0|300|19|80"_s);
-            QCOMPARE(fixture.File().value(5), submit ? u"6|'公共'|'办公'|''|''|0.0|0.0|0|-1|0"_s : QString());
+            QCOMPARE(fixture.File().value(submit ? 4 : 5),
+                     submit ? u"6|'公共'|'办公'|''|''|0.0|0.0|0|-1|0"_s : QString());
             fixture.Click(1, Location);
             fixture.answers.Plan(u"是"_s);
             QVERIFY(fixture.page->DeleteSelected() && fixture.page->Submit());
             QCOMPARE(fixture.File().filter(u"卧室"_s), QStringList());
-            QCOMPARE(fixture.answers.TakeSeen(),
-                     QStringList(u"照度要求|确定是否删除选中数据:第1行,卧室的全部信息?|是/否"_s));
+            QCOMPARE(fixture.File().filter(u"会议室"_s).isEmpty(), submit);  // not deleted after a No
+            QCOMPARE(fixture.Seen(), u"照度要求|确定是否删除选中数据:第1行,卧室的全部信息?|是/否"_s);
             fixture.Select(0);
             QCOMPARE(fixture.grid->GetRowCount(), 1);  // no append row
         }

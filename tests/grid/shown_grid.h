@@ -11,7 +11,8 @@
 namespace quorvane {
 
 // A window with a grid of `rows` x `columns`, one fixed row, and a line edit below it to move the focus to.
-// Every cell reads "row,column".
+// Every cell reads "row,column". The grid is reached like something pointed to; what the user does stands
+// here.
 struct ShownGrid {
     QWidget window;
     CGridCtrl* grid = nullptr;
@@ -37,6 +38,8 @@ struct ShownGrid {
         grid->setFocus();
     }
 
+    CGridCtrl* operator->() const { return grid; }
+    CGridCtrl* get() const { return grid; }
     QLineEdit* Editor() const { return grid->findChild<QLineEdit*>(QStringLiteral("gridInPlaceEdit")); }
     QPoint Middle(int row, int column) const { return grid->CellRect(row, column).center(); }
     void Click(int row, int column, Qt::KeyboardModifiers modifiers = {}) const {
@@ -45,6 +48,21 @@ struct ShownGrid {
     void DoubleClick(int row, int column) const {
         Click(row, column);
         QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, Middle(row, column));
+    }
+    void Drag(QPoint from, QPoint to, Qt::KeyboardModifiers modifiers = {}) const {
+        QTest::mousePress(grid->viewport(), Qt::LeftButton, {}, from);
+        QTest::mouseMove(grid->viewport(), to);
+        QTest::mouseRelease(grid->viewport(), Qt::LeftButton, modifiers, to);
+    }
+    // The texts of the cells, joined by blanks.
+    QString Texts(const CCellRange& range) const {
+        QStringList texts;
+        for (int row = range.minRow; row <= range.maxRow; ++row) {
+            for (int column = range.minCol; column <= range.maxCol; ++column) {
+                texts << grid->GetItemText(row, column);
+            }
+        }
+        return texts.join(u' ');
     }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const {
         QTest::keyClick(grid, key, modifiers);

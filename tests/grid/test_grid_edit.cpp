@@ -34,50 +34,48 @@ class TestGridEdit : public QObject {
 
 private Q_SLOTS:
     void waysIn() {
-        const ShownGrid shown(5, 3);
-        CGridCtrl& grid = *shown.grid;
-        const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
-        shown.DoubleClick(2, 1);
-        QCOMPARE(shown.Editor()->selectedText(), u"2,1"_s);
-        QVERIFY(grid.CellRect(2, 1).contains(shown.Editor()->geometry()));
-        grid.EndEdit();
+        const ShownGrid grid(5, 3);
+        const QSignalSpy ended(grid.get(), &CGridCtrl::EndLabelEdit);
+        grid.DoubleClick(2, 1);
+        QCOMPARE(grid.Editor()->selectedText(), u"2,1"_s);
+        QVERIFY(grid->CellRect(2, 1).contains(grid.Editor()->geometry()));
+        grid->EndEdit();
         QCOMPARE(ended.count(), 1);  // also when nothing was changed
         QCOMPARE(ended.at(0), (QVariantList{2, 1}));
-        shown.Key(Qt::Key_F2);
-        QVERIFY(shown.Editor()->selectedText().isEmpty());
-        QTest::keyClicks(shown.Editor(), u"x"_s);
-        QCOMPARE(grid.Cell(2, 1)->GetText(), u"2,1"_s);  // not before the end
-        grid.EndEdit();
-        QCOMPARE(grid.GetItemText(2, 1), u"2,1x"_s);
-        QTest::keyClicks(&grid, u"9"_s);
-        QCOMPARE(shown.Editor()->text(), u"9"_s);
-        grid.EndEdit();
-        QCOMPARE(grid.GetItemText(2, 1), u"9"_s);
-        shown.Key(Qt::Key_Delete);
-        QCOMPARE(grid.GetItemText(2, 1), QString());
+        grid.Key(Qt::Key_F2);
+        QVERIFY(grid.Editor()->selectedText().isEmpty());
+        QTest::keyClicks(grid.Editor(), u"x"_s);
+        QCOMPARE(grid->Cell(2, 1)->GetText(), u"2,1"_s);  // not before the end
+        grid->EndEdit();
+        QCOMPARE(grid->GetItemText(2, 1), u"2,1x"_s);
+        QTest::keyClicks(grid.get(), u"9"_s);
+        QCOMPARE(grid.Editor()->text(), u"9"_s);
+        grid->EndEdit();
+        QCOMPARE(grid->GetItemText(2, 1), u"9"_s);
+        grid.Key(Qt::Key_Delete);
+        QCOMPARE(grid->GetItemText(2, 1), QString());
         QCOMPARE(ended.count(), 4);
-        shown.Click(3, 1, Qt::ShiftModifier);
-        shown.Key(Qt::Key_Delete);
-        QCOMPARE(grid.GetItemText(3, 1), QString());
+        grid.Click(3, 1, Qt::ShiftModifier);
+        grid.Key(Qt::Key_Delete);
+        QCOMPARE(grid->GetItemText(3, 1), QString());
 
-        shown.Click(1, 0);
+        grid.Click(1, 0);
         // A text that no line edit can hold passes through one unharmed.
         const QString odd = u"  a\nb\tc\x01"_s + QString(40'000, u'光') + u" <b>%s'😀 "_s;
-        grid.SetItemText(1, 0, odd);
-        shown.Key(Qt::Key_F2);
-        grid.EndEdit();
-        QVERIFY(grid.GetItemText(1, 0) == odd);
-        shown.Key(Qt::Key_F2);
-        grid.SetItemText(1, 0, u"set meanwhile"_s);
-        grid.EndEdit();
-        QCOMPARE(grid.GetItemText(1, 0), u"set meanwhile"_s);
+        grid->SetItemText(1, 0, odd);
+        grid.Key(Qt::Key_F2);
+        grid->EndEdit();
+        QVERIFY(grid->GetItemText(1, 0) == odd);
+        grid.Key(Qt::Key_F2);
+        grid->SetItemText(1, 0, u"set meanwhile"_s);
+        grid->EndEdit();
+        QCOMPARE(grid->GetItemText(1, 0), u"set meanwhile"_s);
     }
 
     // An input method drops its composition when the keyboard focus changes, as the real ones do.
     void inputMethodTypesOntoACell() {
-        const ShownGrid shown(5, 3);
-        CGridCtrl& grid = *shown.grid;
-        grid.SetFocusCell({2, 1});
+        const ShownGrid grid(5, 3);
+        grid->SetFocusCell({2, 1});
         const auto send = [](const QString& preedit, const QString& commit) {
             QInputMethodEvent event(preedit, {});
             event.setCommitString(commit);
@@ -86,40 +84,39 @@ private Q_SLOTS:
         };
         for (const QString& preedit : {u"n"_s, u"ni"_s, u"ni hao"_s}) {
             send(preedit, {});
-            QVERIFY(shown.Editor() != nullptr && QApplication::focusObject() == &grid);
+            QVERIFY(grid.Editor() != nullptr && QApplication::focusObject() == grid.get());
         }
-        const QRect caret = grid.inputMethodQuery(Qt::ImCursorRectangle).toRect();
-        QVERIFY(grid.CellRect(2, 1).contains(caret.translated(-grid.viewport()->pos()).center()));
+        const QRect caret = grid->inputMethodQuery(Qt::ImCursorRectangle).toRect();
+        QVERIFY(grid->CellRect(2, 1).contains(caret.translated(-grid->viewport()->pos()).center()));
         send({}, u"你好"_s);
-        QVERIFY(shown.Editor()->hasFocus());
+        QVERIFY(grid.Editor()->hasFocus());
         send(u"m"_s, {});
         send({}, u"吗"_s);
-        QTest::keyClick(shown.Editor(), Qt::Key_Return);
-        QCOMPARE(grid.GetItemText(2, 1), u"你好吗"_s);
-        grid.CancelEdit();
+        QTest::keyClick(grid.Editor(), Qt::Key_Return);
+        QCOMPARE(grid->GetItemText(2, 1), u"你好吗"_s);
+        grid->CancelEdit();
 
         send(u"n"_s, {});
-        QTest::keyClick(&grid, Qt::Key_Escape);
-        QVERIFY(!grid.IsEditing() && grid.hasFocus());
+        QTest::keyClick(grid.get(), Qt::Key_Escape);
+        QVERIFY(!grid->IsEditing() && grid->hasFocus());
         send({}, u"光"_s);  // a whole word at once
-        shown.other->setFocus();
-        QCOMPARE(grid.GetItemText(3, 1), u"光"_s);
-        grid.setFocus();
+        grid.other->setFocus();
+        QCOMPARE(grid->GetItemText(3, 1), u"光"_s);
+        grid->setFocus();
         send(u"g"_s, u"灯"_s);
-        shown.other->setFocus();
-        QVERIFY(!grid.IsEditing());
-        QCOMPARE(grid.GetItemText(3, 1), u"灯g"_s);  // also what was still being composed
+        grid.other->setFocus();
+        QVERIFY(!grid->IsEditing());
+        QCOMPARE(grid->GetItemText(3, 1), u"灯g"_s);  // also what was still being composed
     }
 
     void pastedLineEndsAreDropped() {
-        const ShownGrid shown(3, 2);
-        CGridCtrl& grid = *shown.grid;
+        const ShownGrid grid(3, 2);
         QApplication::clipboard()->setText(u"450\r\n"_s);
         const std::function<void()> ways[]{
-            [&] { QTest::keySequence(shown.Editor(), QKeySequence(QKeySequence::Paste)); },
+            [&] { QTest::keySequence(grid.Editor(), QKeySequence(QKeySequence::Paste)); },
             [&] {
-                QContextMenuEvent ask(QContextMenuEvent::Mouse, {}, shown.Editor()->mapToGlobal(QPoint()));
-                QCoreApplication::sendEvent(shown.Editor(), &ask);
+                QContextMenuEvent ask(QContextMenuEvent::Mouse, {}, grid.Editor()->mapToGlobal(QPoint()));
+                QCoreApplication::sendEvent(grid.Editor(), &ask);
                 QWidget* menu = QApplication::activePopupWidget();
                 for (QAction* action : menu->actions()) {
                     if (action->text().contains(u"Paste")) {
@@ -132,44 +129,42 @@ private Q_SLOTS:
                 QMimeData text;
                 text.setText(u"450\r\n"_s);
                 QDragEnterEvent enter({}, Qt::CopyAction, &text, Qt::LeftButton, {});
-                QCoreApplication::sendEvent(shown.Editor(), &enter);
+                QCoreApplication::sendEvent(grid.Editor(), &enter);
                 QDropEvent drop({}, Qt::CopyAction, &text, Qt::LeftButton, {});
-                QCoreApplication::sendEvent(shown.Editor(), &drop);
+                QCoreApplication::sendEvent(grid.Editor(), &drop);
             }};
         for (const auto& paste : ways) {
-            grid.SetItemText(1, 1, {});
-            grid.BeginEdit(1, 1);
+            grid->SetItemText(1, 1, {});
+            grid->BeginEdit(1, 1);
             paste();
-            grid.EndEdit();
-            QCOMPARE(grid.GetItemText(1, 1), u"450"_s);
+            grid->EndEdit();
+            QCOMPARE(grid->GetItemText(1, 1), u"450"_s);
         }
     }
 
     void notEditableCells() {
-        const ShownGrid shown(4, 3, 1, 1);
-        CGridCtrl& grid = *shown.grid;
-        grid.SetItemState(2, 1, CellState::ReadOnly);
-        const QSignalSpy clicked(&grid, &CGridCtrl::CellClicked);
-        shown.DoubleClick(2, 1);
-        QTest::mouseRelease(grid.viewport(), Qt::LeftButton, {}, shown.Middle(2, 1));
-        QVERIFY(!grid.IsEditing() && clicked.count() == 1);  // the second press is no second click
-        shown.Click(2, 1);
+        const ShownGrid grid(4, 3, 1, 1);
+        grid->SetItemState(2, 1, CellState::ReadOnly);
+        const QSignalSpy clicked(grid.get(), &CGridCtrl::CellClicked);
+        grid.DoubleClick(2, 1);
+        QTest::mouseRelease(grid->viewport(), Qt::LeftButton, {}, grid.Middle(2, 1));
+        QVERIFY(!grid->IsEditing() && clicked.count() == 1);  // the second press is no second click
+        grid.Click(2, 1);
         QCOMPARE(clicked.count(), 2);
-        QVERIFY(!grid.inputMethodQuery(Qt::ImEnabled).toBool());
-        shown.DoubleClick(2, 0);
-        QVERIFY(!grid.IsEditing());
-        QVERIFY(!grid.BeginEdit(0, 1) && !grid.BeginEdit(9, 9));
+        QVERIFY(!grid->inputMethodQuery(Qt::ImEnabled).toBool());
+        grid.DoubleClick(2, 0);
+        QVERIFY(!grid->IsEditing());
+        QVERIFY(!grid->BeginEdit(0, 1) && !grid->BeginEdit(9, 9));
     }
 
     // At the foot of a column the next number must not fall upon the one just typed.
     void keysGoOnToTheNextCell() {
-        const ShownGrid shown(6, 4);
-        CGridCtrl& grid = *shown.grid;
-        shown.other->setFocus();
-        QTest::keyClick(shown.other, Qt::Key_Backtab, Qt::ShiftModifier);
-        QCOMPARE(grid.GetFocusCell(), (CCellID{1, 0}));
-        grid.SetItemState(4, 0, CellState::ReadOnly);
-        grid.SetColumnWidth(2, 0);  // hidden
+        const ShownGrid grid(6, 4);
+        grid.other->setFocus();
+        QTest::keyClick(grid.other, Qt::Key_Backtab, Qt::ShiftModifier);
+        QCOMPARE(grid->GetFocusCell(), (CCellID{1, 0}));
+        grid->SetItemState(4, 0, CellState::ReadOnly);
+        grid->SetColumnWidth(2, 0);  // hidden
         constexpr auto kShift = Qt::ShiftModifier;
         const struct {
             CCellID from;
@@ -192,145 +187,138 @@ private Q_SLOTS:
                   {{3, 3}, Qt::Key_Tab, {}, {4, 1}, true, false},
                   {{4, 1}, Qt::Key_Backtab, kShift, {3, 3}, true, false},
                   {{5, 3}, Qt::Key_Tab, {}, {5, 3}, false, false}};
-        const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
+        const QSignalSpy ended(grid.get(), &CGridCtrl::EndLabelEdit);
         for (const auto& [from, key, modifiers, to, isEdited, byColumns] : cases) {
-            grid.SetTypesByColumns(byColumns);
-            grid.BeginEdit(from.row, from.col);
-            QTest::keyClicks(shown.Editor(), u"new"_s);
-            QTest::keyClick(shown.Editor(), key, modifiers);
-            QCOMPARE(grid.GetItemText(from.row, from.col), u"new"_s);
-            QCOMPARE(grid.GetFocusCell(), to);
-            QVERIFY(grid.IsEditing() == isEdited && grid.hasFocus() != isEdited);
-            QVERIFY(!isEdited || shown.Editor()->selectedText() == grid.GetItemText(to.row, to.col));
-            grid.CancelEdit();
+            grid->SetTypesByColumns(byColumns);
+            grid->BeginEdit(from.row, from.col);
+            QTest::keyClicks(grid.Editor(), u"new"_s);
+            QTest::keyClick(grid.Editor(), key, modifiers);
+            QCOMPARE(grid->GetItemText(from.row, from.col), u"new"_s);
+            QCOMPARE(grid->GetFocusCell(), to);
+            QVERIFY(grid->IsEditing() == isEdited && grid->hasFocus() != isEdited);
+            QVERIFY(!isEdited || grid.Editor()->selectedText() == grid->GetItemText(to.row, to.col));
+            grid->CancelEdit();
         }
         QCOMPARE(ended.count(), qsizetype(std::size(cases)));
-        shown.Key(Qt::Key_Tab);  // without an edit the last cell's Tab leaves the grid
-        QVERIFY(shown.other->hasFocus());
-        connect(&grid, &CGridCtrl::EndLabelEdit, &grid, [&grid] { grid.InsertRow({}); });
-        grid.BeginEdit(5, 1);
-        QTest::keyClick(shown.Editor(), Qt::Key_Return);
-        QVERIFY(grid.IsEditing() && grid.GetFocusCell() == (CCellID{6, 1}));
+        grid.Key(Qt::Key_Tab);  // without an edit the last cell's Tab leaves the grid
+        QVERIFY(grid.other->hasFocus());
+        connect(grid.get(), &CGridCtrl::EndLabelEdit, grid.get(), [&grid] { grid->InsertRow({}); });
+        grid->BeginEdit(5, 1);
+        QTest::keyClick(grid.Editor(), Qt::Key_Return);
+        QVERIFY(grid->IsEditing() && grid->GetFocusCell() == (CCellID{6, 1}));
     }
 
     void waysOut() {
-        ShownGrid shown(4, 2);
-        CGridCtrl& grid = *shown.grid;
-        const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
+        ShownGrid grid(4, 2);
+        const QSignalSpy ended(grid.get(), &CGridCtrl::EndLabelEdit);
         const auto type = [&](const QString& text) {
-            grid.BeginEdit(2, 0);
-            QTest::keyClicks(shown.Editor(), text);
+            grid->BeginEdit(2, 0);
+            QTest::keyClicks(grid.Editor(), text);
         };
         type(u"a"_s);
-        shown.Click(3, 1);
-        QCOMPARE(grid.GetItemText(2, 0), u"a"_s);
-        QCOMPARE(grid.GetFocusCell(), (CCellID{3, 1}));
+        grid.Click(3, 1);
+        QCOMPARE(grid->GetItemText(2, 0), u"a"_s);
+        QCOMPARE(grid->GetFocusCell(), (CCellID{3, 1}));
         type(u"b"_s);
-        QTest::mouseClick(shown.other, Qt::LeftButton);
-        QCOMPARE(grid.GetItemText(2, 0), u"b"_s);
+        QTest::mouseClick(grid.other, Qt::LeftButton);
+        QCOMPARE(grid->GetItemText(2, 0), u"b"_s);
         type(u"x"_s);
-        QTest::keyClick(shown.Editor(), Qt::Key_Escape);
-        QCOMPARE(grid.GetItemText(2, 0), u"b"_s);
-        QVERIFY(grid.hasFocus());
+        QTest::keyClick(grid.Editor(), Qt::Key_Escape);
+        QCOMPARE(grid->GetItemText(2, 0), u"b"_s);
+        QVERIFY(grid->hasFocus());
 
         type(u"d"_s);
         for (const QKeyCombination key : {QKeyCombination(Qt::Key_Menu), Qt::SHIFT | Qt::Key_F10}) {
-            QTest::keyClick(shown.Editor(), key.key(), key.keyboardModifiers());
+            QTest::keyClick(grid.Editor(), key.key(), key.keyboardModifiers());
             QVERIFY(QApplication::activePopupWidget() != nullptr);
             QApplication::activePopupWidget()->close();
         }
-        QVERIFY(grid.IsEditing());  // the editor's own menu is no other place
+        QVERIFY(grid->IsEditing());  // the editor's own menu is no other place
         QWidget second;
         second.show();
         second.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&second));
         QCOMPARE(ended.count(), 2);
-        QCOMPARE(shown.Editor()->text(), u"d"_s);  // another window is no other place either
-        shown.window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&shown.window));
-        QVERIFY(grid.BeginEdit(1, 0));  // another cell's edit ends this one
-        QCOMPARE(grid.GetItemText(2, 0), u"d"_s);
-        QCOMPARE(shown.Editor()->text(), u"1,0"_s);
+        QCOMPARE(grid.Editor()->text(), u"d"_s);  // another window is no other place either
+        grid.window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&grid.window));
+        QVERIFY(grid->BeginEdit(1, 0));  // another cell's edit ends this one
+        QCOMPARE(grid->GetItemText(2, 0), u"d"_s);
+        QCOMPARE(grid.Editor()->text(), u"1,0"_s);
     }
 
     void editorFollowsItsCell() {
-        const ShownGrid shown(100, 2);
-        CGridCtrl& grid = *shown.grid;
-        const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
-        grid.BeginEdit(5, 0);
-        QTest::keyClicks(shown.Editor(), u"x"_s);
-        grid.verticalScrollBar()->setValue(20);
-        QCOMPARE(shown.Editor()->geometry().topLeft(), grid.CellRect(5, 0).topLeft());
-        grid.verticalScrollBar()->setValue(grid.GetRowHeight(1) * 4 + 5);  // half below the heading
-        QCOMPARE(shown.Editor()->mask().boundingRect().top(), 5);
-        grid.InsertRow({}, 2);
-        grid.DeleteRow(80);
-        grid.EndEdit();
-        QCOMPARE(grid.GetItemText(6, 0), u"x"_s);
-        grid.BeginEdit(6, 0);
-        grid.DeleteRow(6);
-        QVERIFY(!grid.IsEditing());
-        grid.BeginEdit(2, 1);
-        grid.SetFixedRowCount(3);
-        QVERIFY(!grid.IsEditing());
+        const ShownGrid grid(100, 2);
+        const QSignalSpy ended(grid.get(), &CGridCtrl::EndLabelEdit);
+        grid->BeginEdit(5, 0);
+        QTest::keyClicks(grid.Editor(), u"x"_s);
+        grid->verticalScrollBar()->setValue(20);
+        QCOMPARE(grid.Editor()->geometry().topLeft(), grid->CellRect(5, 0).topLeft());
+        grid->verticalScrollBar()->setValue(grid->GetRowHeight(1) * 4 + 5);  // half below the heading
+        QCOMPARE(grid.Editor()->mask().boundingRect().top(), 5);
+        grid->InsertRow({}, 2);
+        grid->DeleteRow(80);
+        grid->EndEdit();
+        QCOMPARE(grid->GetItemText(6, 0), u"x"_s);
+        grid->BeginEdit(6, 0);
+        grid->DeleteRow(6);
+        QVERIFY(!grid->IsEditing());
+        grid->BeginEdit(2, 1);
+        grid->SetFixedRowCount(3);
+        QVERIFY(!grid->IsEditing());
         QCOMPARE(ended.count(), 1);
-        QVERIFY(grid.BeginEdit(90, 1));
-        QVERIFY(grid.viewport()->rect().contains(shown.Editor()->geometry()));
-        grid.SetFixedColumnCount(2);
-        QVERIFY(!grid.IsEditing());
+        QVERIFY(grid->BeginEdit(90, 1));
+        QVERIFY(grid->viewport()->rect().contains(grid.Editor()->geometry()));
+        grid->SetFixedColumnCount(2);
+        QVERIFY(!grid->IsEditing());
     }
 
-    void handlerRefillsTheGrid() {
-        const ShownGrid shown(60, 2);
-        CGridCtrl& grid = *shown.grid;
-        const auto refill = connect(&grid, &CGridCtrl::EndLabelEdit, &grid, [&grid] {
-            grid.SetRowCount(1);
-            grid.SetRowCount(60);
-            grid.SetItemText(42, 0, u"new"_s);
+    void handlerRefillsOrDestroysTheGrid() {
+        const ShownGrid grid(60, 2);
+        const auto refill = connect(grid.get(), &CGridCtrl::EndLabelEdit, grid.get(), [&grid] {
+            grid->SetRowCount(1);
+            grid->SetRowCount(60);
+            grid->SetItemText(42, 0, u"new"_s);
         });
-        grid.BeginEdit(41, 0);
-        QTest::keyClick(shown.Editor(), Qt::Key_Return);
-        QCOMPARE(grid.GetFocusCell(), (CCellID{42, 0}));
-        QCOMPARE(shown.Editor()->text(), u"new"_s);
+        grid->BeginEdit(41, 0);
+        QTest::keyClick(grid.Editor(), Qt::Key_Return);
+        QCOMPARE(grid->GetFocusCell(), (CCellID{42, 0}));
+        QCOMPARE(grid.Editor()->text(), u"new"_s);
         disconnect(refill);
-        connect(&grid, &CGridCtrl::EndLabelEdit, &grid, &CGridCtrl::DeleteAllItems);
-        shown.Click(grid.GetFocusCell().row - 1, 1);  // ends the edit, and then there is nothing left to hit
-        QVERIFY(!grid.IsEditing());
-        QCOMPARE(grid.GetFocusCell(), CCellID());
-    }
-
-    void handlerDestroysTheGrid() {
+        connect(grid.get(), &CGridCtrl::EndLabelEdit, grid.get(), &CGridCtrl::DeleteAllItems);
+        grid.Click(grid->GetFocusCell().row - 1, 1);  // ends the edit, and then there is nothing left to hit
+        QVERIFY(!grid->IsEditing());
+        QCOMPARE(grid->GetFocusCell(), CCellID());
         for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Tab, Qt::Key_Down}) {
-            const ShownGrid shown(4, 2);
-            const QPointer<CGridCtrl> grid(shown.grid);
-            connect(grid, &CGridCtrl::EndLabelEdit, this, [grid] { delete grid.data(); });
-            grid->BeginEdit(1, 0);
-            QTest::keyClick(shown.Editor(), key);
-            QVERIFY(grid.isNull());
+            const ShownGrid other(4, 2);
+            const QPointer<CGridCtrl> destroyed(other.grid);
+            connect(destroyed, &CGridCtrl::EndLabelEdit, this, [destroyed] { delete destroyed.data(); });
+            destroyed->BeginEdit(1, 0);
+            QTest::keyClick(other.Editor(), key);
+            QVERIFY(destroyed.isNull());
         }
     }
 
     void listByMouse() {
-        ShownGrid shown(4, 3);
-        CGridCtrl& grid = *shown.grid;
-        shown.MakeCombo(2, 1, {u"RCR"_s, u"2,1"_s, u"荧光灯"_s});
-        shown.Click(2, 1);
+        ShownGrid grid(4, 3);
+        grid.MakeCombo(2, 1, {u"RCR"_s, u"2,1"_s, u"荧光灯"_s});
+        grid.Click(2, 1);
         QVERIFY(List() == nullptr);  // the first click only gives the focus
-        shown.Click(2, 1);
+        grid.Click(2, 1);
         QCOMPARE(List()->currentItem()->text(), u"2,1"_s);
         const QRect third = List()->visualItemRect(List()->item(2));
         QTest::mouseClick(List()->viewport(), Qt::LeftButton, {}, third.center());
         QVERIFY(List() == nullptr);
-        QCOMPARE(grid.GetItemText(2, 1), u"荧光灯"_s);
+        QCOMPARE(grid->GetItemText(2, 1), u"荧光灯"_s);
         // At the bottom of the screen the list goes up.
-        const QRect screen = shown.window.screen()->availableGeometry();
-        shown.window.move(screen.bottomLeft() - QPoint(0, 100));
-        shown.Key(Qt::Key_F4);
+        const QRect screen = grid.window.screen()->availableGeometry();
+        grid.window.move(screen.bottomLeft() - QPoint(0, 100));
+        grid.Key(Qt::Key_F4);
         QVERIFY(List() != nullptr && screen.contains(List()->geometry()));
         QTest::keyClick(List(), Qt::Key_Escape);
-        const std::function<void()> changes[]{[&] { grid.DeleteRow(3); }, [&] { grid.RemakeRow(2); }};
+        const std::function<void()> changes[]{[&] { grid->DeleteRow(3); }, [&] { grid->RemakeRow(2); }};
         for (const auto& change : changes) {
-            shown.Click(2, 1);
+            grid.Click(2, 1);
             QVERIFY(List() != nullptr && List()->hasFocus());
             change();
             QVERIFY(List() == nullptr);
@@ -338,11 +326,10 @@ private Q_SLOTS:
     }
 
     void listByKeys() {
-        const ShownGrid shown(4, 3);
-        CGridCtrl& grid = *shown.grid;
-        shown.MakeCombo(2, 1, {u"RCR"_s, u"RI"_s, u"荧光灯"_s});
-        grid.SetFocusCell({2, 1});
-        const QSignalSpy ended(&grid, &CGridCtrl::EndLabelEdit);
+        const ShownGrid grid(4, 3);
+        grid.MakeCombo(2, 1, {u"RCR"_s, u"RI"_s, u"荧光灯"_s});
+        grid->SetFocusCell({2, 1});
+        const QSignalSpy ended(grid.get(), &CGridCtrl::EndLabelEdit);
         const struct {
             QString before;
             Qt::Key opens;
@@ -357,41 +344,38 @@ private Q_SLOTS:
             {u"RI"_s, Qt::Key_F4, {}, {Qt::Key_R, Qt::Key_C, Qt::Key_Enter}, u"RCR"_s, 1},
             {u"none of them"_s, Qt::Key_F4, {}, {Qt::Key_Return, Qt::Key_Escape}, u"none of them"_s, 0}};
         for (const auto& [before, opens, modifiers, keys, after, edits] : cases) {
-            grid.SetItemText(2, 1, before);
+            grid->SetItemText(2, 1, before);
             const qsizetype editsBefore = ended.count();
-            shown.Key(opens, modifiers);
+            grid.Key(opens, modifiers);
             for (const Qt::Key key : keys) {
                 QVERIFY(List() != nullptr);
                 QTest::keyClick(List(), key);
             }
             QVERIFY(List() == nullptr);
-            QCOMPARE(grid.GetItemText(2, 1), after);
+            QCOMPARE(grid->GetItemText(2, 1), after);
             QCOMPARE(ended.count(), editsBefore + edits);
         }
-        grid.SetItemState(2, 1, CellState::DropDown | CellState::ReadOnly);
-        shown.Key(Qt::Key_F4);
+        grid->SetItemState(2, 1, CellState::DropDown | CellState::ReadOnly);
+        grid.Key(Qt::Key_F4);
         QVERIFY(List() == nullptr);
     }
 
     void pushButtonByMouseAndKey() {
-        const ShownGrid shown(4, 3);
-        CGridCtrl& grid = *shown.grid;
-        shown.MakeButton(2, 2, BtnState::PushButton, u"利用系数表"_s);
-        const QSignalSpy pressed(&grid, &CGridCtrl::ButtonClicked);
-        const QSignalSpy clicked(&grid, &CGridCtrl::CellClicked);
-        shown.Click(2, 2);
+        const ShownGrid grid(4, 3);
+        grid.MakeButton(2, 2, BtnState::PushButton, u"利用系数表"_s);
+        const QSignalSpy pressed(grid.get(), &CGridCtrl::ButtonClicked);
+        const QSignalSpy clicked(grid.get(), &CGridCtrl::CellClicked);
+        grid.Click(2, 2);
         QCOMPARE(pressed.count(), 1);
         QCOMPARE(pressed.at(0), (QVariantList{2, 2, 0}));
         QCOMPARE(clicked.count(), 0);
-        shown.Key(Qt::Key_Space);
+        grid.Key(Qt::Key_Space);
         QCOMPARE(pressed.count(), 2);
-        QTest::mousePress(grid.viewport(), Qt::LeftButton, {}, shown.Middle(2, 2));
-        QTest::mouseMove(grid.viewport(), shown.Middle(1, 0));
-        QTest::mouseRelease(grid.viewport(), Qt::LeftButton, {}, shown.Middle(1, 0));
+        grid.Drag(grid.Middle(2, 2), grid.Middle(1, 0));
         QCOMPARE(pressed.count(), 2);
-        shown.Key(Qt::Key_F2);
-        QTest::keyClicks(&grid, u"a"_s);
-        QVERIFY(!grid.IsEditing());
+        grid.Key(Qt::Key_F2);
+        QTest::keyClicks(grid.get(), u"a"_s);
+        QVERIFY(!grid->IsEditing());
     }
 };
 

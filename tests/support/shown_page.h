@@ -7,6 +7,8 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QTest>
+#include <QTimer>
+#include <functional>
 #include <memory>
 
 #include "data/lighting_database.h"
@@ -21,6 +23,26 @@
 
 namespace quorvane {
 
+// Waits for the modal dialog of that name, then works in it.
+class DialogAnswer : public QObject {
+public:
+    DialogAnswer(const QString& name, std::function<void(QWidget*)> work) {
+        connect(&m_timer, &QTimer::timeout, this, [this, name, work = std::move(work)] {
+            QWidget* dialog = QApplication::activeModalWidget();
+            if (dialog != nullptr && dialog->objectName() == name && dialog->isVisible()) {
+                m_timer.stop();
+                WasShown = true;
+                work(dialog);
+            }
+        });
+        m_timer.start(5);
+    }
+    bool WasShown = false;
+
+private:
+    QTimer m_timer;
+};
+
 struct WorkedGrid {
     void Show(QWidget* window) {
         m_window = window;
@@ -28,17 +50,15 @@ struct WorkedGrid {
         window->show();
         Activate();
     }
-    // Again the window that keys go to, also after a message box.
+    // Again the window that keys go to. A message box may take them first, so it is asked for more than once.
     void Activate() {
-        // A message box may take the keys first. Once it is answered the window is asked again.
-        bool active = false;
-        for (int attempt = 0; attempt < 3 && !active; ++attempt) {
+        for (int attempt = 0; attempt < 3; ++attempt) {
             m_window->activateWindow();
-            active = QTest::qWaitForWindowActive(m_window, 1000);
+            if (QTest::qWaitForWindowActive(m_window, 1000)) {
+                return;
+            }
         }
-        if (!active) {
-            qFatal("the window was not activated");
-        }
+        qFatal("the window was not activated");
     }
     void Press(int id) { QTest::mouseClick(DialogItem(m_window, id), Qt::LeftButton); }
 
@@ -121,6 +141,9 @@ struct WorkedGrid {
         }
         return rows;
     }
+
+    // The boxes shown since the last call, one a line.
+    QString Seen() { return answers.TakeSeen().join(u'\n'); }
 
     MessageAnswers answers;
     CGridCtrl* grid = nullptr;

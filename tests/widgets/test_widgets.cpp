@@ -40,7 +40,6 @@ struct Window : QWidget {
     Window() {
         resize(500, 300);
         other.setGeometry(10, 10, 100, 30);
-        other.installEventFilter(this);
         connect(&other, &QPushButton::clicked, this, [this] { ++clicks; });
         connect(&timer, &QTimer::timeout, this, [this] { ++ticks; });
         show();
@@ -52,10 +51,6 @@ struct Window : QWidget {
         timer.start(0);
     }
     void paintEvent(QPaintEvent* /*event*/) override { ++paintings; }
-    bool eventFilter(QObject* /*receiver*/, QEvent* event) override {
-        reached += event->type() == QEvent::MouseButtonPress || event->type() == QEvent::KeyPress ? 1 : 0;
-        return false;
-    }
 
     // A click and a key, queued as they are while the program is busy.
     void Strike() {
@@ -95,7 +90,7 @@ struct Window : QWidget {
     QTimer timer;
     QPointer<QProgressBar> bar;
     bool barSeen = false;
-    int clicks = 0, reached = 0, ticks = 0, ticksDuringSubmit = 0, paintings = 0;
+    int clicks = 0, ticks = 0, ticksDuringSubmit = 0, paintings = 0;
 };
 
 }  // namespace
@@ -240,7 +235,6 @@ private Q_SLOTS:
             QCoreApplication::processEvents();
             // Two strikes of a mouse click and a key each.
             QCOMPARE(window.clicks, shows ? 0 : 4);
-            QCOMPARE(window.reached, shows ? 0 : 4);
             QTRY_VERIFY(window.ticks > 0);
             window.clicks = 0;
             window.Strike();

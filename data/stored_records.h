@@ -8,16 +8,22 @@
 #include <utility>
 #include <vector>
 
-#include "data/records.h"
+#include "data/connection.h"
 
 namespace quorvane {
 
 // Whether a record stands in the file as it is shown, and if not, why not.
 enum class Unwritten {
     No,
-    Failed,    // its statement failed
-    Missing,   // the file has no such record, although its statement ran
-    Different  // another program has changed it since, or the store did not keep a value as it was
+    Failed,        // its statement failed
+    Missing,       // the file has no such record, although its statement ran
+    Different,     // another program has changed it since, or the store did not keep a value as it was
+    PartDifferent  // the same of what is stored together with it
+};
+
+struct UnwrittenReason {
+    Unwritten why = Unwritten::No;
+    ProviderFailure cause = {};  // of the failed statement
 };
 
 // Whether two records are the same in the file, which keeps six digits of a real.

@@ -246,7 +246,9 @@ bool UtilizationFactorTable::Submit(const ProgressCallback& progress) {
     int done = 0;
     m_unwrittenCount = 0;
     const auto count = [&](bool written) {
-        m_unwrittenCount += written ? 0 : 1;
+        if (!written && ++m_unwrittenCount == 1) {
+            m_firstFailure = m_database->LastFailure();
+        }
         ++done;
         if (progress) {
             progress(done, static_cast<int>(total));
@@ -256,6 +258,7 @@ bool UtilizationFactorTable::Submit(const ProgressCallback& progress) {
     WriteSurplus(count);
     WriteDeletions(count);
     if (!submit.Finish()) {
+        m_firstFailure = m_unwrittenCount == 0 ? m_database->LastFailure() : m_firstFailure;
         m_unwrittenCount = done;
     }
     CompareWithFile();
@@ -352,7 +355,7 @@ void UtilizationFactorTable::WriteFactors(const CountCallback& count) {
         const bool written = factor.ID == 0 ? m_database->InsertUtilizationFactor(factor)
                                             : m_database->UpdateUtilizationFactor(factor);
         if (!written) {
-            m_unwrittenRows[factor.RCR_RI] = Unwritten::Failed;
+            m_unwrittenRows[factor.RCR_RI] = {Unwritten::Failed, m_database->LastFailure()};
         }
         count(written);
     }
@@ -377,14 +380,14 @@ void UtilizationFactorTable::CompareWithFile() {
     m_unreadCount = 0;
     for (const std::vector<Factor>* factors : {&m_factors, &m_surplus}) {
         for (const Factor& factor : *factors) {
-            if (WhyUnwritten(factor.RCR_RI) == Unwritten::Failed) {
+            if (WhyUnwritten(factor.RCR_RI).why == Unwritten::Failed) {
                 continue;
             }
             const std::optional<Unwritten> why = file.Compare(factor);
             m_unreadCount += why ? 0 : 1;
             if (why.value_or(Unwritten::No) != Unwritten::No) {
                 ++m_differentCount;
-                m_unwrittenRows[factor.RCR_RI] = *why;
+                m_unwrittenRows[factor.RCR_RI] = {*why};
             }
         }
     }

@@ -106,10 +106,12 @@ public:
     int DifferentCount() const { return m_differentCount; }
     // The factors of which that could not be found out.
     int UnreadCount() const { return m_unreadCount; }
+    // Why the first of these statements failed.
+    const ProviderFailure& FirstFailure() const { return m_firstFailure; }
     // Whether and why a factor of that row value is not in the file after the last submit.
-    Unwritten WhyUnwritten(double rowValue) const {
+    UnwrittenReason WhyUnwritten(double rowValue) const {
         const auto found = m_unwrittenRows.find(rowValue);
-        return found == m_unwrittenRows.end() ? Unwritten::No : found->second;
+        return found == m_unwrittenRows.end() ? UnwrittenReason() : found->second;
     }
 
 private:
@@ -150,9 +152,10 @@ private:
     std::vector<Factor> m_surplus;
     std::vector<int> m_failedDeletions;
     int m_unwrittenCount = 0;
+    ProviderFailure m_firstFailure;
     int m_differentCount = 0;
     int m_unreadCount = 0;
-    std::map<double, Unwritten> m_unwrittenRows;
+    std::map<double, UnwrittenReason> m_unwrittenRows;
     bool m_whole = true;
 };
 

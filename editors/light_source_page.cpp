@@ -265,7 +265,7 @@ bool CQuorvaneLamphouseDlg::Submit() {
         .insert = [this](tagLAMPHOUSEINFO& record) { return m_database.InsertLightSource(record); },
         .update = [this](tagLAMPHOUSEINFO& record) { return m_database.UpdateLightSource(record); },
         .remove = [this](int id) { return m_database.DeleteLightSource(id); },
-        .cause = [this] { return m_database.LastFailure(); }};
+        .cause = [this] { return WriteFailure{m_database.LastFailure()}; }};
     RunSubmit(
         this, kCaption, m_database,
         {.write = [&](const ProgressCallback& progress) { return m_records.Submit(statements, progress); },

@@ -22,6 +22,8 @@ CString PhotoProblemText(PhotoProblem problem) {
             return u"所选图片不存在、不能读取、不是普通文件,或大于64MB。"_s;
         case PhotoProblem::LinkedLibrary:
             return u"图片库文件夹是一个链接,只能读取,不能写入。"_s;
+        case PhotoProblem::NoTemporaryCopy:
+            return u"换到其他灯具的图片不能先复制一份(图片不能读取,或临时文件夹只读、已满)。"_s;
         default:
             return u"图片库不能写入(文件夹只读、磁盘已满,或其中有同名的链接或文件夹)。"_s;
     }
@@ -44,9 +46,9 @@ CString HeadingOf(const CString& column) {
 }
 
 CString UnwritableText(const ProviderFailure& failure, int row) {
-    const CString place = failure.column.isEmpty() || row == 0
-                              ? u"文字"_s
-                              : FormatText(u"第%d行“%s”一列"_s, {row, HeadingOf(failure.column)});
+    const CString inRow = row == 0 ? CString() : FormatText(u"第%d行"_s, {row});
+    const CString place =
+        failure.column.isEmpty() ? u"文字"_s : inRow + FormatText(u"“%s”一列"_s, {HeadingOf(failure.column)});
     switch (failure.kind) {
         case FailureKind::EmptyText:
             return place +
@@ -160,8 +162,7 @@ void TellIncompleteLoadSoon(QWidget* parent, const CString& caption) {
     QTimer::singleShot(0, parent, [parent, caption] { TellIncompleteLoad(parent, caption); });
 }
 
-void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures,
-                  PhotoProblem photoProblem) {
+void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures) {
     if (failures.None()) {
         if (failures.unread > 0) {
             ShowMessage(parent, FormatText(u"数据已经提交,但有%d条未能重新读取核对。"_s, {failures.unread}),
@@ -178,29 +179,34 @@ void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures&
     }
     if (failures.photos > 0) {
         text += FormatText(u"其中%d个灯具的图片未能存入图片库:%s\n"_s,
-                           {failures.photos, PhotoProblemText(photoProblem)});
+                           {failures.photos, PhotoProblemText(failures.photoProblem)});
     }
     if (failures.different > 0) {
         text += FormatText(u"有%d条数据提交后与数据库文件中的不同,行号已标红,鼠标停在行号上可见说明。\n"_s,
                            {failures.different});
     }
-    if (failures.writes > failures.photos || failures.deletes > 0) {
+    if (failures.writes + failures.deletes > failures.photos) {
         text += CauseText(failures.cause, failures.row);
     }
     text += u"请排除后再次提交。"_s;
     ShowMessage(parent, text, caption);
 }
 
-CString UnwrittenTip(Unwritten why) {
+CString UnwrittenTip(Unwritten why, const WriteFailure& failure) {
     switch (why) {
         case Unwritten::No:
             return {};
         case Unwritten::Failed:
-            return u"这一行上次提交时未能写入或删除。"_s;
+            return u"这一行上次提交时未能写入或删除。\n"_s +
+                   (failure.photo == PhotoProblem::None
+                        ? CauseText(failure.cause, 0)
+                        : u"原因:图片未能存入图片库。"_s + PhotoProblemText(failure.photo));
         case Unwritten::Missing:
             return u"数据库文件中没有这一行,可能已被其他程序删除。如需保留,请在“追加”行重新输入。"_s;
         case Unwritten::Different:
             return u"数据库文件中的这一行与显示的不同:提交时被其他程序改动,或有内容不能按原样保存。"_s;
+        case Unwritten::PartDifferent:
+            return u"数据库文件中的利用系数与粘贴的不同:提交时被其他程序改动,或有内容不能按原样保存。再次提交会重新写入。"_s;
     }
     return {};
 }

@@ -33,11 +33,10 @@ void TellReplaced(QWidget* parent, const CString& caption, const Replacement& re
 void TellIncompleteLoad(QWidget* parent, const CString& caption, const ProviderFailure& failure = {});
 // The same from the event loop, for a page that is not shown yet.
 void TellIncompleteLoadSoon(QWidget* parent, const CString& caption);
-// Tells what is not in the file after a submit, if anything; photoProblem is that of the photos among it.
-void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures,
-                  PhotoProblem photoProblem = PhotoProblem::None);
+// Tells what is not in the file after a submit, if anything.
+void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures);
 // The tip of a marked row; empty for one that is not marked.
-CString UnwrittenTip(Unwritten why);
+CString UnwrittenTip(Unwritten why, const WriteFailure& failure);
 // The tip of a cell that shows another text than the record in the file.
 CString StoredValueTip(const CString& stored);
 // The lines that are not empty.

@@ -23,7 +23,7 @@ public:
         if (id == 0 || !m_records.IsChanged(id)) {
             return above;
         }
-        if (m_records.Stored(id) == nullptr) {
+        if (IsNew(id)) {
             return above | (column == 0 ? CellMark::New : 0U);
         }
         return above | (column == 0 || IsChanged(id, column) ? CellMark::Changed : 0U);
@@ -32,13 +32,19 @@ public:
         if (column > 0) {
             return IsChanged(id, column) ? StoredValueTip(At(column).show(*m_records.Stored(id))) : CString();
         }
+        const auto unwritten = m_records.WhyUnwritten(id);
         return JoinLines(
-            {UnwrittenTip(m_records.WhyUnwritten(id)),
-             id != 0 && m_records.Stored(id) == nullptr ? QStringLiteral("新行,尚未提交。") : CString(),
+            {UnwrittenTip(unwritten.why, unwritten.failure),
+             IsNew(id) ? QStringLiteral("新行,尚未提交。") : CString(),
              removedAbove > 0 ? QStringLiteral("上方已删除%1行,尚未提交。").arg(removedAbove) : CString()});
     }
 
 private:
+    // Whether the next submit inserts the record. One that has gone from the file is inserted no more.
+    bool IsNew(int id) const {
+        return id != 0 && m_records.Stored(id) == nullptr &&
+               m_records.WhyUnwritten(id).why != Unwritten::Missing;
+    }
     // Whether the file has the record, and it shows another text there.
     bool IsChanged(int id, int column) const {
         const Record* stored = id == 0 || !m_records.IsChanged(id) ? nullptr : m_records.Stored(id);

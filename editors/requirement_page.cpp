@@ -198,7 +198,7 @@ bool CQuorvaneDemandDlg::Submit() {
         .insert = [this](Record& record) { return m_database.InsertIlluminanceStandard(record); },
         .update = [this](Record& record) { return m_database.UpdateIlluminanceStandard(record); },
         .remove = [this](int id) { return m_database.DeleteIlluminanceStandard(id); },
-        .cause = [this] { return m_database.LastFailure(); }};
+        .cause = [this] { return WriteFailure{m_database.LastFailure()}; }};
     StoredRecords<Record> file([](const Record& record) { return record.BuildingType; },
                                [this](const CString& buildingType, std::vector<Record>& records) {
                                    return m_database.LoadIlluminanceStandards(m_vocation, buildingType,

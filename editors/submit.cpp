@@ -21,7 +21,7 @@ void RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& databas
         isOnDisk = scope.Finish();
         steps.compare(failures);
     }
-    TellFailures(page, caption, failures, steps.photoProblem ? steps.photoProblem() : PhotoProblem::None);
+    TellFailures(page, caption, failures);
     if (failures.None() && !isOnDisk) {
         ShowMessage(page, u"数据已经写入,但磁盘报告错误,断电后可能丢失。"_s, caption);
     }

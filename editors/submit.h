@@ -3,7 +3,6 @@
 #pragma once
 
 #include "data/lighting_database.h"
-#include "model/photo/photo_library.h"
 #include "model/records/working_records.h"
 
 class QWidget;
@@ -17,8 +16,6 @@ struct SubmitSteps {
     std::function<SubmitFailures(const ProgressCallback& progress)> write;
     // Reads the records again, and adds those that are not in the file as they are shown.
     std::function<void(SubmitFailures&)> compare;
-    // Why photos could not be stored.
-    std::function<PhotoProblem()> photoProblem = {};
 };
 
 void RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& database, const SubmitSteps& steps);

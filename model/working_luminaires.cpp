@@ -77,7 +77,10 @@ RecordStatements<tagLUMINAIREINFO> WorkingLuminaires::Statements() {
             .insert = [this](tagLUMINAIREINFO& record) { return Insert(record); },
             .update = [this](tagLUMINAIREINFO& record) { return Update(record); },
             .remove = [this](int id) { return Delete(id); },
-            .cause = [this] { return m_database.LastFailure(); }};
+            .cause =
+                [this] {
+                    return WriteFailure{m_database.LastFailure(), m_photoProblem};
+                }};
 }
 
 void WorkingLuminaires::CopyPhotos(const ProgressCallback& progress) {
@@ -111,19 +114,42 @@ SubmitFailures WorkingLuminaires::Submit(const ProgressCallback& progress) {
     SubmitFailures failures = m_records.Submit(Statements(), progress);
     m_photos.Sync();
     m_staged.clear();
-    failures.photos = std::min(m_photoFailures, failures.writes);
     return failures;
 }
 
-// A luminaire that has got other categories has left what was loaded.
 void WorkingLuminaires::Compare(SubmitFailures& failures) {
-    StoredRecords<tagLUMINAIREINFO> file(
-        [](const tagLUMINAIREINFO& record) { return record.LamphouseTypeID; },
-        [this](const CString& categoryText, std::vector<tagLUMINAIREINFO>& records) {
-            return m_database.LoadLuminairesByType(categoryText, records);
-        },
-        m_loadedCategory);
+    StoredRecords<tagLUMINAIREINFO> file = RecordsInFile(m_loadedCategory);
+    CompareFactors(failures);
     m_records.Compare(file, IsEmptyLuminaire, failures);
+}
+
+// A luminaire that has got other categories has left what was loaded.
+StoredRecords<tagLUMINAIREINFO> WorkingLuminaires::RecordsInFile(const std::optional<CString>& slice) {
+    return {[](const tagLUMINAIREINFO& record) { return record.LamphouseTypeID; },
+            [this](const CString& categoryText, std::vector<tagLUMINAIREINFO>& records) {
+                return m_database.LoadLuminairesByType(categoryText, records);
+            },
+            slice};
+}
+
+// Factors that the file does not hold are written again by the next submit.
+void WorkingLuminaires::CompareFactors(SubmitFailures& failures) {
+    for (auto& [id, written] : std::exchange(m_replaced, {})) {
+        const tagLUMINAIREINFO* record = m_records.Find(id);
+        Factors stored;
+        const bool isRead = m_database.LoadUtilizationFactors(id, stored);
+        std::ranges::sort(stored, {}, &tagLUMINAIREUTILIZATIONFACTOR::ID);
+        std::ranges::sort(written, {}, &tagLUMINAIREUTILIZATIONFACTOR::ID);
+        const bool isSame = std::ranges::equal(
+            stored, written, [](const auto& left, const auto& right) { return IsSameInFile(left, right); });
+        if (record != nullptr && !(isRead && isSame)) {
+            m_records.NoteComparison(id, isRead ? std::optional(Unwritten::PartDifferent) : std::nullopt,
+                                     record, failures);
+            if (isRead) {
+                m_unsaved[id] = {record->LampPhoto, {}, written};
+            }
+        }
+    }
 }
 
 WorkingLuminaires::Saved WorkingLuminaires::Save(int id) {
@@ -137,7 +163,16 @@ WorkingLuminaires::Saved WorkingLuminaires::Save(int id) {
     Saved saved = m_records.SubmitOne(id, Statements());
     m_photos.Sync();
     m_staged.clear();
-    saved.written = (scope.Finish() || !isChanged) && saved.written;
+    if (!scope.Finish() && isChanged && saved.written) {
+        saved.failures.Add({.cause = m_database.LastFailure()}, m_records.RowOf(saved.id));
+    }
+    if (isChanged && saved.failures.None()) {
+        const tagLUMINAIREINFO record = *m_records.Find(saved.id);
+        StoredRecords<tagLUMINAIREINFO> file = RecordsInFile({});
+        CompareFactors(saved.failures);
+        m_records.CompareOne(record, file, saved.failures);
+    }
+    saved.written = saved.failures.None();
     return saved;
 }
 
@@ -153,8 +188,7 @@ int WorkingLuminaires::CountWithoutCategory() const {
 // pictures are therefore copied before any of them is replaced.
 // A picture that could not be copied would be lost, so all of them then stay where they are.
 void WorkingLuminaires::CopyUsedPictures() {
-    m_photoProblem = PhotoProblem::None;
-    m_photoFailures = 0;
+    m_replaced.clear();
     m_isLibraryKept = false;
     m_records.ForEach([this](const tagLUMINAIREINFO& record) {
         if (IsLeftAlone(record) || !PictureOf(record).file.isEmpty()) {
@@ -184,6 +218,7 @@ bool WorkingLuminaires::Insert(tagLUMINAIREINFO& record) {
     const bool inserted = m_database.InsertLuminaire(record);
     record.LampPhoto = std::move(photo);
     if (!inserted) {
+        m_photoProblem = PhotoProblem::None;
         return false;
     }
     if (auto unsaved = m_unsaved.extract(provisionalId)) {
@@ -229,6 +264,7 @@ bool WorkingLuminaires::IsToBeCopied(const tagLUMINAIREINFO& record) const {
 // A record whose photo cannot be stored is written with the photo that it has in the file, and counts as
 // unwritten. It keeps the photo that the user has chosen, for the next submit.
 bool WorkingLuminaires::WriteWithPhoto(tagLUMINAIREINFO& record) {
+    m_photoProblem = PhotoProblem::None;
     if (IsLeftAlone(record)) {
         return m_database.UpdateLuminaire(record);
     }
@@ -239,7 +275,7 @@ bool WorkingLuminaires::WriteWithPhoto(tagLUMINAIREINFO& record) {
         prepared = {.photo = m_storedPhotos.value(record.ID),
                     .copy = nullptr,
                     .fallback = {},
-                    .problem = PhotoProblem::UnwritableLibrary};
+                    .problem = PhotoProblem::NoTemporaryCopy};
     } else {
         const auto staged = m_staged.find(record.ID);
         prepared = m_photos.Prepare(record.ID, copied.isEmpty() ? chosen : copied,
@@ -257,7 +293,6 @@ bool WorkingLuminaires::WriteWithPhoto(tagLUMINAIREINFO& record) {
     }
     if (written && prepared.problem != PhotoProblem::None) {
         m_photoProblem = prepared.problem;
-        ++m_photoFailures;
         written = false;
     }
     if (!written) {
@@ -267,6 +302,7 @@ bool WorkingLuminaires::WriteWithPhoto(tagLUMINAIREINFO& record) {
 }
 
 bool WorkingLuminaires::Delete(int id) {
+    m_photoProblem = m_isLibraryKept ? PhotoProblem::NoTemporaryCopy : PhotoProblem::None;
     if (m_isLibraryKept || !m_database.DeleteLuminaire(id)) {
         return false;
     }
@@ -281,9 +317,13 @@ bool WorkingLuminaires::ReplaceFactors(int luminaireId, const Factors& factors) 
         return false;
     }
     bool complete = true;
-    for (tagLUMINAIREUTILIZATIONFACTOR factor : factors) {
+    Factors written = factors;
+    for (tagLUMINAIREUTILIZATIONFACTOR& factor : written) {
         factor.LuminaireID = luminaireId;
         complete = m_database.InsertUtilizationFactor(factor) && complete;
+    }
+    if (complete) {
+        m_replaced[luminaireId] = std::move(written);
     }
     return complete;
 }

@@ -49,14 +49,10 @@ public:
     void CopyPhotos(const ProgressCallback& progress);
     // Writes all records and deletes the removed ones with their photos.
     SubmitFailures Submit(const ProgressCallback& progress = {});
-    // To be called after a submit; see WorkingRecords.
+    // To be called after a submit; see WorkingRecords. Pasted factors are compared too.
     void Compare(SubmitFailures& failures);
     // Writes the record with that ID, which must exist, at once.
     Saved Save(int id);
-    // Why a photo could not be stored by the last Submit, Save or Paste.
-    PhotoProblem LastPhotoProblem() const { return m_photoProblem; }
-    // How many photos that were.
-    int PhotoFailures() const { return m_photoFailures; }
     // The written luminaires without a category: no filter finds them.
     int CountWithoutCategory() const;
 
@@ -101,6 +97,8 @@ private:
     // Whether the record's photo came with the file and is none of the luminaire's own.
     bool IsLeftAlone(const tagLUMINAIREINFO& record) const;
     bool ReplaceFactors(int luminaireId, const Factors& factors);
+    StoredRecords<tagLUMINAIREINFO> RecordsInFile(const std::optional<CString>& slice);
+    void CompareFactors(SubmitFailures& failures);
     void CopyUsedPictures();
     PhotoLibrary::PictureCopy PictureOf(const tagLUMINAIREINFO& record) const;
 
@@ -110,11 +108,11 @@ private:
     WorkingRecords<tagLUMINAIREINFO> m_records;
     std::optional<CString> m_loadedCategory;  // the text by which the records were loaded
     std::map<int, Unsaved> m_unsaved;         // by record ID
+    std::map<int, Factors> m_replaced;        // by record ID: the factors that were written, not yet compared
     std::map<int, StagedPicture> m_staged;    // by record ID: the pictures that CopyPhotos has copied
     CopyBuffer m_copied;
-    QHash<int, CString> m_storedPhotos;  // by record ID: the photos in the file
-    PhotoProblem m_photoProblem = PhotoProblem::None;
-    int m_photoFailures = 0;
+    QHash<int, CString> m_storedPhotos;                // by record ID: the photos in the file
+    PhotoProblem m_photoProblem = PhotoProblem::None;  // of the last record written or deleted
     bool m_isHealed = false;
     bool m_isLibraryKept = false;  // this submit must not replace or delete pictures
 };

@@ -88,7 +88,8 @@ CString FactorTableGrid::TipOf(const FactorTableEditing& editing, CCellID cell) 
         return {};
     }
     if (cell.col < kFirstColumn) {
-        return UnwrittenTip(m_unwritten[static_cast<std::size_t>(cell.row - kFirstRow)]);
+        const UnwrittenReason& reason = m_unwritten[static_cast<std::size_t>(cell.row - kFirstRow)];
+        return UnwrittenTip(reason.why, {.cause = reason.cause});
     }
     const std::optional<double> factor = FactorAt(editing, cell);
     const std::optional<double> stored = editing.StoredFactor(cell.row, cell.col);
@@ -172,7 +173,7 @@ void FactorTableGrid::BuildLabels(const UtilizationFactorTable& table) {
         } else {
             const double rowValue = m_rowValues[static_cast<std::size_t>(row - kFirstRow)];
             SetItemText(row, 0, FormatFixed2(rowValue));
-            if (table.WhyUnwritten(rowValue) != Unwritten::No) {
+            if (table.WhyUnwritten(rowValue).why != Unwritten::No) {
                 SetItem({.row = row, .col = 0, .mask = ItemMask::BackColour, .backColour = kUnwrittenColour});
             }
         }

@@ -51,7 +51,7 @@ private:
     int m_decimals;
     std::vector<tagColHeading> m_headings;  // those shown
     std::vector<double> m_rowValues;
-    std::vector<Unwritten> m_unwritten;  // by row value
+    std::vector<UnwrittenReason> m_unwritten;  // by row value
 };
 
 }  // namespace quorvane

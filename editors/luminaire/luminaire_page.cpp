@@ -416,8 +416,7 @@ bool CQuorvaneLuminaireDlg::Submit() {
     RunSubmit(this, kCaption, m_database,
               {.prepare = [this](const ProgressCallback& progress) { m_luminaires.CopyPhotos(progress); },
                .write = [this](const ProgressCallback& progress) { return m_luminaires.Submit(progress); },
-               .compare = [this](SubmitFailures& failures) { m_luminaires.Compare(failures); },
-               .photoProblem = [this] { return m_luminaires.LastPhotoProblem(); }});
+               .compare = [this](SubmitFailures& failures) { m_luminaires.Compare(failures); }});
     const int withoutCategory = CountLeftOut();
     if (withoutCategory > 0) {
         ShowMessage(
@@ -430,14 +429,7 @@ bool CQuorvaneLuminaireDlg::Submit() {
 
 void CQuorvaneLuminaireDlg::ShowSaved(int row, const WorkingLuminaires::Saved& saved) {
     m_grid.ShowSaved(row, saved.id, saved.written);
-    if (!saved.written) {
-        TellFailures(this, kCaption,
-                     {.writes = 1,
-                      .photos = m_luminaires.PhotoFailures(),
-                      .row = row,
-                      .cause = m_database.LastFailure()},
-                     m_luminaires.LastPhotoProblem());
-    }
+    TellFailures(this, kCaption, saved.failures);
 }
 
 // ---- Copy and paste

@@ -286,7 +286,7 @@ bool FactorTableEditing::MakeAgain(const Kept& kept, const CString& stepName) {
 SubmitFailures FactorTableEditing::Submit(const UtilizationFactorTable::ProgressCallback& progress) {
     m_table.Submit(progress);
     SubmitFailures failures{.writes = m_table.UnwrittenCount(),
-                            .cause = m_database.LastFailure(),
+                            .cause = m_table.FirstFailure(),
                             .different = m_table.DifferentCount(),
                             .unread = m_table.UnreadCount()};
     m_modified = !failures.None();

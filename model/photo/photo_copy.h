@@ -8,7 +8,13 @@
 namespace quorvane {
 
 // Why a picture could not be put into the library.
-enum class PhotoProblem { None, UnreadableSource, LinkedLibrary, UnwritableLibrary };
+enum class PhotoProblem {
+    None,
+    UnreadableSource,
+    LinkedLibrary,
+    UnwritableLibrary,
+    NoTemporaryCopy  // of a picture that changes hands
+};
 
 // The largest file that is copied, in bytes.
 inline constexpr qint64 kLargestPhoto = 64LL << 20;

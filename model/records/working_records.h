@@ -52,6 +52,8 @@ public:
         const int slot = SlotOf(id);
         return slot < 0 ? nullptr : &Slot(slot);
     }
+    // The number from 1 of the row of the record with that ID, which must exist.
+    int RowOf(int id) const { return m_order.PositionOf(SlotOf(id)) + 1; }
     // Calls visit(record) for every record in order.
     template <typename Visit>
     void ForEach(Visit visit) const {
@@ -230,9 +232,13 @@ public:
     // it afterwards.
     bool IsUnwritten(int id) const { return m_unwritten.contains(id); }
     bool HasUnwritten() const { return !m_unwritten.empty(); }
-    Unwritten WhyUnwritten(int id) const {
+    struct UnwrittenRecord {
+        Unwritten why = Unwritten::No;
+        WriteFailure failure = {};
+    };
+    UnwrittenRecord WhyUnwritten(int id) const {
         const auto found = m_unwritten.find(id);
-        return found == m_unwritten.end() ? Unwritten::No : found->second;
+        return found == m_unwritten.end() ? UnwrittenRecord() : found->second;
     }
 
     // Writes the record with that ID, which must exist, at once, and leaves everything else pending. What was
@@ -243,6 +249,7 @@ public:
     struct Saved {
         int id;
         bool written;
+        SubmitFailures failures = {};
 
         // The ID to which other rows of the database may refer, or 0 for a record that was not written.
         int StoredId() const { return written ? id : 0; }
@@ -252,8 +259,9 @@ public:
         const int slot = SlotOf(id);
         m_history.Forget([slot](const Change& change) { return change.slot == slot; },
                          [](const Change& change) { return change.slot != kDraft; });
-        const bool written = Write(slot, statements);
-        return {Slot(slot).ID, written};
+        SubmitFailures failures;
+        const bool written = Write(slot, statements, failures);
+        return {Slot(slot).ID, written, failures};
     }
 
     // After a submit: counts a record as unwritten that is not in the file as it stands here, although no
@@ -261,19 +269,27 @@ public:
     void Compare(StoredRecords<Record>& file, const std::function<bool(const Record&)>& isBlank,
                  SubmitFailures& failures) {
         ForEach([&](const Record& record) {
-            if (isBlank(record) || IsUnwritten(record.ID)) {
-                return;
-            }
-            const std::optional<Unwritten> why = file.Compare(record);
-            failures.unread += why ? 0 : 1;
-            if (why.value_or(Unwritten::No) != Unwritten::No) {
-                ++failures.different;
-                m_unwritten[record.ID] = *why;
-                const Record* stored = file.Find(record.ID);
-                m_stored[record.ID] = stored == nullptr ? std::nullopt : std::optional(*stored);
+            if (!isBlank(record)) {
+                CompareOne(record, file, failures);
             }
         });
         SetModified(HasUnwritten());
+    }
+    void CompareOne(const Record& record, StoredRecords<Record>& file, SubmitFailures& failures) {
+        if (!IsUnwritten(record.ID)) {
+            NoteComparison(record.ID, file.Compare(record), file.Find(record.ID), failures);
+        }
+    }
+    // What the comparison of a record came to; stored is the record in the file, or null. No result: the file
+    // could not be read.
+    void NoteComparison(int id, std::optional<Unwritten> why, const Record* stored,
+                        SubmitFailures& failures) {
+        failures.unread += why ? 0 : 1;
+        if (why.value_or(Unwritten::No) != Unwritten::No) {
+            ++failures.different;
+            m_unwritten[id] = {.why = *why};
+            m_stored[id] = stored == nullptr ? std::nullopt : std::optional(*stored);
+        }
     }
 
     // Writes every record that is not blank (insert for a provisional ID, otherwise update), then runs the
@@ -293,20 +309,17 @@ public:
         };
         for (int slot = 0; slot < m_order.SlotCount(); ++slot) {
             if (m_order.IsFilled(slot)) {
-                const bool written = statements.isBlank(Slot(slot)) || Write(slot, statements);
-                if (!written && ++failures.writes == 1) {
-                    failures.row = m_order.PositionOf(slot) + 1;
-                    failures.cause = CauseFrom(statements);
+                if (!statements.isBlank(Slot(slot))) {
+                    Write(slot, statements, failures);
                 }
                 tell();
             }
         }
         for (Record& record : m_deleted) {
             if (!statements.remove(record.ID) && !IsNew(record.ID)) {
-                if (++failures.deletes == 1 && failures.writes == 0) {
-                    failures.cause = CauseFrom(statements);
-                }
-                m_unwritten[record.ID] = Unwritten::Failed;
+                const WriteFailure failure = FailureFrom(statements);
+                failures.Add(failure, 0);
+                m_unwritten[record.ID] = {Unwritten::Failed, failure};
                 std::erase_if(m_stored, [&record](const auto& stored) { return stored.second == record; });
                 Put(m_order.SlotCount(), std::move(record));
             } else {
@@ -393,14 +406,16 @@ private:
         }
     }
 
-    bool Write(int slot, const RecordStatements<Record>& statements) {
+    bool Write(int slot, const RecordStatements<Record>& statements, SubmitFailures& failures) {
         Record& record = Slot(slot);
         const int id = record.ID;
         const bool ran = IsNew(id) ? statements.insert(record) : statements.update(record);
         const bool written = ran || !IsChanged(id);
         auto stored = m_stored.extract(id);
         if (!written) {
-            m_unwritten[record.ID] = Unwritten::Failed;
+            const WriteFailure failure = FailureFrom(statements);
+            failures.Add(failure, m_order.PositionOf(slot) + 1);
+            m_unwritten[record.ID] = {Unwritten::Failed, failure};
             stored.key() = record.ID;
             m_stored.insert(std::move(stored));
         }
@@ -411,8 +426,8 @@ private:
         return written;
     }
 
-    static ProviderFailure CauseFrom(const RecordStatements<Record>& statements) {
-        return statements.cause ? statements.cause() : ProviderFailure{};
+    static WriteFailure FailureFrom(const RecordStatements<Record>& statements) {
+        return statements.cause ? statements.cause() : WriteFailure{};
     }
     void Tell() const {
         if (m_listener) {
@@ -443,9 +458,9 @@ private:
     std::vector<Record> m_records;  // by slot; an emptied slot holds an empty record
     SlotOrder m_order;
     mutable std::optional<QHash<int, int>> m_slotById;
-    std::vector<Record> m_deleted;         // in order of deletion
-    std::set<int> m_removedSlots;          // of those since the last load that are in the file
-    std::map<int, Unwritten> m_unwritten;  // by ID: what the last submit did not leave in the file
+    std::vector<Record> m_deleted;               // in order of deletion
+    std::set<int> m_removedSlots;                // of those since the last load that are in the file
+    std::map<int, UnwrittenRecord> m_unwritten;  // by ID: what the last submit did not leave in the file
     // By ID: what the file holds, if anything, of the records that differ from it.
     std::map<int, std::optional<Record>> m_stored;
     EditHistory<Change> m_history{1'000'000};

@@ -312,6 +312,17 @@ private Q_SLOTS:
         QVERIFY(!DialogItem(fixture.page, PasteButton)->isEnabled());
     }
 
+    void WhatTheFileDoesNotHoldIsMarked() {
+        Fixture fixture;
+        fixture.ChooseCategory(u"荧光灯"_s);
+        fixture.file.Raw().Execute(u"delete from 灯具 where ID=31"_s);
+        fixture.Type(2, Name, u"a'b"_s);
+        fixture.Submit();
+        const auto tip = [&](int row) { return fixture.grid->TipOf({row, Number}).text; };
+        QVERIFY(tip(1).startsWith(u"数据库文件中没有这一行"_s) && !tip(1).contains(u"新行"_s));
+        QVERIFY(tip(2).endsWith(u"原因:“灯具名称”一列中含有单引号,不能写入。"_s));
+    }
+
     void LightSourcesAreThoseOfTheFile() {
         Fixture fixture;
         // A name that changed hands since it was listed.

@@ -89,6 +89,12 @@ private Q_SLOTS:
         fixture.Select(1, 0);
         QCOMPARE(fixture.tree->currentItem()->text(0), u"办公"_s);
         QCOMPARE(fixture.grid->GetItemText(2, Location), u"改"_s);
+        const auto tip = [&](int row) { return fixture.grid->TipOf({row, Number}).text; };
+        QVERIFY(tip(2).endsWith(u"原因:数据库文件被其他程序占用。"_s));
+        fixture.log.failing.clear();
+        fixture.file.Raw().Execute(u"delete from 照度要求及功率密度 where ID=1"_s);
+        fixture.page->Submit();
+        QVERIFY(tip(1).startsWith(u"数据库文件中没有这一行"_s) && tip(2).isEmpty());
     }
 
     void AFailedLoadLeavesNothingToTypeInto() {

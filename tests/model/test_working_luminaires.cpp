@@ -103,6 +103,21 @@ private Q_SLOTS:
         }
     }
 
+    // Another program changes them before the comparison; the next submit writes them again.
+    void PastedFactorsAreCompared() {
+        Place place;
+        place.Copy(31);
+        place.log.onStatement = [&](const QString& statement) {
+            if (statement.startsWith(u"select ID,Pcc"_s)) {
+                place.file.Raw().Execute(u"update 利用系数 set UtilizationFactor=9 where ID>3"_s);
+            }
+        };
+        QCOMPARE(place.luminaires.Paste(32).failures.different, 1);
+        place.log.onStatement = {};
+        QVERIFY(place.luminaires.Records().IsModified() && place.luminaires.Submit().None());
+        QCOMPARE(place.Factors(), u"31:0.5 31:0.25 32:0.5 32:0.25"_s);
+    }
+
     // A picture that has taken its place is not put there again with what is still to be written.
     void APictureIsPlacedOnce() {
         Place place;

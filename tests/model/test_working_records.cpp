@@ -214,7 +214,7 @@ private Q_SLOTS:
             const Unwritten missing = isComplete ? Missing : No;
             const Unwritten expected[] = {No, Different, missing, No, missing, No, Failed};
             for (int id = 1; id <= 7; ++id) {
-                QCOMPARE(records.WhyUnwritten(id), expected[id - 1]);
+                QCOMPARE(records.WhyUnwritten(id).why, expected[id - 1]);
             }
             QCOMPARE(failures.different, isComplete ? 3 : 1);
             QCOMPARE(failures.unread, isComplete ? 0 : 2);

@@ -73,6 +73,7 @@ bool UtilizationFactorTable::Load(int luminaireID) {
     m_deletedIds.clear();
     m_failedDeletions.clear();
     m_whole = m_database->LoadUtilizationFactors(luminaireID, m_factors);
+    NoteFactorsInFile();
     Sort();
     RebuildHeadings();
     RebuildRowValues();
@@ -85,6 +86,9 @@ bool UtilizationFactorTable::Reload() {
     m_factors.insert(m_factors.end(), m_surplus.begin(), m_surplus.end());
     m_surplus.clear();
     m_whole = m_database->LoadUtilizationFactors(m_luminaireID, m_factors);
+    if (m_whole) {
+        NoteFactorsInFile();
+    }
     std::vector<int> removed = m_deletedIds;
     removed.insert(removed.end(), m_failedDeletions.begin(), m_failedDeletions.end());
     std::sort(removed.begin(), removed.end());
@@ -349,11 +353,26 @@ void UtilizationFactorTable::RemoveFactors(const Predicate& predicate, bool reco
     std::erase_if(m_surplus, predicate);
 }
 
+void UtilizationFactorTable::NoteFactorsInFile() {
+    m_inFile.clear();
+    for (const Factor& factor : m_factors) {
+        m_inFile.insert(factor.ID, factor);
+    }
+}
+
+bool UtilizationFactorTable::Write(Factor& factor) {
+    const bool ran = factor.ID == 0 ? m_database->InsertUtilizationFactor(factor)
+                                    : m_database->UpdateUtilizationFactor(factor);
+    if (ran) {
+        m_inFile.insert(factor.ID, factor);
+    }
+    return ran || m_inFile.value(factor.ID) == factor;
+}
+
 void UtilizationFactorTable::WriteFactors(const CountCallback& count) {
     m_unwrittenRows.clear();
     for (Factor& factor : m_factors) {
-        const bool written = factor.ID == 0 ? m_database->InsertUtilizationFactor(factor)
-                                            : m_database->UpdateUtilizationFactor(factor);
+        const bool written = Write(factor);
         if (!written) {
             m_unwrittenRows[factor.RCR_RI] = {Unwritten::Failed, m_database->LastFailure()};
         }
@@ -367,7 +386,7 @@ void UtilizationFactorTable::WriteSurplus(const CountCallback& count) {
         if (cell != m_factors.end() && SameCell(*cell, surplus)) {
             surplus.UtilizationFactor = cell->UtilizationFactor;
         }
-        count(m_database->UpdateUtilizationFactor(surplus));
+        count(Write(surplus));
     }
 }
 
@@ -378,8 +397,10 @@ void UtilizationFactorTable::CompareWithFile() {
                                });
     m_differentCount = 0;
     m_unreadCount = 0;
-    for (const std::vector<Factor>* factors : {&m_factors, &m_surplus}) {
-        for (const Factor& factor : *factors) {
+    std::erase_if(m_surplus,
+                  [&](const Factor& factor) { return file.Compare(factor) == Unwritten::Missing; });
+    for (std::vector<Factor>* factors : {&m_factors, &m_surplus}) {
+        for (Factor& factor : *factors) {
             if (WhyUnwritten(factor.RCR_RI).why == Unwritten::Failed) {
                 continue;
             }
@@ -388,6 +409,9 @@ void UtilizationFactorTable::CompareWithFile() {
             if (why.value_or(Unwritten::No) != Unwritten::No) {
                 ++m_differentCount;
                 m_unwrittenRows[factor.RCR_RI] = {*why};
+            }
+            if (why == Unwritten::Missing) {
+                factor.ID = 0;  // the next submit inserts it
             }
         }
     }

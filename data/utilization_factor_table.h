@@ -14,6 +14,7 @@
 // was shown here.
 #pragma once
 
+#include <QHash>
 #include <functional>
 #include <map>
 #include <optional>
@@ -99,8 +100,9 @@ public:
     // what the file then holds. Calls progress after each statement with the rows done and all rows. Always
     // true; see UnwrittenCount and DifferentCount.
     bool Submit(const ProgressCallback& progress = {});
-    // The statements of the last submit that failed, or all of them when the disk did not confirm the submit.
-    // The next submit tries all of them again.
+    // The statements of the last submit that failed, but for updates of factors that the file holds as they
+    // are; or all statements when the disk did not confirm the submit. The next submit tries all of them
+    // again.
     int UnwrittenCount() const { return m_unwrittenCount; }
     // The factors that are not in the file as they stand here, although the last submit wrote them.
     int DifferentCount() const { return m_differentCount; }
@@ -137,6 +139,9 @@ private:
     void ChangeFactors(const Predicate& predicate, const Change& change);
     template <typename Predicate>
     void RemoveFactors(const Predicate& predicate, bool recordUnstored);
+    // Inserts or updates the factor. True also when the file holds it as it is.
+    bool Write(Factor& factor);
+    void NoteFactorsInFile();
     void WriteFactors(const CountCallback& count);
     void WriteSurplus(const CountCallback& count);
     void WriteDeletions(const CountCallback& count);
@@ -153,6 +158,7 @@ private:
     std::vector<int> m_failedDeletions;
     int m_unwrittenCount = 0;
     ProviderFailure m_firstFailure;
+    QHash<int, Factor> m_inFile;  // by ID: as they were read or written last
     int m_differentCount = 0;
     int m_unreadCount = 0;
     std::map<double, UnwrittenReason> m_unwrittenRows;

@@ -202,7 +202,7 @@ CString UnwrittenTip(Unwritten why, const WriteFailure& failure) {
                         ? CauseText(failure.cause, 0)
                         : u"原因:图片未能存入图片库。"_s + PhotoProblemText(failure.photo));
         case Unwritten::Missing:
-            return u"数据库文件中没有这一行,可能已被其他程序删除。如需保留,请在“追加”行重新输入。"_s;
+            return u"数据库文件中没有这一行,可能已被其他程序删除。请删除这一行;如需保留,先在“追加”行重新输入。"_s;
         case Unwritten::Different:
             return u"数据库文件中的这一行与显示的不同:提交时被其他程序改动,或有内容不能按原样保存。"_s;
         case Unwritten::PartDifferent:

@@ -381,6 +381,7 @@ std::map<int, WorkingLuminaires::Factors> WorkingLuminaires::PendingFactors() co
 
 void WorkingLuminaires::SetPendingFactors(int id, Factors factors) {
     m_unsaved[id].factors = std::move(factors);
+    m_records.NoteChange(id);
     m_records.SetModified();
 }
 

@@ -1,9 +1,12 @@
 #include "widgets/guide_window.h"
 
 #include <QPointer>
+#include <QScreen>
 #include <QShortcut>
 #include <QTextBrowser>
 #include <QUrl>
+
+#include "widgets/screen_place.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -11,6 +14,7 @@ namespace quorvane {
 namespace {
 
 constexpr QSize kSize(960, 720);
+constexpr QSize kFrame(20, 50);  // pixels, with the title bar
 
 // A window of its own that goes with its parent; links lead to nothing but the pages of the guide.
 QTextBrowser* OpenGuide(QWidget& parent) {
@@ -20,7 +24,8 @@ QTextBrowser* OpenGuide(QWidget& parent) {
     guide->setAttribute(Qt::WA_DeleteOnClose);
     guide->setWindowTitle(u"用户指南"_s);
     guide->setSource(QUrl(u"qrc:/guide/用户指南.md"_s), QTextDocument::MarkdownResource);
-    guide->resize(kSize);
+    guide->resize(kSize.boundedTo(parent.screen()->availableSize() - kFrame));
+    PlaceOnScreen(guide);
     auto* close = new QShortcut(Qt::Key_Escape, guide);
     QObject::connect(close, &QShortcut::activated, guide, &QWidget::close);
     return guide;

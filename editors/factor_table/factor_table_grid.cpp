@@ -89,7 +89,9 @@ CString FactorTableGrid::TipOf(const FactorTableEditing& editing, CCellID cell) 
     }
     if (cell.col < kFirstColumn) {
         const UnwrittenReason& reason = m_unwritten[static_cast<std::size_t>(cell.row - kFirstRow)];
-        return UnwrittenTip(reason.why, {.cause = reason.cause});
+        return reason.why == Unwritten::Missing
+                   ? u"数据库文件中没有这一行的部分利用系数,可能已被其他程序删除。再次提交会重新写入。"_s
+                   : UnwrittenTip(reason.why, {.cause = reason.cause});
     }
     const std::optional<double> factor = FactorAt(editing, cell);
     const std::optional<double> stored = editing.StoredFactor(cell.row, cell.col);

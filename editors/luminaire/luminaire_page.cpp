@@ -371,7 +371,8 @@ QStringList CQuorvaneLuminaireDlg::MakeEditsAgain(const QCborMap& kept) {
     std::map<int, int> newIds;
     QStringList refused = quorvane::MakeEditsAgain(
         kept[kLuminairesKey], m_luminaires.Records(), m_grid,
-        {[this](std::vector<tagLUMINAIREINFO>& all) { return m_database.LoadAllLuminaires(all); }}, &newIds);
+        {[this](std::vector<tagLUMINAIREINFO>& all) { return m_database.LoadLuminairesByType({}, all); }},
+        &newIds);
     for (const auto& pasted : kept[kPastedKey].toArray()) {
         refused += PasteFactorsAgain(pasted.toArray(), newIds);
     }

@@ -291,10 +291,12 @@ SubmitFailures FactorTableEditing::Submit(const UtilizationFactorTable::Progress
                             .unread = m_table.UnreadCount()};
     m_modified = !failures.None();
     m_history.Clear();
+    UtilizationFactorTable inFile = m_table;
     if (m_modified) {
-        m_stored.Load(m_table.LuminaireID());
-    } else {
-        m_stored = m_table;
+        inFile.Load(m_table.LuminaireID());
+    }
+    if (!m_modified || inFile.IsWhole()) {
+        m_stored = std::move(inFile);
     }
     Tell();
     return failures;

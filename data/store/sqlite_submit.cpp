@@ -1,5 +1,7 @@
 #include "data/store/sqlite_submit.h"
 
+#include <QFile>
+
 #include "data/store/sqlite_recordset.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -91,6 +93,10 @@ void LockSqliteFile(sqlite3* database) {
 
 void PrepareForWriting(sqlite3* database) {
     LeaveLog(database);
+    // The engine leaves an empty journal where it is, but deletes it under a lock at this change of mode.
+    if (QFile::exists(QString::fromUtf8(sqlite3_filename_journal(sqlite3_db_filename(database, "main"))))) {
+        Run(database, "PRAGMA journal_mode=TRUNCATE; PRAGMA journal_mode=DELETE");
+    }
 }
 
 void BeginSqliteSubmit(sqlite3* database) {

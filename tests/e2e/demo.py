@@ -30,9 +30,8 @@ DOCUMENTED = ["main-window", "light-sources-append", "requirements", "luminaires
 
 def main():
     arguments = argparse.ArgumentParser()
-    arguments.add_argument("--build", type=Path, required=True)
-    arguments.add_argument("--into", type=Path, required=True)
-    arguments.add_argument("--docs", type=Path)
+    for name in ("--build", "--into", "--docs"):
+        arguments.add_argument(name, type=Path, required=name != "--docs")
     given = arguments.parse_args()
 
     shutil.rmtree(given.into, ignore_errors=True)

@@ -1,10 +1,8 @@
 #include <QClipboard>
-#include <QFileDialog>
 #include <QLineEdit>
 #include <QPrintPreviewWidget>
 #include <QRadioButton>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include "editors/grid_setup.h"
 #include "editors/light_source_page.h"
@@ -207,8 +205,7 @@ private Q_SLOTS:
             }
         };
         fixture.Pick(3, Category, u"白炽灯"_s);
-        fixture.page->Submit();
-        fixture.page->Refresh();
+        fixture.Submit();
         QVERIFY(fixture.Seen().contains(u"有2条数据提交后与数据库文件中的不同"_s));
         QVERIFY(fixture.page->IsModified());
         const auto tip = [&](int row) { return fixture.grid->TipOf({row, Number}).text.left(9); };

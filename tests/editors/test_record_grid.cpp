@@ -44,12 +44,6 @@ struct Fixture : ShownPage {
         return text;
     }
 
-    void Submit(const QStringList& failing = {}) {
-        log.failing = failing;
-        page->Submit();
-        page->Refresh();
-        log.failing.clear();
-    }
     bool DeleteSelected(const std::vector<int>& rows, const QStringList& replies) {
         for (const int row : rows) {
             Click(row, Name, row == rows.front() ? Qt::NoModifier : Qt::ControlModifier);
@@ -62,14 +56,6 @@ struct Fixture : ShownPage {
     void Undo() {
         Activate();
         QTest::keyClick(grid, Qt::Key_Z, Qt::ControlModifier);
-    }
-    // The texts of a column but for its heading, joined by blanks.
-    QString Texts(int column) const {
-        QStringList texts;
-        for (const QString& row : Rows()) {
-            texts += row.section(u'|', column, column);
-        }
-        return texts.join(u' ');
     }
     // Numbers, names and luminous fluxes.
     QString Shown() const { return Texts(Number) + u'|' + Texts(Name) + u'|' + Texts(Flux); }

@@ -1,4 +1,3 @@
-#include <QTest>
 #include <QTreeWidget>
 
 #include "editors/requirement_page.h"

@@ -120,11 +120,9 @@ private Q_SLOTS:
         const std::function<void(CGridCtrl&)> touches[]{
             [](CGridCtrl& grid) { grid.GetItemText(7, 0); },
             [](CGridCtrl& grid) { grid.SetItemData(7, 2, 3); },
-            [](CGridCtrl& grid) { grid.SetItemState(7, 2, CellState::ReadOnly); },
             [](CGridCtrl& grid) { grid.SetCellType<CGridBtnCell>(7, 0); },
             [](CGridCtrl& grid) { grid.Cell(7, 1); },
             [](CGridCtrl& grid) { grid.IsCellEditable(7, 1); },
-            [](CGridCtrl& grid) { grid.BeginEdit(7, 1); },
             [](CGridCtrl& grid) {
                 grid.Controller().Core().FocusWithoutSelecting({7, 1});
                 QTest::keySequence(&grid, QKeySequence(QKeySequence::Copy));

@@ -142,6 +142,14 @@ struct WorkedGrid {
         return rows;
     }
 
+    // The texts of a column but for its heading, joined by blanks.
+    QString Texts(int column) const {
+        QStringList texts;
+        for (const QString& row : Rows()) {
+            texts += row.section(u'|', column, column);
+        }
+        return texts.join(u' ');
+    }
     // The boxes shown since the last call, one a line.
     QString Seen() { return answers.TakeSeen().join(u'\n'); }
 
@@ -195,6 +203,14 @@ struct ShownPage : ShownGrid {
             QTest::keyClick(view, Qt::Key_Down);
         }
         QTest::keyClick(view, Qt::Key_Return);
+    }
+
+    // Presses Submit, as it were, while the statements fail that contain one of the texts.
+    void Submit(const QStringList& failing = {}) {
+        log.failing = failing;
+        page->Submit();
+        page->Refresh();
+        log.failing.clear();
     }
 
     QWidget window;

@@ -210,7 +210,6 @@ private Q_SLOTS:
     void ATreeAsksForItsMenuByKey() {
         LabelEditTree tree(nullptr);
         auto* item = new QTreeWidgetItem(&tree, {u"甲"_s});
-        new QTreeWidgetItem(&tree, {u"乙"_s});
         tree.show();
         tree.setCurrentItem(item);
         QList<QTreeWidgetItem*> asked;

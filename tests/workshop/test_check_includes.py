@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""Plants includes in a small tree of folders and sees which of them the check refuses."""
+"""Plants includes in a small tree of folders and sees that the check refuses each. That it allows what is allowed shows
+when it runs over the project itself."""
 
 import subprocess
 import tempfile
@@ -7,16 +8,6 @@ from pathlib import Path
 
 CHECK = Path(__file__).resolve().parents[2] / ".ci" / "check-includes"
 
-ALLOWED = [
-    ("app/main_dialog.cpp", '"data/store/store_factory.h"'), ("app/main_dialog.cpp", '"grid/grid_ctrl.h"'),
-    ("app/main_dialog.cpp", "<QDialog>"),
-    ("editors/page.cpp", '"data/lighting_database.h"'), ("editors/page.cpp", '"model/text_checks.h"'),
-    ("editors/page.cpp", '"widgets/message_box.h"'), ("editors/page.cpp", '"page.moc"'),
-    ("grid/grid_ctrl.h", '"grid/grid_cell.h"'), ("model/records/working_records.h", '"data/records.h"'),
-    ("data/lighting_database.cpp", '"data/store/store_factory.h"'), ("data/lighting_database.cpp", "<QtCore/QFile>"),
-    ("data/store/sqlite_connection.cpp", '"data/connection.h"'), ("data/store/sqlite_connection.cpp", "<sqlite3.h>"),
-    ("tools/sample_database.cpp", "<sqlite3.h>"), ("tests/data/test_dialect.cpp", '"data/store/dialect.h"'),
-]
 REFUSED = [
     ("widgets/image_button.h", '"grid/grid_cell.h"'),
     ("grid/grid_ctrl.cpp", '"data/records.h"'), ("grid/grid_ctrl.cpp", '"../data/records.h"'),
@@ -30,20 +21,14 @@ REFUSED = [
 ]
 
 
-def checked(places):
-    """The status of the check, and what it says, in a tree with these includes."""
-    with tempfile.TemporaryDirectory() as tree:
-        for name, include in places:
-            file = Path(tree) / name
-            file.parent.mkdir(parents=True, exist_ok=True)
-            with file.open("a") as opened:
-                opened.write(f"#include {include}\n")
-        run = subprocess.run([CHECK, tree], capture_output=True, text=True, timeout=30)
-        return run.returncode, run.stderr
-
-
-assert checked(ALLOWED) == (0, ""), checked(ALLOWED)
-status, said = checked(ALLOWED + REFUSED)
-assert status == 1 and len(said.splitlines()) == len(REFUSED), said
+with tempfile.TemporaryDirectory() as tree:
+    for place, refused in REFUSED:
+        file = Path(tree) / place
+        file.parent.mkdir(parents=True, exist_ok=True)
+        with file.open("a") as opened:
+            opened.write(f"#include {refused}\n")
+    run = subprocess.run([CHECK, tree], capture_output=True, text=True, timeout=30)
+said = run.stderr.splitlines()
+assert run.returncode == 1 and len(said) == len(REFUSED), said
 for place, refused in REFUSED:
-    assert any(line.startswith(f"{place}:") and refused in line for line in said.splitlines()), (place, refused, said)
+    assert any(line.startswith(f"{place}:") and refused in line for line in said), (place, refused, said)

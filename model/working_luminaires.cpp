@@ -364,7 +364,7 @@ WorkingLuminaires::Saved WorkingLuminaires::Paste(int id) {
     }
     m_records.NoteChange(id);
     m_unsaved[id] = {luminaire.LampPhoto, m_copied.picture, m_copied.factors};
-    const Saved saved = Save(id);
+    Saved saved = Save(id);
     m_records.SetModified(!saved.written || wasModified);
     return saved;
 }

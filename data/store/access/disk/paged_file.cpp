@@ -101,7 +101,7 @@ void PagedFile::RequireUnchanged() const {
     if (now.identity == 0) {
         throw AccessError(QStringLiteral("the file was removed or renamed"), Fault::Gone);
     }
-    if (IsReplaced() || (!m_writing && now != m_stamp)) {
+    if (now.identity != m_identity || (!m_writing && now != m_stamp)) {
         throw AccessError(QStringLiteral("another program has changed the file since it was read"),
                           Fault::Changed);
     }

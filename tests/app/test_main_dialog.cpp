@@ -9,7 +9,6 @@
 #include "app/file_notice.h"
 #include "app/main_dialog.h"
 #include "app/single_instance.h"
-#include "tests/support/fake_connection.h"
 #include "tests/support/message_answers.h"
 #include "widgets/dialog_template.h"
 
@@ -93,7 +92,10 @@ struct Fixture {
 };
 
 // A connection whose check of the file goes on until it is ended.
-struct CheckedConnection : FakeConnection {
+struct CheckedConnection : Connection {
+    void Open(const CString&, const CString&, const CString&, int) override {}
+    std::unique_ptr<Recordset> Execute(const CString&) override { return nullptr; }
+    void Close() override {}
     bool IsCheckRunning() const override { return isRunning; }
     void RequireSoundFile() override {
         if (isDamaged) {
@@ -166,7 +168,7 @@ private Q_SLOTS:
 
     void WhatOpeningFoundIsToldOnceTheCheckHasEnded() {
         const auto connection = std::make_shared<CheckedConnection>();
-        CLightingDatabase database(FakeConnection::Factory(connection), u"/opt/q/bin/quorvane"_s);
+        CLightingDatabase database([&](const CString&) { return connection; }, u"/opt/q/bin/quorvane"_s);
         QVERIFY(database.Connect());
         Fixture fixture;
         const auto seenAfter = [&](bool isRunning, bool isDamaged) {

@@ -1,13 +1,28 @@
 // Numbers as text, all under a locale that writes a decimal comma.
 
+#include <QLocale>
 #include <QTest>
+#include <clocale>
 #include <limits>
 
 #include "data/number_text.h"
-#include "tests/support/decimal_comma.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
+
+namespace {
+
+// Sets the default locales of C and Qt to German for the rest of the process.
+void UseDecimalComma() {
+    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "German"}) {
+        if (std::setlocale(LC_ALL, name) != nullptr) {
+            break;
+        }
+    }
+    QLocale::setDefault(QLocale(QLocale::German));
+}
+
+}  // namespace
 
 class TestNumberText : public QObject {
     Q_OBJECT

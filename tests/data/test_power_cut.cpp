@@ -2,13 +2,12 @@
 // statements and submits: a beginning of them that holds, after a kill, every statement that had reported
 // success, and after a power cut every finished submit and every statement outside of one.
 
-#include <QFile>
 #include <QTest>
 
-#include "data/store/access/database.h"
 #include "data/store/access/sql/access_connection.h"
 #include "data/store/sqlite_connection.h"
 #include "tests/data/sqlite_on_simulated_disk.h"
+#include "tests/support/files.h"
 #include "tests/support/raw_database.h"
 #include "tools/database_schema.h"
 
@@ -84,9 +83,8 @@ private Q_SLOTS:
                     << isAccess << trouble << powerCuts;
             };
             add("kill", Trouble::Kill, 0);
-            add("kill after an operation", Trouble::KillAfter, 0);
             add("kill within a write", Trouble::Torn, 0);
-            add("power cut", Trouble::KillAfter, 3);
+            add("power cut", Trouble::Kill, 3);
             add("power cut within a write", Trouble::Torn, 1);
             add("failure", Trouble::Failure, 0);
             if (isAccess) {  // SQLite takes the name of a journal for written whose sync has failed
@@ -125,26 +123,9 @@ private Q_SLOTS:
         }
     }
 
-    // A log is applied to the file for which it was written, and to no other.
-    void PutsAStrangeLogAside() {
-        m_isAccess = true;
-        m_fixture = AccessFixture();
-        SimulatedDisk& disk = NewDisk();
-        const auto connection = Open();
-        connection->BeginSubmit();
-        connection->Execute(Statement(0));
-        disk.Restart(nullptr);
-        const QByteArray others = disk.Bytes(kPath).replace(4096 * 40 + 3000, 1, "x");
-        disk.Put(kPath, others);
-        access::Database database(disk, kPath);
-        QCOMPARE(disk.Bytes(kPath), others);
-        QCOMPARE(disk.Names().filter(u"-redo-"_s), QStringList(database.LogAside()));
-    }
-
 private:
     static QByteArray AccessFixture() {
-        QFile file(QStringLiteral(ACCESS_FIXTURES "/lighting-2003-memo.mdb"));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return Contents(QStringLiteral(ACCESS_FIXTURES "/lighting-2003-memo.mdb"));
     }
     static QByteArray SqliteFixture() {
         SimulatedDisk disk;

@@ -1,4 +1,5 @@
-// What stands behind the seam: the choice of a driver, bad files, locks, and the SQLite driver itself.
+// What stands behind the seam: the choice of a driver, bad files, the copy before the first write, locks, and
+// the SQLite driver itself.
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -10,7 +11,7 @@
 
 #include "data/lighting_database.h"
 #include "data/store/dialect.h"
-#include "data/store/store_factory.h"
+#include "tests/support/files.h"
 #include "tests/support/temporary_lighting_database.h"
 #include "tests/support/unprivileged_scope.h"
 
@@ -39,11 +40,6 @@ bool Reads(CLightingDatabase& database) {
     return database.LoadAllLightSources(records) && records.size() == 1;
 }
 
-void Write(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-}
-
 }  // namespace
 
 class TestStore : public QObject {
@@ -59,11 +55,19 @@ private Q_SLOTS:
     void RefusesBadFiles() {
         const QByteArray good = m_file->Bytes();
         const QByteArray noise = QByteArray("\x5a\xc3\x17").repeated(20000);
+        const QByteArray access = Contents(QStringLiteral(ACCESS_FIXTURES "/lighting-general.mdb"));
         const std::pair<QByteArray, QString> cases[] = {
             {"", u"is empty"_s},
             {"S", u"is not a database"_s},
             {QByteArray("照明设计 ").repeated(999), u"is not a database"_s},
             {QByteArray("\0\1\0\0Standard ACE DB\0\2", 21).leftJustified(4096, '\0'), u"Access 2007"_s},
+            {QByteArray(access).replace(20, 1, "\0", 1), u"Access 97"_s},
+            {QByteArray(access).replace(20, 1, "\2"), u"Access 2007"_s},
+            {QByteArray(access).replace(62, 1, "x"), u"encrypted"_s},
+            {QByteArray(access).replace(8192, 1, "\1"), u"damaged"_s},  // the catalogue
+            {access.first(4095), u"no Access file"_s},
+            {access.first(8192), u"size of 8192"_s},
+            {access.chopped(1), u"is impossible"_s},
             {good.first(16), u""_s},
             {good.first(100), u""_s},
             {good.first(good.size() / 2 + 77), u""_s},
@@ -72,11 +76,51 @@ private Q_SLOTS:
             {QByteArray(good).replace(12288, 4096, QByteArray(4096, '\xff')), u"is damaged"_s},
         };
         for (const auto& [bytes, reason] : cases) {
-            Write(m_file->FilePath(), bytes);
+            WriteFile(m_file->FilePath(), bytes);
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^连接数据库失败!\n.*"_s + reason));
             QVERIFY2(!m_database->Connect(), qPrintable(reason));
             QCOMPARE(m_file->Bytes(), bytes);
             QCOMPARE(Files(), QStringList{u"灯具数据库.mdb"_s});
+        }
+    }
+
+    void CopiesBeforeTheFirstWrite() {
+        const QStringList older{u".2001-01-01-000000.bak"_s, u".2002-01-01-000000.bak"_s,
+                                u".2003-01-01-000000.bak"_s, u".2003-01-01.bak"_s};
+        for (const QString& name : older) {
+            WriteFile(m_file->FilePath() + name, {});
+        }
+        const QByteArray before = m_file->Bytes();
+        const auto connection = OpenStore(m_file->FilePath(), BackedUpStore({}));
+        connection->Execute(u"select * from 光源"_s);
+        QCOMPARE(Files().size(), 5);
+        for (int ID = 1; ID <= 2; ++ID) {
+            connection->Execute(u"insert into 光源类别 values (%1, '直管')"_s.arg(ID));
+        }
+        const QStringList copies = Files().filter(u".bak"_s);
+        QCOMPARE(copies.size(), 4);  // three, and one of another name
+        QVERIFY(copies.filter(older[0]).isEmpty() && !copies.filter(older[3]).isEmpty());
+        QCOMPARE(Contents(m_file->DatabaseFolder() + u'/' + copies.last()), before);
+        QVERIFY(m_file->Bytes() != before);
+    }
+
+    void AsksOnceWithoutACopy() {
+        for (const bool goOn : {true, false}) {
+            init();
+            int asked = 0;
+            const auto ask = [&](const CString&) { return ++asked > 0 && goOn; };
+            const auto connection = OpenStore(m_file->FilePath(), BackedUpStore(ask));
+            WriteFile(m_file->FilePath() + u"-wal"_s, "x");
+            int failed = 0;
+            for (int round = 0; round < 2; ++round) {
+                try {
+                    connection->Execute(u"insert into 光源类别 (LamphouseType) values ('直管')"_s);
+                } catch (const ProviderError& error) {
+                    failed += error.Message().contains(u"could not be copied"_s);
+                }
+            }
+            QCOMPARE(failed, goOn ? 0 : 2);
+            QCOMPARE(asked, 1);
         }
     }
 
@@ -141,7 +185,7 @@ private Q_SLOTS:
     }
 
     void RunsOneStatementOnly() {
-        const std::shared_ptr<Connection> connection = OpenConnection();
+        const auto connection = OpenStore(m_file->FilePath());
         const QStringList before = m_file->Snapshot();
         for (const CString& statement :
              {u"delete from 光源; delete from 灯具"_s, u"delete from 光源;;"_s, u"delete from 光源; --"_s,
@@ -208,16 +252,16 @@ private Q_SLOTS:
         const QByteArray name = victim.toUtf8();
         const QByteArray head = mark + number(0) + number(7) + number(1) + number(512) + number(4096);
         const QString journal = m_file->FilePath() + u"-journal"_s;
-        Write(victim, "kept");
-        Write(journal, head.leftJustified(512, '\0') + number(262145) + name + number(name.size()) +
-                           number(std::accumulate(name.begin(), name.end(), 0)) + mark);
+        WriteFile(victim, "kept");
+        WriteFile(journal, head.leftJustified(512, '\0') + number(262145) + name + number(name.size()) +
+                               number(std::accumulate(name.begin(), name.end(), 0)) + mark);
         QVERIFY(!m_database->Connect() && QFile::exists(victim));
-        Write(journal, {});  // as a kill leaves it
+        WriteFile(journal, {});  // as a kill leaves it
         QVERIFY(m_database->Connect() && !QFile::exists(journal));
     }
 
     void EndsWhatFindsNoEndOrNoRoom() {
-        const std::shared_ptr<Connection> connection = OpenConnection();
+        const auto connection = OpenStore(m_file->FilePath());
         connection->Execute(u"PRAGMA max_page_count=20"_s);
         const std::pair<CString, FailureKind> cases[] = {
             {u"with recursive n(i) as (select 1 union all select 2 from n) select sum(i) from n"_s,
@@ -254,6 +298,9 @@ private Q_SLOTS:
                 QVERIFY(RefusesWrites(*m_database));
                 QCOMPARE(m_database->LastFailure().kind, FailureKind::Damaged);
                 QVERIFY(!m_database->IsSound() && !m_database->IsCheckRunning());
+                const auto connection = OpenStore(m_file->FilePath(), BackedUpStore({}));
+                QVERIFY_THROWS_EXCEPTION(ProviderError, connection->Execute(u"delete from 灯具"_s));
+                QCOMPARE(Files().size(), 1);  // a copy of it would push out a good one
                 QVERIFY(m_database->Disconnect());
             }
         }
@@ -296,16 +343,7 @@ private Q_SLOTS:
 private:
     QStringList Files() const { return QDir(m_file->DatabaseFolder()).entryList(QDir::Files); }
     // In rollback mode and without anything beside it.
-    bool IsOneFile() const {
-        QFile file(m_file->FilePath());
-        return file.open(QIODevice::ReadOnly) && file.read(19).back() == 1 && Files().size() == 1;
-    }
-    std::shared_ptr<Connection> OpenConnection() const {
-        const CString connectionString = u"Data Source = %1;"_s.arg(m_file->FilePath());
-        std::shared_ptr<Connection> connection = CreateStoreConnection(connectionString);
-        connection->Open(connectionString, CString(), CString(), -1);
-        return connection;
-    }
+    bool IsOneFile() const { return m_file->Bytes().at(18) == 1 && Files().size() == 1; }
 
     std::unique_ptr<TemporaryLightingDatabase> m_file;
     std::unique_ptr<CLightingDatabase> m_database;

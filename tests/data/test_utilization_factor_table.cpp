@@ -6,11 +6,8 @@
 #include <random>
 #include <set>
 
-#include "data/lighting_database.h"
-#include "data/store/store_factory.h"
 #include "data/utilization_factor_table.h"
-#include "tests/support/fake_connection.h"
-#include "tests/support/temporary_lighting_database.h"
+#include "tests/support/failing_connection.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
@@ -35,20 +32,17 @@ Values Shown(UtilizationFactorTable& table) {
 }
 
 // A table over a file of its own.
-struct Bench {
+struct Bench : FailingDatabase {
     // The rows as (ID, Pcc, Pw, Pf, RCR_RI, UtilizationFactor), 7 in front of each being the luminaire.
-    explicit Bench(const QString& rows) {
-        file.Raw().Execute(
-            u"insert into 利用系数 (LuminaireID,ID,Pcc,Pw,Pf,RCR_RI,UtilizationFactor) values "_s + rows);
-        database.Connect();
+    explicit Bench(const QString& rows)
+        : FailingDatabase(
+              u"insert into 利用系数 (LuminaireID,ID,Pcc,Pw,Pf,RCR_RI,UtilizationFactor) values "_s + rows) {
         table.Load(kLuminaire);
     }
     QStringList Stored() const {
         return file.Raw().Rows(
             u"select ID,Pcc,Pw,Pf,RCR_RI,UtilizationFactor from 利用系数 where LuminaireID=7 order by ID"_s);
     }
-    TemporaryLightingDatabase file;
-    CLightingDatabase database{CreateStoreConnection, file.ExecutablePath()};
     QStringList messages;
     UtilizationFactorTable table{database, [this](const CString& message) { messages << message; }};
 };
@@ -153,6 +147,7 @@ private Q_SLOTS:
 
     void RowsOfOneCellAreWrittenTogether() {
         Bench bench(u"(7,1,80,50,20,1,0.1), (7,2,80,50,20,1,0.2), (7,3,70,50,20,1,0.3)"_s);
+        bench.table.Load(kLuminaire);
         QCOMPARE(Shown(bench.table), Values({0.2, 0.3}));  // the newer row is the cell's
         bench.table.SetFactor(4, 1, 0.5);
         bench.table.ModifyHeading(0, 90, 50, 20);
@@ -170,13 +165,14 @@ private Q_SLOTS:
     }
 
     void WhatTheDiskDidNotConfirmIsUnwritten() {
-        const auto connection = std::make_shared<FakeConnection>();
-        connection->endSubmitFailure = u"disk error"_s;
-        CLightingDatabase database(FakeConnection::Factory(connection), u"/opt/q/bin/quorvane"_s);
-        QVERIFY(database.Connect());
-        UtilizationFactorTable table(database, [](const CString&) {});
-        QVERIFY(table.AddHeading(80, 50, 20) && table.AddRow(1) && table.Submit());
-        QCOMPARE(table.UnwrittenCount(), 1);
+        Bench bench(u"(7,1,80,50,20,1,0.1)"_s);
+        bench.log.failing = QStringList{u"EndSubmit"_s};
+        QVERIFY(bench.table.Submit());
+        QCOMPARE(bench.table.UnwrittenCount(), 1);
+        bench.log.failing.clear();
+        bench.log.onStatement = [](QString& statement) { statement.replace(u"=0.1 "_s, u"=0.2 "_s); };
+        QVERIFY(bench.table.Submit());
+        QCOMPARE(bench.table.DifferentCount(), 1);
     }
 
     void GapsAreToldOnceAndFilled() {

@@ -1,9 +1,8 @@
 #include <QTest>
 
-#include "data/lighting_database.h"
 #include "model/factor_table/factor_table_editing.h"
 #include "model/records/index_after_change.h"
-#include "tests/support/fake_connection.h"
+#include "tests/support/failing_connection.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
@@ -13,22 +12,14 @@ namespace {
 using Branch = FactorTableBranch;
 
 // The headings 80,50,20 and 70,50,20 and the row values 0.6 and 1.256.
-struct Fixture {
+struct Fixture : FailingDatabase {
     Fixture()
-        : database(FakeConnection::Factory(connection), u"/bin/quorvane"_s),
-          editing(database, [](const CString&) {}) {
-        database.Connect();
-        QVERIFY(Load(0.61));
+        : FailingDatabase(
+              u"insert into 利用系数 values (1,7,80,50,20,0.6,0.61),(2,7,80,50,20,1.256,0.52),"
+              "(3,7,70,50,20,0.6,0.634),(4,7,70,50,20,1.256,0.54)"_s) {
+        Load();
     }
-    bool Load(const FieldValue& firstFactor) {
-        connection->results = {
-            {{u"ID"_s, u"LuminaireID"_s, u"Pcc"_s, u"Pw"_s, u"Pf"_s, u"RCR_RI"_s, u"UtilizationFactor"_s},
-             {{1, 7, 80, 50, 20, 0.6, firstFactor},
-              {2, 7, 80, 50, 20, 1.256, 0.52},
-              {3, 7, 70, 50, 20, 0.6, 0.634},
-              {4, 7, 70, 50, 20, 1.256, 0.54}}}};
-        return editing.Load(7);
-    }
+    bool Load() { return editing.Load(7); }
     QStringList Labels(Branch branch) const {
         QStringList labels;
         for (int index = 0; index < editing.Count(branch); ++index) {
@@ -37,9 +28,7 @@ struct Fixture {
         return labels;
     }
 
-    std::shared_ptr<FakeConnection> connection = std::make_shared<FakeConnection>();
-    CLightingDatabase database;
-    FactorTableEditing editing;
+    FactorTableEditing editing{database, [](const CString&) {}};
 };
 
 }  // namespace
@@ -55,10 +44,11 @@ private Q_SLOTS:
             "100,0,100=100,0,100;,,;60,50;60,50,20,10;60,50,20,,;101,50,20;-1,50,20;60, 50,20;60.0,50,20;a,b,c"_s
                 .split(u';');
         const QStringList rows = u" 2 =2.00;.5=0.50;5.=5.00;1.254=1.25;-1;+1;1e2;1.2.3;.;1,5"_s.split(u';');
+        Fixture fixture;
         for (const Branch branch : {Branch::Headings, Branch::Rows}) {
             for (const QString& text : branch == Branch::Headings ? headings : rows) {
                 for (const int index : {-1, 1}) {
-                    Fixture fixture;
+                    fixture.Load();
                     const QStringList before = fixture.Labels(branch);
                     const bool valid = text.contains(u'=');
                     QCOMPARE(fixture.editing.TakeLabel(branch, index, text.section(u'=', 0, 0)), valid);
@@ -103,8 +93,9 @@ private Q_SLOTS:
             {"a factor left as it was", [](auto& e) { e.TakeFactor(4, 1, u"0.61"_s, true); }, true},
             {"clearing", [](auto& e) { e.Clear(); }, true},
         };
+        Fixture fixture;
         for (const auto& [what, edit, modifies] : edits) {
-            Fixture fixture;
+            fixture.Load();
             edit(fixture.editing);
             QVERIFY2(fixture.editing.IsModified() == modifies, what);
             // A refused change leaves the flag of an earlier one alone.
@@ -117,12 +108,14 @@ private Q_SLOTS:
 
     static void UndoesToTheFile(Fixture& fixture, const char* what) {
         FactorTableEditing& editing = fixture.editing;
+        FactorTableEditing stored(fixture.database, {});
+        stored.Load(7);
         const auto changed = editing.Table().Factors();
         int steps = 0;
         for (; editing.UndoName() != nullptr; ++steps) {
             editing.Undo();
         }
-        QVERIFY2(editing.Table().Factors() == Fixture().editing.Table().Factors(), what);
+        QVERIFY2(editing.Table().Factors() == stored.Table().Factors(), what);
         QVERIFY2(editing.Table().DeletedIds().empty(), what);
         for (; steps > 0; --steps) {
             editing.Redo();
@@ -194,12 +187,12 @@ private Q_SLOTS:
 
     void WhatWasNotWrittenStaysModified() {
         Fixture fixture;
-        fixture.connection->failures = {u"ID=2"_s, u"ID=3"_s};
+        fixture.log.failing = {u"ID=2"_s, u"ID=3"_s};
         fixture.editing.Clear();
         QCOMPARE(fixture.editing.Submit().writes, 2);
         QVERIFY(fixture.editing.IsModified());
-        QVERIFY(!fixture.Load({}));  // a row that cannot be read
-        QVERIFY(!fixture.editing.IsModified());
+        fixture.file.Raw().Execute(u"update 利用系数 set UtilizationFactor=null where ID=1"_s);
+        QVERIFY(!fixture.Load() && !fixture.editing.IsModified());
     }
 
     void FollowsAnEntryOverAChange() {

@@ -2,10 +2,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "data/store/store_factory.h"
 #include "model/factor_table/factor_table_cbor.h"
 #include "model/kept/kept_edits_file.h"
 #include "model/kept/record_edits.h"
-#include "tests/support/fake_connection.h"
+#include "tests/support/temporary_lighting_database.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
@@ -84,17 +85,13 @@ private Q_SLOTS:
         QCOMPARE((*file.Read())[u"records"_s], Edits());
         const QDir kept(folder.filePath(u"quorvane"_s));
         const QString path = kept.filePath(kept.entryList(QDir::Files).value(0));
-        QFile stored(path);
-        QVERIFY(stored.open(QIODevice::ReadOnly));
-        QCOMPARE(stored.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
-        const QByteArray whole = stored.readAll();
+        QCOMPARE(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+        const QByteArray whole = Contents(path);
         // Damaged at any place it gives nothing, or edits of the right kind.
         for (qsizetype at = 0; at < whole.size(); ++at) {
             for (const QByteArray& damaged : {whole.first(at), QByteArray(whole).replace(at, 1, "\x9f")}) {
                 QFile::remove(path);
-                QFile rewritten(path);
-                QVERIFY(rewritten.open(QIODevice::WriteOnly) && rewritten.write(damaged) == damaged.size());
-                rewritten.close();
+                WriteFile(path, damaged);
                 const std::optional<QCborMap> read = file.Read();
                 QVERIFY(!read || damaged.size() == whole.size());
                 if (read) {
@@ -112,13 +109,12 @@ private Q_SLOTS:
     }
 
     void AFactorTableIsMadeAgainAsAWhole() {
-        const auto connection = std::make_shared<FakeConnection>();
-        CLightingDatabase database(FakeConnection::Factory(connection), u"/bin/quorvane"_s);
-        database.Connect();
+        const TemporaryLightingDatabase place;
+        place.Raw().Execute(u"insert into 利用系数 values (1,7,80,50,20,0.6,0),(2,7,70,50,20,0.6,0.5)"_s);
+        CLightingDatabase database(CreateStoreConnection, place.ExecutablePath());
+        QVERIFY(database.Connect());
         const auto loaded = [&](double factor) {
-            connection->results = {
-                {{u"ID"_s, u"LuminaireID"_s, u"Pcc"_s, u"Pw"_s, u"Pf"_s, u"RCR_RI"_s, u"UtilizationFactor"_s},
-                 {{1, 7, 80, 50, 20, 0.6, factor}, {2, 7, 70, 50, 20, 0.6, 0.5}}}};
+            place.Raw().Execute(u"update 利用系数 set UtilizationFactor=%1 where ID=1"_s.arg(factor));
             FactorTableEditing editing(database, [](const CString&) {});
             editing.Load(7);
             return editing;

@@ -1,9 +1,9 @@
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include "model/photo/photo_library.h"
+#include "tests/support/files.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
@@ -18,17 +18,14 @@ struct Disk {
     }
     void Write(const QStringList& names) const {
         for (const QString& name : names) {
-            QVERIFY(QDir().mkpath(QFileInfo(Path(name)).path()));
-            QFile file(Path(name));
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(name.toUtf8()) > 0);
+            WriteFile(Path(name), name.toUtf8());
         }
     }
     // "name=content" of every file of the library, or only the name when that is its content.
     QString Library() const {
         QStringList files;
         for (const QString& name : QDir(Path(u"L/"_s)).entryList(QDir::Files | QDir::Hidden, QDir::Name)) {
-            QFile file(Path(u"L/"_s) + name);
-            const QString content = file.open(QIODevice::ReadOnly) ? file.readAll() : QString();
+            const QString content = Contents(Path(u"L/"_s) + name);
             files += content == u"L/"_s + name ? name : name + u'=' + content;
         }
         return files.join(u' ');
@@ -78,6 +75,7 @@ private Q_SLOTS:
         add("a folder", old, "B/folder.jpg", "12.gif", kept);
         add("no extension, but a point in the folder", old, "B/folder.jpg/picture", "12.gif", kept);
         add("leads out of the library", old, "B/x./../../../escaped", "12.gif", kept);
+        add("missing, and no old one", {}, "\\no\\extension", "", "7.jpg");
         add("cannot be put in place", old + u" L/12.png/in_the_way"_s, "B/blocked.png", "12.gif", kept);
     }
 
@@ -91,13 +89,6 @@ private Q_SLOTS:
                  photo.isEmpty() ? QString() : u"\\Vexal\\LuminairePhotoLib\\"_s + photo);
         QTEST(disk.Library(), "library");
         QVERIFY(!QFile::exists(disk.Path(u"B/escaped"_s)));
-    }
-
-    void AFailedFirstCopyHasNoPath() {
-        Disk disk;
-        QCOMPARE(disk.Store(12, u"\\Vexal\\LuminairePhotoLib\\7.jpg"_s), QString());
-        QCOMPARE(disk.Store(12, u"no extension"_s), QString());
-        QCOMPARE(disk.Store(12, u"\\no\\extension"_s), QString());
     }
 
 #ifdef Q_OS_UNIX

@@ -2,7 +2,6 @@
 
 #include "model/reference_lists.h"
 #include "tests/support/failing_connection.h"
-#include "tests/support/temporary_lighting_database.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
@@ -15,18 +14,11 @@ const QString kFile =
     "insert into 光源 values (11,1,'T8',1,1,'','直管'),(12,1,'T5',1,1,'','细管'),(13,2,'Q',1,1,'','泡:a'),"
     "(14,2,'',1,1,'','逗,号'),(16,15,'',1,1,'',''),(41,2,'T8',1,1,'','直管');"_s;
 
-struct Lists : ReferenceLists {
-    Lists() : ReferenceLists(database), database(FailingConnection::Factory(log), file.ExecutablePath()) {
-        file.Raw().Execute(kFile);
-        if (!database.Connect()) {
-            qFatal("the database did not open");
-        }
+struct Lists : FailingDatabase, ReferenceLists {
+    Lists() : FailingDatabase(kFile), ReferenceLists(database) {
         Categories();
         log = {};
     }
-    TemporaryLightingDatabase file;
-    StatementLog log;
-    CLightingDatabase database;
 };
 
 QString Joined(const std::vector<CString>& texts) {

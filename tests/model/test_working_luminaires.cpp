@@ -1,11 +1,8 @@
 #include <QDateTime>
-#include <QDir>
-#include <QFile>
 #include <QTest>
 
 #include "model/working_luminaires.h"
 #include "tests/support/failing_connection.h"
-#include "tests/support/temporary_lighting_database.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
@@ -21,27 +18,18 @@ const QString kFile =
     "insert into 利用系数 values (1,31,70,50,20,1,0.5),(2,31,70,50,20,2,0.25),(3,32,80,50,20,1,0.125);"_s;
 
 // Luminaires 31 (with a photo and two factors) and 32 (with one factor), loaded from a file of their own.
-struct Place {
-    Place() : database(FailingConnection::Factory(log), file.ExecutablePath()) {
-        file.Raw().Execute(kFile);
-        if (!database.Connect() || !luminaires.Load(u"1"_s)) {
-            qFatal("the database did not open");
-        }
-        Write(Library() + u"31.jpg"_s, "old");
+struct Place : FailingDatabase {
+    Place() : FailingDatabase(kFile) {
+        luminaires.Load(u"1"_s);
+        WriteFile(Library() + u"31.jpg"_s, "old");
     }
 
     QString Library() const { return file.Folder() + u"/Vexal/LuminairePhotoLib/"_s; }
-    QString Write(const QString& path, const QByteArray& content) const {
-        QDir().mkpath(QFileInfo(path).path());
-        QFile written(path);
-        return written.open(QIODevice::WriteOnly) && written.write(content) > 0 ? path : QString();
-    }
     // "31.jpg=old 32.bmp=new": every file of the library.
     QString Photos() const {
         QStringList photos;
         for (const QString& name : QDir(Library()).entryList(QDir::Files, QDir::Name)) {
-            QFile photo(Library() + name);
-            photos += name + u'=' + QString(photo.open(QIODevice::ReadOnly) ? photo.readAll() : QByteArray());
+            photos += name + u'=' + QString(Contents(Library() + name));
         }
         return photos.join(u' ');
     }
@@ -61,11 +49,11 @@ struct Place {
         luminaires.Records().Replace(record);
     }
     bool Copy(int id) { return luminaires.Copy(*luminaires.Records().Find(id)); }
-    QString Picture() const { return Write(file.Folder() + u"/p.bmp"_s, "new"); }
+    QString Picture() const {
+        WriteFile(file.Folder() + u"/p.bmp"_s, "new");
+        return file.Folder() + u"/p.bmp"_s;
+    }
 
-    TemporaryLightingDatabase file;
-    StatementLog log;
-    CLightingDatabase database;
     ReferenceLists lists{database};
     WorkingLuminaires luminaires{database, lists};
 };
@@ -124,7 +112,7 @@ private Q_SLOTS:
         place.Copy(31);
         place.log.failing = QStringList{u"0.5)"_s};
         QVERIFY(!place.luminaires.Paste(31).written);
-        place.Write(place.Library() + u"31.jpg"_s, "newer");
+        WriteFile(place.Library() + u"31.jpg"_s, "newer");
         place.log.failing.clear();
         QVERIFY(place.luminaires.Submit().None());
         QCOMPARE(place.Photos(), u"31.jpg=newer"_s);
@@ -274,7 +262,8 @@ private Q_SLOTS:
         Place place;
         for (const QString& name : {u"31.bmp"_s, u"staged-31.jpg"_s, u"staged-32.bmp"_s, u"staged-7.jpg"_s,
                                     u"copying-1"_s, u"copying-2"_s}) {
-            QFile file(place.Write(place.Library() + name, name.toUtf8()));
+            QFile file(place.Library() + name);
+            WriteFile(file.fileName(), name.toUtf8());
             const int age = name.contains(u'7') || name.contains(u"g-1"_s) ? 4000 : 3000;  // seconds
             QVERIFY(file.open(QIODevice::ReadWrite) &&
                     file.setFileTime(QDateTime::currentDateTime().addSecs(-age),

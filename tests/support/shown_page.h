@@ -11,14 +11,11 @@
 #include <functional>
 #include <memory>
 
-#include "data/lighting_database.h"
-#include "data/store/store_factory.h"
 #include "editors/page.h"
 #include "grid/grid_ctrl.h"
 #include "model/reference_lists.h"
 #include "tests/support/failing_connection.h"
 #include "tests/support/message_answers.h"
-#include "tests/support/temporary_lighting_database.h"
 #include "widgets/dialog_template.h"
 
 namespace quorvane {
@@ -160,19 +157,9 @@ private:
     QWidget* m_window = nullptr;
 };
 
-struct ShownGrid : WorkedGrid {
-    // Fills the file by rows (any statements) and opens it.
-    explicit ShownGrid(const QString& rows)
-        : file(), database(FailingConnection::Factory(log), file.ExecutablePath()) {
-        file.Raw().Execute(rows);
-        if (!database.Connect()) {
-            qFatal("the database did not open");
-        }
-    }
+struct ShownGrid : WorkedGrid, FailingDatabase {
+    using FailingDatabase::FailingDatabase;
 
-    TemporaryLightingDatabase file;
-    StatementLog log;  // tells statements to fail
-    CLightingDatabase database;
     ReferenceLists lists{database};
 };
 

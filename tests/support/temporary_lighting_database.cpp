@@ -1,7 +1,6 @@
 #include "tests/support/temporary_lighting_database.h"
 
 #include <QDir>
-#include <QFile>
 
 #include "tools/database_schema.h"
 
@@ -24,11 +23,6 @@ QStringList TemporaryLightingDatabase::Snapshot() const {
              << database.Rows(u"select * from %1 order by ID"_s.arg(QString::fromUtf8(table)));
     }
     return rows;
-}
-
-QByteArray TemporaryLightingDatabase::Bytes() const {
-    QFile file(FilePath());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 }  // namespace quorvane

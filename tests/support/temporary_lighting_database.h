@@ -3,6 +3,7 @@
 
 #include <QTemporaryDir>
 
+#include "tests/support/files.h"
 #include "tests/support/raw_database.h"
 
 namespace quorvane {
@@ -22,7 +23,7 @@ public:
     // Every row of every table, the tables' definitions included, to see that nothing else has changed.
     QStringList Snapshot() const;
     // The file's bytes. Not while a connection of this process holds a lock on it.
-    QByteArray Bytes() const;
+    QByteArray Bytes() const { return Contents(FilePath()); }
 
 private:
     QTemporaryDir m_folder;

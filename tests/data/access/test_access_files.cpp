@@ -9,6 +9,7 @@
 #include "data/store/access/database.h"
 #include "data/store/access/rows/long_values.h"
 #include "data/store/access/rows/text.h"
+#include "tests/support/files.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane::access;
@@ -46,8 +47,7 @@ QStringList Lines(Table& table) {
 }
 
 QString ReadText(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return QString::fromUtf8(quorvane::Contents(path));
 }
 
 // Whether a row comes out as it stands in the file. What stands in the place of a NULL means nothing, and
@@ -97,7 +97,10 @@ private Q_SLOTS:
 
     void ReadsEveryRow() {
         QFETCH(QString, file);
-        Database database(NativeFiles(), Copy(file));
+        const QTemporaryDir folder;
+        const QString copy = folder.filePath(file);
+        quorvane::WriteFile(copy, quorvane::Contents(kFolder + u'/' + file));
+        Database database(NativeFiles(), copy);
         QCOMPARE(database.ReadOnlyReason(), QString());
         const QString stem = file.chopped(4);
         const QStringList sums = ReadText(kFolder + "/expected/"_L1 + stem + ".txt"_L1).split(u'\n');
@@ -126,16 +129,6 @@ private Q_SLOTS:
             QVERIFY2(sums.contains(sum), qPrintable(sum));
         }
     }
-
-private:
-    QString Copy(const QString& file) {
-        QString path = m_folder.filePath(file);
-        QFile::copy(kFolder + u'/' + file, path);
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
-        return path;
-    }
-
-    QTemporaryDir m_folder;
 };
 
 QTEST_APPLESS_MAIN(TestAccessFiles)

@@ -1,6 +1,5 @@
 // Changing an index in place, against a sorted set of the entries it should hold.
 
-#include <QFile>
 #include <QTest>
 #include <random>
 #include <set>
@@ -9,16 +8,10 @@
 #include "data/store/access/index/index_writer.h"
 #include "data/store/access/index/key.h"
 #include "tests/data/simulated_disk.h"
+#include "tests/support/files.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quorvane::access;
-
-class TestAccessIndex : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void RandomChangesKeepTheTree_data();
-    void RandomChangesKeepTheTree();
-};
 
 namespace {
 
@@ -56,74 +49,78 @@ void Compare(const Index& index, const UsageMap& map, const Entries& expected) {
 
 }  // namespace
 
-void TestAccessIndex::RandomChangesKeepTheTree_data() {
-    QTest::addColumn<int>("style");
-    QTest::addColumn<int>("capacity");
-    QTest::addColumn<int>("levels");  // that the tree reaches
-    QTest::newRow("equal keys") << 0 << 60 << 4;
-    QTest::newRow("texts") << 1 << 100 << 4;
-    QTest::newRow("rising keys") << 2 << 60 << 4;
-    QTest::newRow("texts, whole pages") << 1 << int{kIndexCapacity} << 2;
-}
+class TestAccessIndex : public QObject {
+    Q_OBJECT
 
-void TestAccessIndex::RandomChangesKeepTheTree() {
-    QFETCH(int, style);
-    QFETCH(int, capacity);
-    QFETCH(int, levels);
-    QFile file(QStringLiteral(ACCESS_FIXTURES "/lighting-general.mdb"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    SimulatedDisk disk;
-    disk.Put(file.fileName(), file.readAll());
-    PagedFile pages(disk, file.fileName(), true);
-    pages.BeginStatement();
-    const TableDefinition table = ReadTableDefinition(pages, 24);
-    const IndexDescription& description = table.indexes.front();
-    PageAllocator allocator(pages, [&] { return std::vector<bool>(pages.Count()); });
-    const UsageMap map(pages, description.map);
-    const Index index(pages, table, description);
-    IndexWriter writer(pages, allocator, table, description, capacity);
-
-    Entries expected;
-    for (IndexCursor cursor = index.First(); !cursor.AtEnd(); cursor.MoveNext()) {
-        expected.insert(cursor.Entry());
+private Q_SLOTS:
+    void RandomChangesKeepTheTree_data() {
+        QTest::addColumn<int>("style");
+        QTest::addColumn<int>("capacity");
+        QTest::addColumn<int>("levels");  // that the tree reaches
+        QTest::newRow("equal keys") << 0 << 60 << 4;
+        QTest::newRow("texts") << 1 << 100 << 4;
+        QTest::newRow("rising keys") << 2 << 60 << 4;
+        QTest::newRow("texts, whole pages") << 1 << int{kIndexCapacity} << 2;
     }
-    std::mt19937 random(static_cast<unsigned>(style * 7919 + capacity));
-    const auto removeOne = [&] {
-        auto entry = expected.begin();
-        std::advance(entry, static_cast<int>(random() % expected.size()));
-        writer.Remove(KeyOfEntry(*entry), RowOfEntry(*entry));
-        expected.erase(entry);
-    };
-    int mostLevels = 1;
-    std::size_t unique = UniqueEntryCount(pages, table, description);
-    for (int step = 0; step < 3000; ++step) {
-        const bool grow = step % 1000 < 600 ? random() % 4 != 0 : random() % 4 == 0;
-        if (grow || expected.empty()) {
-            const QByteArray key = MakeKey(style, random, step);
-            const RowAddress row{static_cast<PageNumber>(1000 + step), static_cast<quint8>(random())};
-            const auto next = expected.lower_bound(key);
-            unique += next == expected.end() || KeyOfEntry(*next) != key ? 1 : 0;
-            writer.Insert(key, row);
-            expected.insert(IndexEntry(key, row));
-        } else {
+
+    void RandomChangesKeepTheTree() {
+        QFETCH(int, style);
+        QFETCH(int, capacity);
+        QFETCH(int, levels);
+        SimulatedDisk disk;
+        disk.Put(u"/a.mdb"_s, quorvane::Contents(QStringLiteral(ACCESS_FIXTURES "/lighting-general.mdb")));
+        PagedFile pages(disk, u"/a.mdb"_s, true);
+        pages.BeginStatement();
+        const TableDefinition table = ReadTableDefinition(pages, 24);
+        const IndexDescription& description = table.indexes.front();
+        PageAllocator allocator(pages, [&] { return std::vector<bool>(pages.Count()); });
+        const UsageMap map(pages, description.map);
+        const Index index(pages, table, description);
+        IndexWriter writer(pages, allocator, table, description, capacity);
+
+        Entries expected;
+        for (IndexCursor cursor = index.First(); !cursor.AtEnd(); cursor.MoveNext()) {
+            expected.insert(cursor.Entry());
+        }
+        std::mt19937 random(static_cast<unsigned>(style * 7919 + capacity));
+        const auto removeOne = [&] {
+            auto entry = expected.begin();
+            std::advance(entry, static_cast<int>(random() % expected.size()));
+            writer.Remove(KeyOfEntry(*entry), RowOfEntry(*entry));
+            expected.erase(entry);
+        };
+        int mostLevels = 1;
+        std::size_t unique = UniqueEntryCount(pages, table, description);
+        for (int step = 0; step < 3000; ++step) {
+            const bool grow = step % 1000 < 600 ? random() % 4 != 0 : random() % 4 == 0;
+            if (grow || expected.empty()) {
+                const QByteArray key = MakeKey(style, random, step);
+                const RowAddress row{static_cast<PageNumber>(1000 + step), static_cast<quint8>(random())};
+                const auto next = expected.lower_bound(key);
+                unique += next == expected.end() || KeyOfEntry(*next) != key ? 1 : 0;
+                writer.Insert(key, row);
+                expected.insert(IndexEntry(key, row));
+            } else {
+                removeOne();
+            }
+            if (step % 100 == 0) {
+                Compare(index, map, expected);
+                mostLevels =
+                    std::max(mostLevels, IndexPageView(pages, description.root, table.page).Level() + 1);
+            }
+            if (QTest::currentTestFailed()) {
+                QFAIL(qPrintable(QStringLiteral("step %1").arg(step)));
+            }
+        }
+        QVERIFY2(mostLevels >= levels, qPrintable(QString::number(mostLevels)));
+        QCOMPARE(UniqueEntryCount(pages, table, description), unique);
+        while (!expected.empty()) {
             removeOne();
         }
-        if (step % 100 == 0) {
-            Compare(index, map, expected);
-            mostLevels = std::max(mostLevels, IndexPageView(pages, description.root, table.page).Level() + 1);
-        }
-        if (QTest::currentTestFailed()) {
-            QFAIL(qPrintable(QStringLiteral("step %1").arg(step)));
-        }
+        Compare(index, map, expected);
+        QCOMPARE(index.CheckedPages(), std::vector<PageNumber>{description.root});
     }
-    QVERIFY2(mostLevels >= levels, qPrintable(QString::number(mostLevels)));
-    QCOMPARE(UniqueEntryCount(pages, table, description), unique);
-    while (!expected.empty()) {
-        removeOne();
-    }
-    Compare(index, map, expected);
-    QCOMPARE(index.CheckedPages(), std::vector<PageNumber>{description.root});
-}
+};
 
 QTEST_GUILESS_MAIN(TestAccessIndex)
 #include "test_access_index.moc"

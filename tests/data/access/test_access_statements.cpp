@@ -8,7 +8,7 @@
 #include <random>
 
 #include "data/store/access/check/file_check.h"
-#include "data/store/store_factory.h"
+#include "tests/support/files.h"
 #include "tests/support/raw_database.h"
 #include "tools/database_schema.h"
 
@@ -23,31 +23,20 @@ int statementCount = 600;
 QString keptFolder;
 
 QStringList ReadStatements() {
-    QFile file(QStringLiteral(STATEMENTS_FILE));
-    if (!file.open(QIODevice::ReadOnly)) {
-        qFatal("the statements are missing");
-    }
-    const QStringList lines = QString::fromUtf8(file.readAll()).replace(u"\\t"_s, u"\t"_s).split(u'\n');
+    const QByteArray text = Contents(QStringLiteral(STATEMENTS_FILE));
+    const QStringList lines = QString::fromUtf8(text).replace(u"\\t"_s, u"\t"_s).split(u'\n');
     return lines.sliced(2).filter(u" "_s);
 }
 
-// The pages of all tables that no statement writes, those of the system among them.
-QByteArray UnwrittenPages(const access::Database& database) {
-    const access::Pages& pages = database.AllPages();
+// The rows of all tables that no statement writes, those of the system among them, as they stand in the file.
+QByteArray UnwrittenRows(access::Database& database) {
     QByteArray bytes;
     for (const access::CatalogEntry& entry : database.Catalog()) {
         if (entry.linked || kTables.indexOf(entry.name) > 0) {
             continue;
         }
-        const access::TableDefinition table = ReadTableDefinition(pages, entry.definition);
-        std::vector<std::vector<access::PageNumber>> parts{table.pages, MappedPages(pages, table.owned)};
-        for (const access::IndexDescription& index : table.indexes) {
-            parts.push_back(MappedPages(pages, index.map));
-        }
-        for (const std::vector<access::PageNumber>& part : parts) {
-            for (const access::PageNumber page : part) {
-                bytes += QByteArray(pages.Read(page)->data(), access::kPageSize);
-            }
+        for (auto scan = database.Find(entry.name).Scan(); !scan.AtEnd(); scan.MoveNext()) {
+            bytes += scan.Row().bytes;
         }
     }
     return bytes;
@@ -95,13 +84,6 @@ void MakeLoose(QStringList& rows) {
     rows.sort();
 }
 
-std::shared_ptr<Connection> Open(const QString& file) {
-    const CString source = u"Data Source = %1;"_s.arg(file);
-    std::shared_ptr<Connection> connection = CreateStoreConnection(source);
-    connection->Open(source, {}, {}, -1);
-    return connection;
-}
-
 // The program's own columns, in the order of the SQLite file.
 QString Columns(const RawDatabase& sqlite, const QString& table) {
     return sqlite.Rows(u"SELECT name FROM pragma_table_info('%1')"_s.arg(table)).join(u',').remove(u'\'');
@@ -111,7 +93,7 @@ QString Columns(const RawDatabase& sqlite, const QString& table) {
 void CopyToSqlite(const QString& accessFile, const QString& sqliteFile) {
     RawDatabase sqlite(sqliteFile);
     sqlite.Execute(u"BEGIN;"_s + QString::fromUtf8(kDatabaseSchema));
-    const auto access = Open(accessFile);
+    const auto access = OpenStore(accessFile);
     for (const QString& table : kTables) {
         const QStringList rows = Answer(*access, u"select %1 from %2"_s.arg(Columns(sqlite, table), table));
         for (const QString& row : rows) {
@@ -191,86 +173,80 @@ class TestAccessStatements : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void BothStoresAnswerAlike_data();
-    void BothStoresAnswerAlike();
+    void BothStoresAnswerAlike_data() {
+        QTest::addColumn<QString>("fixture");
+        for (const QString& file : QDir(QStringLiteral(ACCESS_FIXTURES)).entryList({u"*.mdb"_s})) {
+            QTest::newRow(qPrintable(file)) << file;
+        }
+    }
+
+    void BothStoresAnswerAlike() {
+        QFETCH(QString, fixture);
+        const QTemporaryDir folder;
+        const QString accessFile = folder.filePath(u"access.mdb"_s);
+        const QString sqliteFile = folder.filePath(u"sqlite.mdb"_s);
+        QVERIFY(QFile::copy(QStringLiteral(ACCESS_FIXTURES) + u'/' + fixture, accessFile));
+        QFile::setPermissions(accessFile, QFile::ReadOwner | QFile::WriteOwner);
+        CopyToSqlite(accessFile, sqliteFile);
+        m_unwritten = UnwrittenRows(*std::make_unique<access::Database>(access::NativeFiles(), accessFile));
+
+        const auto access = OpenStore(accessFile);
+        const auto sqlite = OpenStore(sqliteFile);
+        Filler filler(fixture);
+        for (int done = 0; done < statementCount && !QTest::currentTestFailed(); done += kBatch) {
+            access->BeginSubmit();
+            sqlite->BeginSubmit();
+            RunBatch(*access, *sqlite, filler);
+            access->EndSubmit();
+            sqlite->EndSubmit();
+            CompareTables(*access, *sqlite, sqliteFile);
+            CheckCopy(accessFile,
+                      u"%1/%2-%3.mdb"_s.arg(keptFolder.isEmpty() ? folder.path() : keptFolder,
+                                            QFileInfo(fixture).baseName(), QString::number(done)));
+        }
+        access->Close();
+        QCOMPARE(QDir(folder.path()).entryList({u"access*"_s}), QStringList{u"access.mdb"_s});
+    }
 
 private:
-    void RunBatch(Connection& access, Connection& sqlite, Filler& filler);
-    void CompareTables(Connection& access, Connection& sqlite, const QString& sqliteFile);
-    void CheckCopy(const QString& accessFile, const QString& copy);
+    void RunBatch(Connection& access, Connection& sqlite, Filler& filler) {
+        for (int step = 0; step < kBatch; ++step) {
+            const QString given = filler.Next();
+            const bool isLoose = given.startsWith(u'~');
+            const QString statement = given.mid(isLoose ? 1 : 0);
+            QStringList expected = Answer(sqlite, statement);
+            QStringList found = Answer(access, statement);
+            if (isLoose) {
+                MakeLoose(expected);
+                MakeLoose(found);
+            }
+            if (statement.startsWith(u"insert") && found == expected) {
+                const QString readBack = u"select max(ID) from %1"_s.arg(statement.section(u' ', 2, 2));
+                expected = Answer(sqlite, readBack);
+                found = Answer(access, readBack);
+            }
+            const QStringList report{statement, found.join(u'\n'), u"instead of"_s, expected.join(u'\n')};
+            QVERIFY2(found == expected, qPrintable(report.join(u'\n')));
+        }
+    }
+
+    void CompareTables(Connection& access, Connection& sqlite, const QString& sqliteFile) {
+        const RawDatabase raw(sqliteFile);
+        for (const QString& table : kTables) {
+            const QString query = u"select %1 from %2"_s.arg(Columns(raw, table), table);
+            QCOMPARE(Answer(access, query), Answer(sqlite, query));
+        }
+    }
+
+    void CheckCopy(const QString& accessFile, const QString& copy) {
+        QVERIFY(QFile::copy(accessFile, copy));
+        access::Database database(access::NativeFiles(), copy);
+        QCOMPARE(CheckFile(database), QStringList());
+        QVERIFY(UnwrittenRows(database) == m_unwritten);
+    }
 
     QByteArray m_unwritten;
 };
-
-void TestAccessStatements::BothStoresAnswerAlike_data() {
-    QTest::addColumn<QString>("fixture");
-    for (const QString& file : QDir(QStringLiteral(ACCESS_FIXTURES)).entryList({u"*.mdb"_s})) {
-        QTest::newRow(qPrintable(file)) << file;
-    }
-}
-
-void TestAccessStatements::BothStoresAnswerAlike() {
-    QFETCH(QString, fixture);
-    const QTemporaryDir folder;
-    const QString accessFile = folder.filePath(u"access.mdb"_s);
-    const QString sqliteFile = folder.filePath(u"sqlite.mdb"_s);
-    QVERIFY(QFile::copy(QStringLiteral(ACCESS_FIXTURES) + u'/' + fixture, accessFile));
-    QFile::setPermissions(accessFile, QFile::ReadOwner | QFile::WriteOwner);
-    CopyToSqlite(accessFile, sqliteFile);
-    m_unwritten = UnwrittenPages(access::Database(access::NativeFiles(), accessFile));
-
-    const auto access = Open(accessFile);
-    const auto sqlite = Open(sqliteFile);
-    Filler filler(fixture);
-    for (int done = 0; done < statementCount && !QTest::currentTestFailed(); done += kBatch) {
-        access->BeginSubmit();
-        sqlite->BeginSubmit();
-        RunBatch(*access, *sqlite, filler);
-        access->EndSubmit();
-        sqlite->EndSubmit();
-        CompareTables(*access, *sqlite, sqliteFile);
-        CheckCopy(accessFile, u"%1/%2-%3.mdb"_s.arg(keptFolder.isEmpty() ? folder.path() : keptFolder,
-                                                    QFileInfo(fixture).baseName(), QString::number(done)));
-    }
-    access->Close();
-    QCOMPARE(QDir(folder.path()).entryList({u"access*"_s}), QStringList{u"access.mdb"_s});
-}
-
-void TestAccessStatements::RunBatch(Connection& access, Connection& sqlite, Filler& filler) {
-    for (int step = 0; step < kBatch; ++step) {
-        const QString given = filler.Next();
-        const bool isLoose = given.startsWith(u'~');
-        const QString statement = given.mid(isLoose ? 1 : 0);
-        QStringList expected = Answer(sqlite, statement);
-        QStringList found = Answer(access, statement);
-        if (isLoose) {
-            MakeLoose(expected);
-            MakeLoose(found);
-        }
-        if (statement.startsWith(u"insert") && found == expected) {
-            const QString readBack = u"select max(ID) from %1"_s.arg(statement.section(u' ', 2, 2));
-            expected = Answer(sqlite, readBack);
-            found = Answer(access, readBack);
-        }
-        const QStringList report{statement, found.join(u'\n'), u"instead of"_s, expected.join(u'\n')};
-        QVERIFY2(found == expected, qPrintable(report.join(u'\n')));
-    }
-}
-
-void TestAccessStatements::CompareTables(Connection& access, Connection& sqlite, const QString& sqliteFile) {
-    const RawDatabase raw(sqliteFile);
-    for (const QString& table : kTables) {
-        const QString query = u"select %1 from %2"_s.arg(Columns(raw, table), table);
-        QCOMPARE(Answer(access, query), Answer(sqlite, query));
-    }
-}
-
-void TestAccessStatements::CheckCopy(const QString& accessFile, const QString& copy) {
-    QVERIFY(QFile::copy(accessFile, copy));
-    access::Database database(access::NativeFiles(), copy);
-    QCOMPARE(CheckFile(database), QStringList());
-    QVERIFY(UnwrittenPages(database) == m_unwritten);
-}
 
 int main(int argc, char* argv[]) {
     if (argc > 1 && QByteArray(argv[1]).toInt() > 0) {

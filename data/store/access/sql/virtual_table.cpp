@@ -49,7 +49,7 @@ Value ToValue(sqlite3_value* value) {
             return sqlite3_value_double(value);
         case SQLITE_TEXT: {
             const auto* text = static_cast<const char16_t*>(sqlite3_value_text16(value));
-            return QString::fromUtf16(text, sqlite3_value_bytes16(value) / 2);
+            return QStringView(text, sqlite3_value_bytes16(value) / 2).toString();  // a byte order mark stays
         }
         case SQLITE_BLOB:
             return QByteArray(static_cast<const char*>(sqlite3_value_blob(value)),

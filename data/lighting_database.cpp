@@ -155,9 +155,11 @@ bool CLightingDatabase::Insert(QStringView insert, Arguments arguments, QStringV
         })) {
         return true;
     }
-    // Any other failure of the insert tells that nothing was written.
+    // Any other failure of the insert tells that nothing was written. Outside a submit the Access driver may
+    // have no room for a row that is in its log.
     if (isInserted || m_lastFailure.kind == FailureKind::Other ||
-        m_lastFailure.kind == FailureKind::OutOfMemory) {
+        m_lastFailure.kind == FailureKind::OutOfMemory ||
+        (m_lastFailure.kind == FailureKind::DiskFull && m_openSubmits == 0)) {
         const ProviderFailure reason = m_lastFailure;
         Try(u"Insert"_s, [&] { m_lostInserts.insert(FormatStatement(insert, arguments)); });
         m_lastFailure = reason;

@@ -32,8 +32,9 @@ enum class FailureKind {
 // Why an operation failed.
 struct ProviderFailure {
     FailureKind kind = FailureKind::Other;
-    CString message;  // as the provider gave it
-    CString column;   // of the value that must not be written; else empty
+    CString message;   // as the provider gave it
+    CString column;    // of the value that must not be written; else empty
+    CString who = {};  // where the file is locked: by whom, as far as the driver knows, in Chinese
 };
 
 class ProviderError : public std::runtime_error {

@@ -40,15 +40,39 @@ CString HeadingOf(const CString& column) {
                                                   {u"LamphouseCount"_s, u"光源个数"_s},
                                                   {u"DefaultLamphouse"_s, u"默认光源"_s},
                                                   {u"LampPhoto"_s, u"灯具图片"_s},
+                                                  {u"LuminousFlux"_s, u"光通量"_s},
+                                                  {u"LamphousePower"_s, u"功率"_s},
+                                                  {u"LuminaireEfficiency"_s, u"灯具效率"_s},
+                                                  {u"MaxLhAA"_s, u"A-A"_s},
+                                                  {u"MaxLhBB"_s, u"B-B"_s},
+                                                  {u"BallastCount"_s, u"镇流器数"_s},
+                                                  {u"BallastPower"_s, u"镇流器功率"_s},
+                                                  {u"ActualLPD"_s, u"现行功率密度"_s},
+                                                  {u"ObjectiveLPD"_s, u"目标功率密度"_s},
+                                                  {u"IlluminanceStandard"_s, u"照度标准值"_s},
+                                                  {u"UGR"_s, u"统一眩光值"_s},
+                                                  {u"Ra"_s, u"显色指数"_s},
                                                   {u"Location"_s, u"场所"_s},
                                                   {u"ReferencePlane"_s, u"参考平面"_s}};
     return headings.value(column, column);
 }
 
-CString UnwritableText(const ProviderFailure& failure, int row) {
+// Where the value stands that could not be written, without the row where that is 0; empty where it is not
+// known.
+CString PlaceOf(const ProviderFailure& failure, int row) {
     const CString inRow = row == 0 ? CString() : FormatText(u"第%d行"_s, {row});
-    const CString place =
-        failure.column.isEmpty() ? u"文字"_s : inRow + FormatText(u"“%s”一列"_s, {HeadingOf(failure.column)});
+    return failure.column.isEmpty() ? CString()
+                                    : inRow + FormatText(u"“%s”一列"_s, {HeadingOf(failure.column)});
+}
+
+CString ReportText(const ProviderFailure& failure, int row) {
+    const CString place = PlaceOf(failure, row);
+    return (place.isEmpty() ? place : place + u',') + FormatText(u"数据库报告:%s。"_s, {failure.message});
+}
+
+CString UnwritableText(const ProviderFailure& failure, int row) {
+    const CString known = PlaceOf(failure, row);
+    const CString place = known.isEmpty() ? u"文字"_s : known;
     switch (failure.kind) {
         case FailureKind::EmptyText:
             return place +
@@ -73,7 +97,8 @@ CString CauseText(const ProviderFailure& failure, int row) {
         case FailureKind::FileChanged:
             return u"原因:数据库文件已被其他程序改动。"_s;
         case FailureKind::Locked:
-            return u"原因:数据库文件被其他程序占用。"_s;
+            return failure.who.isEmpty() ? u"原因:数据库文件被其他程序占用。"_s
+                                         : FormatText(u"原因:数据库文件被占用:%s。"_s, {failure.who});
         case FailureKind::ReadOnly:
             return u"原因:数据库文件或其所在的文件夹只读。"_s;
         case FailureKind::Damaged:
@@ -89,7 +114,7 @@ CString CauseText(const ProviderFailure& failure, int row) {
         default:
             return failure.message.isEmpty()
                        ? u"可能的原因:数据库文件只读或被其他程序占用,或文字中含有单引号。"_s
-                       : FormatText(u"原因:数据库报告“%s”。"_s, {failure.message});
+                       : u"原因:"_s + ReportText(failure, row);
     }
 }
 

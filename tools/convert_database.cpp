@@ -17,7 +17,7 @@ int Run(const QCoreApplication& app) {
     parser.setApplicationDescription(QStringLiteral(
         "Copies all rows of the lighting database FROM into TO, IDs kept, and compares both "
         "afterwards. Either may be an Access or an SQLite file. TO must exist with its five tables "
-        "empty."));
+        "empty. When a row cannot be copied, TO keeps those before it: start again with an empty file."));
     parser.addPositionalArgument(QStringLiteral("FROM"), QStringLiteral("The database to read."));
     parser.addPositionalArgument(QStringLiteral("TO"), QStringLiteral("The database to fill."));
     parser.addHelpOption();

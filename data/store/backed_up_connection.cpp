@@ -43,9 +43,8 @@ void BackedUpConnection::CopyOnce() {
         try {
             MakeBackupCopy(m_path);
         } catch (const ProviderError& error) {
-            m_refusal = m_ask(error.Message())
-                            ? CString()
-                            : u"the file could not be copied first: %1"_s.arg(error.Message());
+            m_refusal =
+                m_ask(error.Message()) ? CString() : u"写入前未能备份数据库文件:%1"_s.arg(error.Message());
         }
     }
     if (!m_refusal.isEmpty()) {

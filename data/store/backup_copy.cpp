@@ -61,7 +61,7 @@ void RequireSame(const CString& left, const CString& right) {
     do {
         chunk = ReadChunk(first);
         if (chunk != ReadChunk(second)) {
-            throw ProviderError(u"%1 is not the same as %2"_s.arg(right, left));
+            throw ProviderError(u"备份 %1 与 %2 不同"_s.arg(right, left));
         }
     } while (!chunk.isEmpty());
 }
@@ -81,7 +81,7 @@ void DeleteOldCopies(const QFileInfo& file) {
 
 CString MakeBackupCopy(const CString& path) {
     if (QFileInfo(path + u"-wal"_s).size() > 0) {
-        throw ProviderError(u"another program keeps part of %1 in a second file"_s.arg(path));
+        throw ProviderError(u"另一个程序把 %1 的一部分保存在另一个文件(-wal)中"_s.arg(path));
     }
     CString copy = path + QDateTime::currentDateTime().toString(u"'.'yyyy-MM-dd-HHmmss'.bak'"_s);
     Copy(path, copy);

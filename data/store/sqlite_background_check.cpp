@@ -55,7 +55,7 @@ void SqliteBackgroundCheck::State::Check(sqlite3* database) {
     const FieldValue value = report.Value(0);
     const auto* text = std::get_if<CString>(&value);
     if (text == nullptr || *text != u"ok"_s) {
-        throw ProviderError(u"the file is damaged: %1"_s.arg(text ? *text : CString()), FailureKind::Damaged);
+        throw ProviderError(u"数据库文件已损坏(%1)"_s.arg(text ? *text : CString()), FailureKind::Damaged);
     }
 }
 
@@ -72,7 +72,7 @@ void SqliteBackgroundCheck::State::Run(const CString& path) noexcept {
             Check(database);
         } catch (const ProviderError& error) {
             found = {.kind = error.Kind(),
-                     .message = u"the file could not be checked: %1"_s.arg(error.Message()),
+                     .message = u"数据库文件不能检查:%1"_s.arg(error.Message()),
                      .column = {}};
         }
     } catch (const std::bad_alloc&) {
@@ -102,7 +102,7 @@ bool SqliteBackgroundCheck::Wait(std::chrono::milliseconds limit) const {
 
 void SqliteBackgroundCheck::RequireSoundFile() const {
     if (!Wait(kTimeLimit + kGrace)) {
-        throw ProviderError(u"the file could not be checked in time"_s, FailureKind::TimeLimit);
+        throw ProviderError(u"数据库文件检查超时"_s, FailureKind::TimeLimit);
     }
     if (m_state->finding) {
         throw ProviderError(*m_state->finding);

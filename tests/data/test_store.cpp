@@ -64,7 +64,7 @@ private Q_SLOTS:
             {QByteArray(access).replace(20, 1, "\0", 1), u"Access 97"_s},
             {QByteArray(access).replace(20, 1, "\2"), u"Access 2007"_s},
             {QByteArray(access).replace(62, 1, "x"), u"encrypted"_s},
-            {QByteArray(access).replace(8192, 1, "\1"), u"damaged"_s},  // the catalogue
+            {QByteArray(access).replace(8192, 1, "\1"), u"已损坏"_s},  // the catalogue
             {access.first(4095), u"no Access file"_s},
             {access.first(8192), u"size of 8192"_s},
             {access.chopped(1), u"is impossible"_s},
@@ -73,7 +73,7 @@ private Q_SLOTS:
             {good.first(good.size() / 2 + 77), u""_s},
             {good.chopped(4096), u""_s},
             {good.first(100) + noise.first(good.size() - 100), u""_s},
-            {QByteArray(good).replace(12288, 4096, QByteArray(4096, '\xff')), u"is damaged"_s},
+            {QByteArray(good).replace(12288, 4096, QByteArray(4096, '\xff')), u"已损坏"_s},
         };
         for (const auto& [bytes, reason] : cases) {
             WriteFile(m_file->FilePath(), bytes);
@@ -116,7 +116,7 @@ private Q_SLOTS:
                 try {
                     connection->Execute(u"insert into 光源类别 (LamphouseType) values ('直管')"_s);
                 } catch (const ProviderError& error) {
-                    failed += error.Message().contains(u"could not be copied"_s);
+                    failed += error.Message().contains(u"未能备份"_s);
                 }
             }
             QCOMPARE(failed, goOn ? 0 : 2);

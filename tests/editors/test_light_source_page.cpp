@@ -193,6 +193,33 @@ private Q_SLOTS:
         QCOMPARE(afterRefusal(down), u"|白炽灯"_s);
     }
 
+    void WhyAnAccessFileRefusesIsTold() {
+        Fixture fixture;
+        const QString path = fixture.file.FilePath();
+        QVERIFY(fixture.database.Disconnect() && QFile::remove(path));
+        QVERIFY(QFile::copy(QStringLiteral(ACCESS_FIXTURES "/adox-chinese.mdb"), path));
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner) &&
+                fixture.database.Connect());
+        fixture.ChooseMaker(0);
+        const std::pair<QString, QString> cases[] = {
+            {u""_s, u"原因:第2行“厂家”一列是空的,而数据库的这一列不允许空字符串。"_s},
+            {QString(256, u'x'),
+             u"原因:第2行“厂家”一列,数据库报告:表 光源,ID=6 的记录:字段 Factory:"
+             "文字有256个字符,而字段大小为"_s}};
+        for (const auto& [maker, reason] : cases) {
+            fixture.Type(2, Maker, maker);
+            fixture.page->Submit();
+            const QString seen = fixture.answers.TakeSeen().join(u'\n');
+            QVERIFY2(seen.contains(reason), qPrintable(seen));
+        }
+        QVERIFY(fixture.database.Disconnect());
+        QFile lock(path.chopped(3) + u"ldb"_s);
+        QVERIFY(lock.open(QIODevice::WriteOnly) && lock.write("OFFICE-7") == 8 && lock.flush());
+        QVERIFY(fixture.database.Connect());
+        fixture.page->Submit();
+        QVERIFY(fixture.answers.TakeSeen().join(u'\n').contains(u"OFFICE-7正在使用该文件"_s));
+    }
+
     // Another program deletes one row before the submit and changes one between the submit and the
     // comparison.
     void WhatTheFileDoesNotHoldIsMarked() {

@@ -1,4 +1,7 @@
-// Why an Access file cannot be read or written, as one line ready to show.
+// Why an Access file cannot be read or written, as one line (docs/access-files.md, "What to expect").
+//
+// What users can meet is Chinese and in the terms of Access, as they see it where a submit fails. What only a
+// developer can meet is English, and so is what exactly is wrong in a damaged file.
 #pragma once
 
 #include <QString>
@@ -28,6 +31,10 @@ public:
     Fault Kind() const { return m_fault; }
     // Of the value that must not be written; else empty.
     const QString& Column() const { return m_column; }
+    // The same failure with the column named.
+    AccessError InColumn(const QString& name) const {
+        return AccessError(QStringLiteral("字段 %1:%2").arg(name, m_message), m_fault, name);
+    }
 
 private:
     QString m_message;
@@ -36,7 +43,7 @@ private:
 };
 
 [[noreturn]] inline void ThrowDamaged(const QString& what) {
-    throw AccessError(QStringLiteral("the file is damaged: %1").arg(what), Fault::Damaged);
+    throw AccessError(QStringLiteral("数据库文件已损坏(%1)").arg(what), Fault::Damaged);
 }
 
 }  // namespace quorvane::access

@@ -1,4 +1,5 @@
-// Bytes and the little-endian numbers in them. Every access is checked: the bytes come from strangers.
+// Bytes and the little-endian numbers in them (docs/access-files.md, "Pages"). Every access is checked: the
+// bytes come from strangers.
 #pragma once
 
 #include <QByteArray>

@@ -71,7 +71,7 @@ Header CheckedHeader(FileSystem& files, const QString& path) {
 Database::Database(FileSystem& files, const QString& path) : m_header(CheckedHeader(files, path)) {
     try {
         if (m_header.hasPassword) {
-            throw AccessError(QStringLiteral("the file has a password"));
+            throw AccessError(QStringLiteral("文件设有数据库密码"));
         }
         m_lock = std::make_unique<LockFile>(files, path);
         m_file = std::make_unique<PagedFile>(files, path, true);
@@ -108,10 +108,10 @@ Table& Database::Find(const QString& name) {
     const auto entry = std::find_if(m_catalog.begin(), m_catalog.end(),
                                     [&](const CatalogEntry& candidate) { return isNamed(candidate.name); });
     if (entry == m_catalog.end()) {
-        throw AccessError(QStringLiteral("there is no table %1").arg(name));
+        throw AccessError(QStringLiteral("数据库中没有表 %1").arg(name));
     }
     if (entry->linked) {
-        throw AccessError(QStringLiteral("table %1 is a link into another file").arg(name));
+        throw AccessError(QStringLiteral("表 %1 链接到另一个文件").arg(name));
     }
     m_tables.push_back(std::make_unique<Table>(*m_file, *m_allocator, *entry));
     return *m_tables.back();
@@ -125,7 +125,7 @@ bool Database::IsOutdated(bool beforeWriting) const {
 
 void Database::BeginStatement() {
     if (m_refusal) {
-        throw AccessError(QStringLiteral("the file is open for reading only: %1").arg(m_refusal->Message()),
+        throw AccessError(QStringLiteral("文件以只读方式打开:%1").arg(m_refusal->Message()),
                           m_refusal->Kind());
     }
     m_file->BeginStatement();

@@ -1,4 +1,5 @@
-// An Access file that is open: its tables, and the statements and submits that change them.
+// An Access file that is open: its tables, and the statements and submits that change them. What is refused
+// stands in docs/access-files.md, "What to expect".
 #pragma once
 
 #include <memory>

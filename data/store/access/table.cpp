@@ -91,7 +91,7 @@ RowAddress Table::Insert(const std::vector<Value>& values) {
 void Table::Update(RowAddress row, const std::vector<std::optional<Value>>& values) {
     const std::optional<FoundRow> found = Find(row);
     if (!found) {
-        throw AccessError(QStringLiteral("table %1: the row is no longer there").arg(Name()));
+        throw AccessError(QStringLiteral("表 %1 中已没有该记录").arg(Name()));
     }
     const StoredValues old = RowView(m_definition, found->bytes).All();
     try {
@@ -131,7 +131,7 @@ std::vector<const Column*> Table::Change(StoredValues& contents,
             continue;
         }
         if (IsAutoNumber(column)) {
-            throw AccessError(QStringLiteral("column %1: an AutoNumber cannot be changed").arg(column.name));
+            throw AccessError(QStringLiteral("自动编号不能更改")).InColumn(column.name);
         }
         At(contents, column) = std::move(content);
         changed.push_back(&column);
@@ -142,7 +142,7 @@ std::vector<const Column*> Table::Change(StoredValues& contents,
 void Table::Delete(RowAddress row) {
     const std::optional<FoundRow> found = Find(row);
     if (!found) {
-        throw AccessError(QStringLiteral("table %1: the row is no longer there").arg(Name()));
+        throw AccessError(QStringLiteral("表 %1 中已没有该记录").arg(Name()));
     }
     const StoredValues old = RowView(m_definition, found->bytes).All();
     try {
@@ -169,23 +169,23 @@ void Table::Delete(RowAddress row) {
 void Table::RequireWritable() const {
     const auto refuse = [](const QString& reason) { throw AccessError(reason); };
     if (m_entry.linked || m_entry.system || m_definition.system) {
-        refuse(QStringLiteral("the table is not one of this database's own"));
+        refuse(QStringLiteral("该表不是本数据库自己的表"));
     }
     if (m_entry.hasRelationship || m_definition.hasRelationship) {
-        refuse(QStringLiteral("the table takes part in an enforced relationship"));
+        refuse(QStringLiteral("该表的关系实施了参照完整性"));
     }
     if (m_entry.hasValidation) {
-        refuse(QStringLiteral("the table has a validation rule, which cannot be checked"));
+        refuse(QStringLiteral("该表设有有效性规则,程序不能检查"));
     }
     for (const Column& column : Columns()) {
         const bool isDecimal = column.type == ColumnType::Decimal;
         if (column.calculated || (!IsKnownType(column.type) && !isDecimal) ||
             (column.IsLong() && column.fixed)) {
-            refuse(QStringLiteral("column %1 is of a kind that cannot be written").arg(column.name));
+            refuse(QStringLiteral("字段 %1 的数据类型不能写入").arg(column.name));
         }
     }
     if (std::count_if(Columns().begin(), Columns().end(), IsAutoNumber) > 1) {
-        refuse(QStringLiteral("the table has more than one AutoNumber"));
+        refuse(QStringLiteral("该表有不止一个自动编号字段"));
     }
 }
 
@@ -193,8 +193,8 @@ void Table::Refuse(const StoredValues& contents, const AccessError& error) const
     const auto key = std::find_if(Columns().begin(), Columns().end(), IsAutoNumber);
     const bool isNamed = key != Columns().end() && At(contents, *key);
     const QString row =
-        isNamed ? QStringLiteral("row %1").arg(ToNumber(At(contents, *key))) : QStringLiteral("row");
-    throw AccessError(QStringLiteral("table %1, %2: %3").arg(Name(), row, error.Message()), error.Kind(),
+        isNamed ? QStringLiteral("%1=%2 的").arg(key->name).arg(ToNumber(At(contents, *key))) : QString();
+    throw AccessError(QStringLiteral("表 %1,%2记录:%3").arg(Name(), row, error.Message()), error.Kind(),
                       error.Column());
 }
 
@@ -207,15 +207,14 @@ StoredValue Table::Checked(const Column& column, const Value& value) const {
         }
         StoredValue content = ToStored(value, column);
         if (!content && (rules.required || column.autoGuid)) {
-            throw AccessError(QStringLiteral("a value is required"));
+            throw AccessError(QStringLiteral("必填字段不能为空"));
         }
         if (content && content->isEmpty() && column.IsText() && !rules.takesEmpty) {
-            throw AccessError(QStringLiteral("an empty text is not allowed"), Fault::EmptyText);
+            throw AccessError(QStringLiteral("不允许空字符串"), Fault::EmptyText);
         }
         return content;
     } catch (const AccessError& error) {
-        throw AccessError(QStringLiteral("column %1: %2").arg(column.name, error.Message()), error.Kind(),
-                          column.name);
+        throw error.InColumn(column.name);
     }
 }
 
@@ -225,7 +224,7 @@ StoredValue Table::NextAutoNumber() const {
     if (last == std::numeric_limits<qint32>::max() ||
         m_entry.Rules(column->name)
             .defaultValue.contains(QStringLiteral("GenUniqueID"), Qt::CaseInsensitive)) {
-        throw AccessError(QStringLiteral("there is no next AutoNumber"));
+        throw AccessError(QStringLiteral("没有下一个自动编号"));
     }
     QByteArray number;
     AppendNumber(number, 4, static_cast<quint32>(last + 1));
@@ -284,7 +283,7 @@ std::optional<QByteArray> Table::OldKey(const IndexDescription& index, const Sto
 
 std::optional<QByteArray> Table::NewKey(const IndexDescription& index, const StoredValues& contents) const {
     if (index.required && HasNull(index, contents)) {
-        throw AccessError(QStringLiteral("index %1 requires a value").arg(index.name));
+        throw AccessError(QStringLiteral("索引 %1 的字段不能为空").arg(index.name));
     }
     if (index.ignoresNulls && IsAllNull(index, contents)) {
         return std::nullopt;
@@ -317,7 +316,7 @@ void Table::RequireUnique(const EntryChange& change, const StoredValues& content
     const IndexDescription& index = *change.index;
     if (index.unique && change.added && !IsAllNull(index, contents) &&
         Index(m_pages, m_definition, index).Contains(*change.added)) {
-        throw AccessError(QStringLiteral("index %1 has the same value already").arg(index.name));
+        throw AccessError(QStringLiteral("索引 %1 无重复,而其中已有相同的值").arg(index.name));
     }
 }
 

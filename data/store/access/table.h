@@ -3,6 +3,7 @@
 #pragma once
 
 #include "data/store/access/catalog.h"
+#include "data/store/access/index/index.h"
 #include "data/store/access/rows/row_store.h"
 #include "data/store/access/rows/value.h"
 
@@ -22,6 +23,13 @@ public:
     // Nothing when the row was deleted.
     std::optional<FoundRow> Find(RowAddress row) const { return FindRow(m_pages, m_definition, row); }
     Value Read(const FoundRow& row, const Column& column) const;
+    Value Read(const RowView& row, const Column& column) const { return ReadValue(m_pages, row, column); }
+    quint32 CountRows() const { return RowCount(m_pages, m_definition); }
+    // How many different keys an index has had, at the least; and its entries.
+    quint32 CountKeys(const IndexDescription& index) const {
+        return UniqueEntryCount(m_pages, m_definition, index);
+    }
+    Index Entries(const IndexDescription& index) const { return {m_pages, m_definition, index}; }
 
     // The key, or the beginning of one, under which an index holds rows with these values in its first
     // columns. Throws AccessError for a value that the column cannot hold, and for a text whose key is not

@@ -68,9 +68,9 @@ private Q_SLOTS:
         // What stands where, why the file is only read then, and of which kind that is.
         const std::tuple<qsizetype, QByteArray, QString, FailureKind> cases[] = {
             {kRowCount, "\7", u"光源类别"_s, FailureKind::Damaged},
-            {68, "x", u"password"_s, FailureKind::Other},
+            {68, "x", u"密码"_s, FailureKind::Other},
             // The global map as references: its first pointer names no page.
-            {access::kPageSize + mapRow, "\1" + QByteArray(68, '\0'), u"free pages"_s, FailureKind::Other},
+            {access::kPageSize + mapRow, "\1" + QByteArray(68, '\0'), u"空闲页"_s, FailureKind::Other},
         };
         for (const auto& [offset, bytes, reason, kind] : cases) {
             const QByteArray patched = QByteArray(good).replace(offset, bytes.size(), bytes);
@@ -78,7 +78,7 @@ private Q_SLOTS:
             const auto database = OpenStore(m_file);
             QCOMPARE(First(*database, u"select count(*) from 光源类别"_s), FieldValue(qint64{20}));
             const ProviderFailure failure = Failure(*database, u"update 光源 set Factory='x'"_s);
-            QVERIFY2(failure.message.contains(u"reading only") && failure.message.contains(reason),
+            QVERIFY2(failure.message.contains(u"只读") && failure.message.contains(reason),
                      qPrintable(failure.message));
             QCOMPARE(failure.kind, kind);
             if (kind == FailureKind::Damaged) {
@@ -95,7 +95,7 @@ private Q_SLOTS:
         const ProviderFailure failure =
             Failure(*OpenStore(m_file), u"update 灯具 set LampPhoto='' where ID=1"_s);
         QVERIFY(failure.kind == FailureKind::EmptyText && failure.column == u"LampPhoto");
-        QVERIFY(failure.message.contains(u"灯具") && failure.message.contains(u"row 1"));
+        QVERIFY(failure.message.contains(u"灯具") && failure.message.contains(u"ID=1"));
     }
 
     // One statement tells, and the next query reads the file as it is. Until then nothing is written.
@@ -109,7 +109,7 @@ private Q_SLOTS:
 
         const QString update = u"update 光源类别 set LamphouseType='x' where ID=1"_s;
         for (int attempt = 0; attempt < 2; ++attempt) {
-            QVERIFY(Complaint(*database, update).contains(u"another program"));
+            QVERIFY(Complaint(*database, update).contains(u"其他程序"));
         }
         QCOMPARE(First(*database, u"select max(ID) from 光源类别"_s), FieldValue(qint64{21}));
         QCOMPARE(Complaint(*database, update), QString());

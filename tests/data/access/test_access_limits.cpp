@@ -101,7 +101,7 @@ private Q_SLOTS:
         QCOMPARE(Insert(*first, {}), QString());
         const QByteArray others = QByteArray(file).replace(4096 * 46 + 4095, 1, "\1");
         disk.Open(kPath, FileSystem::Mode::ReadWrite)->Write(0, others);
-        QVERIFY(Insert(*first, {}).contains(u"another program"_s));
+        QVERIFY(Insert(*first, {}).contains(u"其他程序"_s));
         QVERIFY_THROWS_EXCEPTION(AccessError, first->EndSubmit());
         first.reset();
         Database second(disk, kPath);

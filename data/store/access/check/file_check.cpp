@@ -49,12 +49,12 @@ public:
           m_faults(faults) {}
 
     void Run() {
-        Try(m_entry.name, [&] {
+        Try(QStringLiteral("表 %1").arg(m_entry.name), [&] {
             const Table& table = m_database.Find(m_entry.name);
             CheckPages(table.Definition());
             CheckRows(table);
             for (const IndexDescription& index : table.Definition().indexes) {
-                Try(QStringLiteral("%1, index %2").arg(m_entry.name, index.name),
+                Try(QStringLiteral("表 %1,索引 %2").arg(m_entry.name, index.name),
                     [&] { CheckIndex(table, index); });
             }
         });
@@ -69,13 +69,13 @@ private:
             if (error.Kind() == Fault::Failed) {
                 throw;  // of the disk, not of the file
             }
-            m_faults += QStringLiteral("%1: %2").arg(where, error.Message());
+            m_faults += QStringLiteral("%1:%2").arg(where, error.Message());
         }
     }
 
     void RequireTime() const {
         if (m_deadline.hasExpired()) {
-            throw AccessError(QStringLiteral("the check takes too long"));
+            throw AccessError(QStringLiteral("检查超时"));
         }
     }
 

@@ -1,4 +1,5 @@
-// Who owns which page of a file, for finding pages with two owners.
+// Who owns which page of a file, for finding pages with two owners (docs/access-files.md, "What is checked at
+// opening").
 #pragma once
 
 #include <set>

@@ -1,5 +1,5 @@
-// What the driver asks of the system's files. The one place of this folder that differs between platforms;
-// tests put a simulated disk behind it.
+// What the driver asks of the system's files (docs/access-files.md, "How changes reach the file"). The one
+// place of this folder that differs between platforms; tests put a simulated disk behind it.
 #pragma once
 
 #include <QString>

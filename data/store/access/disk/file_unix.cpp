@@ -21,7 +21,7 @@ namespace {
     const bool isForbidden = error == EACCES || error == EPERM || error == EROFS;
     const bool isFull = error == ENOSPC || error == EDQUOT;
     throw AccessError(
-        QStringLiteral("%1 cannot be %2: %3").arg(path, action, QString::fromLocal8Bit(std::strerror(error))),
+        QStringLiteral("不能%2 %1:%3").arg(path, action, QString::fromLocal8Bit(std::strerror(error))),
         isForbidden ? Fault::ReadOnly
         : isFull    ? Fault::NoRoom
                     : Fault::Failed);
@@ -43,7 +43,7 @@ public:
         struct stat open {};
         struct stat named {};
         if (::fstat(m_descriptor, &open) != 0) {
-            ThrowFailure(QStringLiteral("examined"), m_path);
+            ThrowFailure(QStringLiteral("查看"), m_path);
         }
         const bool found = ::stat(QFile::encodeName(m_path).constData(), &named) == 0;
         constexpr qint64 kNanoseconds = 1'000'000'000;
@@ -58,7 +58,7 @@ public:
                 continue;
             }
             if (done <= 0) {
-                ThrowFailure(QStringLiteral("read"), m_path, done == 0 ? EIO : errno);
+                ThrowFailure(QStringLiteral("读取"), m_path, done == 0 ? EIO : errno);
             }
             into = into.subspan(static_cast<std::size_t>(done));
             offset += done;
@@ -73,7 +73,7 @@ public:
                 continue;
             }
             if (done <= 0) {
-                ThrowFailure(QStringLiteral("written"), m_path, done == 0 ? ENOSPC : errno);
+                ThrowFailure(QStringLiteral("写入"), m_path, done == 0 ? ENOSPC : errno);
             }
             bytes = bytes.sliced(done);
             offset += done;
@@ -82,7 +82,7 @@ public:
 
     void Sync() override {
         if (::fdatasync(m_descriptor) != 0) {
-            ThrowFailure(QStringLiteral("written"), m_path);
+            ThrowFailure(QStringLiteral("写入"), m_path);
         }
     }
 
@@ -102,7 +102,7 @@ public:
         // Nothing may fail once the file has been made.
         auto file = std::make_unique<UnixFile>(path);
         if (!file->Open(flags)) {
-            ThrowFailure(mode == Mode::CreateNew ? QStringLiteral("made") : QStringLiteral("opened"), path);
+            ThrowFailure(mode == Mode::CreateNew ? QStringLiteral("新建") : QStringLiteral("打开"), path);
         }
         return file;
     }
@@ -114,16 +114,16 @@ public:
 
     void Remove(const QString& path) override {
         if (::unlink(QFile::encodeName(path).constData()) != 0) {
-            ThrowFailure(QStringLiteral("removed"), path);
+            ThrowFailure(QStringLiteral("删除"), path);
         }
     }
 
     void Rename(const QString& from, const QString& to) override {
         if (Exists(to)) {
-            ThrowFailure(QStringLiteral("renamed"), from, EEXIST);
+            ThrowFailure(QStringLiteral("改名"), from, EEXIST);
         }
         if (::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0) {
-            ThrowFailure(QStringLiteral("renamed"), from);
+            ThrowFailure(QStringLiteral("改名"), from);
         }
     }
 
@@ -132,14 +132,14 @@ public:
         const int descriptor =
             ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (descriptor < 0) {
-            ThrowFailure(QStringLiteral("opened"), folder);
+            ThrowFailure(QStringLiteral("打开"), folder);
         }
         const int result = ::fsync(descriptor);
         const int error = errno;
         ::close(descriptor);
         // Some file systems, those of servers among them, know no such call on folders.
         if (result != 0 && error != EINVAL && error != ENOTSUP) {
-            ThrowFailure(QStringLiteral("written"), folder, error);
+            ThrowFailure(QStringLiteral("写入"), folder, error);
         }
     }
 

@@ -21,7 +21,7 @@ namespace {
     const bool isFull = error == ERROR_DISK_FULL || error == ERROR_HANDLE_DISK_FULL;
     const bool isInUse = error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
     throw AccessError(
-        QStringLiteral("%1 cannot be %2: %3").arg(path, action, qt_error_string(static_cast<int>(error))),
+        QStringLiteral("不能%2 %1:%3").arg(path, action, qt_error_string(static_cast<int>(error))),
         isForbidden ? Fault::ReadOnly
         : isFull    ? Fault::NoRoom
         : isInUse   ? Fault::InUse
@@ -85,7 +85,7 @@ public:
     FileStamp Stamp() const override {
         BY_HANDLE_FILE_INFORMATION info{};
         if (::GetFileInformationByHandle(m_handle.Get(), &info) == 0) {
-            ThrowFailure(QStringLiteral("examined"), m_path);
+            ThrowFailure(QStringLiteral("查看"), m_path);
         }
         return {static_cast<qint64>(Joined(info.nFileSizeHigh, info.nFileSizeLow)),
                 static_cast<qint64>(
@@ -98,10 +98,10 @@ public:
             OVERLAPPED place = Place(offset);
             DWORD done = 0;
             if (::ReadFile(m_handle.Get(), into.data(), AtOnce(into.size()), &done, &place) == 0) {
-                ThrowFailure(QStringLiteral("read"), m_path);
+                ThrowFailure(QStringLiteral("读取"), m_path);
             }
             if (done == 0) {
-                ThrowFailure(QStringLiteral("read"), m_path, ERROR_HANDLE_EOF);
+                ThrowFailure(QStringLiteral("读取"), m_path, ERROR_HANDLE_EOF);
             }
             into = into.subspan(done);
             offset += done;
@@ -114,10 +114,10 @@ public:
             DWORD done = 0;
             if (::WriteFile(m_handle.Get(), bytes.data(), AtOnce(static_cast<std::size_t>(bytes.size())),
                             &done, &place) == 0) {
-                ThrowFailure(QStringLiteral("written"), m_path);
+                ThrowFailure(QStringLiteral("写入"), m_path);
             }
             if (done == 0) {
-                ThrowFailure(QStringLiteral("written"), m_path, ERROR_DISK_FULL);
+                ThrowFailure(QStringLiteral("写入"), m_path, ERROR_DISK_FULL);
             }
             bytes = bytes.sliced(done);
             offset += done;
@@ -134,7 +134,7 @@ public:
         const FILETIME time{static_cast<DWORD>(ticks & 0xFFFFFFFF), static_cast<DWORD>(ticks >> 32)};
         if (::SetFileTime(m_handle.Get(), nullptr, nullptr, &time) == 0 ||
             ::FlushFileBuffers(m_handle.Get()) == 0) {
-            ThrowFailure(QStringLiteral("written"), m_path);
+            ThrowFailure(QStringLiteral("写入"), m_path);
         }
     }
 
@@ -174,7 +174,7 @@ public:
         // Nothing may fail once the file has been made.
         auto file = std::make_unique<WindowsFile>(path);
         if (!file->Open(access, share, mode == Mode::CreateNew ? CREATE_NEW : OPEN_EXISTING)) {
-            ThrowFailure(mode == Mode::CreateNew ? QStringLiteral("made") : QStringLiteral("opened"), path);
+            ThrowFailure(mode == Mode::CreateNew ? QStringLiteral("新建") : QStringLiteral("打开"), path);
         }
         return file;
     }
@@ -185,13 +185,13 @@ public:
 
     void Remove(const QString& path) override {
         if (::DeleteFileW(NativeName(path).c_str()) == 0) {
-            ThrowFailure(QStringLiteral("removed"), path);
+            ThrowFailure(QStringLiteral("删除"), path);
         }
     }
 
     void Rename(const QString& from, const QString& to) override {
         if (::MoveFileExW(NativeName(from).c_str(), NativeName(to).c_str(), MOVEFILE_WRITE_THROUGH) == 0) {
-            ThrowFailure(QStringLiteral("renamed"), from);
+            ThrowFailure(QStringLiteral("改名"), from);
         }
     }
 

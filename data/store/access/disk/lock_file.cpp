@@ -42,7 +42,7 @@ QString ComputerNames(const QByteArray& bytes) {
     }
     names.removeDuplicates();
     names.removeAll(QString());
-    return names.isEmpty() ? QStringLiteral("another program") : names.join(QStringLiteral(", "));
+    return names.isEmpty() ? QStringLiteral("其他程序") : names.join(QStringLiteral("、"));
 }
 
 }  // namespace
@@ -64,10 +64,9 @@ LockFile::LockFile(FileSystem& files, const QString& databasePath)
         m_file = std::move(file);
         return;
     }
-    throw AccessError(
-        QStringLiteral("%1 has the file open; %2 says so, and may be deleted when nobody has it open")
-            .arg(ComputerNames(found), QFileInfo(m_path).fileName()),
-        Fault::InUse);
+    throw AccessError(QStringLiteral("%1正在使用该文件(见 %2;确认无人使用后,可以删除 %2)")
+                          .arg(ComputerNames(found), QFileInfo(m_path).fileName()),
+                      Fault::InUse);
 }
 
 LockFile::~LockFile() {

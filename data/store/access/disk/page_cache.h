@@ -1,4 +1,5 @@
-// Pages read lately, so that not the whole file has to be in memory.
+// Pages (docs/access-files.md, "Pages") that were read lately, so that not the whole file has to be in
+// memory.
 #pragma once
 
 #include <list>

@@ -85,7 +85,7 @@ Page& PagedFile::Write(PageNumber page) {
 
 PageNumber PagedFile::Append() {
     if (m_count >= kMostPages) {
-        throw AccessError(QStringLiteral("the file would exceed 2 GB"));
+        throw AccessError(QStringLiteral("文件将超过 2 GB 的上限"));
     }
     if (!m_inStatement) {
         throw AccessError(QStringLiteral("a page cannot be added here"));
@@ -99,11 +99,10 @@ PageNumber PagedFile::Append() {
 void PagedFile::RequireUnchanged() const {
     const FileStamp now = m_file->Stamp();
     if (now.identity == 0) {
-        throw AccessError(QStringLiteral("the file was removed or renamed"), Fault::Gone);
+        throw AccessError(QStringLiteral("文件已被移走或改名"), Fault::Gone);
     }
     if (now.identity != m_identity || (!m_writing && now != m_stamp)) {
-        throw AccessError(QStringLiteral("another program has changed the file since it was read"),
-                          Fault::Changed);
+        throw AccessError(QStringLiteral("文件读取后已被其他程序改动"), Fault::Changed);
     }
 }
 
@@ -114,7 +113,7 @@ bool PagedFile::IsReplaced() const {
 
 void PagedFile::BeginStatement() {
     if (!m_writable) {
-        throw AccessError(QStringLiteral("the file is open for reading only"));
+        throw AccessError(QStringLiteral("文件以只读方式打开"));
     }
     if (m_writing || m_pending.size() > kMostPending) {
         EndSubmit();
@@ -218,8 +217,7 @@ void PagedFile::WritePending() {
 void PagedFile::RequireBasePages() const {
     for (const auto& [page, pending] : m_pending) {
         if (page < m_fileCount && FingerprintSectors(*ReadFromFile(page)) != pending.base) {
-            throw AccessError(QStringLiteral("another program has changed the file since it was read"),
-                              Fault::Changed);
+            throw AccessError(QStringLiteral("文件读取后已被其他程序改动"), Fault::Changed);
         }
     }
 }
@@ -269,8 +267,7 @@ void PagedFile::Recover() {
 void PagedFile::ApplyFoundLog(const FoundLog& log) {
     const auto require = [](bool condition) {
         if (!condition) {
-            throw AccessError(QStringLiteral("the file has changed since the log was written"),
-                              Fault::Changed);
+            throw AccessError(QStringLiteral("写入日志后,文件已被改动"), Fault::Changed);
         }
     };
     const FileStamp& base = log.base.stamp;

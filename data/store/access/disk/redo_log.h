@@ -1,4 +1,5 @@
-// The log beside an Access file: what committed statements have changed and the file does not hold yet.
+// The log beside an Access file: what committed statements have changed and the file does not hold yet
+// (docs/access-files.md, "How changes reach the file").
 //
 // A log begins with the state of the file for which it was written. Each statement is one record: the bytes
 // that it changed, by page. A record that is cut short or damaged ends the log; whatever follows is ignored.

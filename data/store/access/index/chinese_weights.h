@@ -1,4 +1,5 @@
-// The known weights of Chinese characters in the index keys of the order 2052, version 0.
+// The known weights of Chinese characters in the index keys of the order 2052, version 0
+// (docs/access-files.md, "Keys of texts").
 #pragma once
 
 #include <QtGlobal>

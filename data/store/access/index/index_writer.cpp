@@ -59,7 +59,7 @@ IndexWriter::IndexWriter(Pages& pages, PageAllocator& allocator, const TableDefi
 void IndexWriter::Insert(QByteArrayView key, RowAddress row) {
     const QByteArray entry = IndexEntry(key, row);
     if (entry.size() > kLongestIndexEntry) {
-        throw AccessError(QStringLiteral("the values are too long for the index %1").arg(m_description.name));
+        throw AccessError(QStringLiteral("内容过长,不能编入索引 %1").arg(m_description.name));
     }
     const bool known = Index(m_pages, m_table, m_description).Contains(key);
     if (!InsertOnLeaf(entry)) {
@@ -224,7 +224,7 @@ void IndexWriter::Drop(Step& parent, const Step& step) {
     const bool last = parent.child + 1 == page.children.size();
     if (!step.page.leaf && last) {
         // Nodes that end a level keep two children, as far as they were seen.
-        throw AccessError(QStringLiteral("the index %1 has an unknown shape").arg(m_description.name));
+        throw AccessError(QStringLiteral("索引 %1 的结构未知").arg(m_description.name));
     }
     if (step.page.previous != 0) {
         WriteU32(m_pages.Write(step.page.previous), kNextOffset, step.page.next);

@@ -115,8 +115,8 @@ void AppendKey(QByteArray& key, const KeyColumn& column, const std::optional<QBy
             key += BlocksKey(WithNumbersBigEndian(*value), column.ascending);
             return;
         default:
-            throw AccessError(QStringLiteral("the keys of columns of type %1 are not known")
-                                  .arg(static_cast<int>(column.type)));
+            throw AccessError(
+                QStringLiteral("此数据类型(%1)的索引不能写入").arg(static_cast<int>(column.type)));
     }
 }
 

@@ -39,8 +39,7 @@ QByteArray RowKey(const TableDefinition& table, const IndexDescription& index, c
         try {
             AppendColumn(key, column, part.ascending, At(contents, part));
         } catch (const AccessError& error) {
-            throw AccessError(QStringLiteral("column %1: %2").arg(column.name, error.Message()),
-                              error.Kind());
+            throw error.InColumn(column.name);
         }
     }
     return key;

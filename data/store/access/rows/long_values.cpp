@@ -88,7 +88,7 @@ QByteArray LongValueWriter::Store(const QByteArray& value) {
         return Head(kInline, value.size(), {}) + value;
     }
     if (value.size() > static_cast<qsizetype>(kLengthMask)) {
-        throw AccessError(QStringLiteral("the value is too long"));
+        throw AccessError(QStringLiteral("内容过长"));
     }
     if (value.size() <= kLongestPiece) {
         return Head(kSingle, value.size(), AddPiece(value));

@@ -124,9 +124,7 @@ QByteArray EncodeRow(const TableDefinition& table, const StoredValues& values) {
     }
     row += mask;
     if (row.size() > kMostRowBytes) {
-        throw AccessError(QStringLiteral("the row would take %1 bytes, and %2 is the most")
-                              .arg(row.size())
-                              .arg(kMostRowBytes));
+        throw AccessError(QStringLiteral("记录需要%1字节,而最多为%2字节").arg(row.size()).arg(kMostRowBytes));
     }
     return row;
 }

@@ -53,10 +53,10 @@ QByteArray EncodeCompressed(const QString& text) {
 
 void RefuseUnknown(const QString& text) {
     if (text.startsWith(QChar(kMark))) {
-        throw AccessError(QStringLiteral("the text begins with a byte order mark"));
+        throw AccessError(QStringLiteral("文字以字节顺序标记(U+FEFF)开头"));
     }
     if (!text.isValidUtf16()) {
-        throw AccessError(QStringLiteral("the text holds half a character"));
+        throw AccessError(QStringLiteral("文字中含有不完整的字符"));
     }
 }
 

@@ -194,7 +194,7 @@ void UsageMap::AddBitsPage(quint64 index, PageNumber carrier, char fill) {
     WriteU32(page, 0, static_cast<quint32>(PageKind::MapBits) | 0x100);
     const ByteSpan row = WriteRow();
     if (1 + 4 * (index + 1) > row.size()) {
-        throw AccessError(QStringLiteral("a usage map is full"));
+        throw AccessError(QStringLiteral("页位图已满"));
     }
     WriteU32(row, static_cast<qsizetype>(1 + 4 * index), carrier);
 }
@@ -234,7 +234,7 @@ void PageAllocator::RequireWholeMap() const {
     }
     for (quint64 first = 0; first < m_pages->Count(); first += kPagesABitsPage) {
         if (!m_free.HasBitsPage(first / kPagesABitsPage)) {
-            throw AccessError(QStringLiteral("the map of free pages lacks the pages from %1 on").arg(first));
+            throw AccessError(QStringLiteral("空闲页位图缺少第%1页以后的部分").arg(first));
         }
     }
 }

@@ -43,8 +43,10 @@ auto AsProviderError(const Action& action) {
     try {
         return action();
     } catch (const AccessError& error) {
-        throw ProviderError(
-            {.kind = KindOf(error.Kind()), .message = error.Message(), .column = error.Column()});
+        throw ProviderError({.kind = KindOf(error.Kind()),
+                             .message = error.Message(),
+                             .column = error.Column(),
+                             .who = error.Kind() == Fault::InUse ? error.Message() : CString()});
     }
 }
 
@@ -53,9 +55,11 @@ void CheckBeforeWriting(Database& database, QDeadlineTimer deadline) {
     const QStringList faults = CheckFile(database, deadline);
     if (!faults.isEmpty()) {
         const QString& first = faults.first();
-        database.ForbidWriting(AccessError(
-            faults.size() == 1 ? first : QStringLiteral("%1 (and %2 more)").arg(first).arg(faults.size() - 1),
-            Fault::Damaged));
+        database.ForbidWriting(
+            AccessError(faults.size() == 1
+                            ? first
+                            : QStringLiteral("%1(另有%2处)").arg(first, QString::number(faults.size() - 1)),
+                        Fault::Damaged));
     }
 }
 
@@ -148,8 +152,8 @@ void AccessConnection::RequireUnchanged() {
 
 void AccessConnection::Reopen() {
     if (m_engine != nullptr && sqlite3_next_stmt(m_engine.get(), nullptr) != nullptr) {
-        throw ProviderError(
-            QStringLiteral("the file has changed, and a query of its old state is still open"));
+        throw ProviderError(QStringLiteral("文件已被其他程序改动,而对原有内容的查询尚未结束"),
+                            FailureKind::FileChanged);
     }
     OpenPath();
 }

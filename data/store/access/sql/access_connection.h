@@ -1,4 +1,5 @@
-// The driver for Access files: the SQLite engine over tables that it reads and writes through this folder.
+// The driver for Access files: the SQLite engine over tables that it reads and writes through this folder
+// (docs/access-files.md, "How statements run").
 #pragma once
 
 #include <QDeadlineTimer>

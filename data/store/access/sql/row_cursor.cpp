@@ -2,9 +2,6 @@
 
 namespace quorvane::access {
 
-RowCursor::RowCursor(const Pages& pages, const Table& table, const quint64& changes)
-    : m_pages(pages), m_table(table), m_changes(changes) {}
-
 void RowCursor::Start(RowPath path, const QByteArray& key) {
     StartEmpty();
     m_path = path;
@@ -15,7 +12,7 @@ void RowCursor::Start(RowPath path, const QByteArray& key) {
         }
         return;
     }
-    m_index.emplace(m_pages, m_table.Definition(), *path.index);
+    m_index.emplace(m_table.Entries(*path.index));
     if (path.kind == RowPath::Kind::Key) {
         m_rows = m_index->Rows(key);
     }
@@ -57,7 +54,7 @@ Value RowCursor::Read(const Column& column) {
     if (!m_view) {
         m_view.emplace(m_table.Definition(), m_row->bytes);
     }
-    return ReadValue(m_pages, *m_view, column);
+    return m_table.Read(*m_view, column);
 }
 
 std::optional<RowAddress> RowCursor::NextAddress() {

@@ -1,9 +1,8 @@
-// Walks the rows of a table in the way that a query has chosen.
+// Walks the rows of a table in the way that a query has chosen (docs/access-files.md, "How statements run").
 #pragma once
 
 #include <optional>
 
-#include "data/store/access/index/index.h"
 #include "data/store/access/table.h"
 
 namespace quorvane::access {
@@ -19,7 +18,7 @@ class RowCursor {
 public:
     // CHANGES counts what is changed in the table: a cursor on an index that was changed finds its place
     // anew.
-    RowCursor(const Pages& pages, const Table& table, const quint64& changes);
+    RowCursor(const Table& table, const quint64& changes) : m_table(table), m_changes(changes) {}
 
     // Both go to the first row. The key is for a path of that kind.
     void Start(RowPath path, const QByteArray& key);
@@ -35,7 +34,6 @@ private:
     std::optional<RowAddress> NextAddress();
     IndexCursor PlaceAfterChange() const;
 
-    const Pages& m_pages;
     const Table& m_table;
     const quint64& m_changes;
 

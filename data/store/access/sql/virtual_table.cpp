@@ -106,8 +106,7 @@ struct VirtualTable : sqlite3_vtab {
 };
 
 struct VirtualCursor : sqlite3_vtab_cursor {
-    explicit VirtualCursor(VirtualTable& owner)
-        : sqlite3_vtab_cursor{}, rows(owner.database.AllPages(), owner.table, owner.changes) {}
+    explicit VirtualCursor(VirtualTable& owner) : sqlite3_vtab_cursor{}, rows(owner.table, owner.changes) {}
     RowCursor rows;
 };
 
@@ -248,8 +247,7 @@ bool ChooseKey(const VirtualTable& table, sqlite3_index_info* info, double rows)
             continue;
         }
         const IndexDescription& description = Indexes(table).at(static_cast<std::size_t>(index));
-        const double keys =
-            UniqueEntryCount(table.database.AllPages(), table.table.Definition(), description);
+        const double keys = table.table.CountKeys(description);
         const double matches = description.unique ? 1 : std::max(1.0, rows / std::max(1.0, keys));
         info->aConstraintUsage[position].argvIndex = 1;
         info->idxNum = PathNumber(RowPath::Kind::Key, index);
@@ -274,7 +272,7 @@ void ChooseOrder(const VirtualTable& table, sqlite3_index_info* info) {
 int BestIndex(sqlite3_vtab* vtab, sqlite3_index_info* info) {
     return Run(vtab, [&] {
         const VirtualTable& table = Of(vtab);
-        const double rows = RowCount(table.database.AllPages(), table.table.Definition());
+        const double rows = table.table.CountRows();
         if (!ChooseKey(table, info, rows)) {
             ChooseOrder(table, info);
             info->estimatedRows = static_cast<sqlite3_int64>(rows);
@@ -328,7 +326,7 @@ int ReadColumn(sqlite3_vtab_cursor* cursor, sqlite3_context* context, int positi
         const Table& table = Of(cursor).table;
         const Column& column = table.Columns().at(static_cast<std::size_t>(position));
         if (!IsShown(column)) {
-            throw AccessError(QStringLiteral("column %1 of table %2 is of a type that cannot be read (%3)")
+            throw AccessError(QStringLiteral("表 %2 的字段 %1 的数据类型不能读取(%3)")
                                   .arg(column.name, table.Name())
                                   .arg(static_cast<int>(column.type)));
         }
@@ -354,7 +352,7 @@ std::vector<Element> GivenValues(const Table& table, sqlite3_value** values) {
             continue;
         }
         if (!IsShown(column) && sqlite3_value_type(value) != SQLITE_NULL) {
-            throw AccessError(QStringLiteral("column %1 of table %2 is of a type that cannot be written (%3)")
+            throw AccessError(QStringLiteral("表 %2 的字段 %1 的数据类型不能写入(%3)")
                                   .arg(column.name, table.Name())
                                   .arg(static_cast<int>(column.type)));
         }

@@ -1,6 +1,6 @@
 // Random statements on an Access file and on an SQLite file with the same rows: both must answer alike, and
 // the Access file must stay sound. The first argument is the number of statements for each file, the second a
-// folder in which states of the files are kept.
+// folder in which states of both files are kept.
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -10,6 +10,7 @@
 #include "data/store/access/check/file_check.h"
 #include "tests/support/files.h"
 #include "tests/support/raw_database.h"
+#include "tests/support/rounds.h"
 #include "tools/database_schema.h"
 
 using namespace quorvane;
@@ -19,7 +20,7 @@ namespace {
 
 const QStringList kTables{u"光源类别"_s, u"光源"_s, u"灯具"_s, u"利用系数"_s, u"照度要求及功率密度"_s};
 constexpr int kBatch = 200;
-int statementCount = 600;
+int statementCount = 0;
 QString keptFolder;
 
 QStringList ReadStatements() {
@@ -200,9 +201,10 @@ private Q_SLOTS:
             access->EndSubmit();
             sqlite->EndSubmit();
             CompareTables(*access, *sqlite, sqliteFile);
-            CheckCopy(accessFile,
-                      u"%1/%2-%3.mdb"_s.arg(keptFolder.isEmpty() ? folder.path() : keptFolder,
-                                            QFileInfo(fixture).baseName(), QString::number(done)));
+            const QString copy = u"%1/%2-%3"_s.arg(keptFolder.isEmpty() ? folder.path() : keptFolder,
+                                                   QFileInfo(fixture).baseName(), QString::number(done));
+            QVERIFY(QFile::copy(sqliteFile, copy + u".sqlite"_s));
+            CheckCopy(accessFile, copy + u".mdb"_s);
         }
         access->Close();
         QCOMPARE(QDir(folder.path()).entryList({u"access*"_s}), QStringList{u"access.mdb"_s});
@@ -249,12 +251,9 @@ private:
 };
 
 int main(int argc, char* argv[]) {
-    if (argc > 1 && QByteArray(argv[1]).toInt() > 0) {
-        statementCount = QByteArray(argv[1]).toInt();
-        keptFolder = QString::fromLocal8Bit(argc > 2 ? argv[2] : "");
-        argc = 1;
-    }
+    keptFolder = QString::fromLocal8Bit(argc > 2 ? argv[2] : "");
+    statementCount = Rounds(argc, argv, 600, 3000);
     TestAccessStatements test;
-    return QTest::qExec(&test, argc, argv);
+    return QTest::qExec(&test);
 }
 #include "test_access_statements.moc"

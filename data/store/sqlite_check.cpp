@@ -1,6 +1,7 @@
 #include "data/store/sqlite_check.h"
 
 #include "data/store/sqlite_connection.h"
+#include "data/store/sqlite_guard.h"
 #include "data/store/sqlite_open.h"
 #include "data/store/sqlite_recordset.h"
 
@@ -15,6 +16,9 @@ QStringList CheckSqliteFile(const QString& path) {
     if (result != SQLITE_OK) {
         throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
     }
+    const QDeadlineTimer noLimit(QDeadlineTimer::Forever);
+    GuardEngine(handle, &noLimit);
+    RefuseStrangeTables(handle);
     QStringList findings;
     SqliteRecordset report(PrepareSqlite(handle, u"PRAGMA integrity_check"_s));
     for (; !report.AtEnd(); report.MoveNext()) {

@@ -74,7 +74,7 @@ void SqliteConnection::OpenPath(int busyTimeoutMs) {
     sqlite3_busy_timeout(database.get(), kBusyTimeoutMs);
     LockSqliteFile(database.get());
     sqlite3_busy_timeout(database.get(), busyTimeoutMs);
-    RefuseViewsAsTables(database.get());
+    RefuseStrangeTables(database.get());
     sqlite3_busy_timeout(database.get(), kBusyTimeoutMs);
     PrepareForWriting(database.get());
     auto check = std::make_unique<SqliteBackgroundCheck>(m_path);

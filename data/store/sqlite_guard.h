@@ -21,7 +21,8 @@ void RefuseSuperJournal(const CString& path);
 // What runs is interrupted when the deadline has passed; the deadline must outlive the database.
 void GuardEngine(sqlite3* database, const QDeadlineTimer* deadline);
 
-// Refuses a view or a virtual table in the place of one of the tables. Throws ProviderError.
-void RefuseViewsAsTables(sqlite3* database);
+// Refuses a view or a virtual table in the place of one of the tables, and tables whose columns, constraints,
+// defaults or indexes hold expressions: nobody knows how long these take. Throws ProviderError.
+void RefuseStrangeTables(sqlite3* database);
 
 }  // namespace quorvane

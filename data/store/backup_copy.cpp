@@ -52,7 +52,7 @@ void Copy(const CString& from, const CString& to) {
     }
 }
 
-void RequireSame(const CString& left, const CString& right) {
+bool AreSame(const CString& left, const CString& right) {
     QFile first(left);
     QFile second(right);
     Open(first);
@@ -61,19 +61,37 @@ void RequireSame(const CString& left, const CString& right) {
     do {
         chunk = ReadChunk(first);
         if (chunk != ReadChunk(second)) {
-            throw ProviderError(u"备份 %1 与 %2 不同"_s.arg(right, left));
+            return false;
         }
     } while (!chunk.isEmpty());
+    return true;
 }
 
-// Only what bears exactly such a name is ever deleted.
-void DeleteOldCopies(const QFileInfo& file) {
+// The paths of the copies, the oldest first. Only what bears exactly such a name is ever deleted.
+QStringList CopiesOf(const QFileInfo& file) {
     const QRegularExpression name(QRegularExpression::anchoredPattern(
         QRegularExpression::escape(file.fileName()) + u"\\.\\d{4}-\\d\\d-\\d\\d-\\d{6}\\.bak"_s));
-    QDir folder = file.dir();
-    const QStringList copies = folder.entryList(QDir::Files, QDir::Name).filter(name);
-    for (qsizetype index = 0; index < copies.size() - kCopiesKept; ++index) {
-        folder.remove(copies[index]);
+    QStringList copies = file.dir().entryList(QDir::Files | QDir::NoSymLinks, QDir::Name).filter(name);
+    for (QString& copy : copies) {
+        copy = file.dir().filePath(copy);
+    }
+    return copies;
+}
+
+CString NewName(const CString& path) {
+    for (QDateTime time = QDateTime::currentDateTime();; time = time.addSecs(1)) {
+        CString name = path + time.toString(u"'.'yyyy-MM-dd-HHmmss'.bak'"_s);
+        if (!QFileInfo::exists(name)) {
+            return name;
+        }
+    }
+}
+
+bool IsCopy(const CString& copy, const CString& path) {
+    try {
+        return AreSame(path, copy);
+    } catch (const ProviderError&) {
+        return false;  // cannot be read, say
     }
 }
 
@@ -83,10 +101,18 @@ CString MakeBackupCopy(const CString& path) {
     if (QFileInfo(path + u"-wal"_s).size() > 0) {
         throw ProviderError(u"另一个程序把 %1 的一部分保存在另一个文件(-wal)中"_s.arg(path));
     }
-    CString copy = path + QDateTime::currentDateTime().toString(u"'.'yyyy-MM-dd-HHmmss'.bak'"_s);
+    const QStringList others = CopiesOf(QFileInfo(path));
+    if (!others.isEmpty() && IsCopy(others.last(), path)) {
+        return others.last();
+    }
+    CString copy = NewName(path);
     Copy(path, copy);
-    RequireSame(path, copy);
-    DeleteOldCopies(QFileInfo(path));
+    if (!AreSame(path, copy)) {
+        throw ProviderError(u"备份 %1 与 %2 不同"_s.arg(copy, path));
+    }
+    for (qsizetype index = 0; index <= others.size() - kCopiesKept; ++index) {
+        QFile::remove(others[index]);
+    }
     return copy;
 }
 

@@ -80,8 +80,9 @@ private Q_SLOTS:
     }
 
     void CopiesBeforeTheFirstWrite() {
-        const QStringList older{u".2001-01-01-000000.bak"_s, u".2002-01-01-000000.bak"_s,
-                                u".2003-01-01-000000.bak"_s, u".2003-01-01.bak"_s};
+        // Some in the future: a clock may go back.
+        const QStringList older{u".2997-01-01-000000.bak"_s, u".2998-01-01-000000.bak"_s,
+                                u".2999-01-01-000000.bak"_s, u".2003-01-01.bak"_s};
         for (const QString& name : older) {
             WriteFile(m_file->FilePath() + name, {});
         }
@@ -95,8 +96,15 @@ private Q_SLOTS:
         const QStringList copies = Files().filter(u".bak"_s);
         QCOMPARE(copies.size(), 4);  // three, and one of another name
         QVERIFY(copies.filter(older[0]).isEmpty() && !copies.filter(older[3]).isEmpty());
-        QCOMPARE(Contents(m_file->DatabaseFolder() + u'/' + copies.last()), before);
+        QCOMPARE(Contents(m_file->DatabaseFolder() + u'/' + copies[1]), before);
         QVERIFY(m_file->Bytes() != before);
+        for (const QString& name : older) {
+            QFile::remove(m_file->FilePath() + name);
+        }
+        for (int run = 0; run < 2; ++run) {
+            OpenStore(m_file->FilePath(), BackedUpStore({}))->Execute(u"delete from 光源 where ID=0"_s);
+        }
+        QCOMPARE(Files().filter(u".bak"_s).size(), 2);  // one a state of the file
     }
 
     void AsksOnceWithoutACopy() {

@@ -6,6 +6,11 @@ QPersistentModelIndex ChosenEntry(const CEaseComboBox& list) {
     return list.model()->index(list.currentIndex(), 0);
 }
 
+void NameForReaders(CEaseComboBox& list, const QString& name) {
+    list.setAccessibleName(name);
+    list.setAccessibleDescription(name);
+}
+
 bool SettleChoice(CEaseComboBox& list, QPersistentModelIndex& present, const std::function<bool()>& settle) {
     const QPersistentModelIndex chosen = ChosenEntry(list);
     list.setCurrentIndex(present.row());

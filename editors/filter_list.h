@@ -18,4 +18,8 @@ bool SettleChoice(CEaseComboBox& list, QPersistentModelIndex& present, const std
 // The entry that is chosen now.
 QPersistentModelIndex ChosenEntry(const CEaseComboBox& list);
 
+// Says what the list chooses. Assistive technology takes the chosen text for the name of a list, and reads
+// its description besides.
+void NameForReaders(CEaseComboBox& list, const QString& name);
+
 }  // namespace quorvane

@@ -55,8 +55,8 @@ CQuorvaneLamphouseDlg::CQuorvaneLamphouseDlg(CLightingDatabase& database, Refere
     m_makers = DialogItem<CEaseComboBox>(this, kMakerList);
     m_categories->SetOrder(PinyinLess);
     m_makers->SetOrder(PinyinLess);
-    m_categories->setAccessibleName(m_byCategory->text());
-    m_makers->setAccessibleName(m_byMaker->text());
+    NameForReaders(*m_categories, m_byCategory->text());
+    NameForReaders(*m_makers, m_byMaker->text());
     FillCategoryList();
     m_grid.Create(kGrid, DialogItem(this, kGridFrame)->geometry(), SharesOf::WindowWidth);
     m_grid.Fill();

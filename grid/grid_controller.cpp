@@ -319,7 +319,12 @@ void GridController::FocusAndPress(const std::function<CCellID()>& place, bool p
                 }
             },
             [&, this] {
-                if (press && target.IsValid() && m_core.Focus() == target) {
+                if (!press || !target.IsValid() || m_core.Focus() != target) {
+                    return;
+                }
+                if (m_core.EditingOf(target) == CellEditing::Text) {
+                    BeginEdit(target, InPlaceEdit::Start::AllSelected);
+                } else {
                     PressButton(target, 0);
                 }
             });

@@ -89,8 +89,8 @@ public:
     bool CancelDrag();
     // Opens the context menu at a point of the screen.
     void PopUpMenu(const QPoint& globalPosition);
-    // Gives the focus to the cell that place finds once the grid has the keyboard; then presses its button or
-    // drops down its list.
+    // Gives the focus to the cell that place finds once the grid has the keyboard; then presses its button,
+    // drops down its list or opens its text.
     void FocusAndPress(const std::function<CCellID()>& place, bool press);
 
     void MousePress(const QMouseEvent& event);

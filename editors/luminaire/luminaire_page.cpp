@@ -105,7 +105,7 @@ void CQuorvaneLuminaireDlg::MakeControls() {
     m_paste->setEnabled(m_luminaires.CanPaste());
 
     m_filter = DialogItem<CEaseComboBox>(this, kFilter);
-    m_filter->setAccessibleName(u"灯具类型"_s);
+    NameForReaders(*m_filter, u"灯具类型"_s);
     for (const tagLAMPHOUSETYPE& category : m_lists.Categories()) {
         m_filter->AddString(category.LamphouseType);
     }

@@ -210,8 +210,11 @@ QStringList GridAccessibleCell::actionNames() const {
         return {};
     }
     QStringList names;
-    if (Core().EditingOf(m_place) == CellEditing::Choice) {
+    const CellEditing editing = Core().EditingOf(m_place);
+    if (editing == CellEditing::Choice) {
         names << showMenuAction() << pressAction();
+    } else if (editing == CellEditing::Text) {
+        names << pressAction();
     } else if (HasButton()) {
         names << (HasCheckBox() ? toggleAction() : pressAction());
     }

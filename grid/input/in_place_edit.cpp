@@ -31,6 +31,7 @@ void InPlaceEdit::Begin(CCellID cell, Start start) {
     if (start != Start::Empty && start != Start::Composing) {
         m_editor->setText(source.GetText());
     }
+    m_shown = m_editor->text();
     m_editor->installEventFilter(this);
     connect(m_editor, &QLineEdit::textEdited, this,
             [this](const QString& text) { Q_EMIT m_controller.Grid().TextTyped(m_editor, text); });
@@ -78,7 +79,7 @@ std::optional<CString> InPlaceEdit::Close() {
         return std::nullopt;
     }
     // A line editor cannot hold every text, so one that was not changed is taken from the cell.
-    CString text = m_editor->isModified() ? m_editor->text() : m_controller.Core().Text(m_cell);
+    CString text = IsTyped() ? m_editor->text() : m_controller.Core().Text(m_cell);
     Cancel();
     return text;
 }
@@ -159,8 +160,9 @@ void InPlaceEdit::Refresh() {
             Cancel();
             return;
         }
-        if (!m_editor->isModified()) {
+        if (!IsTyped()) {
             m_editor->setText(m_controller.Core().Text(m_cell));
+            m_shown = m_editor->text();
         }
     }
     Place();

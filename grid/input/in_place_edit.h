@@ -38,7 +38,7 @@ public:
     // answer belongs to that edit.
     bool DropsComposition() const { return m_dropsComposition; }
     // Whether the user has typed into the open editor.
-    bool IsTyped() const { return IsOn() && m_editor->isModified(); }
+    bool IsTyped() const { return IsOn() && (m_editor->isModified() || m_editor->text() != m_shown); }
 
     // Closes the editor. Gives the text for the cell; none when no edit was on or its cell is no longer one
     // of editable text.
@@ -73,6 +73,7 @@ private:
     GridController& m_controller;
     QPointer<CellLineEdit> m_editor;
     CCellID m_cell;
+    CString m_shown;  // the text that the editor was given; assistive technology replaces it without typing
     bool m_isRemade = false;
     bool m_hasComposed = false;  // begun by an input method; the editor has not had the keyboard yet
     bool m_dropsComposition = false;

@@ -26,18 +26,23 @@ LARGE_ROLES = ("table", "tree table", "tree", "list")
 
 Gone = GLib.Error  # the program answered no more, or the thing asked about is no longer there
 _focused = []
+heard = []  # what was told of names and focus: (kind, role, name)
 
 
 Atspi.set_timeout(20000, 20000)  # milliseconds; a program that writes to a slow disk answers late
 
 
-def _told_of_focus(event):
-    if event.detail1:
+def _told(event):
+    try:
+        heard.append((event.type.rpartition(":")[2], role(event.source), event.source.get_name()))
+    except Gone:
+        return
+    if event.detail1 and heard[-1][0] == "focused":
         _focused[:] = [event.source]
 
 
 # Pop-ups stand in no window's tree; like a screen reader, one hears of them when they take the focus.
-_listener = Atspi.EventListener.new(_told_of_focus)
+_listener = Atspi.EventListener.new(_told)
 
 
 def role(element):
@@ -67,6 +72,17 @@ def rectangle(element):
 def centre(element):
     left, top, width, height = rectangle(element)
     return left + width // 2, top + height // 2
+
+
+def do(element, action):
+    """Carries out one of the element's own actions, as assistive technology does."""
+    names = [Atspi.Action.get_action_name(element, number) for number in range(Atspi.Action.get_n_actions(element))]
+    Atspi.Action.do_action(element, names.index(action))
+
+
+def press_by_bus(symbol):
+    """A key, sent over the accessibility bus."""
+    Atspi.generate_keyboard_event(symbol, None, Atspi.KeySynthType.SYM)
 
 
 def find_all(element, wanted, name=None):
@@ -131,7 +147,8 @@ class Program:
 
     def __init__(self, folder, *arguments):
         Atspi.get_desktop(0).set_cache_mask(Atspi.Cache.NONE)  # every question goes to the program anew
-        _listener.register("object:state-changed:focused")
+        for event in ("state-changed:focused", "property-change:accessible-name", "property-change:accessible-value"):
+            _listener.register(f"object:{event}")
         with open(folder.log, "ab") as log:
             self.process = subprocess.Popen([folder.program, *arguments], stdin=subprocess.DEVNULL, stdout=log,
                                             stderr=log)
@@ -165,6 +182,11 @@ class Program:
         while GLib.MainContext.default().iteration(False):
             pass
         return next((element for element in _focused if role(element) == wanted and has(element, "SHOWING")), None)
+
+    def hear(self, kind, wanted, name):
+        """Waits until the program has told this of something of that role and name."""
+        self.wait_until(lambda: (self.focused(wanted), (kind, wanted, name) in heard)[1], f"{kind} {wanted} “{name}”")
+        heard.clear()
 
     def popup(self, wanted):
         """The list that has dropped down, once it has the focus."""

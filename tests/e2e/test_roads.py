@@ -12,7 +12,7 @@ import unittest
 from pathlib import Path
 
 import screen
-from driver import Program, ProgramFolder
+from driver import Atspi, Program, ProgramFolder, children, do, has, press_by_bus
 
 BINARIES = Path(sys.argv.pop(1)).resolve()
 # What is typed over the first row under each tab: tab, how its rows are chosen, heading, text; table and column.
@@ -107,6 +107,39 @@ class Roads(unittest.TestCase):
         program = self.start()  # nothing is left to be asked
         program.main_window().press_button("退出")
         self.assertEqual(program.wait_for_end(), 0)
+
+    def test_a_screen_reader_does_the_road_of_light_sources(self):
+        """By what the accessibility bus tells, does and sends; no mouse, no keys of the screen."""
+        down, enter = 0xFF54, 0xFF0D
+        before = self.folder.everything()
+        program = self.start()
+        window = program.main_window()
+        box = window.find("combo box", "按光源类型显示")
+        do(box, "ShowMenu")
+        category = self.folder.first_category()["LamphouseType"]
+        entries = program.wait_until(lambda: children(program.popup("list")), "the categories")
+        for entry in entries[1:[entry.get_name() for entry in entries].index(category) + 1]:
+            press_by_bus(down)
+            program.hear("focused", "list item", entry.get_name())
+        press_by_bus(enter)
+        program.hear("accessible-name", "combo box", category)
+        self.assertEqual(box.get_description(), "按光源类型显示")
+        row = window.append_row()
+        for cell, text in ((window.cell(0, "光通量"), "4321"), (window.cell(row, "光源型号"), "BUS-1")):
+            self.assertTrue(has(cell, "EDITABLE") and not has(window.cell(row, "序号"), "EDITABLE"))
+            do(cell, "SetFocus")
+            program.hear("focused", "table cell", cell.get_name())
+            do(cell, "Press")
+            Atspi.EditableText.set_text_contents(program.popup("text"), text)
+            press_by_bus(enter)
+            program.hear("accessible-name", "table cell", text)
+        flux = window.cell(0, "光通量")
+        self.assertRegex(flux.get_description(), "^已修改\n文件中的值: ")
+        do(window.find("push button", "提交"), "Press")
+        program.wait_until(lambda: not flux.get_description(), "the end of the submit")
+        after = self.folder.everything()
+        self.assertEqual(after["光源"][0], {**before["光源"][0], "LuminousFlux": 4321})
+        self.assertEqual([row["LamphouseModel"] for row in after["光源"][len(before["光源"]):]], ["BUS-1"])
 
     def test_without_a_database_it_says_so_and_ends(self):
         self.folder.database.unlink()

@@ -54,6 +54,7 @@ readonly screenPackages=(
     gir1.2-atspi-2.0               # the driver's way to the same
     python3 python3-gi             # the driver
     xdotool x11-xserver-utils      # keys and mouse; keys for Chinese characters
+    xclip                          # another program's clipboard
     scrot                          # pictures
     mdbtools                       # an independent reader of the database file
 )

@@ -78,6 +78,7 @@ CQuorvaneDlg::CQuorvaneDlg(const MainDialogPages& pages, const QString& selector
         connect(m_pages[tab], &CPage::EditsChanged, this, &CQuorvaneDlg::ShowEdits);
     }
     m_tabs->setCurrentIndex(FirstTab(selector));
+    PlacePagesOnWholePixels();
     AddKeys();
 
     // The Tab key reaches the buttons after the page that they act on.
@@ -89,6 +90,14 @@ CQuorvaneDlg::CQuorvaneDlg(const MainDialogPages& pages, const QString& selector
 }
 
 CQuorvaneDlg::~CQuorvaneDlg() = default;
+
+// The tabs above the pages have a height of their own.
+void CQuorvaneDlg::PlacePagesOnWholePixels() {
+    m_tabs->ensurePolished();
+    const QPoint page = m_tabs->currentWidget()->mapTo(this, QPoint());
+    const int step = WholePixelStep();
+    m_tabs->move(m_tabs->pos() - QPoint(page.x() % step, page.y() % step));
+}
 
 void CQuorvaneDlg::DecorateButtons() {
     auto* submit = DialogItem<QPushButton>(this, kSubmit);

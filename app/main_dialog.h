@@ -41,6 +41,7 @@ protected:
 
 private:
     void DecorateButtons();
+    void PlacePagesOnWholePixels();
     void AddKeys();
     void AddCommand(const QString& text, const QKeySequence& key, void (CQuorvaneDlg::*run)());
     void ShowTab(int step);

@@ -115,7 +115,8 @@ QColor GridPainter::TextColour(const CGridCellBase& cell, const QColor& back, bo
     // The palette goes with its own backgrounds, not with every colour that a cell may be given.
     constexpr double kReadable = 4.5;
     const QColor usual = m_looks.palette.color(fixed ? QPalette::ButtonText : QPalette::Text);
-    const bool isPalettes = fixed ? !cell.GetBackColour().isValid() : back == m_looks.Background();
+    const bool isPalettes = fixed ? !cell.GetBackColour().isValid()
+                                  : !m_looks.background.isValid() && back == m_looks.Background();
     if (isPalettes || Contrast(usual, back) >= kReadable) {
         return usual;
     }

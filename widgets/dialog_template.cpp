@@ -51,6 +51,31 @@ QWidget* CreateControl(ControlKind kind, const QString& text, QWidget* dialog) {
 
 }  // namespace
 
+int WholePixelStep() {
+    constexpr int largest = 4;  // for scales by quarters
+    const double scale = QGuiApplication::primaryScreen()->devicePixelRatio();
+    int step = 1;
+    while (step < largest && !qFuzzyCompare(step * scale, std::round(step * scale))) {
+        step *= 2;
+    }
+    return step;
+}
+
+QRect ToWholePixels(const QRect& rect) {
+    const int step = WholePixelStep();
+    const auto snap = [step](const QPoint& point) {
+        return QPoint(qRound(double(point.x()) / step), qRound(double(point.y()) / step)) * step;
+    };
+    return {snap(rect.topLeft()), snap(rect.bottomRight())};
+}
+
+void WholePixelRow::setGeometry(const QRect& rect) {
+    QHBoxLayout::setGeometry(rect);
+    for (int number = 0; number < count(); ++number) {
+        itemAt(number)->setGeometry(ToWholePixels(itemAt(number)->geometry()));
+    }
+}
+
 DialogUnits::DialogUnits(const QFont& font)
     : DialogUnits(font, QGuiApplication::primaryScreen()->availableSize().height()) {}
 
@@ -71,7 +96,7 @@ QSize DialogUnits::ToPixels(const QSize& units) const {
 
 QRect DialogUnits::ToPixels(const QRect& units) const {
     const QSize corner = ToPixels(QSize(units.x(), units.y()));
-    return {QPoint(corner.width(), corner.height()), ToPixels(units.size())};
+    return ToWholePixels({QPoint(corner.width(), corner.height()), ToPixels(units.size())});
 }
 
 void CreateControls(QWidget* dialog, std::span<const DialogControl> controls,

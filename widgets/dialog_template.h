@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QFont>
+#include <QHBoxLayout>
 #include <QRect>
 #include <QString>
 #include <functional>
@@ -33,10 +34,23 @@ struct DialogControl {
     QRect units;  // dialog units
 };
 
+// The smallest distance in the toolkit's pixels that is a whole number of pixels of the screen: 1, or more
+// where the scale of the screen is no whole number. A frame loses each of its lines that begins in between.
+int WholePixelStep();
+// The nearest rectangle whose first and last lines are at multiples of it.
+QRect ToWholePixels(const QRect& rect);
+
+// A row of widgets in rectangles of that kind, directly in a window.
+class WholePixelRow : public QHBoxLayout {
+public:
+    void setGeometry(const QRect& rect) override;
+};
+
 class DialogUnits {
 public:
     explicit DialogUnits(const QFont& font);
     DialogUnits(const QFont& font, int screenHeight);  // in pixels
+    // On whole pixels of the screen.
     QRect ToPixels(const QRect& units) const;
     QSize ToPixels(const QSize& units) const;
 

@@ -110,7 +110,7 @@ void CCoefficientTableDlg::LayOut() {
     const DialogUnits units(font());
     const QSize margin = units.ToPixels(kMargin);
     const QSize spacing = units.ToPixels(kSpacing);
-    auto* table = new QHBoxLayout;
+    auto* table = new WholePixelRow;
     table->setSpacing(spacing.width());
     table->addWidget(m_tree, m_tree->width());
     table->addWidget(m_grid, m_grid->width());

@@ -58,10 +58,13 @@ void GridMenu::PopUp(const QPoint& globalPosition) {
             action->setText(isFrozen ? u"取消冻结"_s : u"冻结到此列"_s);
         }
     }
-    m_menu = new QMenu(&m_controller.Grid());
-    m_menu->setObjectName(u"gridMenu"_s);
-    m_menu->setAttribute(Qt::WA_DeleteOnClose);
-    m_menu->setToolTipsVisible(true);
+    // Assistive technology takes an action for an entry of the first menu that it was in.
+    if (m_menu == nullptr) {
+        m_menu = new QMenu(&m_controller.Grid());
+        m_menu->setObjectName(u"gridMenu"_s);
+        m_menu->setToolTipsVisible(true);
+    }
+    m_menu->clear();
     std::optional<GridMenuGroup> last;
     for (const Entry& entry : m_entries) {
         if (entry.action != nullptr && entry.action->isVisible()) {

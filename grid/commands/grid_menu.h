@@ -44,7 +44,7 @@ private:
     GridController& m_controller;
     std::vector<Entry> m_entries;  // by group
     std::vector<OwnAction> m_own;
-    QPointer<QMenu> m_menu;  // while it is open
+    QPointer<QMenu> m_menu;  // once it has been opened
 };
 
 }  // namespace quorvane

@@ -19,13 +19,15 @@ from driver import ProgramFolder
 from road_factor_table import factor_table_road
 from road_luminaires import luminaire_road
 from road_records import light_source_road, requirement_road
+from road_recovery import recovery_road
+from road_spreadsheet import spreadsheet_road
 from story import Story
 
-ROADS = [light_source_road, requirement_road, factor_table_road, luminaire_road]
+ROADS = [light_source_road, requirement_road, factor_table_road, luminaire_road, spreadsheet_road, recovery_road]
 
 # The pictures that the documents show.
 DOCUMENTED = ["main-window", "light-sources-append", "requirements", "luminaires", "type-chooser", "mixed-light",
-              "photo", "factor-menu", "factor-table", "mixed-light-row"]
+              "photo", "factor-menu", "factor-table", "mixed-light-row", "found", "plot", "recovery"]
 
 
 def main():

@@ -172,6 +172,10 @@ class Program:
     def main_window(self):
         return self.dialog(MAIN_TITLE)
 
+    def other_window(self, than):
+        """The window that has opened over another one."""
+        return Window(self, self._window_that(lambda window: window != than.element, "another window"))
+
     def message(self, text):
         """The message box that says the text."""
         return Window(self, self._window_that(
@@ -345,6 +349,12 @@ class Window:
         seen()
         screen.press("Return")
         self.wait_for_cell(row, "灯具类别", ",".join(names))
+
+    def choose_in_menu(self, command):
+        """Chooses a command of the menu of the grid's focus cell."""
+        screen.press("Menu", "Down")
+        entry = self.program.popup("menu item")
+        screen.click(*centre(next(one for one in children(entry.get_parent()) if one.get_name() == command)))
 
     # Trees ----------------------------------------------------------------------------------------------------
 

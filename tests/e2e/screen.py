@@ -59,6 +59,12 @@ def _give_keys(characters):
     wait_until(lambda: run("xdotool", "get_num_desktops").strip() == str(_desktops), "the window manager's answer")
 
 
+def copy_elsewhere(text):
+    """Lets another program put the text on the clipboard."""
+    subprocess.run(["xclip", "-selection", "clipboard"], input=text, text=True, check=True, timeout=60,
+                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
 def active_process():
     """The id of the process to whose window the window manager gives the keys; 0 when there is none."""
     return int(run("xdotool", "getactivewindow", "getwindowpid", check=False) or 0)

@@ -116,7 +116,7 @@ class Roads(unittest.TestCase):
         window = program.main_window()
         box = window.find("combo box", "按光源类型显示")
         do(box, "ShowMenu")
-        category = self.folder.first_category()["LamphouseType"]
+        category = "T5直管荧光灯"
         entries = program.wait_until(lambda: children(program.popup("list")), "the categories")
         for entry in entries[1:[entry.get_name() for entry in entries].index(category) + 1]:
             press_by_bus(down)
@@ -137,6 +137,8 @@ class Roads(unittest.TestCase):
         self.assertRegex(flux.get_description(), "^已修改\n文件中的值: ")
         do(window.find("push button", "提交"), "Press")
         program.wait_until(lambda: not flux.get_description(), "the end of the submit")
+        do(window.find("push button", "退出"), "Press")
+        self.assertEqual(program.wait_for_end(), 0)
         after = self.folder.everything()
         self.assertEqual(after["光源"][0], {**before["光源"][0], "LuminousFlux": 4321})
         self.assertEqual([row["LamphouseModel"] for row in after["光源"][len(before["光源"]):]], ["BUS-1"])

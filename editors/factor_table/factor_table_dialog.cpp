@@ -224,7 +224,9 @@ void CCoefficientTableDlg::ShowAfterOperation(Branch branch) {
 
 void CCoefficientTableDlg::OnFactorEdited(int row, int column) {
     const StepScope step(m_editing, u"输入 利用系数"_s);
-    const CString text = m_grid->GetItemText(row, column);
+    const CString entered = m_grid->GetItemText(row, column);
+    // Clearing many cells must not refuse each of them.
+    const CString text = m_isManyEntered && entered.isEmpty() ? FormatInteger(0) : entered;
     const bool isUntouched = !m_grid->IsEditTyped();
     const std::optional<CString> shown = m_editing.TakeFactor(row, column, text, isUntouched);
     if (!isUntouched) {
@@ -296,8 +298,12 @@ void CCoefficientTableDlg::AddUndo() {
                          .undo = [this] { ShowUndone(m_editing.Undo()); },
                          .redo = [this] { ShowUndone(m_editing.Redo()); }});
     m_grid->SetEditing(m_editing);
-    connect(m_grid, &CGridCtrl::StepBegan, this, [this] { m_editing.BeginStep({}); });
+    connect(m_grid, &CGridCtrl::StepBegan, this, [this] {
+        m_isManyEntered = true;
+        m_editing.BeginStep({});
+    });
     connect(m_grid, &CGridCtrl::StepEnded, this, [this](const CString& name, int cells) {
+        m_isManyEntered = false;
         m_editing.RenameStep(u"%1 %2 格"_s.arg(name).arg(cells));
         m_editing.EndStep();
     });

@@ -91,6 +91,7 @@ private:
     UndoActions m_undo;
     FactorView m_view;
     bool m_isFactorRefused = false;
+    bool m_isManyEntered = false;  // by one gesture that is going on: a paste, a fill, a clearing
 };
 
 }  // namespace quorvane

@@ -258,6 +258,12 @@ private Q_SLOTS:
 
     void DeletesAndClearsOnYesAlone() {
         Fixture fixture;
+        fixture.Click(4, 1);
+        fixture.Click(5, 2, Qt::ShiftModifier);
+        QTest::keyClick(fixture.grid, Qt::Key_Delete);
+        QCOMPARE(fixture.Grid()[4] + u'/' + fixture.Grid()[5], u"0.60|0|0|0.63/1.25|0|0|0.54"_s);
+        QTest::keyClick(fixture.grid, Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(!fixture.dialog->IsModified());
         fixture.Delete(HeadingRoot, 1, u"否"_s);
         fixture.Delete(RowRoot, 1, u"否"_s);
         fixture.answers.Plan(u"否"_s);

@@ -8,23 +8,25 @@
 #include "tools/database_copy.h"
 #include "tools/sample_error.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 using namespace quorvane;
 
 int Run(const QCoreApplication& app) {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Copies all rows of the lighting database FROM into TO, IDs kept, and compares both "
+    parser.setApplicationDescription(
+        u"Copies all rows of the lighting database FROM into TO, IDs kept, and compares both "
         "afterwards. Either may be an Access or an SQLite file. TO must exist with its five tables "
-        "empty. When a row cannot be copied, TO keeps those before it: start again with an empty file."));
-    parser.addPositionalArgument(QStringLiteral("FROM"), QStringLiteral("The database to read."));
-    parser.addPositionalArgument(QStringLiteral("TO"), QStringLiteral("The database to fill."));
+        "empty. When a row cannot be copied, TO keeps those before it: start again with an empty file."_s);
+    parser.addPositionalArgument(u"FROM"_s, u"The database to read."_s);
+    parser.addPositionalArgument(u"TO"_s, u"The database to fill."_s);
     parser.addHelpOption();
     parser.process(app);
     const QStringList files = parser.positionalArguments();
     if (files.size() != 2) {
-        throw SampleError(QStringLiteral("name the file to read and the file to fill (--help tells more)"));
+        throw SampleError(u"name the file to read and the file to fill (--help tells more)"_s);
     }
     const auto from = OpenDatabase(files[0]);
     const auto to = OpenDatabase(files[1]);

@@ -292,7 +292,7 @@ void SampleReader::ReadRequirements() {
     const CsvTable table(File("requirements.csv"),
                          {u"行业"_s, u"建筑类型"_s, u"场所"_s, u"参考平面"_s, u"现行功率密度"_s,
                           u"目标功率密度"_s, u"照度标准值"_s, u"统一眩光值"_s, u"显色指数"_s},
-                         true);  // what follows says how far a row was checked
+                         true);  // the further columns say how far a row was checked
     for (CsvRow row : table.Rows()) {
         tagILLUMINANCESTANDARD requirement;
         requirement.ID = static_cast<int>(m_data.Requirements.size()) + 1;

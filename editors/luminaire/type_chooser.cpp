@@ -13,6 +13,8 @@
 
 #include "model/light_source_categories.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 namespace {
 
@@ -59,10 +61,10 @@ QRect PlaceBeside(const QRect& cell, QSize size, const QRect& screen) {
 
 CLamphouseTypeChoiceWindow::CLamphouseTypeChoiceWindow(QWidget* owner)
     : QFrame(owner, Qt::Popup | Qt::FramelessWindowHint), m_list(new QListWidget(this)) {
-    setObjectName(QStringLiteral("typeChooser"));
+    setObjectName(u"typeChooser"_s);
     setFrameStyle(QFrame::Box | QFrame::Plain);
     setLineWidth(kBorder);
-    m_list->setObjectName(QStringLiteral("control1003"));
+    m_list->setObjectName(u"control1003"_s);
     m_list->setFrameShape(QFrame::NoFrame);
     m_list->setUniformItemSizes(true);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -6,6 +6,8 @@
 #include "data/store/access/rows/table_scan.h"
 #include "data/store/access/rows/value.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -43,7 +45,7 @@ private:
     Value Read(const QString& name) const {
         const Column* column = m_table.Find(name);
         if (column == nullptr) {
-            ThrowDamaged(QStringLiteral("a system table has no column %1").arg(name));
+            ThrowDamaged(u"a system table has no column %1"_s.arg(name));
         }
         return ReadValue(m_pages, m_view, *column);
     }
@@ -55,11 +57,11 @@ private:
 
 CatalogEntry ReadEntry(const NamedRow& row, qint64 type) {
     CatalogEntry entry;
-    entry.name = row.Text(QStringLiteral("Name"));
+    entry.name = row.Text(u"Name"_s);
     entry.linked = type != kLocalTable;
-    entry.definition = static_cast<PageNumber>(row.Number(QStringLiteral("Id")) & kPageMask);
-    entry.system = (row.Number(QStringLiteral("Flags")) & kSystemFlags) != 0;
-    const QByteArray properties = entry.linked ? QByteArray() : row.Bytes(QStringLiteral("LvProp"));
+    entry.definition = static_cast<PageNumber>(row.Number(u"Id"_s) & kPageMask);
+    entry.system = (row.Number(u"Flags"_s) & kSystemFlags) != 0;
+    const QByteArray properties = entry.linked ? QByteArray() : row.Bytes(u"LvProp"_s);
     if (!entry.system && !properties.isEmpty()) {
         ReadProperties(properties, entry);
     }
@@ -70,11 +72,11 @@ void MarkRelationships(const Pages& pages, PageNumber definition, std::vector<Ca
     const TableDefinition relationships = ReadTableDefinition(pages, definition);
     for (TableScan scan(pages, relationships); !scan.AtEnd(); scan.MoveNext()) {
         const NamedRow row(pages, relationships, scan.Row());
-        if ((row.Number(QStringLiteral("grbit")) & kNotEnforced) != 0) {
+        if ((row.Number(u"grbit"_s) & kNotEnforced) != 0) {
             continue;
         }
-        const QString referring = row.Text(QStringLiteral("szObject"));
-        const QString referred = row.Text(QStringLiteral("szReferencedObject"));
+        const QString referring = row.Text(u"szObject"_s);
+        const QString referred = row.Text(u"szReferencedObject"_s);
         for (CatalogEntry& table : tables) {
             table.hasRelationship |= table.name.compare(referring, Qt::CaseInsensitive) == 0 ||
                                      table.name.compare(referred, Qt::CaseInsensitive) == 0;
@@ -94,13 +96,13 @@ std::vector<CatalogEntry> ReadCatalog(const Pages& pages) {
     const TableDefinition catalog = ReadTableDefinition(pages, kCatalogPage);
     for (TableScan scan(pages, catalog); !scan.AtEnd(); scan.MoveNext()) {
         const NamedRow row(pages, catalog, scan.Row());
-        const qint64 type = row.Number(QStringLiteral("Type"));
+        const qint64 type = row.Number(u"Type"_s);
         if (type == kLocalTable || type == kLinkedOdbc || type == kLinkedTable) {
             tables.push_back(ReadEntry(row, type));
         }
     }
     const auto relationships = std::find_if(tables.begin(), tables.end(), [](const CatalogEntry& table) {
-        return table.system && table.name == QStringLiteral("MSysRelationships");
+        return table.system && table.name == u"MSysRelationships"_s;
     });
     if (relationships != tables.end()) {
         MarkRelationships(pages, relationships->definition, tables);

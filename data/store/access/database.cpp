@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -60,7 +62,7 @@ Header CheckedHeader(FileSystem& files, const QString& path) {
     const auto file = files.Open(path, FileSystem::Mode::Read);
     Page page{};
     if (file->Stamp().size < kPageSize) {
-        throw AccessError(QStringLiteral("the file is no Access file"));
+        throw AccessError(u"the file is no Access file"_s);
     }
     file->Read(0, page);
     return ReadHeader(page);
@@ -71,7 +73,7 @@ Header CheckedHeader(FileSystem& files, const QString& path) {
 Database::Database(FileSystem& files, const QString& path) : m_header(CheckedHeader(files, path)) {
     try {
         if (m_header.hasPassword) {
-            throw AccessError(QStringLiteral("文件设有数据库密码"));
+            throw AccessError(u"文件设有数据库密码"_s);
         }
         m_lock = std::make_unique<LockFile>(files, path);
         m_file = std::make_unique<PagedFile>(files, path, true);
@@ -108,10 +110,10 @@ Table& Database::Find(const QString& name) {
     const auto entry = std::find_if(m_catalog.begin(), m_catalog.end(),
                                     [&](const CatalogEntry& candidate) { return isNamed(candidate.name); });
     if (entry == m_catalog.end()) {
-        throw AccessError(QStringLiteral("数据库中没有表 %1").arg(name));
+        throw AccessError(u"数据库中没有表 %1"_s.arg(name));
     }
     if (entry->linked) {
-        throw AccessError(QStringLiteral("表 %1 链接到另一个文件").arg(name));
+        throw AccessError(u"表 %1 链接到另一个文件"_s.arg(name));
     }
     m_tables.push_back(std::make_unique<Table>(*m_file, *m_allocator, *entry));
     return *m_tables.back();
@@ -125,8 +127,7 @@ bool Database::IsOutdated(bool beforeWriting) const {
 
 void Database::BeginStatement() {
     if (m_refusal) {
-        throw AccessError(QStringLiteral("文件以只读方式打开:%1").arg(m_refusal->Message()),
-                          m_refusal->Kind());
+        throw AccessError(u"文件以只读方式打开:%1"_s.arg(m_refusal->Message()), m_refusal->Kind());
     }
     m_file->BeginStatement();
 }

@@ -6,6 +6,8 @@
 #include <numeric>
 #include <utility>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -84,18 +86,18 @@ bool IsAccessFile(const QByteArray& head) {
 Header ReadHeader(const Page& page) {
     const QByteArray raw(page.data(), kPageSize);
     if (!IsAccessFile(raw)) {
-        throw AccessError(QStringLiteral("the file is no Access file"));
+        throw AccessError(u"the file is no Access file"_s);
     }
     const quint8 version = ReadU8(raw, kVersion);
     if (version == kJet3) {
-        throw AccessError(QStringLiteral("files of Access 97 cannot be opened"));
+        throw AccessError(u"files of Access 97 cannot be opened"_s);
     }
     if (version != kJet4 || !QByteArrayView(raw).sliced(kEngine).startsWith(kJet)) {
-        throw AccessError(QStringLiteral("files of Access 2007 and later cannot be opened"));
+        throw AccessError(u"files of Access 2007 and later cannot be opened"_s);
     }
     const QByteArray bytes = Unmasked(page);
     if (ReadU32(bytes, kEncryptionKey) != 0) {
-        throw AccessError(QStringLiteral("the file is encrypted"));
+        throw AccessError(u"the file is encrypted"_s);
     }
     Header header;
     header.codePage = ReadU16(bytes, kCodePage);

@@ -5,6 +5,8 @@
 #include "data/store/access/column_type.h"
 #include "data/store/access/rows/text.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -29,7 +31,7 @@ void EnterProperty(const QString& name, quint8 type, QByteArrayView data, const 
     const bool isText =
         type == static_cast<quint8>(ColumnType::Text) || type == static_cast<quint8>(ColumnType::Memo);
     const bool isTrue = !data.isEmpty() && data[0] != 0;
-    if (name == QStringLiteral("ValidationRule")) {
+    if (name == u"ValidationRule"_s) {
         table.hasValidation |= !data.isEmpty();
         return;
     }
@@ -37,11 +39,11 @@ void EnterProperty(const QString& name, quint8 type, QByteArrayView data, const 
         return;
     }
     ColumnRules& rules = table.rules[column.toLower()];
-    if (name == QStringLiteral("Required")) {
+    if (name == u"Required"_s) {
         rules.required = isTrue;
-    } else if (name == QStringLiteral("AllowZeroLength")) {
+    } else if (name == u"AllowZeroLength"_s) {
         rules.takesEmpty = isTrue;
-    } else if (name == QStringLiteral("DefaultValue") && isText) {
+    } else if (name == u"DefaultValue"_s && isText) {
         rules.defaultValue = DecodeText(data);
     }
 }
@@ -58,7 +60,7 @@ void ReadOwner(QByteArrayView body, quint16 kind, const std::vector<QString>& na
         const QByteArrayView value = Part(body, at, ReadU16(body, at));
         const quint16 name = ReadU16(value, 4);
         if (value.size() < kValueHead || name >= names.size()) {
-            ThrowDamaged(QStringLiteral("the properties of table %1").arg(table.name));
+            ThrowDamaged(u"the properties of table %1"_s.arg(table.name));
         }
         EnterProperty(names[name], ReadU8(value, 3), Part(value, kValueHead, ReadU16(value, 6)), column,
                       table);
@@ -70,7 +72,7 @@ void ReadOwner(QByteArrayView body, quint16 kind, const std::vector<QString>& na
 
 void ReadProperties(QByteArrayView bytes, CatalogEntry& table) {
     if (!bytes.startsWith(kMagic)) {
-        ThrowDamaged(QStringLiteral("the properties of table %1").arg(table.name));
+        ThrowDamaged(u"the properties of table %1"_s.arg(table.name));
     }
     std::vector<QString> names;
     for (qsizetype at = kMagic.size(); at < bytes.size();) {

@@ -7,6 +7,8 @@
 #include "data/store/access/index/row_key.h"
 #include "data/store/access/rows/long_values.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -91,7 +93,7 @@ RowAddress Table::Insert(const std::vector<Value>& values) {
 void Table::Update(RowAddress row, const std::vector<std::optional<Value>>& values) {
     const std::optional<FoundRow> found = Find(row);
     if (!found) {
-        throw AccessError(QStringLiteral("表 %1 中已没有该记录").arg(Name()));
+        throw AccessError(u"表 %1 中已没有该记录"_s.arg(Name()));
     }
     const StoredValues old = RowView(m_definition, found->bytes).All();
     try {
@@ -131,7 +133,7 @@ std::vector<const Column*> Table::Change(StoredValues& contents,
             continue;
         }
         if (IsAutoNumber(column)) {
-            throw AccessError(QStringLiteral("自动编号不能更改")).InColumn(column.name);
+            throw AccessError(u"自动编号不能更改"_s).InColumn(column.name);
         }
         At(contents, column) = std::move(content);
         changed.push_back(&column);
@@ -142,7 +144,7 @@ std::vector<const Column*> Table::Change(StoredValues& contents,
 void Table::Delete(RowAddress row) {
     const std::optional<FoundRow> found = Find(row);
     if (!found) {
-        throw AccessError(QStringLiteral("表 %1 中已没有该记录").arg(Name()));
+        throw AccessError(u"表 %1 中已没有该记录"_s.arg(Name()));
     }
     const StoredValues old = RowView(m_definition, found->bytes).All();
     try {
@@ -169,33 +171,31 @@ void Table::Delete(RowAddress row) {
 void Table::RequireWritable() const {
     const auto refuse = [](const QString& reason) { throw AccessError(reason); };
     if (m_entry.linked || m_entry.system || m_definition.system) {
-        refuse(QStringLiteral("该表不是本数据库自己的表"));
+        refuse(u"该表不是本数据库自己的表"_s);
     }
     if (m_entry.hasRelationship || m_definition.hasRelationship) {
-        refuse(QStringLiteral("该表的关系实施了参照完整性"));
+        refuse(u"该表的关系实施了参照完整性"_s);
     }
     if (m_entry.hasValidation) {
-        refuse(QStringLiteral("该表设有有效性规则,程序不能检查"));
+        refuse(u"该表设有有效性规则,程序不能检查"_s);
     }
     for (const Column& column : Columns()) {
         const bool isDecimal = column.type == ColumnType::Decimal;
         if (column.calculated || (!IsKnownType(column.type) && !isDecimal) ||
             (column.IsLong() && column.fixed)) {
-            refuse(QStringLiteral("字段 %1 的数据类型不能写入").arg(column.name));
+            refuse(u"字段 %1 的数据类型不能写入"_s.arg(column.name));
         }
     }
     if (std::count_if(Columns().begin(), Columns().end(), IsAutoNumber) > 1) {
-        refuse(QStringLiteral("该表有不止一个自动编号字段"));
+        refuse(u"该表有不止一个自动编号字段"_s);
     }
 }
 
 void Table::Refuse(const StoredValues& contents, const AccessError& error) const {
     const auto key = std::find_if(Columns().begin(), Columns().end(), IsAutoNumber);
     const bool isNamed = key != Columns().end() && At(contents, *key);
-    const QString row =
-        isNamed ? QStringLiteral("%1=%2 的").arg(key->name).arg(ToNumber(At(contents, *key))) : QString();
-    throw AccessError(QStringLiteral("表 %1,%2记录:%3").arg(Name(), row, error.Message()), error.Kind(),
-                      error.Column());
+    const QString row = isNamed ? u"%1=%2 的"_s.arg(key->name).arg(ToNumber(At(contents, *key))) : QString();
+    throw AccessError(u"表 %1,%2记录:%3"_s.arg(Name(), row, error.Message()), error.Kind(), error.Column());
 }
 
 // What the column holds for a value; of a memo or picture, the content of its long value.
@@ -207,10 +207,10 @@ StoredValue Table::Checked(const Column& column, const Value& value) const {
         }
         StoredValue content = ToStored(value, column);
         if (!content && (rules.required || column.autoGuid)) {
-            throw AccessError(QStringLiteral("必填字段不能为空"));
+            throw AccessError(u"必填字段不能为空"_s);
         }
         if (content && content->isEmpty() && column.IsText() && !rules.takesEmpty) {
-            throw AccessError(QStringLiteral("不允许空字符串"), Fault::EmptyText);
+            throw AccessError(u"不允许空字符串"_s, Fault::EmptyText);
         }
         return content;
     } catch (const AccessError& error) {
@@ -222,9 +222,8 @@ StoredValue Table::NextAutoNumber() const {
     const auto column = std::find_if(Columns().begin(), Columns().end(), IsAutoNumber);
     const qint32 last = LastAutoNumber(m_pages, m_definition);
     if (last == std::numeric_limits<qint32>::max() ||
-        m_entry.Rules(column->name)
-            .defaultValue.contains(QStringLiteral("GenUniqueID"), Qt::CaseInsensitive)) {
-        throw AccessError(QStringLiteral("没有下一个自动编号"));
+        m_entry.Rules(column->name).defaultValue.contains(u"GenUniqueID"_s, Qt::CaseInsensitive)) {
+        throw AccessError(u"没有下一个自动编号"_s);
     }
     QByteArray number;
     AppendNumber(number, 4, static_cast<quint32>(last + 1));
@@ -276,14 +275,14 @@ std::optional<QByteArray> Table::OldKey(const IndexDescription& index, const Sto
     }
     const std::optional<QByteArray> entry = entries.EntryOf(row);
     if (!entry) {
-        ThrowDamaged(QStringLiteral("index %1 lacks the row").arg(index.name));
+        ThrowDamaged(u"index %1 lacks the row"_s.arg(index.name));
     }
     return KeyOfEntry(*entry).toByteArray();
 }
 
 std::optional<QByteArray> Table::NewKey(const IndexDescription& index, const StoredValues& contents) const {
     if (index.required && HasNull(index, contents)) {
-        throw AccessError(QStringLiteral("索引 %1 的字段不能为空").arg(index.name));
+        throw AccessError(u"索引 %1 的字段不能为空"_s.arg(index.name));
     }
     if (index.ignoresNulls && IsAllNull(index, contents)) {
         return std::nullopt;
@@ -316,7 +315,7 @@ void Table::RequireUnique(const EntryChange& change, const StoredValues& content
     const IndexDescription& index = *change.index;
     if (index.unique && change.added && !IsAllNull(index, contents) &&
         Index(m_pages, m_definition, index).Contains(*change.added)) {
-        throw AccessError(QStringLiteral("索引 %1 无重复,而其中已有相同的值").arg(index.name));
+        throw AccessError(u"索引 %1 无重复,而其中已有相同的值"_s.arg(index.name));
     }
 }
 
@@ -337,7 +336,7 @@ void Table::ChangeEntries(const std::vector<EntryChange>& changes, RowAddress ro
 QByteArray Table::StoreLongValue(const Column& column, const QByteArray& content) {
     const auto maps = m_definition.longValues.find(column.number);
     if (maps == m_definition.longValues.end()) {
-        ThrowDamaged(QStringLiteral("column %1 has no pages for its values").arg(column.name));
+        ThrowDamaged(u"column %1 has no pages for its values"_s.arg(column.name));
     }
     return LongValueWriter(m_pages, m_allocator, maps->second.owned, maps->second.withRoom).Store(content);
 }

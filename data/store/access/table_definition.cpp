@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -61,10 +63,10 @@ QByteArray WholeDefinition(const Pages& pages, TableDefinition& table) {
         const PagePointer page = pages.Read(number);
         const QByteArrayView bytes(page->data(), kPageSize);
         if (bytes[0] != static_cast<char>(PageKind::Definition)) {
-            ThrowDamaged(QStringLiteral("page %1 is no table definition").arg(number));
+            ThrowDamaged(u"page %1 is no table definition"_s.arg(number));
         }
         if (std::find(table.pages.begin(), table.pages.end(), number) != table.pages.end()) {
-            ThrowDamaged(QStringLiteral("a table definition runs in a ring"));
+            ThrowDamaged(u"a table definition runs in a ring"_s);
         }
         table.pages.push_back(number);
         whole += whole.isEmpty() ? bytes : bytes.sliced(kContinuation);
@@ -114,7 +116,7 @@ void ReadColumns(Reader& reader, int count, TableDefinition& table) {
         column.name = reader.NextName();
         if (column.number >= table.maxColumns || table.Find(column.number) != &column ||
             !HasPlace(column, table)) {
-            ThrowDamaged(QStringLiteral("column %1 is described wrongly").arg(column.name));
+            ThrowDamaged(u"column %1 is described wrongly"_s.arg(column.name));
         }
     }
 }
@@ -127,7 +129,7 @@ IndexDescription ReadRealIndex(QByteArrayView bytes, const TableDefinition& tabl
             continue;
         }
         if (table.Find(number) == nullptr) {
-            ThrowDamaged(QStringLiteral("an index names column %1, which is not there").arg(number));
+            ThrowDamaged(u"an index names column %1, which is not there"_s.arg(number));
         }
         index.columns.push_back({number, (ReadU8(bytes, 6 + 3 * place) & 1) != 0});
     }
@@ -147,7 +149,7 @@ void ReadLogicalIndexes(Reader& reader, quint32 count, TableDefinition& table) {
         const QByteArrayView bytes = reader.Next(28);
         const quint32 real = ReadU32(bytes, 8);
         if (real >= table.indexes.size()) {
-            ThrowDamaged(QStringLiteral("an index has no entries of its own"));
+            ThrowDamaged(u"an index has no entries of its own"_s);
         }
         reals.push_back(&table.indexes[real]);
         const quint8 kind = ReadU8(bytes, 23);
@@ -208,7 +210,7 @@ TableDefinition ReadTableDefinition(const Pages& pages, PageNumber page) {
     const quint32 realCount = ReadU32(bytes, kRealCount);
     const quint32 logicalCount = ReadU32(bytes, kLogicalCount);
     if (columnCount > kMostColumns || realCount > kMostIndexes || logicalCount > kMostIndexes) {
-        ThrowDamaged(QStringLiteral("a table has too many columns or indexes"));
+        ThrowDamaged(u"a table has too many columns or indexes"_s);
     }
     Reader reader(bytes, kIndexCounters + kIndexCounterSize * static_cast<qsizetype>(realCount));
     ReadColumns(reader, columnCount, table);

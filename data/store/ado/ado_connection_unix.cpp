@@ -1,5 +1,7 @@
 #include "data/store/ado/ado_connection.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 bool IsJetRegistered() {
@@ -7,7 +9,7 @@ bool IsJetRegistered() {
 }
 
 std::shared_ptr<Connection> CreateAdoConnection() {
-    throw ProviderError(QStringLiteral("this system has no ADO"));
+    throw ProviderError(u"this system has no ADO"_s);
 }
 
 }  // namespace quorvane

@@ -8,6 +8,8 @@
 #include "data/store/access/rows/long_values.h"
 #include "data/store/access/table.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -30,7 +32,7 @@ void CheckDataPages(const Pages& pages, const std::vector<PageNumber>& numbers, 
     for (const PageNumber number : numbers) {
         const PagePointer page = pages.Read(number);
         if (PageOwner(*page) != owner) {
-            ThrowDamaged(QStringLiteral("page %1 belongs to another table").arg(number));
+            ThrowDamaged(u"page %1 belongs to another table"_s.arg(number));
         }
         CheckDataPage(*page);
     }
@@ -49,13 +51,12 @@ public:
           m_faults(faults) {}
 
     void Run() {
-        Try(QStringLiteral("表 %1").arg(m_entry.name), [&] {
+        Try(u"表 %1"_s.arg(m_entry.name), [&] {
             const Table& table = m_database.Find(m_entry.name);
             CheckPages(table.Definition());
             CheckRows(table);
             for (const IndexDescription& index : table.Definition().indexes) {
-                Try(QStringLiteral("表 %1,索引 %2").arg(m_entry.name, index.name),
-                    [&] { CheckIndex(table, index); });
+                Try(u"表 %1,索引 %2"_s.arg(m_entry.name, index.name), [&] { CheckIndex(table, index); });
             }
         });
     }
@@ -69,13 +70,13 @@ private:
             if (error.Kind() == Fault::Failed) {
                 throw;  // of the disk, not of the file
             }
-            m_faults += QStringLiteral("%1:%2").arg(where, error.Message());
+            m_faults += u"%1:%2"_s.arg(where, error.Message());
         }
     }
 
     void RequireTime() const {
         if (m_deadline.hasExpired()) {
-            throw AccessError(QStringLiteral("检查超时"));
+            throw AccessError(u"检查超时"_s);
         }
     }
 
@@ -90,7 +91,7 @@ private:
         m_claims.UseCarriers(withRoom);
         const std::vector<PageNumber> room = MappedPages(m_pages, withRoom);
         if (!std::includes(pages.begin(), pages.end(), room.begin(), room.end())) {
-            ThrowDamaged(QStringLiteral("a page with free space belongs to nothing"));
+            ThrowDamaged(u"a page with free space belongs to nothing"_s);
         }
     }
 
@@ -112,7 +113,7 @@ private:
             const FoundRow& row = scan.Row();
             ++m_rows;
             if (row.home != row.data && !targets.Insert(row.data)) {
-                ThrowDamaged(QStringLiteral("two rows share their bytes"));
+                ThrowDamaged(u"two rows share their bytes"_s);
             }
             const RowView view(table.Definition(), row.bytes);
             for (const Column& column : table.Columns()) {
@@ -127,12 +128,11 @@ private:
             }
         }
         if (!m_entry.system && m_rows != RowCount(m_pages, table.Definition())) {
-            ThrowDamaged(QStringLiteral("%1 rows are counted, and %2 are there")
-                             .arg(RowCount(m_pages, table.Definition()))
+            ThrowDamaged(u"%1 rows are counted, and %2 are there"_s.arg(RowCount(m_pages, table.Definition()))
                              .arg(m_rows));
         }
         if (greatest > LastAutoNumber(m_pages, table.Definition())) {
-            ThrowDamaged(QStringLiteral("the next number has been used already"));
+            ThrowDamaged(u"the next number has been used already"_s);
         }
     }
 
@@ -144,7 +144,7 @@ private:
         m_claims.Use(tree);
         m_claims.Claim(mapped);
         if (!std::includes(mapped.begin(), mapped.end(), tree.begin(), tree.end())) {
-            ThrowDamaged(QStringLiteral("its map lacks a page"));
+            ThrowDamaged(u"its map lacks a page"_s);
         }
         CheckEntries(table, index);
     }
@@ -160,25 +160,25 @@ private:
             const QByteArray entry = cursor.Entry();
             const std::optional<FoundRow> row = table.Find(RowOfEntry(entry));
             if (!row) {
-                ThrowDamaged(QStringLiteral("it names a row that is not there"));
+                ThrowDamaged(u"it names a row that is not there"_s);
             }
             ReadIndexed(table, description, *row, values);
             const bool allNull = IsAllNull(description, values);
             if ((description.required && HasNull(description, values)) ||
                 (description.ignoresNulls && allNull)) {
-                ThrowDamaged(QStringLiteral("it holds a NULL"));
+                ThrowDamaged(u"it holds a NULL"_s);
             }
             const QByteArray key = KeyOfEntry(entry).toByteArray();
             if (description.unique && !allNull && key == previous) {
-                ThrowDamaged(QStringLiteral("a key stands there twice"));
+                ThrowDamaged(u"a key stands there twice"_s);
             }
             if (!IsKeyOf(table.Definition(), description, values, key) && !unknownKeys.Insert(row->home)) {
-                ThrowDamaged(QStringLiteral("a row stands there twice"));
+                ThrowDamaged(u"a row stands there twice"_s);
             }
             previous = key;
         }
         if (entries != m_rows - RowsWithoutEntry(table, description)) {
-            ThrowDamaged(QStringLiteral("it has %1 entries for %2 rows").arg(entries).arg(m_rows));
+            ThrowDamaged(u"it has %1 entries for %2 rows"_s.arg(entries).arg(m_rows));
         }
     }
 
@@ -189,7 +189,7 @@ private:
         for (const IndexColumn& indexed : description.columns) {
             const Column* column = table.Definition().Find(indexed.number);
             if (column == nullptr) {
-                ThrowDamaged(QStringLiteral("it holds a column that the table has not"));
+                ThrowDamaged(u"it holds a column that the table has not"_s);
             }
             StoredValue& value = values.at(static_cast<std::size_t>(indexed.number));
             if (column->type == ColumnType::Boolean) {
@@ -213,7 +213,7 @@ private:
             return false;
         }
         if (expected != key) {
-            ThrowDamaged(QStringLiteral("a row stands there under a wrong key"));
+            ThrowDamaged(u"a row stands there under a wrong key"_s);
         }
         return true;
     }

@@ -2,15 +2,17 @@
 
 #include <algorithm>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 void PageClaims::Use(const std::vector<PageNumber>& pages) {
     for (const PageNumber page : pages) {
         if (page == 0 || page >= m_used.size()) {
-            ThrowDamaged(QStringLiteral("page %1 is not in the file").arg(page));
+            ThrowDamaged(u"page %1 is not in the file"_s.arg(page));
         }
         if (m_used[page]) {
-            ThrowDamaged(QStringLiteral("page %1 is used twice").arg(page));
+            ThrowDamaged(u"page %1 is used twice"_s.arg(page));
         }
         m_used[page] = true;
         m_claimed[page] = true;
@@ -28,10 +30,10 @@ void PageClaims::UseCarriers(RowAddress map) {
 void PageClaims::UsePieces(const std::vector<RowAddress>& pieces, const std::vector<PageNumber>& pages) {
     for (const RowAddress piece : pieces) {
         if (!std::binary_search(pages.begin(), pages.end(), piece.page)) {
-            ThrowDamaged(QStringLiteral("a piece of a long value stands on a page of another column"));
+            ThrowDamaged(u"a piece of a long value stands on a page of another column"_s);
         }
         if (!m_pieces.insert(quint64{piece.page} << 8 | piece.row).second) {
-            ThrowDamaged(QStringLiteral("two long values share a piece"));
+            ThrowDamaged(u"two long values share a piece"_s);
         }
     }
 }
@@ -47,7 +49,7 @@ void PageClaims::Claim(const std::vector<PageNumber>& pages) {
 void PageClaims::RequireNotFree() const {
     for (const PageNumber page : FreePages(m_pages)) {
         if (page < m_used.size() && m_used[page]) {
-            ThrowDamaged(QStringLiteral("page %1 is in use and marked as free").arg(page));
+            ThrowDamaged(u"page %1 is in use and marked as free"_s.arg(page));
         }
     }
 }

@@ -13,6 +13,8 @@
 
 #include "data/store/access/disk/file.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -20,11 +22,10 @@ namespace {
 [[noreturn]] void ThrowFailure(const QString& action, const QString& path, int error = errno) {
     const bool isForbidden = error == EACCES || error == EPERM || error == EROFS;
     const bool isFull = error == ENOSPC || error == EDQUOT;
-    throw AccessError(
-        QStringLiteral("不能%2 %1:%3").arg(path, action, QString::fromLocal8Bit(std::strerror(error))),
-        isForbidden ? Fault::ReadOnly
-        : isFull    ? Fault::NoRoom
-                    : Fault::Failed);
+    throw AccessError(u"不能%2 %1:%3"_s.arg(path, action, QString::fromLocal8Bit(std::strerror(error))),
+                      isForbidden ? Fault::ReadOnly
+                      : isFull    ? Fault::NoRoom
+                                  : Fault::Failed);
 }
 
 class UnixFile : public File {
@@ -43,7 +44,7 @@ public:
         struct stat open {};
         struct stat named {};
         if (::fstat(m_descriptor, &open) != 0) {
-            ThrowFailure(QStringLiteral("查看"), m_path);
+            ThrowFailure(u"查看"_s, m_path);
         }
         const bool found = ::stat(QFile::encodeName(m_path).constData(), &named) == 0;
         constexpr qint64 kNanoseconds = 1'000'000'000;
@@ -58,7 +59,7 @@ public:
                 continue;
             }
             if (done <= 0) {
-                ThrowFailure(QStringLiteral("读取"), m_path, done == 0 ? EIO : errno);
+                ThrowFailure(u"读取"_s, m_path, done == 0 ? EIO : errno);
             }
             into = into.subspan(static_cast<std::size_t>(done));
             offset += done;
@@ -73,7 +74,7 @@ public:
                 continue;
             }
             if (done <= 0) {
-                ThrowFailure(QStringLiteral("写入"), m_path, done == 0 ? ENOSPC : errno);
+                ThrowFailure(u"写入"_s, m_path, done == 0 ? ENOSPC : errno);
             }
             bytes = bytes.sliced(done);
             offset += done;
@@ -82,7 +83,7 @@ public:
 
     void Sync() override {
         if (::fdatasync(m_descriptor) != 0) {
-            ThrowFailure(QStringLiteral("写入"), m_path);
+            ThrowFailure(u"写入"_s, m_path);
         }
     }
 
@@ -102,7 +103,7 @@ public:
         // Nothing may fail once the file has been made.
         auto file = std::make_unique<UnixFile>(path);
         if (!file->Open(flags)) {
-            ThrowFailure(mode == Mode::CreateNew ? QStringLiteral("新建") : QStringLiteral("打开"), path);
+            ThrowFailure(mode == Mode::CreateNew ? u"新建"_s : u"打开"_s, path);
         }
         return file;
     }
@@ -114,16 +115,16 @@ public:
 
     void Remove(const QString& path) override {
         if (::unlink(QFile::encodeName(path).constData()) != 0) {
-            ThrowFailure(QStringLiteral("删除"), path);
+            ThrowFailure(u"删除"_s, path);
         }
     }
 
     void Rename(const QString& from, const QString& to) override {
         if (Exists(to)) {
-            ThrowFailure(QStringLiteral("改名"), from, EEXIST);
+            ThrowFailure(u"改名"_s, from, EEXIST);
         }
         if (::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0) {
-            ThrowFailure(QStringLiteral("改名"), from);
+            ThrowFailure(u"改名"_s, from);
         }
     }
 
@@ -132,14 +133,14 @@ public:
         const int descriptor =
             ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (descriptor < 0) {
-            ThrowFailure(QStringLiteral("打开"), folder);
+            ThrowFailure(u"打开"_s, folder);
         }
         const int result = ::fsync(descriptor);
         const int error = errno;
         ::close(descriptor);
         // Some file systems, those of servers among them, know no such call on folders.
         if (result != 0 && error != EINVAL && error != ENOTSUP) {
-            ThrowFailure(QStringLiteral("写入"), folder, error);
+            ThrowFailure(u"写入"_s, folder, error);
         }
     }
 

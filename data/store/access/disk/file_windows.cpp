@@ -12,6 +12,8 @@
 #endif
 #include <windows.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -20,21 +22,18 @@ namespace {
     const bool isForbidden = error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT;
     const bool isFull = error == ERROR_DISK_FULL || error == ERROR_HANDLE_DISK_FULL;
     const bool isInUse = error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
-    throw AccessError(
-        QStringLiteral("不能%2 %1:%3").arg(path, action, qt_error_string(static_cast<int>(error))),
-        isForbidden ? Fault::ReadOnly
-        : isFull    ? Fault::NoRoom
-        : isInUse   ? Fault::InUse
-                    : Fault::Failed);
+    throw AccessError(u"不能%2 %1:%3"_s.arg(path, action, qt_error_string(static_cast<int>(error))),
+                      isForbidden ? Fault::ReadOnly
+                      : isFull    ? Fault::NoRoom
+                      : isInUse   ? Fault::InUse
+                                  : Fault::Failed);
 }
 
 // The form of a path that may have more than 260 characters.
 std::wstring NativeName(const QString& path) {
     const QString name = QDir::toNativeSeparators(QDir::cleanPath(QFileInfo(path).absoluteFilePath()));
-    const bool onServer = name.startsWith(QStringLiteral("\\\\"));
-    return ((onServer ? QStringLiteral("\\\\?\\UNC\\") : QStringLiteral("\\\\?\\")) +
-            name.mid(onServer ? 2 : 0))
-        .toStdWString();
+    const bool onServer = name.startsWith(u"\\\\"_s);
+    return ((onServer ? u"\\\\?\\UNC\\"_s : u"\\\\?\\"_s) + name.mid(onServer ? 2 : 0)).toStdWString();
 }
 
 quint64 Joined(DWORD high, DWORD low) {
@@ -85,7 +84,7 @@ public:
     FileStamp Stamp() const override {
         BY_HANDLE_FILE_INFORMATION info{};
         if (::GetFileInformationByHandle(m_handle.Get(), &info) == 0) {
-            ThrowFailure(QStringLiteral("查看"), m_path);
+            ThrowFailure(u"查看"_s, m_path);
         }
         return {static_cast<qint64>(Joined(info.nFileSizeHigh, info.nFileSizeLow)),
                 static_cast<qint64>(
@@ -98,10 +97,10 @@ public:
             OVERLAPPED place = Place(offset);
             DWORD done = 0;
             if (::ReadFile(m_handle.Get(), into.data(), AtOnce(into.size()), &done, &place) == 0) {
-                ThrowFailure(QStringLiteral("读取"), m_path);
+                ThrowFailure(u"读取"_s, m_path);
             }
             if (done == 0) {
-                ThrowFailure(QStringLiteral("读取"), m_path, ERROR_HANDLE_EOF);
+                ThrowFailure(u"读取"_s, m_path, ERROR_HANDLE_EOF);
             }
             into = into.subspan(done);
             offset += done;
@@ -114,10 +113,10 @@ public:
             DWORD done = 0;
             if (::WriteFile(m_handle.Get(), bytes.data(), AtOnce(static_cast<std::size_t>(bytes.size())),
                             &done, &place) == 0) {
-                ThrowFailure(QStringLiteral("写入"), m_path);
+                ThrowFailure(u"写入"_s, m_path);
             }
             if (done == 0) {
-                ThrowFailure(QStringLiteral("写入"), m_path, ERROR_DISK_FULL);
+                ThrowFailure(u"写入"_s, m_path, ERROR_DISK_FULL);
             }
             bytes = bytes.sliced(done);
             offset += done;
@@ -134,7 +133,7 @@ public:
         const FILETIME time{static_cast<DWORD>(ticks & 0xFFFFFFFF), static_cast<DWORD>(ticks >> 32)};
         if (::SetFileTime(m_handle.Get(), nullptr, nullptr, &time) == 0 ||
             ::FlushFileBuffers(m_handle.Get()) == 0) {
-            ThrowFailure(QStringLiteral("写入"), m_path);
+            ThrowFailure(u"写入"_s, m_path);
         }
     }
 
@@ -174,7 +173,7 @@ public:
         // Nothing may fail once the file has been made.
         auto file = std::make_unique<WindowsFile>(path);
         if (!file->Open(access, share, mode == Mode::CreateNew ? CREATE_NEW : OPEN_EXISTING)) {
-            ThrowFailure(mode == Mode::CreateNew ? QStringLiteral("新建") : QStringLiteral("打开"), path);
+            ThrowFailure(mode == Mode::CreateNew ? u"新建"_s : u"打开"_s, path);
         }
         return file;
     }
@@ -185,13 +184,13 @@ public:
 
     void Remove(const QString& path) override {
         if (::DeleteFileW(NativeName(path).c_str()) == 0) {
-            ThrowFailure(QStringLiteral("删除"), path);
+            ThrowFailure(u"删除"_s, path);
         }
     }
 
     void Rename(const QString& from, const QString& to) override {
         if (::MoveFileExW(NativeName(from).c_str(), NativeName(to).c_str(), MOVEFILE_WRITE_THROUGH) == 0) {
-            ThrowFailure(QStringLiteral("改名"), from);
+            ThrowFailure(u"改名"_s, from);
         }
     }
 

@@ -3,6 +3,8 @@
 #include <QFileInfo>
 #include <QStringList>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -15,7 +17,7 @@ constexpr QByteArrayView kOurUser("quorvane");
 
 QString LockPath(const QString& databasePath) {
     const QFileInfo info(databasePath);
-    return info.path() + u'/' + info.completeBaseName() + QStringLiteral(".ldb");
+    return info.path() + u'/' + info.completeBaseName() + u".ldb"_s;
 }
 
 QByteArray Padded(const QByteArray& name) {
@@ -42,7 +44,7 @@ QString ComputerNames(const QByteArray& bytes) {
     }
     names.removeDuplicates();
     names.removeAll(QString());
-    return names.isEmpty() ? QStringLiteral("其他程序") : names.join(QStringLiteral("、"));
+    return names.isEmpty() ? u"其他程序"_s : names.join(u"、"_s);
 }
 
 }  // namespace
@@ -64,8 +66,8 @@ LockFile::LockFile(FileSystem& files, const QString& databasePath)
         m_file = std::move(file);
         return;
     }
-    throw AccessError(QStringLiteral("%1正在使用该文件(见 %2;确认无人使用后,可以删除 %2)")
-                          .arg(ComputerNames(found), QFileInfo(m_path).fileName()),
+    throw AccessError(u"%1正在使用该文件(见 %2;确认无人使用后,可以删除 %2)"_s.arg(
+                          ComputerNames(found), QFileInfo(m_path).fileName()),
                       Fault::InUse);
 }
 

@@ -5,6 +5,8 @@
 #include <new>
 #include <utility>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -14,7 +16,7 @@ constexpr PageNumber kMostPages = 524'288;  // 2 GB
 constexpr std::size_t kMostPending = 4096;
 
 QString LogPath(const QString& path) {
-    return path + QStringLiteral("-redo");
+    return path + u"-redo"_s;
 }
 
 QByteArrayView View(const Page& page) {
@@ -39,7 +41,7 @@ PagedFile::PagedFile(FileSystem& files, const QString& path, bool writable)
     }
     if ((m_log == nullptr && m_pending.empty() && m_stamp.size % kPageSize != 0) || m_count < 3 ||
         m_count > kMostPages) {
-        ThrowDamaged(QStringLiteral("its size of %1 bytes is impossible").arg(m_stamp.size));
+        ThrowDamaged(u"its size of %1 bytes is impossible"_s.arg(m_stamp.size));
     }
 }
 
@@ -63,7 +65,7 @@ PagePointer PagedFile::Read(PageNumber page) const {
         return cached;
     }
     if (page >= m_fileCount) {
-        ThrowDamaged(QStringLiteral("there is no page %1").arg(page));
+        ThrowDamaged(u"there is no page %1"_s.arg(page));
     }
     PagePointer content = ReadFromFile(page);
     m_cache.Put(page, content);
@@ -72,7 +74,7 @@ PagePointer PagedFile::Read(PageNumber page) const {
 
 Page& PagedFile::Write(PageNumber page) {
     if (!m_inStatement || page == 0) {
-        throw AccessError(QStringLiteral("page %1 cannot be changed here").arg(page));
+        throw AccessError(u"page %1 cannot be changed here"_s.arg(page));
     }
     std::shared_ptr<Page>& changed = m_changed[page];
     if (changed == nullptr) {
@@ -85,10 +87,10 @@ Page& PagedFile::Write(PageNumber page) {
 
 PageNumber PagedFile::Append() {
     if (m_count >= kMostPages) {
-        throw AccessError(QStringLiteral("文件将超过 2 GB 的上限"));
+        throw AccessError(u"文件将超过 2 GB 的上限"_s);
     }
     if (!m_inStatement) {
-        throw AccessError(QStringLiteral("a page cannot be added here"));
+        throw AccessError(u"a page cannot be added here"_s);
     }
     m_changed[m_count] = std::make_shared<Page>();
     m_changed[m_count]->fill(0);
@@ -99,10 +101,10 @@ PageNumber PagedFile::Append() {
 void PagedFile::RequireUnchanged() const {
     const FileStamp now = m_file->Stamp();
     if (now.identity == 0) {
-        throw AccessError(QStringLiteral("文件已被移走或改名"), Fault::Gone);
+        throw AccessError(u"文件已被移走或改名"_s, Fault::Gone);
     }
     if (now.identity != m_identity || (!m_writing && now != m_stamp)) {
-        throw AccessError(QStringLiteral("文件读取后已被其他程序改动"), Fault::Changed);
+        throw AccessError(u"文件读取后已被其他程序改动"_s, Fault::Changed);
     }
 }
 
@@ -113,7 +115,7 @@ bool PagedFile::IsReplaced() const {
 
 void PagedFile::BeginStatement() {
     if (!m_writable) {
-        throw AccessError(QStringLiteral("文件以只读方式打开"));
+        throw AccessError(u"文件以只读方式打开"_s);
     }
     if (m_writing || m_pending.size() > kMostPending) {
         EndSubmit();
@@ -217,7 +219,7 @@ void PagedFile::WritePending() {
 void PagedFile::RequireBasePages() const {
     for (const auto& [page, pending] : m_pending) {
         if (page < m_fileCount && FingerprintSectors(*ReadFromFile(page)) != pending.base) {
-            throw AccessError(QStringLiteral("文件读取后已被其他程序改动"), Fault::Changed);
+            throw AccessError(u"文件读取后已被其他程序改动"_s, Fault::Changed);
         }
     }
 }
@@ -267,7 +269,7 @@ void PagedFile::Recover() {
 void PagedFile::ApplyFoundLog(const FoundLog& log) {
     const auto require = [](bool condition) {
         if (!condition) {
-            throw AccessError(QStringLiteral("写入日志后,文件已被改动"), Fault::Changed);
+            throw AccessError(u"写入日志后,文件已被改动"_s, Fault::Changed);
         }
     };
     const FileStamp& base = log.base.stamp;
@@ -298,7 +300,7 @@ void PagedFile::PutLogAside() {
     const QString stem = LogPath(m_path) + QDateTime::currentDateTime().toString(u"-yyyyMMdd-HHmmss");
     QString aside = stem;
     for (int number = 2; m_files->Exists(aside); ++number) {
-        aside = stem + QStringLiteral("-%1").arg(number);
+        aside = stem + u"-%1"_s.arg(number);
     }
     m_log.reset();
     m_pending.clear();

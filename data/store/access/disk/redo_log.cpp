@@ -5,6 +5,8 @@
 #include <bit>
 #include <utility>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -225,7 +227,7 @@ FoundLog ReadLog(const File& file) {
     const qint64 length = file.Stamp().size;
     FoundLog log;
     if (length > kGreatestLog) {
-        ThrowDamaged(QStringLiteral("its log is too long"));
+        ThrowDamaged(u"its log is too long"_s);
     }
     const auto size = static_cast<qsizetype>(length);
     QByteArray bytes(size, Qt::Uninitialized);
@@ -244,7 +246,7 @@ FoundLog ReadLog(const File& file) {
     log.base.firstPage = reader.Number(8);
     reader.Number(8);
     if (!ours || reader.Number(8) != chain) {
-        ThrowDamaged(QStringLiteral("its log has no head"));
+        ThrowDamaged(u"its log has no head"_s);
     }
     do {
         log.end = size - reader.Left();

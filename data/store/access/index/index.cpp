@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <set>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
 
 [[noreturn]] void ThrowDamagedIndex(const char* what) {
-    ThrowDamaged(QStringLiteral("an index %1").arg(QLatin1String(what)));
+    ThrowDamaged(u"an index %1"_s.arg(QLatin1String(what)));
 }
 
 // Moves on to the next entry with just that key. Returns whether there is one.

@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstring>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -36,7 +38,7 @@ void MarkEnd(Page& page, qsizetype end) {
 }
 
 [[noreturn]] void ThrowDamagedPage(PageNumber number, const char* what) {
-    ThrowDamaged(QStringLiteral("index page %1 %2").arg(number).arg(QLatin1String(what)));
+    ThrowDamaged(u"index page %1 %2"_s.arg(number).arg(QLatin1String(what)));
 }
 
 // As it stands on the page, before the prefix is left out.
@@ -175,7 +177,7 @@ IndexPage TakeApart(const IndexPageView& view, PageNumber owner) {
     }
     if (std::adjacent_find(page.entries.begin(), page.entries.end(), std::greater_equal<>()) !=
         page.entries.end()) {
-        ThrowDamaged(QStringLiteral("the entries of an index do not ascend"));
+        ThrowDamaged(u"the entries of an index do not ascend"_s);
     }
     return page;
 }
@@ -207,7 +209,7 @@ Page PutTogether(const IndexPage& page, qsizetype prefix) {
     for (std::size_t index = 0; index < page.entries.size(); ++index) {
         const QByteArray stored = StoredEntry(page, index).sliced(index == 0 ? 0 : prefix);
         if (stored.size() > kIndexCapacity - end) {
-            throw AccessError(QStringLiteral("the entries of an index page take more than the page"));
+            throw AccessError(u"the entries of an index page take more than the page"_s);
         }
         std::memcpy(bytes.data() + kEntries + end, stored.data(), static_cast<std::size_t>(stored.size()));
         end += stored.size();

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -42,7 +44,7 @@ std::size_t SplitPosition(const IndexPage& page, bool atEnd, qsizetype capacity)
             }
         }
     }
-    throw AccessError(QStringLiteral("an index page cannot be split"));
+    throw AccessError(u"an index page cannot be split"_s);
 }
 
 }  // namespace
@@ -59,7 +61,7 @@ IndexWriter::IndexWriter(Pages& pages, PageAllocator& allocator, const TableDefi
 void IndexWriter::Insert(QByteArrayView key, RowAddress row) {
     const QByteArray entry = IndexEntry(key, row);
     if (entry.size() > kLongestIndexEntry) {
-        throw AccessError(QStringLiteral("内容过长,不能编入索引 %1").arg(m_description.name));
+        throw AccessError(u"内容过长,不能编入索引 %1"_s.arg(m_description.name));
     }
     const bool known = Index(m_pages, m_table, m_description).Contains(key);
     if (!InsertOnLeaf(entry)) {
@@ -95,7 +97,7 @@ void IndexWriter::InsertAlongWay(const QByteArray& entry) {
     std::vector<QByteArray>& entries = way.back().page.entries;
     const auto position = std::lower_bound(entries.begin(), entries.end(), entry);
     if (position != entries.end() && *position == entry) {
-        ThrowDamaged(QStringLiteral("the index %1 holds a row that is not there").arg(m_description.name));
+        ThrowDamaged(u"the index %1 holds a row that is not there"_s.arg(m_description.name));
     }
     way.back().atEnd = position == entries.end() && way.back().page.next == 0;
     entries.insert(position, entry);
@@ -108,7 +110,7 @@ void IndexWriter::Remove(QByteArrayView key, RowAddress row) {
     std::vector<QByteArray>& entries = way.back().page.entries;
     const auto position = std::lower_bound(entries.begin(), entries.end(), entry);
     if (position == entries.end() || *position != entry) {
-        ThrowDamaged(QStringLiteral("the index %1 lacks a row").arg(m_description.name));
+        ThrowDamaged(u"the index %1 lacks a row"_s.arg(m_description.name));
     }
     entries.erase(position);
     Settle(way, true);
@@ -123,7 +125,7 @@ IndexWriter::Way IndexWriter::Descend(const QByteArray& entry) const {
     while (!way.back().page.leaf) {
         Step& step = way.back();
         if (step.page.children.empty() || way.size() > kMostIndexLevels) {
-            ThrowDamaged(QStringLiteral("the index %1 has no leaf for a row").arg(m_description.name));
+            ThrowDamaged(u"the index %1 has no leaf for a row"_s.arg(m_description.name));
         }
         const auto named = std::lower_bound(step.page.entries.begin(), step.page.entries.end(), entry);
         step.child = std::min(static_cast<std::size_t>(named - step.page.entries.begin()),
@@ -148,7 +150,7 @@ QByteArray IndexWriter::LastEntry(const IndexPage& page) const {
         below = IndexPageView(m_pages, below.Child(below.ChildCount() - 1), m_table.page);
     }
     if (!below.IsLeaf() || below.EntryCount() == 0) {
-        ThrowDamaged(QStringLiteral("the index %1 has no last row").arg(m_description.name));
+        ThrowDamaged(u"the index %1 has no last row"_s.arg(m_description.name));
     }
     return below.Entry(below.EntryCount() - 1);
 }
@@ -224,7 +226,7 @@ void IndexWriter::Drop(Step& parent, const Step& step) {
     const bool last = parent.child + 1 == page.children.size();
     if (!step.page.leaf && last) {
         // Nodes that end a level keep two children, as far as they were seen.
-        throw AccessError(QStringLiteral("索引 %1 的结构未知").arg(m_description.name));
+        throw AccessError(u"索引 %1 的结构未知"_s.arg(m_description.name));
     }
     if (step.page.previous != 0) {
         WriteU32(m_pages.Write(step.page.previous), kNextOffset, step.page.next);
@@ -262,7 +264,7 @@ bool IndexWriter::JoinPair(Step& parent, std::size_t left, qsizetype most) {
     const Step from = Load(page.children[left]);
     Step to = Load(page.children[left + 1]);
     if (from.page.leaf != to.page.leaf) {
-        ThrowDamaged(QStringLiteral("the index %1 has leaves at different depths").arg(m_description.name));
+        ThrowDamaged(u"the index %1 has leaves at different depths"_s.arg(m_description.name));
     }
     IndexPage joined = from.page;
     if (from.page.HasTail()) {

@@ -5,6 +5,8 @@
 
 #include "data/store/access/access_error.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -81,8 +83,7 @@ QByteArray WithNumbersBigEndian(QByteArray guid) {
 
 void RequireWidth(const QByteArray& bytes, qsizetype width) {
     if (bytes.size() != width) {
-        throw AccessError(
-            QStringLiteral("an indexed value has %1 bytes instead of %2").arg(bytes.size()).arg(width));
+        throw AccessError(u"an indexed value has %1 bytes instead of %2"_s.arg(bytes.size()).arg(width));
     }
 }
 
@@ -115,8 +116,7 @@ void AppendKey(QByteArray& key, const KeyColumn& column, const std::optional<QBy
             key += BlocksKey(WithNumbersBigEndian(*value), column.ascending);
             return;
         default:
-            throw AccessError(
-                QStringLiteral("此数据类型(%1)的索引不能写入").arg(static_cast<int>(column.type)));
+            throw AccessError(u"此数据类型(%1)的索引不能写入"_s.arg(static_cast<int>(column.type)));
     }
 }
 

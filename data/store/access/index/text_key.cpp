@@ -7,6 +7,8 @@
 #include "data/store/access/access_error.h"
 #include "data/store/access/index/chinese_weights.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -81,9 +83,8 @@ std::optional<Weight> ChineseWeight(char16_t character) {
 [[noreturn]] void Refuse(QStringView text, qsizetype position) {
     const bool upperHalf = position > 0 && text[position].isLowSurrogate();
     const QStringView character = text.mid(upperHalf ? position - 1 : position, 1);
-    throw AccessError(QStringLiteral("字符“%1”(U+%2)在索引排序中的位置未知")
-                          .arg(character)
-                          .arg(uint{character.front().unicode()}, 4, 16, QLatin1Char('0')));
+    throw AccessError(u"字符“%1”(U+%2)在索引排序中的位置未知"_s.arg(character).arg(
+        uint{character.front().unicode()}, 4, 16, QLatin1Char('0')));
 }
 
 // The three parts of a key as they grow.
@@ -135,11 +136,10 @@ private:
 
 QByteArray TextKey(QStringView text, SortOrder order) {
     if (order != kGeneralOrder && order != kChineseOrder) {
-        throw AccessError(
-            QStringLiteral("索引的排序次序%1(版本%2)未知").arg(order.language).arg(order.version));
+        throw AccessError(u"索引的排序次序%1(版本%2)未知"_s.arg(order.language).arg(order.version));
     }
     if (text.size() > kMostUnits) {
-        throw AccessError(QStringLiteral("索引字段中的文字超过%1个字符").arg(kMostUnits));
+        throw AccessError(u"索引字段中的文字超过%1个字符"_s.arg(kMostUnits));
     }
     while (text.endsWith(u' ')) {
         text.chop(1);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -38,7 +40,7 @@ void SetFreeBytes(Page& page) {
 int CountSlots(const Page& page) {
     const int count = ReadU16(View(page), kSlotCount);
     if (page[0] != static_cast<char>(PageKind::Data) || SlotWord(count) > kPageSize) {
-        ThrowDamaged(QStringLiteral("a page that should hold rows does not"));
+        ThrowDamaged(u"a page that should hold rows does not"_s);
     }
     return count;
 }
@@ -46,12 +48,12 @@ int CountSlots(const Page& page) {
 Slot ReadSlot(const Page& page, int row) {
     const int count = CountSlots(page);
     if (row >= count) {
-        ThrowDamaged(QStringLiteral("a page has no row %1").arg(row));
+        ThrowDamaged(u"a page has no row %1"_s.arg(row));
     }
     const quint16 word = ReadU16(View(page), SlotWord(row));
     const Slot slot{word & kStartMask, RowStart(page, row - 1), static_cast<SlotState>(word & kStateMask)};
     if (slot.start > slot.end || slot.end > kPageSize || slot.start < SlotWord(count)) {
-        ThrowDamaged(QStringLiteral("row %1 of a page overlaps another").arg(row));
+        ThrowDamaged(u"row %1 of a page overlaps another"_s.arg(row));
     }
     return slot;
 }
@@ -61,7 +63,7 @@ void CheckDataPage(const Page& page) {
         ReadSlot(page, row);
     }
     if (ReadU16(View(page), kFreeBytes) != FreeBytes(page)) {
-        ThrowDamaged(QStringLiteral("a page counts its free bytes wrongly"));
+        ThrowDamaged(u"a page counts its free bytes wrongly"_s);
     }
 }
 
@@ -91,7 +93,7 @@ int AddRow(Page& page, QByteArrayView bytes, SlotState state) {
     const int row = CountSlots(page);
     const qsizetype start = RowStart(page, row - 1) - bytes.size();
     if (!HasRoomFor(page, bytes.size())) {
-        ThrowDamaged(QStringLiteral("a page has less room than it says"));
+        ThrowDamaged(u"a page has less room than it says"_s);
     }
     std::copy(bytes.begin(), bytes.end(), page.begin() + start);
     WriteU16(page, kSlotCount, static_cast<quint16>(row + 1));
@@ -106,7 +108,7 @@ void ReplaceRow(Page& page, int row, QByteArrayView bytes, SlotState state) {
     const qsizetype growth = bytes.size() - (slot.end - slot.start);
     const qsizetype lowest = ReadSlot(page, count - 1).start;
     if (lowest - growth < SlotWord(count)) {
-        ThrowDamaged(QStringLiteral("a page has less room than it says"));
+        ThrowDamaged(u"a page has less room than it says"_s);
     }
     for (int later = row + 1; later < count; ++later) {
         ReadSlot(page, later);  // refuses a damaged page before anything is moved

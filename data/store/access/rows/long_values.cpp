@@ -4,6 +4,8 @@
 
 #include "data/store/access/rows/data_page.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -33,7 +35,7 @@ QByteArray Head(quint32 kind, qsizetype length, RowAddress piece) {
 QByteArrayView Piece(const Page& page, RowAddress address) {
     const Slot slot = ReadSlot(page, address.row);
     if (slot.state != SlotState::Row || PageOwner(page) != kLongValueOwner) {
-        ThrowDamaged(QStringLiteral("a long value misses a piece"));
+        ThrowDamaged(u"a long value misses a piece"_s);
     }
     return SlotBytes(page, slot);
 }
@@ -43,7 +45,7 @@ QByteArray Read(const Pages& pages, QByteArrayView head, std::vector<RowAddress>
     const quint32 kind = Kind(head);
     QByteArray value;
     if (length > kPageSize * qint64{pages.Count()}) {
-        ThrowDamaged(QStringLiteral("a long value is longer than the file"));
+        ThrowDamaged(u"a long value is longer than the file"_s);
     }
     if ((kind & kInline) != 0) {
         value = Part(head, kHead, head.size() - kHead).toByteArray();
@@ -56,12 +58,12 @@ QByteArray Read(const Pages& pages, QByteArrayView head, std::vector<RowAddress>
             next = chained ? ReadRowAddress(piece, 0) : RowAddress();
             value += chained ? piece.sliced(kNextPiece) : piece;
             if (chained && piece.size() == kNextPiece) {
-                ThrowDamaged(QStringLiteral("a long value has an empty piece"));
+                ThrowDamaged(u"a long value has an empty piece"_s);
             }
         }
     }
     if (value.size() != length) {
-        ThrowDamaged(QStringLiteral("a long value is not as long as it says"));
+        ThrowDamaged(u"a long value is not as long as it says"_s);
     }
     return value;
 }
@@ -88,7 +90,7 @@ QByteArray LongValueWriter::Store(const QByteArray& value) {
         return Head(kInline, value.size(), {}) + value;
     }
     if (value.size() > static_cast<qsizetype>(kLengthMask)) {
-        throw AccessError(QStringLiteral("内容过长"));
+        throw AccessError(u"内容过长"_s);
     }
     if (value.size() <= kLongestPiece) {
         return Head(kSingle, value.size(), AddPiece(value));
@@ -139,7 +141,7 @@ void LongValueWriter::Release(QByteArrayView head) {
 
 void LongValueWriter::RemovePiece(RowAddress piece) {
     if (!m_owned.Contains(piece.page)) {
-        ThrowDamaged(QStringLiteral("a piece of a long value stands on a page of another column"));
+        ThrowDamaged(u"a piece of a long value stands on a page of another column"_s);
     }
     Page& page = m_pages.Write(piece.page);
     ReplaceRow(page, piece.row, {}, SlotState::Deleted);

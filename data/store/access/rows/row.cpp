@@ -4,6 +4,8 @@
 
 #include "data/store/access/rows/data_page.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -35,13 +37,13 @@ RowView::RowView(const TableDefinition& table, QByteArrayView bytes) : m_table(t
     m_columns = ReadU16(bytes, 0);
     m_mask = bytes.size() - MaskLength(m_columns);
     if (m_columns == 0 || m_columns > table.maxColumns || m_mask < kFixedPart) {
-        ThrowDamaged(QStringLiteral("a row says that it has %1 columns").arg(m_columns));
+        ThrowDamaged(u"a row says that it has %1 columns"_s.arg(m_columns));
     }
     m_fixedEnd = m_mask;
     if (table.variableColumns > 0) {
         m_variables = ReadU16(bytes, m_mask - 2);
         if (m_variables > table.variableColumns) {
-            ThrowDamaged(QStringLiteral("a row says that it has %1 variable columns").arg(m_variables));
+            ThrowDamaged(u"a row says that it has %1 variable columns"_s.arg(m_variables));
         }
         m_fixedEnd = ReadU16(bytes, m_mask - 4);
     }
@@ -65,13 +67,13 @@ QByteArrayView RowView::Bytes(const Column& column) const {
 // The starts stand backwards in front of the null mask, the end of the last value in front of them.
 QByteArrayView RowView::Variable(int index) const {
     if (index >= m_variables) {
-        ThrowDamaged(QStringLiteral("a row lacks a value that it says it has"));
+        ThrowDamaged(u"a row lacks a value that it says it has"_s);
     }
     const qsizetype starts = m_mask - 4;
     const qsizetype start = ReadU16(m_bytes, starts - qsizetype{2} * index);
     const qsizetype end = ReadU16(m_bytes, starts - qsizetype{2} * (index + 1));
     if (start < kFixedPart || end > starts - qsizetype{2} * m_variables) {
-        ThrowDamaged(QStringLiteral("a value of a row stands outside it"));
+        ThrowDamaged(u"a value of a row stands outside it"_s);
     }
     return Part(m_bytes, start, end - start);
 }
@@ -124,7 +126,7 @@ QByteArray EncodeRow(const TableDefinition& table, const StoredValues& values) {
     }
     row += mask;
     if (row.size() > kMostRowBytes) {
-        throw AccessError(QStringLiteral("记录需要%1字节,而最多为%2字节").arg(row.size()).arg(kMostRowBytes));
+        throw AccessError(u"记录需要%1字节,而最多为%2字节"_s.arg(row.size()).arg(kMostRowBytes));
     }
     return row;
 }

@@ -2,6 +2,8 @@
 
 #include "data/store/access/rows/usage_maps.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -9,7 +11,7 @@ namespace {
 PagePointer ReadOwned(const Pages& pages, const TableDefinition& table, PageNumber number) {
     PagePointer page = pages.Read(number);
     if (PageOwner(*page) != table.page) {
-        ThrowDamaged(QStringLiteral("page %1 belongs to another table").arg(number));
+        ThrowDamaged(u"page %1 belongs to another table"_s.arg(number));
     }
     return page;
 }
@@ -29,7 +31,7 @@ std::optional<FoundRow> RowOnPage(const Pages& pages, const TableDefinition& tab
     PagePointer target = ReadOwned(pages, table, data.page);
     const Slot moved = ReadSlot(*target, data.row);
     if (moved.state != SlotState::Target) {
-        ThrowDamaged(QStringLiteral("a moved row is not where it should be"));
+        ThrowDamaged(u"a moved row is not where it should be"_s);
     }
     const QByteArrayView bytes = SlotBytes(*target, moved);
     return FoundRow{home, data, std::move(target), bytes};

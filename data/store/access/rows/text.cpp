@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -16,7 +18,7 @@ bool IsNarrow(QChar character) {
 
 QString DecodePlain(QByteArrayView bytes) {
     if (bytes.size() % 2 != 0) {
-        ThrowDamaged(QStringLiteral("a text ends within a character"));
+        ThrowDamaged(u"a text ends within a character"_s);
     }
     QString text(bytes.size() / 2, Qt::Uninitialized);
     for (qsizetype index = 0; index < text.size(); ++index) {
@@ -53,10 +55,10 @@ QByteArray EncodeCompressed(const QString& text) {
 
 void RefuseUnknown(const QString& text) {
     if (text.startsWith(QChar(kMark))) {
-        throw AccessError(QStringLiteral("文字以字节顺序标记(U+FEFF)开头"));
+        throw AccessError(u"文字以字节顺序标记(U+FEFF)开头"_s);
     }
     if (!text.isValidUtf16()) {
-        throw AccessError(QStringLiteral("文字中含有不完整的字符"));
+        throw AccessError(u"文字中含有不完整的字符"_s);
     }
 }
 

@@ -6,6 +6,8 @@
 
 #include "data/store/access/rows/data_page.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -44,7 +46,7 @@ struct Bits {
 QByteArrayView MapRow(const Page& page, RowAddress map) {
     const QByteArrayView row = SlotBytes(page, ReadSlot(page, map.row));
     if (row.size() < kInlineBits || (row[0] != kInline && row[0] != kReferences)) {
-        ThrowDamaged(QStringLiteral("there is no usage map at page %1").arg(map.page));
+        ThrowDamaged(u"there is no usage map at page %1"_s.arg(map.page));
     }
     return row;
 }
@@ -65,7 +67,7 @@ std::vector<Bits> AllBits(const Pages& pages, RowAddress map) {
         const PagePointer content = pages.Read(carrier);
         const quint64 first = static_cast<quint64>(index) * kPagesABitsPage;
         if (content->front() != static_cast<char>(PageKind::MapBits) || first >= kMostPages) {
-            ThrowDamaged(QStringLiteral("page %1 holds no bits of a usage map").arg(carrier));
+            ThrowDamaged(u"page %1 holds no bits of a usage map"_s.arg(carrier));
         }
         all.push_back({content, carrier, kBitsHeader, kPageSize - kBitsHeader, first});
     }
@@ -90,7 +92,7 @@ std::vector<PageNumber> MappedPages(const Pages& pages, RowAddress map) {
     for (const Bits& bits : AllBits(pages, map)) {
         const quint64 beyond = bits.Next(std::max<quint64>(bits.first, count), bits.End());
         if (beyond < bits.End()) {
-            ThrowDamaged(QStringLiteral("a usage map names page %1, which the file has not").arg(beyond));
+            ThrowDamaged(u"a usage map names page %1, which the file has not"_s.arg(beyond));
         }
     }
     return MembersBelow(pages, map, count);
@@ -194,7 +196,7 @@ void UsageMap::AddBitsPage(quint64 index, PageNumber carrier, char fill) {
     WriteU32(page, 0, static_cast<quint32>(PageKind::MapBits) | 0x100);
     const ByteSpan row = WriteRow();
     if (1 + 4 * (index + 1) > row.size()) {
-        throw AccessError(QStringLiteral("页位图已满"));
+        throw AccessError(u"页位图已满"_s);
     }
     WriteU32(row, static_cast<qsizetype>(1 + 4 * index), carrier);
 }
@@ -234,7 +236,7 @@ void PageAllocator::RequireWholeMap() const {
     }
     for (quint64 first = 0; first < m_pages->Count(); first += kPagesABitsPage) {
         if (!m_free.HasBitsPage(first / kPagesABitsPage)) {
-            throw AccessError(QStringLiteral("空闲页位图缺少第%1页以后的部分").arg(first));
+            throw AccessError(u"空闲页位图缺少第%1页以后的部分"_s.arg(first));
         }
     }
 }

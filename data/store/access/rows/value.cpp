@@ -10,6 +10,8 @@
 #include "data/store/access/rows/long_values.h"
 #include "data/store/access/rows/text.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -37,7 +39,7 @@ double FromSingle(float number) {
 Value ReadNumeric(QByteArrayView bytes, ColumnType type) {
     const quint64 bits = ReadNumber(bytes, 0, NumberWidth(type));
     if (bytes.size() != NumberWidth(type)) {
-        ThrowDamaged(QStringLiteral("a number has %1 bytes").arg(bytes.size()));
+        ThrowDamaged(u"a number has %1 bytes"_s.arg(bytes.size()));
     }
     switch (type) {
         case ColumnType::Byte:
@@ -82,7 +84,7 @@ double ToReal(const Value& value) {
     if (const auto* whole = std::get_if<qint64>(&value)) {
         const auto real = static_cast<double>(*whole);
         if (std::abs(real) > kGreatestInteger || static_cast<qint64>(real) != *whole) {
-            Refuse(QStringLiteral("数值%1的位数过多").arg(*whole));
+            Refuse(u"数值%1的位数过多"_s.arg(*whole));
         }
         return real;
     }
@@ -90,13 +92,13 @@ double ToReal(const Value& value) {
         bool isNumber = false;
         const double real = text->toDouble(&isNumber);
         if (!isNumber) {
-            Refuse(QStringLiteral("文字“%1”不是数值").arg(*text));
+            Refuse(u"文字“%1”不是数值"_s.arg(*text));
         }
         return ToReal(real);
     }
     const auto* real = std::get_if<double>(&value);
     if (real == nullptr || !std::isfinite(*real)) {
-        Refuse(QStringLiteral("内容不是有效的数值"));
+        Refuse(u"内容不是有效的数值"_s);
     }
     return *real == 0 ? 0 : *real;  // never the negative zero
 }
@@ -107,12 +109,12 @@ qint64 ToWhole(const Value& value, qint64 least, qint64 greatest) {
     if (given == nullptr) {
         const double real = ToReal(value);
         if (std::abs(real) > kGreatestInteger || real != std::nearbyint(real)) {
-            Refuse(QStringLiteral("只能存放整数,而%1不是整数").arg(real));
+            Refuse(u"只能存放整数,而%1不是整数"_s.arg(real));
         }
         whole = static_cast<qint64>(real);
     }
     if (whole < least || whole > greatest) {
-        Refuse(QStringLiteral("数值%1不在%2至%3之间").arg(whole).arg(least).arg(greatest));
+        Refuse(u"数值%1不在%2至%3之间"_s.arg(whole).arg(least).arg(greatest));
     }
     return whole;
 }
@@ -126,7 +128,7 @@ quint64 CurrencyBits(const Value& value) {
     const double real = ToReal(value);
     const double units = std::nearbyint(real * kCurrencyUnits);
     if (std::abs(units) > kGreatestInteger || units / kCurrencyUnits != real) {
-        Refuse(QStringLiteral("货币字段不能准确存放%1").arg(real, 0, 'g', 17));
+        Refuse(u"货币字段不能准确存放%1"_s.arg(real, 0, 'g', 17));
     }
     return static_cast<quint64>(static_cast<qint64>(units));
 }
@@ -135,7 +137,7 @@ quint64 SingleBits(const Value& value) {
     const double real = ToReal(value);
     const auto single = static_cast<float>(real);
     if (!std::isfinite(single) || FromSingle(single) != real) {
-        Refuse(QStringLiteral("单精度字段不能准确存放%1").arg(real, 0, 'g', 17));
+        Refuse(u"单精度字段不能准确存放%1"_s.arg(real, 0, 'g', 17));
     }
     return std::bit_cast<quint32>(single);
 }
@@ -150,7 +152,7 @@ QString ToText(const Value& value) {
     if (const auto* real = std::get_if<double>(&value)) {
         return QString::number(*real, 'g', QLocale::FloatingPointShortest);
     }
-    Refuse(QStringLiteral("只能存放文字"));
+    Refuse(u"只能存放文字"_s);
 }
 
 QByteArray TextBytes(const Value& value, const Column& column) {
@@ -159,7 +161,7 @@ QByteArray TextBytes(const Value& value, const Column& column) {
         return EncodeText(text, column.compressed && text.size() <= kLongestCompressedMemo);
     }
     if (2 * text.size() > column.length) {
-        Refuse(QStringLiteral("文字有%1个字符,而字段大小为%2").arg(text.size()).arg(column.length / 2));
+        Refuse(u"文字有%1个字符,而字段大小为%2"_s.arg(text.size()).arg(column.length / 2));
     }
     return column.fixed ? EncodeText(text.leftJustified(column.length / 2), false)
                         : EncodeText(text, column.compressed);
@@ -170,7 +172,7 @@ QByteArray PlainBytes(const Value& value, const Column& column) {
     const qsizetype most = column.type == ColumnType::Guid ? kGuidLength : column.length;
     if (bytes == nullptr || (column.type != ColumnType::Ole && bytes->size() > most) ||
         (column.type == ColumnType::Guid && bytes->size() != most)) {
-        Refuse(QStringLiteral("只能存放二进制数据,最多%1字节").arg(most));
+        Refuse(u"只能存放二进制数据,最多%1字节"_s.arg(most));
     }
     return *bytes;
 }
@@ -226,7 +228,7 @@ StoredValue ToStored(const Value& value, const Column& column) {
         case ColumnType::Guid:
             return PlainBytes(value, column);
         default:
-            Refuse(QStringLiteral("数据类型(%1)不能写入").arg(static_cast<int>(column.type)));
+            Refuse(u"数据类型(%1)不能写入"_s.arg(static_cast<int>(column.type)));
     }
 }
 

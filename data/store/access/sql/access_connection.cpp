@@ -10,6 +10,8 @@
 #include "data/store/dialect.h"
 #include "data/store/sqlite_guard.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane {
 
 namespace {
@@ -55,11 +57,9 @@ void CheckBeforeWriting(Database& database, QDeadlineTimer deadline) {
     const QStringList faults = CheckFile(database, deadline);
     if (!faults.isEmpty()) {
         const QString& first = faults.first();
-        database.ForbidWriting(
-            AccessError(faults.size() == 1
-                            ? first
-                            : QStringLiteral("%1(另有%2处)").arg(first, QString::number(faults.size() - 1)),
-                        Fault::Damaged));
+        database.ForbidWriting(AccessError(
+            faults.size() == 1 ? first : u"%1(另有%2处)"_s.arg(first, QString::number(faults.size() - 1)),
+            Fault::Damaged));
     }
 }
 
@@ -105,7 +105,7 @@ void AccessConnection::OpenPath() {
 
 std::unique_ptr<Recordset> AccessConnection::Execute(const CString& statement) {
     if (m_path.isEmpty()) {
-        throw ProviderError(QStringLiteral("the connection is not open"));
+        throw ProviderError(u"the connection is not open"_s);
     }
     return AsProviderError([&] {
         if (m_engine == nullptr) {
@@ -152,8 +152,7 @@ void AccessConnection::RequireUnchanged() {
 
 void AccessConnection::Reopen() {
     if (m_engine != nullptr && sqlite3_next_stmt(m_engine.get(), nullptr) != nullptr) {
-        throw ProviderError(QStringLiteral("文件已被其他程序改动,而对原有内容的查询尚未结束"),
-                            FailureKind::FileChanged);
+        throw ProviderError(u"文件已被其他程序改动,而对原有内容的查询尚未结束"_s, FailureKind::FileChanged);
     }
     OpenPath();
 }
@@ -172,7 +171,7 @@ SqliteStatement AccessConnection::Prepare(const CString& statement) const {
     try {
         return PrepareSqlite(m_engine.get(), ToSqliteDialect(statement));
     } catch (const ProviderError& error) {
-        const CString name = error.Message().section(QStringLiteral("no such table: "), 1);
+        const CString name = error.Message().section(u"no such table: "_s, 1);
         const auto reason = m_leftOut.find(name.toLower());
         throw reason == m_leftOut.end() ? error : ProviderError(reason->second);
     }

@@ -6,6 +6,8 @@
 
 #include "data/store/access/sql/row_cursor.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace quorvane::access {
 
 namespace {
@@ -38,7 +40,7 @@ bool IsShown(const Column& column) {
 }
 
 QString Quoted(QString name) {
-    return u'"' + name.replace(u'"', QStringLiteral("\"\"")) + u'"';
+    return u'"' + name.replace(u'"', u"\"\""_s) + u'"';
 }
 
 Value ToValue(sqlite3_value* value) {
@@ -173,7 +175,7 @@ int Connect(sqlite3* engine, void* database, int /*count*/, const char* const* a
         for (const Column& column : made->table.Columns()) {
             columns += Quoted(column.name) + QLatin1String(DeclaredType(column.type));
         }
-        const QString declaration = QStringLiteral("CREATE TABLE x(%1)").arg(columns.join(u','));
+        const QString declaration = u"CREATE TABLE x(%1)"_s.arg(columns.join(u','));
         const int declared = sqlite3_declare_vtab(engine, declaration.toUtf8().constData());
         RequireMemory(declared);
         if (declared != SQLITE_OK) {
@@ -326,8 +328,7 @@ int ReadColumn(sqlite3_vtab_cursor* cursor, sqlite3_context* context, int positi
         const Table& table = Of(cursor).table;
         const Column& column = table.Columns().at(static_cast<std::size_t>(position));
         if (!IsShown(column)) {
-            throw AccessError(QStringLiteral("表 %2 的字段 %1 的数据类型不能读取(%3)")
-                                  .arg(column.name, table.Name())
+            throw AccessError(u"表 %2 的字段 %1 的数据类型不能读取(%3)"_s.arg(column.name, table.Name())
                                   .arg(static_cast<int>(column.type)));
         }
         SetResult(context, RowsOf(cursor).Read(column));
@@ -352,8 +353,7 @@ std::vector<Element> GivenValues(const Table& table, sqlite3_value** values) {
             continue;
         }
         if (!IsShown(column) && sqlite3_value_type(value) != SQLITE_NULL) {
-            throw AccessError(QStringLiteral("表 %2 的字段 %1 的数据类型不能写入(%3)")
-                                  .arg(column.name, table.Name())
+            throw AccessError(u"表 %2 的字段 %1 的数据类型不能写入(%3)"_s.arg(column.name, table.Name())
                                   .arg(static_cast<int>(column.type)));
         }
         given.emplace_back(ToValue(value));
@@ -376,7 +376,7 @@ int Update(sqlite3_vtab* vtab, int count, sqlite3_value** values, sqlite3_int64*
             return;
         }
         if (sqlite3_value_int64(values[1]) != sqlite3_value_int64(values[0])) {
-            throw AccessError(QStringLiteral("a row's place cannot be changed"));
+            throw AccessError(u"a row's place cannot be changed"_s);
         }
         table.table.Update(row, GivenValues<std::optional<Value>>(table.table, values + 2));
     });
@@ -440,8 +440,8 @@ std::map<QString, QString> DeclareTables(sqlite3* engine, const std::shared_ptr<
         if (entry.system) {
             continue;
         }
-        const QString statement = QStringLiteral("CREATE VIRTUAL TABLE %1 USING %2")
-                                      .arg(Quoted(entry.name), QLatin1String(kModuleName));
+        const QString statement =
+            u"CREATE VIRTUAL TABLE %1 USING %2"_s.arg(Quoted(entry.name), QLatin1String(kModuleName));
         const int declared = sqlite3_exec(engine, statement.toUtf8().constData(), nullptr, nullptr, nullptr);
         RequireMemory(declared);
         if (declared != SQLITE_OK) {

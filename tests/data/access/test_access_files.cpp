@@ -110,7 +110,7 @@ private Q_SLOTS:
             QCOMPARE(RowCount(database.AllPages(), table.Definition()), lines.size());
             QCOMPARE(CountOtherBytes(database.AllPages(), table), 0);
             const QString expected =
-                ReadText(kFolder + "/expected/"_L1 + stem + u'.' + table.Name() + ".csv"_L1);
+                ReadText(kFolder + "/expected/"_L1 + stem + u'/' + table.Name() + ".csv"_L1);
             lines = lines.join(u'\n').split(u'\n');  // a text may hold some
             lines.sort();                            // the other reader meets moved rows elsewhere
             if (!expected.isEmpty()) {

@@ -30,7 +30,6 @@ public:
     const QString& LogAside() const { return m_file->LogAside(); }
 
     const Pages& AllPages() const { return *m_file; }
-    const Header& FileHeader() const { return m_header; }
     // Of system tables too.
     const std::vector<CatalogEntry>& Catalog() const { return m_catalog; }
     // A table by its name, in whatever case. Throws when there is none, or when it is a link into another

@@ -142,7 +142,6 @@ private:
         const std::vector<PageNumber> mapped = MappedPages(m_pages, description.map);
         m_claims.UseCarriers(description.map);
         m_claims.Use(tree);
-        m_claims.Claim(mapped);
         if (!std::includes(mapped.begin(), mapped.end(), tree.begin(), tree.end())) {
             ThrowDamaged(u"its map lacks a page"_s);
         }

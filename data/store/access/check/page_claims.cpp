@@ -15,7 +15,6 @@ void PageClaims::Use(const std::vector<PageNumber>& pages) {
             ThrowDamaged(u"page %1 is used twice"_s.arg(page));
         }
         m_used[page] = true;
-        m_claimed[page] = true;
     }
 }
 
@@ -34,14 +33,6 @@ void PageClaims::UsePieces(const std::vector<RowAddress>& pieces, const std::vec
         }
         if (!m_pieces.insert(quint64{piece.page} << 8 | piece.row).second) {
             ThrowDamaged(u"two long values share a piece"_s);
-        }
-    }
-}
-
-void PageClaims::Claim(const std::vector<PageNumber>& pages) {
-    for (const PageNumber page : pages) {
-        if (page < m_claimed.size()) {
-            m_claimed[page] = true;
         }
     }
 }

@@ -11,8 +11,7 @@ namespace quorvane::access {
 
 class PageClaims {
 public:
-    explicit PageClaims(const Pages& pages)
-        : m_pages(pages), m_claimed(pages.Count()), m_used(pages.Count()) {}
+    explicit PageClaims(const Pages& pages) : m_pages(pages), m_used(pages.Count()) {}
 
     // Enters pages that something uses. Throws AccessError when one is beyond the file or has another owner.
     void Use(const std::vector<PageNumber>& pages);
@@ -21,16 +20,11 @@ public:
     // Enters the pieces of a long value, which have to stand on one of the pages of its column. Throws when
     // another value has one of them.
     void UsePieces(const std::vector<RowAddress>& pieces, const std::vector<PageNumber>& pages);
-    // Enters pages that a map lists and nothing uses. Seen in sound files; they must not be given away.
-    void Claim(const std::vector<PageNumber>& pages);
-
-    const std::vector<bool>& Claimed() const { return m_claimed; }
     // Throws AccessError when a page in use is free in the global map.
     void RequireNotFree() const;
 
 private:
     const Pages& m_pages;
-    std::vector<bool> m_claimed;
     std::vector<bool> m_used;
     std::set<PageNumber> m_carriers;
     std::set<quint64> m_pieces;

@@ -43,7 +43,6 @@ public:
     void BeginStatement();
     void Commit();
     void Rollback();
-    bool InStatement() const { return m_inStatement; }
     // Puts all committed statements into the file and on the disk.
     void EndSubmit();
 

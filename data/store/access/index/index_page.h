@@ -25,7 +25,6 @@ public:
     PageNumber Next() const { return ReadU32(Bytes(), 16); }
     qsizetype FreeBytes() const { return ReadU16(Bytes(), 2); }
     qsizetype UsedBytes() const { return m_ends.empty() ? 0 : m_ends.back(); }
-    qsizetype PrefixLength() const { return m_prefix; }
 
     std::size_t EntryCount() const { return m_ends.size(); }
     QByteArray Entry(std::size_t index) const;

@@ -60,7 +60,7 @@ public:
     }
 
     // ---- Operations
-    // False for a command that the event is to be passed on for.
+    // Carries out a command. False when the event is to be passed on.
     bool Execute(const GridCommand& command, const QEvent* event = nullptr);
     void SetFocusCell(CCellID cell);
     bool BeginEdit(CCellID cell, InPlaceEdit::Start start, const QEvent* typed = nullptr);
@@ -77,9 +77,11 @@ public:
     void EndEditAndGoOn(GridMove move);
     // What every ended edit does: puts the text into the cell and notifies.
     void TakeText(CCellID cell, const CString& text, bool isTyped = true);
+    // Ends the edit and tells that files were dropped on the cell.
+    void TakeFiles(CCellID cell, const QStringList& paths);
     void SetPasteQuestion(PasteQuestion ask) { m_askBeforePaste = std::move(ask); }
     bool PressButton(CCellID cell, int button);
-    // Ends the edit with its text in all selected cells.
+    // Ends the edit and puts its text into all selected cells.
     void EndEditAndFill();
     // Enters texts as one step of the given name; false when there is nothing to enter.
     bool EnterAll(const CString& name, const std::vector<GridEntry>& entries);

@@ -105,6 +105,13 @@ void GridController::TakeText(CCellID cell, const CString& text, bool isTyped) {
     });
 }
 
+void GridController::TakeFiles(CCellID cell, const QStringList& paths) {
+    Perform([this] { EndEdit(); },
+            [=, this] {
+                m_notices.emplace_back([=, this] { Q_EMIT m_grid.FilesDropped(cell.row, cell.col, paths); });
+            });
+}
+
 void GridController::EndEditAndMove(GridMove move) {
     Perform([this] { EndEdit(); },
             [=, this] {

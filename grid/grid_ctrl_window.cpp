@@ -311,11 +311,7 @@ void CGridCtrl::dropEvent(QDropEvent* event) {
     }
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    const QPointer<CGridCtrl> alive(this);
-    EndEdit();
-    if (!alive.isNull()) {
-        Q_EMIT FilesDropped(cell.row, cell.col, paths);
-    }
+    m_controller->TakeFiles(cell, paths);
 }
 
 }  // namespace quorvane

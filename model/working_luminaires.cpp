@@ -109,6 +109,7 @@ void WorkingLuminaires::CopyPhoto(const tagLUMINAIREINFO& record, const std::fun
 
 SubmitFailures WorkingLuminaires::Submit(const ProgressCallback& progress) {
     m_lists.Invalidate();
+    m_replaced.clear();
     CopyUsedPictures();
     const PhotoLibrary::CachedListing listing(m_photos);
     SubmitFailures failures = m_records.Submit(Statements(), progress);
@@ -154,6 +155,7 @@ void WorkingLuminaires::CompareFactors(SubmitFailures& failures) {
 
 WorkingLuminaires::Saved WorkingLuminaires::Save(int id) {
     m_lists.Invalidate();
+    m_replaced.clear();
     CopyUsedPictures();
     if (const tagLUMINAIREINFO& record = *m_records.Find(id); IsToBeCopied(record)) {
         CopyPhoto(record);
@@ -185,10 +187,9 @@ int WorkingLuminaires::CountWithoutCategory() const {
 }
 
 // A luminaire may be given the picture of another one that gets a new picture in the same submit. All such
-// pictures are therefore copied before any of them is replaced.
-// A picture that could not be copied would be lost, so all of them then stay where they are.
+// pictures are therefore copied before any of them is replaced. A picture that could not be copied would be
+// lost, so all of them then stay where they are.
 void WorkingLuminaires::CopyUsedPictures() {
-    m_replaced.clear();
     m_isLibraryKept = false;
     m_records.ForEach([this](const tagLUMINAIREINFO& record) {
         if (IsLeftAlone(record) || !PictureOf(record).file.isEmpty()) {

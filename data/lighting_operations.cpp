@@ -13,7 +13,7 @@ CString ReadFactory(const FieldReader& row) {
     return row.Text(u"Factory");
 }
 
-// The statements differ in how they tell the ID and the category; head brings these two.
+// head holds the ID and the category, which the statements return in different ways.
 tagLAMPHOUSEINFO ReadLightSource(const FieldReader& row, tagLAMPHOUSEINFO head) {
     head.LamphouseModel = row.Text(u"LamphouseModel");
     head.LuminousFlux = row.Real(u"LuminousFlux");

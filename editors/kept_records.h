@@ -8,7 +8,7 @@
 
 namespace quorvane {
 
-// What the user had done to a record that is not in the file as it was then.
+// A line that tells which edit could not be made, because the record is no longer in the file as it was.
 template <typename Record>
 CString RefusedLine(const RecordGridRules<Record>& rules, const RefusedEdit<Record>& refused) {
     const auto& [edit, present] = refused;

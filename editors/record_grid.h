@@ -34,7 +34,7 @@ struct RecordGridRules {
     bool marksChanges = true;                     // what differs from the file is marked
     bool arrangesRows = true;                     // the user can sort, filter and search the rows
     std::function<void()> edited = {};            // is called after each change of the records
-    std::function<CString()> slice = {};          // names which of all records are shown; none: all
+    std::function<CString()> slice = {};          // names the part of the records that is shown; none: all
 };
 
 template <typename Record>

@@ -40,7 +40,8 @@ public:
     }
 
 private:
-    // Whether the next submit inserts the record. One that has gone from the file is inserted no more.
+    // Whether the next submit inserts the record. A record that another program has removed from the file is
+    // not inserted again.
     bool IsNew(int id) const {
         return id != 0 && m_records.Stored(id) == nullptr &&
                m_records.WhyUnwritten(id).why != Unwritten::Missing;

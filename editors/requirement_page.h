@@ -40,7 +40,7 @@ private:
     RecordGrid<tagILLUMINANCESTANDARD> m_grid;
     QTreeWidget* m_tree;
     QTreeWidgetItem* m_shownItem = nullptr;  // the tree returns to it when changes cannot be settled
-    bool m_isChosenByPress = false;          // the click that follows belongs to that choice
+    bool m_isChosenByPress = false;          // a press has chosen the item; its click chooses nothing
     // What is shown; new records belong there, whatever is selected in the tree meanwhile.
     CString m_vocation;
     CString m_buildingType;

@@ -199,7 +199,7 @@ void GridCore::RemakeRows(int first, int last) {
     }
 }
 
-// A row that is just being made has not been shown with anything else yet.
+// A row that is being made is not announced: nobody has seen its cells with other contents.
 void GridCore::TellCell(CCellID cell, bool text) {
     if (m_listener == nullptr || cell.row == m_rowBeingMade) {
         return;

@@ -91,10 +91,10 @@ private:
     void CopyPhoto(const tagLUMINAIREINFO& record, const std::function<void()>& meanwhile = {});
     bool LoadSelected(const CString& categoryText,
                       const std::function<bool(const tagLUMINAIREINFO&)>& isLeftOut);
-    // Puts in place what a killed program has not.
+    // Puts in place the pictures that a killed program has left in the library.
     void HealLibrary();
     bool WriteWithPhoto(tagLUMINAIREINFO& record);
-    // Whether the record's photo came with the file and is none of the luminaire's own.
+    // Whether the record's photo came with the file and is not the luminaire's own picture in the library.
     bool IsLeftAlone(const tagLUMINAIREINFO& record) const;
     bool ReplaceFactors(int luminaireId, const Factors& factors);
     StoredRecords<tagLUMINAIREINFO> RecordsInFile(const std::optional<CString>& slice);

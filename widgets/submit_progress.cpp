@@ -97,7 +97,7 @@ SubmitProgress::~SubmitProgress() {
     if (m_block == nullptr) {
         return;
     }
-    QGuiApplication::sync();  // hands out, to be dropped, what the window system still holds
+    QGuiApplication::sync();  // delivers the input that the window system still holds, so that it is dropped
     m_block.reset();
     delete m_panel;
 }

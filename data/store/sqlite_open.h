@@ -11,7 +11,7 @@ namespace quorvane {
 // alone.
 int OpenSqliteFile(const CString& path, sqlite3** database, int flags);
 
-// What the system's error says, for the results of SQLite that only say that the system refused.
+// The system's own error text, for results of SQLite that only say that the system refused.
 FailureKind KindOfSystemError(int systemError);
 
 // Tells the system to read the whole file soon, where it can be told.

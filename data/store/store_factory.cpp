@@ -25,7 +25,7 @@ namespace {
 // Silent unless QT_LOGGING_RULES asks for it: quorvane.database.store.debug=true
 Q_LOGGING_CATEGORY(lcStore, "quorvane.database.store", QtInfoMsg)
 
-constexpr qint64 kHeadSize = 32;  // every kind of database tells itself within its first bytes
+constexpr qint64 kHeadSize = 32;  // so many first bytes tell the kind of every database
 
 bool Always() {
     return true;

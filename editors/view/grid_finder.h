@@ -66,7 +66,7 @@ private:
     QLabel* m_count = nullptr;
     TextMatcher m_matcher;
     std::vector<CCellID> m_found;
-    bool m_isStale = false;  // m_found is that of other texts
+    bool m_isStale = false;  // m_found was searched in texts that have changed since
 };
 
 }  // namespace quorvane

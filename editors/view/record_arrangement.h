@@ -24,7 +24,7 @@ public:
         : m_records(records), m_columns(columns), m_rows(records) {}
 
     // Adds the commands to the grid, which lies in parent. show() shows the rows anew, beginning with
-    // Arrange(). caption is that of messages.
+    // Arrange(). caption is the caption of its messages.
     void Create(CGridCtrl& grid, QWidget& parent, const CString& caption, const std::function<void()>& show) {
         m_grid = &grid;
         auto* foot = new GridFoot(grid);

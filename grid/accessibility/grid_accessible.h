@@ -56,7 +56,7 @@ public:
     bool unselectRow(int row) override;
     bool unselectColumn(int column) override;
 
-    // The grid's cells follow changes whether or not they are told of.
+    // Nothing to do: GridAnnouncer keeps the cells up to date.
     void modelChange(QAccessibleTableModelChangeEvent* /*event*/) override {}
 
 private:

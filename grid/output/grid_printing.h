@@ -21,7 +21,7 @@ bool IsWiderThanPage(const GridCore& core, int screenDpi, const QPrinter& printe
 // screen that the sizes are meant for.
 bool PrintGrid(const GridCore& core, const GridLooks& looks, int screenDpi, QPrinter& printer);
 
-// Draws the pages of a grid that does not change meanwhile.
+// Draws the pages of a grid. The grid must not change meanwhile.
 class GridPrinting {
 public:
     // paper: the printable area in pixels of the screen. A grid that is too wide is made smaller, down to a

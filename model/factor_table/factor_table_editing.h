@@ -51,8 +51,8 @@ public:
     // Sets all factors to 0.
     void Clear();
 
-    // How many headings and row values of a block the table does not have. A row value that is written as a
-    // row of the table is labelled, with two decimals, is that row's.
+    // How many headings and row values of a block the table does not have. A row value whose text with two
+    // decimals is the label of a row of the table means that row.
     struct Missing {
         int headings = 0;
         int rows = 0;

@@ -15,7 +15,8 @@
 
 namespace quorvane {
 
-// A new record is not stored, a removed one not edited.
+// One edited record: stored is what the file holds (none for a new record), edited what the user made of it
+// (none for a removed one).
 template <typename Record>
 struct RecordEdit {
     std::optional<Record> stored;

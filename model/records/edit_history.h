@@ -1,7 +1,7 @@
 // EditHistory: the steps by which something was changed, so that they can be undone and done again.
 //
-// A step is what the user did at once: a cell that was typed, or a paste into many. A change is whatever its
-// owner can turn round: undoing it makes of it the change that does it again.
+// A step is what the user did at once: a cell that was typed, or a paste into many. A change is anything
+// that its owner can reverse: undoing a change turns it into the change that redoes it.
 #pragma once
 
 #include <algorithm>
@@ -24,7 +24,7 @@ public:
         std::vector<Change> changes = {};
     };
 
-    // The oldest steps are forgotten as soon as all steps together hold more changes than that.
+    // The oldest steps are dropped as soon as all steps together hold more changes than mostChanges.
     explicit EditHistory(std::size_t mostChanges) : m_mostChanges(mostChanges) {}
 
     // Everything between Begin and End is one step. A step inside another one is part of it.
@@ -39,8 +39,8 @@ public:
             m_open.name = name;
         }
     }
-    // A step without changes is forgotten. Any other one ends what could be done again. Whether this was the
-    // end of a whole step.
+    // Ends a step. True when it was the outermost one. A step without changes is dropped; any other step
+    // clears the steps that could be redone.
     bool End(bool isModified) {
         if (--m_depth > 0) {
             return false;
@@ -58,7 +58,7 @@ public:
         }
         return true;
     }
-    // Belongs to the step that is open.
+    // Adds a change to the open step.
     void Add(Change change) { m_open.changes.push_back(std::move(change)); }
     bool HasAdded() const { return !m_open.changes.empty(); }
 
@@ -68,8 +68,8 @@ public:
     // Their names, or null.
     const CString* UndoName() const { return NextUndo() == nullptr ? nullptr : &NextUndo()->name; }
     const CString* RedoName() const { return NextRedo() == nullptr ? nullptr : &NextRedo()->name; }
-    // Moves that step, which must exist, to the other side. The caller then turns its changes round: from the
-    // last to the first when they are undone, from the first to the last when they are done again.
+    // Moves the step, which must exist, to the other list. The caller then reverses its changes: from the
+    // last to the first for an undo, from the first to the last for a redo.
     Step& TakeUndo() {
         m_changeCount -= m_done.back().changes.size();
         m_undone.push_back(std::move(m_done.back()));
@@ -83,14 +83,15 @@ public:
         return m_done.back();
     }
 
-    // Forgets all steps. A step that is open goes on without what it held.
+    // Drops all steps. An open step stays open and loses its changes.
     void Clear() {
         m_done.clear();
         m_undone.clear();
         m_open.changes.clear();
         m_changeCount = 0;
     }
-    // Forgets the changes that the predicate names, and the steps in which nothing is left that `counts`.
+    // Drops the changes for which predicate is true, and each step that lost changes and has none left for
+    // which counts is true.
     template <typename Predicate, typename Counts>
     void Forget(const Predicate& predicate, const Counts& counts) {
         const auto thin = [&](std::deque<Step>& steps) {

@@ -118,7 +118,7 @@ public:
 
     // ---- What differs from the file
 
-    // Whether the record is new, changed or removed, and that is not written.
+    // Whether the record is new, changed or removed, and the file does not have this yet.
     bool IsChanged(int id) const { return m_stored.contains(id); }
     // Counts the record, which must exist, as changed: what is stored together with it has changed.
     void NoteChange(int id) { m_stored.try_emplace(id, *Find(id)); }
@@ -139,13 +139,14 @@ public:
     }
     // How many records are new, changed or removed.
     int EditCount() const { return static_cast<int>(m_stored.size()); }
-    // How many of them the next submit will delete from the file.
+    // How many records of the file the next submit will delete.
     int RemovedCount() const {
         return static_cast<int>(std::count_if(m_deleted.begin(), m_deleted.end(),
                                               [this](const Record& record) { return !IsNew(record.ID); }));
     }
 
-    // How many of them stood directly before the record at that position, or after the last one.
+    // How many removed records of the file stood directly before the record at that position, or after the
+    // last one.
     int RemovedBefore(int position) const {
         const int from = position == 0 ? 0 : m_order.SlotAt(position - 1);
         const int to = position == Count() ? m_order.SlotCount() : m_order.SlotAt(position);
@@ -241,11 +242,10 @@ public:
         return found == m_unwritten.end() ? UnwrittenRecord() : found->second;
     }
 
-    // Writes the record with that ID, which must exist, at once, and leaves everything else pending. What was
-    // done to this record can be undone no more. A record
-    // that nobody has changed counts as written even if its update fails: the file holds it as it is. The
-    // result holds the record's ID from now on: a new record may have been inserted before a later statement
-    // failed.
+    // Writes the record with that ID, which must exist, at once, and leaves everything else pending. What
+    // was done to this record can be undone no more. A record that nobody has changed counts as written even
+    // if its update fails: the file holds it as it is. The result holds the record's ID from now on: a new
+    // record may have been inserted before a later statement failed.
     struct Saved {
         int id;
         bool written;
@@ -280,8 +280,8 @@ public:
             NoteComparison(record.ID, file.Compare(record), file.Find(record.ID), failures);
         }
     }
-    // What the comparison of a record came to; stored is the record in the file, or null. No result: the file
-    // could not be read.
+    // Notes the result of comparing a record; stored is the record in the file, or null. Without a result
+    // the file could not be read.
     void NoteComparison(int id, std::optional<Unwritten> why, const Record* stored,
                         SubmitFailures& failures) {
         failures.unread += why ? 0 : 1;

@@ -1,4 +1,5 @@
-// What of one column the user wants to see: texts that hold something, or numbers in a range.
+// ColumnFilter: which values of one column the user wants to see: texts that hold something, or numbers in a
+// range.
 #pragma once
 
 #include <optional>

@@ -215,7 +215,7 @@ void PagedFile::WritePending() {
     m_stamp = m_file->Stamp();
 }
 
-// A program that keeps the time of the last change as it was is found out by the pages' content.
+// The pages' content shows a change by a program that has put back the file's time.
 void PagedFile::RequireBasePages() const {
     for (const auto& [page, pending] : m_pending) {
         if (page < m_fileCount && FingerprintSectors(*ReadFromFile(page)) != pending.base) {

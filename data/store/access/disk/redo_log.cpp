@@ -214,7 +214,7 @@ void RedoLog::AppendRecord(quint8 kind, const QByteArray& body) {
     record += body;
     AppendNumber(record, 8, chain);
     if (m_file == nullptr) {
-        // One that could not be removed is there still.
+        // A log that could not be removed is still there.
         m_file =
             m_files->Open(m_path, m_end == 0 ? FileSystem::Mode::CreateNew : FileSystem::Mode::ReadWrite);
     }

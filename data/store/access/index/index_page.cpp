@@ -186,7 +186,7 @@ qsizetype SharedPrefix(const IndexPage& page) {
     if (page.entries.size() < 2) {
         return 0;
     }
-    // The entries ascend, so what the outermost share they all share.
+    // The entries ascend, so all of them share the prefix that the first and the last one share.
     const QByteArray& first = page.entries.front();
     const QByteArray& last = page.entries.back();
     const auto end = first.cbegin() + std::min(first.size(), last.size());

@@ -116,7 +116,7 @@ RowAddress LongValueWriter::AddPiece(const QByteArray& piece) {
     return {number, static_cast<quint8>(row)};
 }
 
-// Only the last pages are tried: one value more than elsewhere on a new page costs less than looking at all.
+// Only the last pages are tried. Taking a new page too early costs less than looking at all pages.
 PageNumber LongValueWriter::PageWithRoom(qsizetype length) {
     std::optional<PageNumber> number = m_withRoom.LastBelow(m_pages.Count());
     for (int tried = 0; number && tried < kPagesTried; ++tried) {

@@ -15,7 +15,7 @@ namespace quorvane::access {
 
 class PageAllocator;
 
-// All pages of a map in ascending order. Throws when the file has one of them not.
+// All pages of a map in ascending order. Throws when the map names a page beyond the end of the file.
 std::vector<PageNumber> MappedPages(const Pages& pages, RowAddress map);
 // The pages of the file that nothing uses, as the global map says.
 std::vector<PageNumber> FreePages(const Pages& pages);

@@ -39,7 +39,7 @@ FailureKind KindOf(Fault fault) {
     }
 }
 
-// What the driver throws, as the seam knows it.
+// Runs an action and throws its AccessError as a ProviderError, which is what callers of a Connection catch.
 template <typename Action>
 auto AsProviderError(const Action& action) {
     try {
@@ -128,7 +128,7 @@ std::unique_ptr<Recordset> AccessConnection::Execute(const CString& statement) {
     });
 }
 
-// The engine passes on the text alone of what a table reported.
+// The engine passes on only the text of a table's error, so the error itself is taken from the database.
 std::unique_ptr<Recordset> AccessConnection::Run(SqliteStatement statement) {
     m_database->TakeFailure();
     try {

@@ -81,7 +81,7 @@ std::optional<RowAddress> RowCursor::NextInIndex() {
     return RowOfEntry(m_entry);
 }
 
-// Beside the entry that was met last, which may be gone.
+// The place next to the entry that was read last. That entry may be gone.
 IndexCursor RowCursor::PlaceAfterChange() const {
     IndexCursor place = m_index->Seek(m_entry);
     if (m_path.kind == RowPath::Kind::Forward) {

@@ -167,7 +167,7 @@ private Q_SLOTS:
     }
 
     void WhatOpeningFoundIsToldOnceTheCheckHasEnded() {
-        const auto connection = std::make_shared<CheckedConnection>();
+        auto connection = std::make_shared<CheckedConnection>();
         CLightingDatabase database([&](const CString&) { return connection; }, u"/opt/q/bin/quorvane"_s);
         QVERIFY(database.Connect());
         Fixture fixture;

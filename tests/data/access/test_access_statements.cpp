@@ -29,15 +29,23 @@ QStringList ReadStatements() {
     return lines.sliced(2).filter(u" "_s);
 }
 
-// The rows of all tables that no statement writes, those of the system among them, as they stand in the file.
-QByteArray UnwrittenRows(access::Database& database) {
+// The pages of all tables that no statement writes, those of the system among them.
+QByteArray UnwrittenPages(const access::Database& database) {
+    const access::Pages& pages = database.AllPages();
     QByteArray bytes;
     for (const access::CatalogEntry& entry : database.Catalog()) {
         if (entry.linked || kTables.indexOf(entry.name) > 0) {
             continue;
         }
-        for (auto scan = database.Find(entry.name).Scan(); !scan.AtEnd(); scan.MoveNext()) {
-            bytes += scan.Row().bytes;
+        const access::TableDefinition table = ReadTableDefinition(pages, entry.definition);
+        std::vector<std::vector<access::PageNumber>> parts{table.pages, MappedPages(pages, table.owned)};
+        for (const access::IndexDescription& index : table.indexes) {
+            parts.push_back(MappedPages(pages, index.map));
+        }
+        for (const std::vector<access::PageNumber>& part : parts) {
+            for (const access::PageNumber page : part) {
+                bytes += QByteArray(pages.Read(page)->data(), access::kPageSize);
+            }
         }
     }
     return bytes;
@@ -189,7 +197,7 @@ private Q_SLOTS:
         QVERIFY(QFile::copy(QStringLiteral(ACCESS_FIXTURES) + u'/' + fixture, accessFile));
         QFile::setPermissions(accessFile, QFile::ReadOwner | QFile::WriteOwner);
         CopyToSqlite(accessFile, sqliteFile);
-        m_unwritten = UnwrittenRows(*std::make_unique<access::Database>(access::NativeFiles(), accessFile));
+        m_unwritten = UnwrittenPages(access::Database(access::NativeFiles(), accessFile));
 
         const auto access = OpenStore(accessFile);
         const auto sqlite = OpenStore(sqliteFile);
@@ -244,7 +252,7 @@ private:
         QVERIFY(QFile::copy(accessFile, copy));
         access::Database database(access::NativeFiles(), copy);
         QCOMPARE(CheckFile(database), QStringList());
-        QVERIFY(UnwrittenRows(database) == m_unwritten);
+        QVERIFY(UnwrittenPages(database) == m_unwritten);
     }
 
     QByteArray m_unwritten;

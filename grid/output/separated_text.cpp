@@ -1,6 +1,7 @@
 #include "grid/output/separated_text.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <utility>
 
@@ -11,31 +12,50 @@ namespace {
 
 constexpr QChar kQuote = u'"';
 constexpr QChar kTab = u'\t';
+constexpr QStringView kSeparators = u",;\t";  // of the files that other programs write
 
 bool IsLineEnd(QChar character) {
     return character == u'\n' || character == u'\r';
 }
 
-bool NeedsQuotes(const CString& text, QChar separator) {
+bool NeedsQuotes(const CString& text, QStringView separators) {
     // Readers drop a byte order mark at the start of a file.
     return text.startsWith(QChar(QChar::ByteOrderMark)) ||
            std::any_of(text.cbegin(), text.cend(), [=](QChar character) {
-               return character == kQuote || character == separator || IsLineEnd(character);
+               return character == kQuote || separators.contains(character) || IsLineEnd(character);
            });
 }
 
-void Append(CString& line, const CString& text, QChar separator) {
-    line += NeedsQuotes(text, separator) ? kQuote + CString(text).replace(kQuote, u"\"\""_s) + kQuote : text;
+void Append(CString& line, const CString& text, QStringView separators) {
+    line += NeedsQuotes(text, separators) ? kQuote + CString(text).replace(kQuote, u"\"\""_s) + kQuote : text;
 }
 
-void AppendRow(CString& line, const std::vector<CString>& row, QChar separator) {
+// The first of the separators is written; a text that holds one of the others is quoted as well.
+void AppendRow(CString& line, const std::vector<CString>& row, QStringView separators) {
     bool isFirst = true;
     for (const CString& field : row) {
         if (!std::exchange(isFirst, false)) {
-            line += separator;
+            line += separators.front();
         }
-        Append(line, field, separator);
+        Append(line, field, separators);
     }
+}
+
+// The separator that stands most often in the first row outside quotes; the comma only if it is alone.
+QChar SeparatorOf(const CString& text) {
+    std::array<int, kSeparators.size()> counts{};
+    bool isQuoted = false;
+    for (const QChar character : text) {
+        if (character == kQuote) {
+            isQuoted = !isQuoted;
+        } else if (!isQuoted && IsLineEnd(character)) {
+            break;
+        } else if (const qsizetype separator = kSeparators.indexOf(character); !isQuoted && separator >= 0) {
+            ++counts[static_cast<std::size_t>(separator)];
+        }
+    }
+    const auto most = std::max_element(counts.rbegin(), counts.rend());
+    return kSeparators.at(counts.rend() - most - 1);
 }
 
 class Reader {
@@ -107,7 +127,7 @@ private:
             content += kQuote;
             ++at;
         }
-        if (!AtFieldEnd(at) || (m_quotesAreText && !NeedsQuotes(content, m_separator))) {
+        if (!AtFieldEnd(at) || (m_quotesAreText && !NeedsQuotes(content, QStringView(&m_separator, 1)))) {
             return std::nullopt;
         }
         m_at = at;
@@ -130,7 +150,7 @@ CString WriteTabText(const TextTable& table) {
         if (!std::exchange(isFirst, false)) {
             text += u'\n';
         }
-        AppendRow(text, row, kTab);
+        AppendRow(text, row, QStringView(&kTab, 1));
     }
     return text;
 }
@@ -142,18 +162,14 @@ TextTable ReadTabText(const CString& text) {
 CString WriteCsv(const TextTable& table) {
     CString text;
     for (const std::vector<CString>& row : table) {
-        AppendRow(text, row, u',');
+        AppendRow(text, row, kSeparators);
         text += u"\r\n"_s;
     }
     return text;
 }
 
 TextTable ReadCsv(const CString& text) {
-    const auto end = std::find_if(text.cbegin(), text.cend(), IsLineEnd);
-    const auto count = [&](QChar separator) { return std::count(text.cbegin(), end, separator); };
-    const QChar separator = std::max({kTab, QChar(u';'), QChar(u',')},
-                                     [&](QChar left, QChar right) { return count(left) < count(right); });
-    return Reader(text, separator, false).Read();
+    return Reader(text, SeparatorOf(text), false).Read();
 }
 
 }  // namespace quorvane

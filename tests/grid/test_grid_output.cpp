@@ -135,6 +135,7 @@ private Q_SLOTS:
     }
 
     void SavesWhatSpreadsheetsRead() {
+        m_grid->SetItemText(0, 0, u";;;;;;"_s);
         m_grid->SetItemText(1, 1, u"a,b"_s);
         m_grid->SetItemText(1, 2, u"5\" =1\n灯"_s);
         m_grid->SetItemText(2, 1, u"=1+1"_s);

@@ -61,6 +61,10 @@ readonly screenPackages=(
 readonly benchPackages=(
     sqlitebrowser                  # the yardstick: a program that shows the same file
 )
+readonly longPackages=(
+    strace                         # kills the program at a chosen system call
+    clang libclang-rt-dev          # the fuzzer
+)
 readonly checkPackages=(
     clang-format clang-tidy
     g++-mingw-w64-i686-posix       # compiles what is for Windows alone

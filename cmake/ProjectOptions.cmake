@@ -2,7 +2,7 @@
 
 option(QUORVANE_BUILD_TESTS "Build the tests" ON)
 option(QUORVANE_BUILD_BENCHMARKS "Build the benchmarks" OFF)
-option(QUORVANE_SANITIZE "Build under AddressSanitizer and UBSan" OFF)
+set(QUORVANE_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
 option(QUORVANE_WERROR "Treat warnings as errors" ON)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -31,8 +31,8 @@ target_compile_options(quorvane_options INTERFACE
   $<$<BOOL:${QUORVANE_WERROR}>:-Werror>)
 if(QUORVANE_SANITIZE)
   target_compile_options(quorvane_options INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
-  target_link_options(quorvane_options INTERFACE -fsanitize=address,undefined)
+    -fsanitize=${QUORVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(quorvane_options INTERFACE -fsanitize=${QUORVANE_SANITIZE})
 endif()
 
 # What a user runs stops at an overwritten stack, at a jump to no function's beginning and at a text longer than its

@@ -41,14 +41,15 @@ void AppendRow(CString& line, const std::vector<CString>& row, QStringView separ
     }
 }
 
-// The separator that stands most often in the first row outside quotes; the comma only if it is alone.
+// The separator that stands most often, outside quotes, in the first row that has one; the comma only if it
+// is alone.
 QChar SeparatorOf(const CString& text) {
     std::array<int, kSeparators.size()> counts{};
     bool isQuoted = false;
     for (const QChar character : text) {
         if (character == kQuote) {
             isQuoted = !isQuoted;
-        } else if (!isQuoted && IsLineEnd(character)) {
+        } else if (!isQuoted && IsLineEnd(character) && counts != decltype(counts){}) {
             break;
         } else if (const qsizetype separator = kSeparators.indexOf(character); !isQuoted && separator >= 0) {
             ++counts[static_cast<std::size_t>(separator)];

@@ -21,7 +21,8 @@ TextTable ReadTabText(const CString& text);
 // The same with commas, and "\r\n" after each row. A text with a semicolon stands in quotes as well.
 CString WriteCsv(const TextTable& table);
 // The reverse, but quotes around a text never belong to it. The separator may also be a semicolon or a tab:
-// whichever of the three stands most often in the first row outside quotes, and is not the comma if two do.
+// whichever of the three stands most often outside quotes in the first row that has one, and is not the comma
+// if two do.
 TextTable ReadCsv(const CString& text);
 
 }  // namespace quorvane

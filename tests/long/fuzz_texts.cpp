@@ -30,7 +30,7 @@ void Tables(const CString& text) {
     const TextTable csv = ReadCsv(text);
     Require(ReadCsv(WriteCsv(csv)) == csv, "a CSV file is not read as it was written");
     TextTable copied = ReadTabText(text);
-    if (!copied.empty() && copied.back() == std::vector<CString>{CString()}) {
+    while (!copied.empty() && copied.back() == std::vector<CString>{CString()}) {
         copied.pop_back();  // a line end at the end begins no row
     }
     Require(ReadTabText(WriteTabText(copied)) == copied, "a copy is not pasted as it was copied");

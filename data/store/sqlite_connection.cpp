@@ -26,11 +26,6 @@ constexpr int kWaitAgainMs = 1000;
 // At the start nothing is shown yet, and a program that ends with a message must be started again.
 constexpr int kStartTimeoutMs = 3000;
 
-// A file up to this size is checked before it is used, so that a damaged one is refused at once. The check
-// takes 8 ms for 0.6 MB. That of a larger file (70 ms for 6 MB) runs on while the first window opens.
-constexpr qint64 kCheckedAtOnce = 1 << 20;
-constexpr std::chrono::seconds kLongestCheckAtOnce{1};
-
 Database OpenFile(const CString& path) {
     // The check reads the file page by page in no order. This is several times faster for a file that is not
     // yet in memory when the system is told to read all of it first.
@@ -77,12 +72,8 @@ void SqliteConnection::OpenPath(int busyTimeoutMs) {
     RefuseStrangeTables(database.get());
     sqlite3_busy_timeout(database.get(), kBusyTimeoutMs);
     PrepareForWriting(database.get());
-    auto check = std::make_unique<SqliteBackgroundCheck>(m_path);
-    if (QFileInfo(m_path).size() <= kCheckedAtOnce && check->Wait(kLongestCheckAtOnce)) {
-        check->RequireSoundFile();
-    }
+    m_check = std::make_unique<SqliteBackgroundCheck>(m_path);
     m_database = std::move(database);
-    m_check = std::move(check);
 }
 
 std::unique_ptr<Recordset> SqliteConnection::Execute(const CString& statement) {

@@ -68,7 +68,6 @@ private Q_SLOTS:
             {access.first(8192), u"size of 8192"_s},
             {access.chopped(1), u"is impossible"_s},
             {good.first(16), u""_s},
-            {QByteArray(good).replace(12288, 4096, QByteArray(4096, '\xff')), u"已损坏"_s},
         };
         for (const auto& [bytes, reason] : cases) {
             WriteFile(m_file->FilePath(), bytes);
@@ -290,29 +289,22 @@ private Q_SLOTS:
 
     // An index that lacks a row hides it from every query that uses the index.
     void FindsDamageInAnIndex() {
-        for (const int rows : {0, 20000}) {
-            init();
-            m_file->Raw().Execute(
-                u"PRAGMA writable_schema=1; create table kept as select * from sqlite_schema where name like "
-                u"'光源^_%' escape '^';"
-                "delete from sqlite_schema where name like '光源^_%' escape '^'"_s);
-            m_file->Raw().Execute(
-                u"PRAGMA writable_schema=1; insert into 光源 (Factory) values ('hidden');"
-                "with recursive n(i) as (select 0 union all select i + 1 from n where i < %1) "
-                "insert into 照度要求及功率密度 (Location) select '%2' from n;"
-                "insert into sqlite_schema select * from kept; drop table kept"_s.arg(rows)
-                    .arg(u"x"_s.repeated(60)));
-            QCOMPARE(m_database->Connect(), rows > 0);  // a small file is checked at once
-            if (rows > 0) {
-                QVERIFY(RefusesWrites(*m_database));
-                QCOMPARE(m_database->LastFailure().kind, FailureKind::Damaged);
-                QVERIFY(!m_database->IsSound() && !m_database->IsCheckRunning());
-                const auto connection = OpenStore(m_file->FilePath(), BackedUpStore({}));
-                QVERIFY_THROWS_EXCEPTION(ProviderError, connection->Execute(u"delete from 灯具"_s));
-                QCOMPARE(Files().size(), 1);  // a copy of it would push out a good one
-                QVERIFY(m_database->Disconnect());
-            }
-        }
+        m_file->Raw().Execute(
+            u"PRAGMA writable_schema=1; create table kept as select * from sqlite_schema where name like "
+            u"'光源^_%' "
+            "escape '^';"
+            "delete from sqlite_schema where name like '光源^_%' escape '^'"_s);
+        m_file->Raw().Execute(
+            u"PRAGMA writable_schema=1; insert into 光源 (Factory) values ('hidden');"
+            "insert into sqlite_schema select * from kept; drop table kept"_s);
+        QVERIFY(m_database->Connect());
+        QVERIFY(RefusesWrites(*m_database));
+        QCOMPARE(m_database->LastFailure().kind, FailureKind::Damaged);
+        QVERIFY(!m_database->IsSound() && !m_database->IsCheckRunning());
+        const auto connection = OpenStore(m_file->FilePath(), BackedUpStore({}));
+        QVERIFY_THROWS_EXCEPTION(ProviderError, connection->Execute(u"delete from 灯具"_s));
+        QCOMPARE(Files().size(), 1);  // a copy of it would push out a good one
+        QVERIFY(m_database->Disconnect());
     }
 
     void FollowsAFileThatWasReplaced() {

@@ -152,11 +152,11 @@ private:
         const IndexDescription& description = index.Description();
         quint32 entries = 0;
         SlotSet unknownKeys;
-        QByteArray previous;
+        QByteArray previous;  // entry
         StoredValues values(static_cast<std::size_t>(table.Definition().maxColumns));
         for (IndexCursor cursor = index.First(); !cursor.AtEnd(); cursor.MoveNext(), ++entries) {
             RequireTime();
-            const QByteArray entry = cursor.Entry();
+            QByteArray entry = cursor.Entry();
             const std::optional<FoundRow> row = table.Find(RowOfEntry(entry));
             if (!row) {
                 ThrowDamaged(u"it names a row that is not there"_s);
@@ -167,21 +167,22 @@ private:
                 (description.ignoresNulls && allNull)) {
                 ThrowDamaged(u"it holds a NULL"_s);
             }
-            const QByteArray key = KeyOfEntry(entry).toByteArray();
-            if (description.unique && !allNull && key == previous) {
+            const QByteArrayView key = KeyOfEntry(entry);
+            if (description.unique && !allNull && !previous.isEmpty() && key == KeyOfEntry(previous)) {
                 ThrowDamaged(u"a key stands there twice"_s);
             }
             if (!IsKeyOf(table.Definition(), description, values, key) && !unknownKeys.Insert(row->home)) {
                 ThrowDamaged(u"a row stands there twice"_s);
             }
-            previous = key;
+            previous = std::move(entry);
         }
         if (entries != m_rows - RowsWithoutEntry(table, description)) {
             ThrowDamaged(u"it has %1 entries for %2 rows"_s.arg(entries).arg(m_rows));
         }
     }
 
-    // What the row holds in the columns of an index, as its key is made of it.
+    // What the row holds in the columns of an index, as its key is made of it. The values are of use as long
+    // as the row is.
     void ReadIndexed(const Table& table, const IndexDescription& description, const FoundRow& row,
                      StoredValues& values) const {
         const RowView view(table.Definition(), row.bytes);
@@ -197,14 +198,15 @@ private:
                 value.reset();
             } else {
                 const QByteArrayView bytes = view.Bytes(*column);
-                value = column->IsLong() ? ReadLongValue(m_pages, bytes) : bytes.toByteArray();
+                value = column->IsLong() ? ReadLongValue(m_pages, bytes)
+                                         : QByteArray::fromRawData(bytes.data(), bytes.size());
             }
         }
     }
 
     // False when the key of these values is not known. Throws when it is another one.
     static bool IsKeyOf(const TableDefinition& table, const IndexDescription& description,
-                        const StoredValues& values, const QByteArray& key) {
+                        const StoredValues& values, QByteArrayView key) {
         QByteArray expected;
         try {
             expected = RowKey(table, description, values);

@@ -9,6 +9,8 @@ namespace quorvane::access {
 
 namespace {
 
+constexpr qsizetype kUsualLength = 32;  // bytes of a key, so that few grow
+
 const StoredValue& At(const StoredValues& contents, const IndexColumn& column) {
     return contents[static_cast<std::size_t>(column.number)];
 }
@@ -33,6 +35,7 @@ QByteArray RowKey(const TableDefinition& table, const IndexDescription& index, c
 QByteArray RowKey(const TableDefinition& table, const IndexDescription& index, const StoredValues& contents,
                   std::size_t count) {
     QByteArray key;
+    key.reserve(kUsualLength);
     for (std::size_t place = 0; place < count; ++place) {
         const IndexColumn& part = index.columns[place];
         const Column& column = *table.Find(part.number);

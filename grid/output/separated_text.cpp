@@ -41,17 +41,30 @@ void AppendRow(CString& line, const std::vector<CString>& row, QStringView separ
     }
 }
 
-// The separator that stands most often, outside quotes, in the first row that has one; the comma only if it
-// is alone.
+// The place of the quote that closes the one at `open`, or -1. Two quotes in a row close nothing.
+qsizetype ClosingQuote(const CString& text, qsizetype open) {
+    for (qsizetype at = text.indexOf(kQuote, open + 1); at >= 0; at = text.indexOf(kQuote, at + 2)) {
+        if (at + 1 == text.size() || text.at(at + 1) != kQuote) {
+            return at;
+        }
+    }
+    return -1;
+}
+
+// The separator that stands most often, outside quoted fields, in the first row that has one; the comma only
+// if it is alone.
 QChar SeparatorOf(const CString& text) {
     std::array<int, kSeparators.size()> counts{};
-    bool isQuoted = false;
-    for (const QChar character : text) {
-        if (character == kQuote) {
-            isQuoted = !isQuoted;
-        } else if (!isQuoted && IsLineEnd(character) && counts != decltype(counts){}) {
+    const auto endsField = [&text](qsizetype at) {
+        return at == text.size() || kSeparators.contains(text.at(at)) || IsLineEnd(text.at(at));
+    };
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        if (text.at(at) == kQuote && (at == 0 || endsField(at - 1))) {
+            const qsizetype end = ClosingQuote(text, at);
+            at = end >= 0 && endsField(end + 1) ? end : at;
+        } else if (IsLineEnd(text.at(at)) && counts != decltype(counts){}) {
             break;
-        } else if (const qsizetype separator = kSeparators.indexOf(character); !isQuoted && separator >= 0) {
+        } else if (const qsizetype separator = kSeparators.indexOf(text.at(at)); separator >= 0) {
             ++counts[static_cast<std::size_t>(separator)];
         }
     }
@@ -112,26 +125,16 @@ private:
         if (m_noClosingQuote || m_at >= m_text.size() || m_text.at(m_at) != kQuote) {
             return std::nullopt;
         }
-        CString content;
-        qsizetype at = m_at + 1;
-        while (true) {
-            const qsizetype quote = m_text.indexOf(kQuote, at);
-            if (quote < 0) {
-                m_noClosingQuote = true;
-                return std::nullopt;
-            }
-            content += QStringView(m_text).sliced(at, quote - at);
-            at = quote + 1;
-            if (at >= m_text.size() || m_text.at(at) != kQuote) {
-                break;
-            }
-            content += kQuote;
-            ++at;
-        }
-        if (!AtFieldEnd(at) || (m_quotesAreText && !NeedsQuotes(content, QStringView(&m_separator, 1)))) {
+        const qsizetype close = ClosingQuote(m_text, m_at);
+        m_noClosingQuote = close < 0;
+        if (close < 0 || !AtFieldEnd(close + 1)) {
             return std::nullopt;
         }
-        m_at = at;
+        CString content = m_text.sliced(m_at + 1, close - m_at - 1).replace(u"\"\""_s, u"\""_s);
+        if (m_quotesAreText && !NeedsQuotes(content, QStringView(&m_separator, 1))) {
+            return std::nullopt;
+        }
+        m_at = close + 1;
         return content;
     }
 

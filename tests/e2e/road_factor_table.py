@@ -9,18 +9,9 @@ FACTORS = {(60, 40, 20, 0): 0.68, (60, 40, 20, 1): 0.61, (80, 70, 20, 12): 0.21}
 
 
 def factor_table_road(story):
-    window, folder = story.window, story.folder
+    folder = story.folder
     before = folder.everything()
-
-    story.tell(f"opening the factor table of the first luminaire of “{CATEGORY}”")
-    window.show_tab("灯具库")
-    window.choose("灯具类型:", CATEGORY)
-    window.wait_for_cell(0, "序号", "1")
-    luminaire = window.row_texts(0)
-    story.show("luminaires")
-    (stored,) = (row for row in before["灯具"] if row["LampModel"] == luminaire["灯具型号"])
-    window.press_in_cell(0, "利用系数表")
-    table = story.program.dialog(f"{luminaire['灯具名称']} 利用系数表")
+    stored, table = open_table(story, CATEGORY, before)
     story.show("factor-table-opened")
 
     fill_table(story, table, "室空间比RCR", [NEW_HEADING], [NEW_ROW], FACTORS)
@@ -32,6 +23,20 @@ def factor_table_road(story):
     story.expect(factors_of(stored["ID"], folder.everything()) == expected(stored["ID"], before),
                  "the factors of the luminaire are not those that were typed")
     story.expect(not now and all(row["LuminaireID"] == stored["ID"] for row in new), "other factors were changed")
+
+
+def open_table(story, category, before):
+    """The first luminaire of the category as the file holds it, and the window of its table."""
+    window = story.window
+    story.tell(f"opening the factor table of the first luminaire of “{category}”")
+    window.show_tab("灯具库")
+    window.choose("灯具类型:", category)
+    window.wait_for_cell(0, "序号", "1")
+    luminaire = window.row_texts(0)
+    story.show("luminaires")
+    (stored,) = (row for row in before["灯具"] if row["LampModel"] == luminaire["灯具型号"])
+    window.press_in_cell(0, "利用系数表")
+    return stored, story.program.dialog(f"{luminaire['灯具名称']} 利用系数表")
 
 
 def fill_table(story, table, row_label, headings, ratios, factors):

@@ -2,7 +2,7 @@
 program's clipboard; undone, sorted, found, plotted and previewed."""
 
 import screen
-from road_factor_table import factors_of, leave_table
+from road_factor_table import factors_of, leave_table, open_table
 
 CATEGORY = "LED灯"
 SOURCES = [("LED灯管", f"SHEET-{watts}W/{colour}", watts * 100 + colour, watts, "示范照明")
@@ -55,14 +55,8 @@ def spreadsheet_road(story):
 
 
 def factor_road(story):
-    window, before = story.window, story.folder.everything()
+    stored, table = open_table(story, CATEGORY, story.folder.everything())
     story.tell("pasting the factors of a data sheet with their headings, plotting and previewing them")
-    window.show_tab("灯具库")
-    window.choose("灯具类型:", CATEGORY)
-    luminaire = window.row_texts(0)
-    (stored,) = (row for row in before["灯具"] if row["LampModel"] == luminaire["灯具型号"])
-    window.press_in_cell(0, "利用系数表")
-    table = story.program.dialog(f"{luminaire['灯具名称']} 利用系数表")
     table.click_cell(0, table.headings()[1])
     paste(table, [("", *values) for values in zip(*HEADINGS)]
           + [(ratio, *(FACTORS[*heading, ratio] for heading in HEADINGS)) for ratio in RATIOS])

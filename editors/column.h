@@ -1,6 +1,7 @@
 // Column<Record>: everything that an editor knows of one column of its grid, in one place.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 
 #include "data/number_text.h"
@@ -35,6 +36,18 @@ struct Column {
     // Whether the rows can be sorted, filtered and searched by what the column shows.
     bool holdsText = true;
 };
+
+// Whether a text may be entered into the record's cell in this column, apart from typing.
+template <typename Record>
+bool TakesText(const Column<Record>& column, const Record& record, const CString& text) {
+    const CellSetup setup = column.setup ? column.setup(record) : CellSetup{};
+    if (setup.kind == CellSetup::DropDown) {
+        return column.take &&
+               std::find(setup.choices->begin(), setup.choices->end(), text) != setup.choices->end();
+    }
+    const bool takes = setup.kind == CellSetup::Text || setup.takesTexts;
+    return takes && column.take && (!column.accepts || column.accepts(text));
+}
 
 // The row numbers, which every grid has in column 0.
 template <typename Record>

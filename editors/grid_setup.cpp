@@ -38,14 +38,15 @@ void MakeButton(CGridCtrl& grid, CBtnDataBase& buttons, CCellID place, const CSt
     cell->SetupBtns(0, BtnType::Button, BtnState::PushButton, 0, 0, 0, caption);
 }
 
-unsigned StateOf(CellSetup::Kind kind) {
-    switch (kind) {
+unsigned StateOf(const CellSetup& setup) {
+    const unsigned state = setup.takesTexts ? CellState::TakesTexts : 0;
+    switch (setup.kind) {
         case CellSetup::ReadOnly:
-            return CellState::ReadOnly;
+            return state | CellState::ReadOnly;
         case CellSetup::Chooser:
-            return CellState::ReadOnly | CellState::DropDown;
+            return state | CellState::ReadOnly | CellState::DropDown;
         default:
-            return 0;
+            return state;
     }
 }
 
@@ -79,10 +80,12 @@ void ShowCell(CGridCtrl& grid, CBtnDataBase& buttons, CCellID cell, const CellSe
             break;
         case CellSetup::Button:
             MakeButton(grid, buttons, cell, setup.caption);
+            item.mask |= ItemMask::State;
+            item.state = StateOf(setup);
             break;
         default:
             item.mask |= ItemMask::State | ItemMask::BackColour;
-            item.state = StateOf(setup.kind);
+            item.state = StateOf(setup);
             item.backColour = item.state != 0 ? kReadOnlyColour : QColor();
     }
     grid.SetItem(item);

@@ -46,6 +46,7 @@ struct CellSetup {
     Kind kind = Text;
     CellChoices choices = {};
     CString caption = {};
+    bool takesTexts = false;  // a paste enters a text where none is typed
 };
 
 // Gives the cell the kind that the setup names, and shows the text in it. A drop-down list also shows a text

@@ -118,6 +118,20 @@ CString CauseText(const ProviderFailure& failure, int row) {
     }
 }
 
+// The texts that are refused for that reason, each once; empty when none is.
+CString NamesOf(const PasteLoss& loss, PasteLoss::Refused::Reason reason, const CString& title) {
+    constexpr qsizetype kMost = 8;
+    QStringList names;
+    for (const PasteLoss::Refused& refused : loss.refused) {
+        if (refused.reason == reason) {
+            names += u"“%1”"_s.arg(refused.text);
+        }
+    }
+    names.removeDuplicates();
+    const CString rest = names.size() > kMost ? u"等%1种"_s.arg(names.size()) : CString();
+    return names.isEmpty() ? CString() : title + names.mid(0, kMost).join(CString()) + rest + u'。';
+}
+
 }  // namespace
 
 bool AskToSubmit(QWidget* parent, const CString& caption) {
@@ -153,10 +167,8 @@ void TellReplaced(QWidget* parent, const CString& caption, const Replacement& re
 
 bool AskToPaste(QWidget* parent, const CString& caption, const PasteLoss& loss, bool rowsCome) {
     int lost = loss.beyondColumns + (rowsCome ? 0 : loss.belowRows);
-    const PasteLoss::Refused* noChoice = nullptr;
     for (const PasteLoss::Refused& refused : loss.refused) {
         lost += rowsCome || refused.cell.row <= loss.lastRow ? 1 : 0;
-        noChoice = noChoice == nullptr && refused.isNoChoice ? &refused : noChoice;
     }
     if (lost == 0) {
         return true;
@@ -165,9 +177,8 @@ bool AskToPaste(QWidget* parent, const CString& caption, const PasteLoss& loss, 
         loss.isDrop ? u"拖动了%d个单元格的内容,其中%d个超出表格或不能填入所在的单元格,不会改动。"_s
                     : u"剪贴板中有%d个单元格的内容,其中%d个超出表格或不能填入所在的单元格,不会粘贴。"_s,
         {loss.texts, lost});
-    if (noChoice != nullptr) {
-        text += FormatText(u"\n第%d行:“%s”不是可选的内容。"_s, {noChoice->cell.row, noChoice->text});
-    }
+    text += NamesOf(loss, PasteLoss::Refused::NoChoice, u"\n不是可选的内容:"_s);
+    text += NamesOf(loss, PasteLoss::Refused::NoSuchValue, u"\n不是数值:"_s);
     if (lost == loss.texts) {
         ShowMessage(parent, text, caption);
         return false;

@@ -54,9 +54,8 @@ public:
     // Creates the control with its heading row.
     void Create(int gridId, const QRect& rect, SharesOf width) {
         m_grid = CreateGrid(m_parent, gridId, rect);
-        m_grid->SetEntryCheck([this](CCellID cell, const CString& text) {
-            const auto& accepts = At(cell.col).accepts;
-            return !accepts || accepts(text);
+        m_grid->SetEntryCheck([this](CCellID cell, const CString& text, const RowTexts& before) {
+            return WillTake(cell, text, before);
         });
         m_grid->setAccessibleName(m_rules.caption);
         const int usableWidth = UsableWidth(*m_grid, width);
@@ -344,13 +343,23 @@ private:
         }
     }
 
+    // What cells take that are not typed into hangs on such cells of the same row.
+    bool WillTake(CCellID cell, const CString& text, const RowTexts& before) const {
+        Record record = RecordAt(cell.row);
+        for (const auto& [column, entered] : before) {
+            if (SetupOf(column, record).takesTexts) {
+                At(column).take(entered, record);
+            }
+        }
+        return TakesText(At(cell.col), record, text);
+    }
     void TakeCell(int row, int number) {
         const Column<Record>& column = At(number);
         if (!column.take) {
             return;
         }
         Record record = RecordAt(row);
-        const bool isChosen = SetupOf(number, record).kind == CellSetup::DropDown;
+        const bool isChosen = SetupOf(number, record).kind != CellSetup::Text;
         const StepScope step(m_records,
                              StepName(isChosen ? QStringLiteral("选择") : QStringLiteral("输入"), number));
         const CString text = m_grid->GetItemText(row, number);

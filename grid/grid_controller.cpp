@@ -241,7 +241,7 @@ bool GridController::Execute(const GridCommand& command, const QEvent* event) {
             m_core.ClearSelection();
             return true;
         case Kind::Edit:
-            return BeginEdit(cell, InPlaceEdit::Start::AllSelected);
+            return BeginEdit(cell, InPlaceEdit::Start::AllSelected, event);
         case Kind::EditAtEnd:
             return BeginEdit(cell, InPlaceEdit::Start::CaretAtEnd);
         case Kind::Type:

@@ -71,10 +71,9 @@ public:
     bool PassToEditor(const QKeyEvent& event);
     void EndEdit();
     void CancelEdit() { m_edit.Cancel(); }
-    // Ends the edit and moves the focus; or goes on in the next cell, which is opened when its text can be
-    // edited.
-    void EndEditAndMove(GridMove move);
-    void EndEditAndGoOn(GridMove move);
+    // Ends the edit and gives the focus to the cell that next finds; nothing is open there, so that the next
+    // key may be any command of the grid.
+    void EndEditAndMove(GridMove move, NextCell next);
     // What every ended edit does: puts the text into the cell and notifies.
     void TakeText(CCellID cell, const CString& text, bool isTyped = true);
     // Ends the edit and tells that files were dropped on the cell.
@@ -144,6 +143,9 @@ private:
     bool Copy();
     bool Paste();
     bool FillDown();
+    // Asks about the loss, if any, and enters the texts of a block, which is selected then.
+    void EnterBlock(const CString& name, const CCellRange& block, const std::vector<GridEntry>& entries,
+                    const PasteLoss& loss);
     void MoveBlock(const CCellRange& block, CCellID start, bool isCopy);
     void Freeze(int column);
     bool MayLose(const PasteLoss& loss) const;

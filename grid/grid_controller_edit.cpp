@@ -112,33 +112,16 @@ void GridController::TakeFiles(CCellID cell, const QStringList& paths) {
             });
 }
 
-void GridController::EndEditAndMove(GridMove move) {
+void GridController::EndEditAndMove(GridMove move, NextCell next) {
+    const CCellID edited = m_edit.Cell();
     Perform([this] { EndEdit(); },
             [=, this] {
-                const CCellID target = m_edit.IsOn() ? CCellID{} : Step(m_core, m_core.Focus(), move);
-                if (target.IsValid()) {
-                    SetFocusCell(target);
-                }
-            });
-}
-
-void GridController::EndEditAndGoOn(GridMove move) {
-    const CCellID edited = m_edit.Cell();
-    CCellID target;
-    Perform([this] { EndEdit(); },
-            [=, this, &target] {
                 // Whoever was told of the edit may have inserted or removed rows, which moves the focus with
                 // its cell; or have refilled the grid, which clears it.
                 const CCellID from = m_core.Focus().IsValid() ? m_core.Focus() : edited;
                 if (!m_edit.IsOn() && m_core.Layout().Holds(from)) {
-                    target = NextAfterEdit(m_core, from, move);
+                    const CCellID target = next(m_core, from, move);
                     SetFocusCell(target.IsValid() ? target : from);
-                }
-            },
-            [=, this, &target] {
-                const bool opens = target.IsValid() && m_core.Focus() == target && !m_edit.IsOn();
-                if (opens && m_core.EditingOf(target) == CellEditing::Text) {
-                    OpenAt(target, InPlaceEdit::Start::AllSelected, nullptr);
                 }
             });
 }

@@ -36,36 +36,52 @@ bool GridController::Paste() {
         return true;
     }
     const std::vector<GridEntry> entries = PasteEntries(m_core, text);
-    const QPointer<CGridCtrl> alive(&m_grid);
     if (entries.empty()) {
         return false;
     }
-    if (!MayLose(LossOf(m_core, entries)) || alive.isNull()) {
-        return true;
+    const CCellID start = entries.front().cell;
+    CCellRange block{start.row, start.col, start.row, start.col};
+    for (const GridEntry& entry : entries) {
+        block.maxRow = std::max(block.maxRow, entry.cell.row);
+        block.maxCol = std::max(block.maxCol, entry.cell.col);
     }
-    Perform([&] { m_core.FocusWithoutSelecting(entries.front().cell); });
-    return alive.isNull() || EnterAll(u"粘贴"_s, entries);
+    EnterBlock(u"粘贴"_s, block, entries, LossOf(m_core, entries));
+    return true;
 }
 
 void GridController::MoveBlock(const CCellRange& block, CCellID start, bool isCopy) {
     Redraw();
+    if (start == CCellID{block.minRow, block.minCol}) {
+        return;
+    }
     const std::vector<GridEntry> entries = MoveEntries(m_core, block, start, isCopy);
     PasteLoss loss = LossOf(m_core, entries);
     loss.isDrop = true;
     loss.texts = block.RowCount() * block.ColumnCount();
+    EnterBlock(isCopy ? u"复制"_s : u"移动"_s,
+               {start.row, start.col, start.row + block.RowCount() - 1, start.col + block.ColumnCount() - 1},
+               entries, loss);
+}
+
+// The selection comes last, because rows may come while the texts are entered.
+void GridController::EnterBlock(const CString& name, const CCellRange& block,
+                                const std::vector<GridEntry>& entries, const PasteLoss& loss) {
     const QPointer<CGridCtrl> alive(&m_grid);
-    if (start == CCellID{block.minRow, block.minCol} || !MayLose(loss) || alive.isNull()) {
+    if (!MayLose(loss) || alive.isNull()) {
+        return;
+    }
+    Perform([&, this] { m_core.FocusWithoutSelecting({block.minRow, block.minCol}); });
+    if (alive.isNull() || !EnterAll(name, entries) || alive.isNull()) {
         return;
     }
     Perform([&, this] {
-        m_core.SetFocus(start);
-        m_core.SelectRange({start.row, start.col,
-                            std::min(start.row + block.RowCount(), m_core.RowCount()) - 1,
-                            std::min(start.col + block.ColumnCount(), m_core.ColumnCount()) - 1});
+        const CCellID first = m_core.Focus();
+        if (first.IsValid() && !m_edit.IsOn()) {
+            m_core.SelectRange({first.row, first.col,
+                                std::min(first.row + block.RowCount(), m_core.RowCount()) - 1,
+                                std::min(first.col + block.ColumnCount(), m_core.ColumnCount()) - 1});
+        }
     });
-    if (!alive.isNull()) {
-        EnterAll(isCopy ? u"复制"_s : u"移动"_s, entries);
-    }
 }
 
 bool GridController::CancelDrag() {

@@ -429,12 +429,17 @@ CellEditing GridCore::EditingOf(CCellID cell) const {
 }
 
 bool GridCore::Takes(CCellID cell, const CString& text) const {
-    const CellEditing editing = EditingOf(cell);
-    if (editing != CellEditing::Choice) {
-        return editing == CellEditing::Text;
+    const CGridCellBase* source = IsSelectable(cell) && Origin(cell) == cell ? Cell(cell) : nullptr;
+    switch (EditingOf(cell)) {
+        case CellEditing::Text:
+            return true;
+        case CellEditing::Choice: {
+            const auto* combo = dynamic_cast<const CGridBtnCellCombo*>(source);
+            return combo != nullptr && std::ranges::find(combo->Choices(), text) != combo->Choices().end();
+        }
+        default:
+            return source != nullptr && (source->GetState() & CellState::TakesTexts) != 0 && !text.isEmpty();
     }
-    const auto* combo = dynamic_cast<const CGridBtnCellCombo*>(Cell(cell));
-    return combo != nullptr && std::ranges::find(combo->Choices(), text) != combo->Choices().end();
 }
 
 }  // namespace quorvane

@@ -116,7 +116,11 @@ void CGridCtrl::PlaceFootBar() {
     const bool isShown = m_footBar != nullptr && !m_footBar->isHidden();
     const int height = isShown ? m_footBar->sizeHint().height() : 0;
     if (viewportMargins().bottom() != height) {
+        const bool isFocusSeen = viewport()->rect().contains(Core().CellRect(GetFocusCell()));
         setViewportMargins(0, 0, 0, height);  // comes back here through resizeEvent
+        if (isFocusSeen) {
+            m_controller->EnsureVisible(GetFocusCell());
+        }
     }
     if (isShown) {
         const QRect cells = viewport()->geometry();
@@ -193,9 +197,9 @@ bool CGridCtrl::event(QEvent* event) {
         const bool tab = key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab;
         if (tab && (key.modifiers() & Qt::ControlModifier) != 0) {
             const bool back = key.key() == Qt::Key_Backtab || (key.modifiers() & Qt::ShiftModifier) != 0;
-            const QPointer<CGridCtrl> alive(this);
-            EndEdit();
-            return alive.isNull() || focusNextPrevChild(!back);
+            bool isMoved = true;
+            m_controller->Perform([this] { EndEdit(); }, [&, this] { isMoved = focusNextPrevChild(!back); });
+            return isMoved;
         }
         const GridCommand command = tab && !IsEditing() ? CommandOfKey(Core(), key) : GridCommand{};
         if (command.kind != GridCommand::Kind::PassOn) {

@@ -62,6 +62,8 @@ namespace CellState {
 inline constexpr unsigned ReadOnly = 1;   // not edited in place
 inline constexpr unsigned RowHead = 2;    // pressing it selects its row, as on a fixed column
 inline constexpr unsigned DropDown = 32;  // carries a drop-down list, perhaps one that its owner shows
+// Its text is not typed, but a paste, a fill or an import enters one that passes the entry check.
+inline constexpr unsigned TakesTexts = 64;
 }  // namespace CellState
 
 // Which fields of a GridItem are meant.
@@ -130,7 +132,7 @@ struct PasteLoss {
     struct Refused {
         CCellID cell;
         CString text;
-        bool isNoChoice;  // the cell has a list of choices, and this is none of them
+        enum Reason { ReadOnly, NoChoice, NoSuchValue } reason;  // its cell offers choices, or is typed into
     };
     int texts = 0;          // in all
     bool isDrop = false;    // of a dragged block, not of the clipboard
@@ -141,8 +143,10 @@ struct PasteLoss {
     std::vector<Refused> refused = {};
 };
 
-// Whether a text may be entered into a cell together with others.
-using EntryCheck = std::function<bool(CCellID cell, const CString& text)>;
+// Texts that are entered into the same row before another one, by column.
+using RowTexts = std::vector<std::pair<int, CString>>;
+// Whether a text may be entered into a cell together with others, when `before` has been entered.
+using EntryCheck = std::function<bool(CCellID cell, const CString& text, const RowTexts& before)>;
 // Whether to paste the rest.
 using PasteQuestion = std::function<bool(const PasteLoss& loss)>;
 // Takes a pasted table, row by row, as a whole; false when its texts are to go into cells one by one.

@@ -128,6 +128,14 @@ CString ReferenceLists::CategoryIds(const CString& categoryNames) {
     return Join(ids);
 }
 
+bool ReferenceLists::AreCategories(const CString& categoryNames) {
+    const std::vector<CString> names = SplitCategoryNames(categoryNames);
+    const bool isMixed = std::ranges::find(names, kMixedLight) != names.end();
+    return !names.empty() && std::ranges::all_of(names, [&](const CString& name) {
+        return CategoryId(name) != 0 && !(isMixed && HoldsLightSources(name));
+    });
+}
+
 std::vector<CString> ReferenceLists::SplitCategoryNames(const CString& categoryNames) {
     return SplitKnown(categoryNames, [this](const CString& name) { return LoadedCategory(name) != nullptr; });
 }
@@ -253,6 +261,11 @@ std::vector<CString> ReferenceLists::SplitLightSourceTexts(const CString& texts)
         LoadAllLightSources();
     }
     return SplitKnown(texts, [this](const CString& part) { return m_idByText.contains(part); });
+}
+
+bool ReferenceLists::AreLightSources(const CString& texts) {
+    return std::ranges::all_of(SplitLightSourceTexts(texts),
+                               [this](const CString& text) { return LightSourceId(text) != 0; });
 }
 
 // The statement may find another light source (it searches by name alone when the model is empty), and with

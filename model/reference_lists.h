@@ -42,6 +42,8 @@ public:
     CString CategoryNames(const CString& categoryIds);
     // "常用灯具,卤钨灯" → "1,10". A name without a category is 0.
     CString CategoryIds(const CString& categoryNames);
+    // Whether these are names of categories that a luminaire may have together.
+    bool AreCategories(const CString& categoryNames);
     // The names in such a text. A name may hold a "," itself.
     std::vector<CString> SplitCategoryNames(const CString& categoryNames);
 
@@ -58,6 +60,8 @@ public:
     // The IDs, where pieces that are texts are replaced by their IDs if these are known by now. Such a text
     // is left by LightSourceIds when the database did not answer.
     CString ResolvedLightSourceIds(const CString& ids);
+    // Whether each of these texts is a light source's.
+    bool AreLightSources(const CString& texts);
     // The texts in such a text. A light source's text may hold a "," itself.
     std::vector<CString> SplitLightSourceTexts(const CString& texts);
     // The ID of the light source with that text, or 0.

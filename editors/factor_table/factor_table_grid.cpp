@@ -56,7 +56,7 @@ int HeightFor(const QFontMetrics& metrics) {
 
 FactorTableGrid::FactorTableGrid(const CString& rowLabel) : m_rowLabel(rowLabel), m_decimals(KeptDecimals()) {
     SetBackgroundColour(Qt::white);
-    SetEntryCheck([](CCellID, const CString& text) { return CheckReal(text).has_value(); });
+    SetEntryCheck([](CCellID, const CString& text, const RowTexts&) { return CheckReal(text).has_value(); });
 }
 
 void FactorTableGrid::SetDecimals(int decimals) {

@@ -1,6 +1,9 @@
 // The columns of the page of luminaires: how they are shown and edited, and what their tips tell.
+#include <algorithm>
+
 #include "editors/luminaire/luminaire_page.h"
 #include "model/light_source_categories.h"
+#include "model/light_source_text.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -52,7 +55,9 @@ std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
          .share = 0.2,
          .format = kLeftEllipsis,
          .show = [this](const Record& record) { return m_lists.CategoryNames(record.LamphouseTypeID); },
-         .setup = [](const Record&) { return CellSetup{.kind = CellSetup::Chooser}; },
+         .take = [this](const CString& text, Record& record) { TakeCategories(text, record); },
+         .accepts = [this](const CString& text) { return m_lists.AreCategories(text); },
+         .setup = [](const Record&) { return CellSetup{.kind = CellSetup::Chooser, .takesTexts = true}; },
          .open = [this](CCellID cell) { OpenTypeChooser(cell); }},
         {.heading = u"默认光源",
          .help = u"灯具所用的光源;混光灯具的光源按“...”设置",
@@ -60,9 +65,11 @@ std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
          .format = kLeftEllipsis,
          .show = [this](const Record& record) { return m_lists.LightSourceTexts(record.DefaultLamphouse); },
          .take = [this](const CString& text, Record& record) { TakeLightSources(text, record); },
+         .accepts = [this](const CString& text) { return m_lists.AreLightSources(text); },
          .setup = [this](const Record& record) { return LightSourceSetup(record); },
          .open = [this](CCellID cell) { OpenMixedLightSources(cell.row); },
-         .tip = [this](const Record& record) { return LightSourceTip(record); }},
+         .tip = [this](const Record& record) { return LightSourceTip(record); },
+         .dependsOnRecord = true},
         {.heading = u"光源个数",
          .help = u"每套灯具的光源个数;混光灯具为各种光源的个数,以逗号隔开\n单位:个",
          .share = 0.09,
@@ -70,8 +77,10 @@ std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
          .take = [](const CString& text, Record& record) { record.LamphouseCount = CountText(text); },
          .setup =
              [isMixed](const Record& record) {
-                 return CellSetup{.kind = isMixed(record) ? CellSetup::ReadOnly : CellSetup::Text};
-             }},
+                 return CellSetup{.kind = isMixed(record) ? CellSetup::ReadOnly : CellSetup::Text,
+                                  .takesTexts = isMixed(record)};
+             },
+         .dependsOnRecord = true},
         IntegerColumn(u"镇流器数", u"每套灯具的镇流器个数\n单位:个", 0.09, &Record::BallastCount),
         RealColumn(u"镇流器功率", u"每个镇流器消耗的功率;低压卤钨灯为每个变压器消耗的功率\n单位:W", 0.11,
                    &Record::BallastPower),
@@ -106,9 +115,27 @@ std::vector<Column<tagLUMINAIREINFO>> CQuorvaneLuminaireDlg::Columns() {
 CellSetup CQuorvaneLuminaireDlg::LightSourceSetup(const tagLUMINAIREINFO& record) {
     const CString& categories = CategoriesOf(record);
     if (IsMixedLight(categories)) {
-        return {.kind = CellSetup::Button, .caption = u"..."_s};
+        return {.kind = CellSetup::Button, .caption = u"..."_s, .takesTexts = true};
     }
     return {.kind = CellSetup::DropDown, .choices = m_lists.LightSources(categories)};
+}
+
+// Assistive technology may enter any text.
+void CQuorvaneLuminaireDlg::TakeCategories(const CString& names, tagLUMINAIREINFO& record) {
+    if (m_lists.AreCategories(names)) {
+        SetCategories(m_lists.SplitCategoryNames(names), record);
+    }
+}
+
+// Names that were there before and still are change nothing: neither the order of the categories nor
+// categories that are in the file no more.
+void CQuorvaneLuminaireDlg::SetCategories(const std::vector<CString>& names, tagLUMINAIREINFO& record) {
+    const std::vector<CString> before =
+        m_lists.SplitCategoryNames(m_lists.CategoryNames(record.LamphouseTypeID));
+    if (!std::is_permutation(names.begin(), names.end(), before.begin(), before.end())) {
+        record.LamphouseTypeID = m_lists.CategoryIds(Join(names));
+        record.DefaultLamphouse = m_lists.DefaultLightSource(record.LamphouseTypeID, record.DefaultLamphouse);
+    }
 }
 
 void CQuorvaneLuminaireDlg::TakeLightSources(const CString& texts, tagLUMINAIREINFO& record) {

@@ -257,17 +257,13 @@ void CQuorvaneLuminaireDlg::OpenTypeChooser(CCellID cell) {
 }
 
 void CQuorvaneLuminaireDlg::TakeChosenTypes(const std::vector<CString>& names) {
-    tagLUMINAIREINFO record = m_grid.RecordAt(m_chooserRow);
-    // Names that were ticked before and still are change nothing: neither the order of the categories nor
-    // categories that are in the file no more.
-    const std::vector<CString> before =
-        m_lists.SplitCategoryNames(m_lists.CategoryNames(record.LamphouseTypeID));
-    if (std::is_permutation(names.begin(), names.end(), before.begin(), before.end())) {
+    const tagLUMINAIREINFO before = m_grid.RecordAt(m_chooserRow);
+    tagLUMINAIREINFO record = before;
+    m_lists.Invalidate();
+    SetCategories(names, record);
+    if (record == before) {
         return;
     }
-    m_lists.Invalidate();
-    record.LamphouseTypeID = m_lists.CategoryIds(Join(names));
-    record.DefaultLamphouse = m_lists.DefaultLightSource(record.LamphouseTypeID, record.DefaultLamphouse);
     m_grid.Put({m_chooserRow, kCategories}, record);
     if (!m_lists.IsComplete()) {
         TellIncompleteLoad(this, kCaption);

@@ -48,6 +48,8 @@ private:
     static CString FactorKindText(const tagLUMINAIREINFO& luminaire);
     static CString CountText(const CString& typed);  // an empty count is 0
     CellSetup LightSourceSetup(const tagLUMINAIREINFO& record);
+    void TakeCategories(const CString& names, tagLUMINAIREINFO& record);
+    void SetCategories(const std::vector<CString>& names, tagLUMINAIREINFO& record);
     void TakeLightSources(const CString& texts, tagLUMINAIREINFO& record);
     CString PresetLightSource();
     const CString& CategoriesOf(const tagLUMINAIREINFO& record) const;

@@ -144,7 +144,7 @@ private:
             if (text == before) {
                 continue;
             }
-            if (Takes(column, record, text)) {
+            if (TakesText(column, record, text)) {
                 column.take(text, record);
                 m_records.Replace(record);
                 ++result.done;
@@ -157,18 +157,6 @@ private:
         m_records.RenameStep(QStringLiteral("替换 %1 格").arg(result.done));
         m_grid->RemakeRows();
         return result;
-    }
-    static bool Takes(const Column<Record>& column, const Record& record, const CString& text) {
-        const CellSetup setup = column.setup ? column.setup(record) : CellSetup{};
-        switch (setup.kind) {
-            case CellSetup::Text:
-                return column.take && (!column.accepts || column.accepts(text));
-            case CellSetup::DropDown:
-                return column.take &&
-                       std::find(setup.choices->begin(), setup.choices->end(), text) != setup.choices->end();
-            default:
-                return false;
-        }
     }
 
     const Column<Record>& At(int column) const { return m_columns[static_cast<std::size_t>(column)]; }

@@ -29,7 +29,23 @@ std::vector<CCellRange> SelectedOnce(const GridCore& core) {
 }
 
 bool TakesEntry(const GridCore& core, CCellID cell, const CString& text) {
-    return core.Takes(cell, text) && (text.isEmpty() || !core.entryCheck || core.entryCheck(cell, text));
+    return core.Takes(cell, text) && (text.isEmpty() || !core.entryCheck || core.entryCheck(cell, text, {}));
+}
+
+// Whether it will, when other texts have been entered into the row. They do not change what is typed into.
+bool WillTakeEntry(const GridCore& core, CCellID cell, const CString& text, const RowTexts& before) {
+    const bool isTyped = core.EditingOf(cell) == CellEditing::Text;
+    return isTyped || before.empty() || !core.entryCheck ? TakesEntry(core, cell, text)
+                                                         : core.entryCheck(cell, text, before);
+}
+
+PasteLoss::Refused::Reason WhyRefused(const GridCore& core, CCellID cell, const CString& text) {
+    const CellEditing editing = core.EditingOf(cell);
+    if (editing == CellEditing::Text) {
+        return PasteLoss::Refused::NoSuchValue;
+    }
+    const bool isChosen = editing == CellEditing::Choice || core.Takes(cell, text);
+    return isChosen ? PasteLoss::Refused::NoChoice : PasteLoss::Refused::ReadOnly;
 }
 
 void AddWhereChanged(std::vector<GridEntry>& entries, const GridCore& core, CCellID cell,
@@ -153,14 +169,21 @@ std::vector<GridEntry> FillDownEntries(const GridCore& core) {
 
 PasteLoss LossOf(const GridCore& core, const std::vector<GridEntry>& entries) {
     PasteLoss loss{.texts = static_cast<int>(entries.size()), .lastRow = core.RowCount() - 1};
+    RowTexts before;
+    int row = -1;
     for (const auto& [cell, text] : entries) {
         const CCellID judge{std::min(cell.row, loss.lastRow), cell.col};
+        if (std::exchange(row, cell.row) != cell.row) {
+            before.clear();
+        }
         if (!text.isEmpty() && cell.col >= core.ColumnCount()) {
             ++loss.beyondColumns;
         } else if (!text.isEmpty()) {
             loss.belowRows += cell.row > loss.lastRow ? 1 : 0;
-            if (!TakesEntry(core, judge, text) && core.Text(cell) != text) {
-                loss.refused.push_back({cell, text, core.EditingOf(judge) == CellEditing::Choice});
+            if (WillTakeEntry(core, judge, text, before)) {
+                before.emplace_back(cell.col, text);
+            } else if (core.Text(cell) != text) {
+                loss.refused.push_back({cell, text, WhyRefused(core, judge, text)});
             }
         }
     }

@@ -62,8 +62,9 @@ CCellID NextEditable(const GridCore& core, CCellID from, int direction) {
         }
         const CCellID cell{row, column};
         const CGridCellBase* source = core.Cell(cell);
-        const bool hasList = source != nullptr && (source->GetState() & CellState::DropDown) != 0;
-        if (core.Origin(cell) == cell && (hasList || core.EditingOf(cell) != CellEditing::None)) {
+        constexpr unsigned kTakes = CellState::DropDown | CellState::TakesTexts;
+        const bool takes = source != nullptr && (source->GetState() & kTakes) != 0;
+        if (core.Origin(cell) == cell && (takes || core.EditingOf(cell) != CellEditing::None)) {
             return cell;
         }
     }
@@ -128,11 +129,8 @@ GridCommand PressTab(const GridCore& core, const QKeyEvent& event, CCellID focus
     if (beside.IsValid()) {
         return {Kind::Focus, beside};
     }
-    const CCellID other = Step(core, focus, back ? GridMove::Up : GridMove::Down);
-    if (!other.IsValid()) {
-        return {};  // at the end the key leaves the grid
-    }
-    return {Kind::Focus, core.Origin({other.row, back ? LastCell(core).col : FirstCell(core).col})};
+    const CCellID other = Step(core, focus, back ? GridMove::PreviousEditable : GridMove::NextEditable);
+    return {other.IsValid() ? Kind::Focus : Kind::PassOn, other};  // at the end the key leaves the grid
 }
 
 // Enter is used up even at the end: in a table it must not press a dialog's default button.
@@ -141,7 +139,7 @@ GridCommand PressEnter(const GridCore& core, const QKeyEvent& event, CCellID foc
         return {};
     }
     const bool up = (event.modifiers() & Qt::ShiftModifier) != 0;
-    const CCellID target = Step(core, focus, up ? GridMove::Up : GridMove::Down);
+    const CCellID target = StepByEnter(core, focus, up ? GridMove::Up : GridMove::Down);
     return {target.IsValid() ? Kind::Focus : Kind::Nothing, target};
 }
 
@@ -185,6 +183,10 @@ GridCommand PressWithFocus(const GridCore& core, const QKeyEvent& event, CCellID
             return PressSpace(core, event, focus);
         case Qt::Key_Delete:
             return {HasCommandModifier(event) ? Kind::PassOn : Kind::ClearContents, focus};
+        case Qt::Key_Backspace: {
+            const bool empties = !HasCommandModifier(event) && core.EditingOf(focus) == CellEditing::Text;
+            return {empties ? Kind::Edit : Kind::PassOn, focus};  // all is selected, and the key goes there
+        }
         case Qt::Key_Down:
             return (event.modifiers() & Qt::AltModifier) != 0 ? OpenChoices(core, focus)
                                                               : MoveByKey(core, event, focus);
@@ -259,7 +261,7 @@ CCellID Step(const GridCore& core, CCellID from, GridMove move) {
     }
 }
 
-CCellID NextAfterEdit(const GridCore& core, CCellID from, GridMove move) {
+CCellID StepByEnter(const GridCore& core, CCellID from, GridMove move) {
     const CCellID step = Step(core, from, move);
     if (step.IsValid() || !core.typesByColumns) {
         return step;

@@ -18,9 +18,11 @@ GridCommand CommandOfKey(const GridCore& core, const QKeyEvent& event);
 // and fixed rows and columns are stepped over.
 CCellID Step(const GridCore& core, CCellID from, GridMove move);
 
-// The cell that follows after an edit has ended in `from`; none when there is no further one. A table that is
-// typed by columns goes on at the head of the next column.
-CCellID NextAfterEdit(const GridCore& core, CCellID from, GridMove move);
+// The cell that Enter leads to; none when there is no further one. A table that is typed by columns goes on
+// at the head of the next column.
+CCellID StepByEnter(const GridCore& core, CCellID from, GridMove move);
+
+using NextCell = CCellID (*)(const GridCore& core, CCellID from, GridMove move);  // one of these two
 
 // The first cell in view that is not fixed.
 CCellID FirstVisible(const GridCore& core);

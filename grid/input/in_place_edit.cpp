@@ -181,19 +181,19 @@ bool InPlaceEdit::PressKey(const QKeyEvent& event) {
     switch (event.key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            m_controller.EndEditAndGoOn(shift ? GridMove::Up : GridMove::Down);
+            m_controller.EndEditAndMove(shift ? GridMove::Up : GridMove::Down, StepByEnter);
             return true;
         case Qt::Key_Tab:
         case Qt::Key_Backtab: {
             const bool back = shift || event.key() == Qt::Key_Backtab;
-            m_controller.EndEditAndGoOn(back ? GridMove::PreviousEditable : GridMove::NextEditable);
+            m_controller.EndEditAndMove(back ? GridMove::PreviousEditable : GridMove::NextEditable, Step);
             return true;
         }
         case Qt::Key_Up:
-            m_controller.EndEditAndMove(GridMove::Up);
+            m_controller.EndEditAndMove(GridMove::Up, Step);
             return true;
         case Qt::Key_Down:
-            m_controller.EndEditAndMove(GridMove::Down);
+            m_controller.EndEditAndMove(GridMove::Down, Step);
             return true;
         case Qt::Key_Escape:
             Cancel();

@@ -130,7 +130,7 @@ private Q_SLOTS:
         }
         const QString question =
             u"光源库|剪贴板中有8个单元格的内容,其中2个超出表格或不能填入所在的单元格,"
-            "不会粘贴。\n第3行:“水银灯”不是可选的内容。\n是否粘贴其余内容?|是/否"_s;
+            "不会粘贴。\n不是可选的内容:“水银灯”。\n不是数值:“1e3”。\n是否粘贴其余内容?|是/否"_s;
         QCOMPARE(fixture.answers.TakeSeen(), QStringList({question, question}));
         QCOMPARE(fixture.Rows().mid(2),
                  QStringList({u"3|荧光灯|甲|T5-14|1.23457E+06|14|甲厂"_s, u"追加|荧光灯|乙||0|0|"_s,

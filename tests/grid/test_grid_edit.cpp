@@ -52,7 +52,8 @@ private Q_SLOTS:
         QCOMPARE(grid.Editor()->text(), u"9"_s);
         grid->EndEdit();
         QCOMPARE(grid->GetItemText(2, 1), u"9"_s);
-        grid.Key(Qt::Key_Delete);
+        grid.Key(Qt::Key_Backspace);
+        grid->EndEdit();
         QCOMPARE(grid->GetItemText(2, 1), QString());
         QCOMPARE(ended.count(), 4);
         grid.Click(3, 1, Qt::ShiftModifier);
@@ -171,33 +172,30 @@ private Q_SLOTS:
             Qt::Key key;
             Qt::KeyboardModifiers modifiers;
             CCellID to;
-            bool isEdited;
             bool byColumns;
-        } cases[]{{{1, 0}, Qt::Key_Return, {}, {2, 0}, true, false},
-                  {{1, 0}, Qt::Key_Enter, Qt::KeypadModifier, {2, 0}, true, false},
-                  {{2, 0}, Qt::Key_Return, kShift, {1, 0}, true, false},
-                  {{3, 0}, Qt::Key_Return, {}, {4, 0}, false, true},
-                  {{5, 1}, Qt::Key_Return, {}, {5, 1}, false, false},
-                  {{5, 0}, Qt::Key_Return, {}, {1, 1}, true, true},
-                  {{1, 1}, Qt::Key_Return, kShift, {5, 0}, true, true},
-                  {{5, 3}, Qt::Key_Return, {}, {5, 3}, false, true},
-                  {{2, 1}, Qt::Key_Up, {}, {1, 1}, false, false},
-                  {{2, 1}, Qt::Key_Down, {}, {3, 1}, false, false},
-                  {{1, 1}, Qt::Key_Tab, {}, {1, 3}, true, false},
-                  {{3, 3}, Qt::Key_Tab, {}, {4, 1}, true, false},
-                  {{4, 1}, Qt::Key_Backtab, kShift, {3, 3}, true, false},
-                  {{5, 3}, Qt::Key_Tab, {}, {5, 3}, false, false}};
+        } cases[]{{{1, 0}, Qt::Key_Return, {}, {2, 0}, false},
+                  {{1, 0}, Qt::Key_Enter, Qt::KeypadModifier, {2, 0}, false},
+                  {{2, 0}, Qt::Key_Return, kShift, {1, 0}, false},
+                  {{3, 0}, Qt::Key_Return, {}, {4, 0}, true},
+                  {{5, 1}, Qt::Key_Return, {}, {5, 1}, false},
+                  {{5, 0}, Qt::Key_Return, {}, {1, 1}, true},
+                  {{1, 1}, Qt::Key_Return, kShift, {5, 0}, true},
+                  {{5, 3}, Qt::Key_Return, {}, {5, 3}, true},
+                  {{2, 1}, Qt::Key_Up, {}, {1, 1}, false},
+                  {{2, 1}, Qt::Key_Down, {}, {3, 1}, false},
+                  {{1, 1}, Qt::Key_Tab, {}, {1, 3}, false},
+                  {{3, 3}, Qt::Key_Tab, {}, {4, 1}, false},
+                  {{4, 1}, Qt::Key_Backtab, kShift, {3, 3}, false},
+                  {{5, 3}, Qt::Key_Tab, {}, {5, 3}, false}};
         const QSignalSpy ended(grid.get(), &CGridCtrl::EndLabelEdit);
-        for (const auto& [from, key, modifiers, to, isEdited, byColumns] : cases) {
+        for (const auto& [from, key, modifiers, to, byColumns] : cases) {
             grid->SetTypesByColumns(byColumns);
             grid->BeginEdit(from.row, from.col);
             QTest::keyClicks(grid.Editor(), u"new"_s);
             QTest::keyClick(grid.Editor(), key, modifiers);
             QCOMPARE(grid->GetItemText(from.row, from.col), u"new"_s);
             QCOMPARE(grid->GetFocusCell(), to);
-            QVERIFY(grid->IsEditing() == isEdited && grid->hasFocus() != isEdited);
-            QVERIFY(!isEdited || grid.Editor()->selectedText() == grid->GetItemText(to.row, to.col));
-            grid->CancelEdit();
+            QVERIFY(!grid->IsEditing() && grid->hasFocus());  // the next key may undo or paste
         }
         QCOMPARE(ended.count(), qsizetype(std::size(cases)));
         grid.Key(Qt::Key_Tab);  // without an edit the last cell's Tab leaves the grid
@@ -205,7 +203,7 @@ private Q_SLOTS:
         connect(grid.get(), &CGridCtrl::EndLabelEdit, grid.get(), [&grid] { grid->InsertRow({}); });
         grid->BeginEdit(5, 1);
         QTest::keyClick(grid.Editor(), Qt::Key_Return);
-        QVERIFY(grid->IsEditing() && grid->GetFocusCell() == (CCellID{6, 1}));
+        QCOMPARE(grid->GetFocusCell(), (CCellID{6, 1}));
     }
 
     void waysOut() {
@@ -283,7 +281,7 @@ private Q_SLOTS:
         grid->BeginEdit(41, 0);
         QTest::keyClick(grid.Editor(), Qt::Key_Return);
         QCOMPARE(grid->GetFocusCell(), (CCellID{42, 0}));
-        QCOMPARE(grid.Editor()->text(), u"new"_s);
+        grid->BeginEdit(42, 0);
         disconnect(refill);
         connect(grid.get(), &CGridCtrl::EndLabelEdit, grid.get(), &CGridCtrl::DeleteAllItems);
         grid.Click(grid->GetFocusCell().row - 1, 1);  // ends the edit, and then there is nothing left to hit

@@ -107,8 +107,8 @@ private Q_SLOTS:
         QCOMPARE(Texts({5, 1, 5, 3}), u"b two 5,3"_s);
         QVERIFY(loss.texts == 6 && loss.beyondColumns == 1 && loss.belowRows == 2 && loss.lastRow == 5);
         QCOMPARE(loss.refused.size(), std::size_t(3));
-        QVERIFY(loss.refused[0].text == u"three" && loss.refused[0].isNoChoice);
-        QVERIFY(loss.refused[1].text == u"x" && !loss.refused[1].isNoChoice);
+        QVERIFY(loss.refused[0].text == u"three" && loss.refused[0].reason == PasteLoss::Refused::NoChoice);
+        QVERIFY(loss.refused[1].text == u"x" && loss.refused[1].reason == PasteLoss::Refused::ReadOnly);
         QCOMPARE(loss.refused[2].cell, (CCellID{6, 2}));
     }
 
@@ -122,6 +122,7 @@ private Q_SLOTS:
         m_grid->SetFocusCell({4, 1});
         Paste(u"a\tb\nc\td"_s);
         QCOMPARE(Texts({5, 1, 6, 2}), u"a b c d"_s);
+        QCOMPARE(m_grid->GetSelectedCellRange(), (CCellRange{5, 1, 6, 2}));
         disconnect(handler);
         int edits = 0;
         connect(m_grid, &CGridCtrl::EndLabelEdit, m_grid, [&] {
@@ -159,9 +160,9 @@ private Q_SLOTS:
     }
 
     void LoadsWhatSpreadsheetsWrite() {
-        const TextTable expected{{u"灯"_s, u"1,5"_s}, {u"b"_s}};
-        for (const char* bytes : {"\xEF\xBB\xBF\xE7\x81\xAF,\"1,5\"\r\nb\r\n", "\xE7\x81\xAF;1,5\nb",
-                                  "\"\xB5\xC6\",\"1,5\"\r\nb"}) {
+        const TextTable expected{{u"\"灯"_s, u"1,5"_s}, {u"b"_s}};
+        for (const char* bytes : {"\xEF\xBB\xBF\"\xE7\x81\xAF,\"1,5\"\r\nb\r\n", "\"\xE7\x81\xAF;1,5\nb",
+                                  "\"\"\"\xB5\xC6\",\"1,5\"\r\nb"}) {
             Put(u"in.csv"_s, bytes);
             QVERIFY2(LoadTextTable(Path(u"in.csv"_s)) == expected, bytes);
         }

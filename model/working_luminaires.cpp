@@ -10,6 +10,28 @@ namespace quorvane {
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+using Factors = WorkingLuminaires::Factors;
+
+bool AreSameInFile(Factors left, Factors right) {
+    std::ranges::sort(left, {}, &tagLUMINAIREUTILIZATIONFACTOR::ID);
+    std::ranges::sort(right, {}, &tagLUMINAIREUTILIZATIONFACTOR::ID);
+    return std::ranges::equal(left, right,
+                              [](const auto& one, const auto& other) { return IsSameInFile(one, other); });
+}
+
+// The same table, under whatever IDs. Factors are written and read in their order.
+bool AreSameTable(const Factors& left, const Factors& right) {
+    return std::ranges::equal(left, right, [](const auto& one, auto other) {
+        other.ID = one.ID;
+        other.LuminaireID = one.LuminaireID;
+        return IsSameInFile(one, other);
+    });
+}
+
+}  // namespace
+
 tagLUMINAIREINFO EmptyLuminaire() {
     tagLUMINAIREINFO empty;
     empty.LamphouseCount = u"0"_s;
@@ -137,17 +159,12 @@ StoredRecords<tagLUMINAIREINFO> WorkingLuminaires::RecordsInFile(const std::opti
 void WorkingLuminaires::CompareFactors(SubmitFailures& failures) {
     for (auto& [id, written] : std::exchange(m_replaced, {})) {
         const tagLUMINAIREINFO* record = m_records.Find(id);
-        Factors stored;
-        const bool isRead = m_database.LoadUtilizationFactors(id, stored);
-        std::ranges::sort(stored, {}, &tagLUMINAIREUTILIZATIONFACTOR::ID);
-        std::ranges::sort(written, {}, &tagLUMINAIREUTILIZATIONFACTOR::ID);
-        const bool isSame = std::ranges::equal(
-            stored, written, [](const auto& left, const auto& right) { return IsSameInFile(left, right); });
-        if (record != nullptr && !(isRead && isSame)) {
-            m_records.NoteComparison(id, isRead ? std::optional(Unwritten::PartDifferent) : std::nullopt,
+        std::optional<Factors> stored = FactorsInFile(id);
+        if (record != nullptr && !(stored && AreSameInFile(*stored, written))) {
+            m_records.NoteComparison(id, stored ? std::optional(Unwritten::PartDifferent) : std::nullopt,
                                      record, failures);
-            if (isRead) {
-                m_unsaved[id] = {record->LampPhoto, {}, written};
+            if (stored) {
+                m_unsaved[id] = {record->LampPhoto, {}, PastedFactors{written, std::move(stored)}};
             }
         }
     }
@@ -243,7 +260,9 @@ bool WorkingLuminaires::Update(tagLUMINAIREINFO& record) {
     if (unsaved == m_unsaved.end()) {
         return true;
     }
-    if (unsaved->second.factors && !ReplaceFactors(record.ID, *unsaved->second.factors)) {
+    std::optional<PastedFactors>& pasted = unsaved->second.pasted;
+    if (pasted && !ReplaceFactors(record.ID, pasted->factors)) {
+        pasted->inFile = FactorsInFile(record.ID);  // a part may have been replaced
         unsaved->second.picture = {};
         return false;
     }
@@ -340,8 +359,8 @@ bool WorkingLuminaires::Copy(const tagLUMINAIREINFO& luminaire) {
         m_copied.picture = m_photos.CopyPicture(0, luminaire.LampPhoto);
     }
     const auto unsaved = m_unsaved.find(luminaire.ID);
-    if (unsaved != m_unsaved.end() && unsaved->second.factors) {
-        m_copied.factors = *unsaved->second.factors;
+    if (unsaved != m_unsaved.end() && unsaved->second.pasted) {
+        m_copied.factors = unsaved->second.pasted->factors;
         return true;
     }
     if (!m_database.LoadUtilizationFactors(luminaire.ID, m_copied.factors)) {
@@ -364,26 +383,59 @@ WorkingLuminaires::Saved WorkingLuminaires::Paste(int id) {
         m_storedPhotos.insert(id, luminaire.LampPhoto);
     }
     m_records.NoteChange(id);
-    m_unsaved[id] = {luminaire.LampPhoto, m_copied.picture, m_copied.factors};
+    m_unsaved[id] = {luminaire.LampPhoto, m_copied.picture,
+                     PastedFactors{m_copied.factors, FactorsInFile(id)}};
     Saved saved = Save(id);
     m_records.SetModified(!saved.written || wasModified);
     return saved;
 }
 
-std::map<int, WorkingLuminaires::Factors> WorkingLuminaires::PendingFactors() const {
-    std::map<int, Factors> pending;
+// ---- What outlives the run
+
+std::optional<WorkingLuminaires::Factors> WorkingLuminaires::FactorsInFile(int id) {
+    Factors factors;
+    const bool isRead = id <= 0 || m_database.LoadUtilizationFactors(id, factors);
+    return isRead ? std::optional(std::move(factors)) : std::nullopt;
+}
+
+std::map<int, WorkingLuminaires::PastedFactors> WorkingLuminaires::PendingFactors() const {
+    std::map<int, PastedFactors> pending;
     for (const auto& [id, unsaved] : m_unsaved) {
-        if (unsaved.factors) {
-            pending.emplace(id, *unsaved.factors);
+        if (unsaved.pasted) {
+            pending.emplace(id, *unsaved.pasted);
         }
     }
     return pending;
 }
 
-void WorkingLuminaires::SetPendingFactors(int id, Factors factors) {
-    m_unsaved[id].factors = std::move(factors);
+bool WorkingLuminaires::PasteFactorsAgain(int id, PastedFactors pasted) {
+    const std::optional<Factors> present = FactorsInFile(id);
+    if (present && AreSameTable(*present, pasted.factors)) {
+        return true;
+    }
+    if (!present || !pasted.inFile || !AreSameInFile(*present, *pasted.inFile)) {
+        return false;
+    }
+    m_unsaved[id].pasted = std::move(pasted);
     m_records.NoteChange(id);
     m_records.SetModified();
+    return true;
+}
+
+std::vector<int> WorkingLuminaires::LeftAlonePhotos() const {
+    std::vector<int> ids;
+    m_records.ForEach([&](const tagLUMINAIREINFO& record) {
+        if (m_records.IsChanged(record.ID) && IsLeftAlone(record)) {
+            ids.push_back(record.ID);
+        }
+    });
+    return ids;
+}
+
+void WorkingLuminaires::LeavePhotoAlone(int id) {
+    if (const tagLUMINAIREINFO* record = m_records.Find(id); record != nullptr) {
+        m_storedPhotos.insert(id, record->LampPhoto);
+    }
 }
 
 }  // namespace quorvane

@@ -63,11 +63,23 @@ public:
     // Puts the copy in the place of the record with that ID, or appends it for ID 0, and writes it at once.
     // The modified flag changes only when the copy could not be written.
     Saved Paste(int id);
-    // The pasted factors that are still to be written, by record ID.
+
+    // ---- What outlives the run beside the records
+
     using Factors = std::vector<tagLUMINAIREUTILIZATIONFACTOR>;
-    std::map<int, Factors> PendingFactors() const;
-    // Factors that the next submit is to put in the place of those of the record with that ID.
-    void SetPendingFactors(int id, Factors factors);
+    struct PastedFactors {
+        Factors factors;
+        std::optional<Factors> inFile;  // those that they are to replace; none when these could not be read
+    };
+    // The pasted factors that are still to be written, by record ID.
+    std::map<int, PastedFactors> PendingFactors() const;
+    // In a later run: pastes them again for the record with that ID, which must exist, unless the file holds
+    // them already. False when it does not hold what it did then.
+    bool PasteFactorsAgain(int id, PastedFactors pasted);
+    // The unwritten records whose photo came with the file, perhaps by a paste, and is not to be copied.
+    std::vector<int> LeftAlonePhotos() const;
+    // In a later run: leaves the photo of the record with that ID, if there is one, alone.
+    void LeavePhotoAlone(int id);
 
 private:
     struct CopyBuffer {
@@ -81,7 +93,7 @@ private:
     struct Unsaved {
         CString photo;                      // the photo text that the picture belongs to
         PhotoLibrary::PictureCopy picture;  // a copy of that picture, or none
-        std::optional<Factors> factors;     // pasted ones, which replace those in the database
+        std::optional<PastedFactors> pasted = {};
     };
 
     RecordStatements<tagLUMINAIREINFO> Statements();
@@ -97,6 +109,8 @@ private:
     // Whether the record's photo came with the file and is not the luminaire's own picture in the library.
     bool IsLeftAlone(const tagLUMINAIREINFO& record) const;
     bool ReplaceFactors(int luminaireId, const Factors& factors);
+    // The factors in the file of the record with that ID; none when they could not be read completely.
+    std::optional<Factors> FactorsInFile(int id);
     StoredRecords<tagLUMINAIREINFO> RecordsInFile(const std::optional<CString>& slice);
     void CompareFactors(SubmitFailures& failures);
     void CopyUsedPictures();

@@ -48,7 +48,8 @@ const CString kCaption = u"灯具库"_s;
 const CString kFilterKey = u"filter"_s;
 const CString kLuminairesKey = u"records"_s;
 const CString kFactorsKey = u"factorTable"_s;
-const CString kPastedKey = u"pasted"_s;
+const CString kPastedKey = u"pastedFactors"_s;
+const CString kPhotosKey = u"photosLeftAlone"_s;
 // The keys that open every cell with a drop-down list.
 bool OpensDropDown(const QKeyEvent& event) {
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
@@ -343,13 +344,15 @@ std::function<QCborMap()> CQuorvaneLuminaireDlg::KeepEdits() const {
         table = m_factorTable->KeepEdits();
     }
     return [edits = EditsOf(m_luminaires.Records()), filter = m_filter->currentText(), table,
-            pasted = m_luminaires.PendingFactors()] {
+            pasted = m_luminaires.PendingFactors(), photos = m_luminaires.LeftAlonePhotos()] {
         QCborMap kept{{kFilterKey, filter}, {kLuminairesKey, ToCbor(edits)}};
         QCborArray tables;
         for (const auto& [id, factors] : pasted) {
-            tables.append(QCborArray{id, ToCbor(factors)});
+            tables.append(QCborArray{id, ToCbor(factors.factors),
+                                     factors.inFile ? ToCbor(*factors.inFile) : QCborValue()});
         }
         kept.insert(kPastedKey, tables);
+        kept.insert(kPhotosKey, ToCbor(photos));
         if (table) {
             kept.insert(kFactorsKey, ToCbor(*table));
         }
@@ -369,8 +372,15 @@ QStringList CQuorvaneLuminaireDlg::MakeEditsAgain(const QCborMap& kept) {
         kept[kLuminairesKey], m_luminaires.Records(), m_grid,
         {[this](std::vector<tagLUMINAIREINFO>& all) { return m_database.LoadLuminairesByType({}, all); }},
         &newIds);
+    const auto idNow = [&newIds](const QCborValue& id) {
+        const auto renewed = newIds.find(static_cast<int>(id.toInteger()));
+        return renewed == newIds.end() ? static_cast<int>(id.toInteger()) : renewed->second;
+    };
+    for (const auto& photo : kept[kPhotosKey].toArray()) {
+        m_luminaires.LeavePhotoAlone(idNow(photo));
+    }
     for (const auto& pasted : kept[kPastedKey].toArray()) {
-        refused += PasteFactorsAgain(pasted.toArray(), newIds);
+        refused += PasteFactorsAgain(pasted.toArray(), idNow(pasted.toArray().at(0)));
     }
     const auto table = ReadFactorTable(kept[kFactorsKey]);
     if (table) {
@@ -386,19 +396,22 @@ QStringList CQuorvaneLuminaireDlg::MakeEditsAgain(const QCborMap& kept) {
     return refused;
 }
 
-// Pasted factors that could not be written, [the luminaire's ID, the factors].
-QStringList CQuorvaneLuminaireDlg::PasteFactorsAgain(const QCborArray& pasted,
-                                                     const std::map<int, int>& newIds) {
-    int id = 0;
-    WorkingLuminaires::Factors factors;
-    const bool isRead = ReadCbor(pasted.at(0), id) && ReadCbor(pasted.at(1), factors);
-    const auto now = newIds.find(id);
-    id = now == newIds.end() ? id : now->second;
-    if (!isRead || m_luminaires.Records().Find(id) == nullptr) {
-        return {u"利用系数表: 上次粘贴而未写入的利用系数没有恢复,请重新粘贴"_s};
+// Pasted factors that could not be written: [their luminaire's ID then, they, those in the file then].
+QStringList CQuorvaneLuminaireDlg::PasteFactorsAgain(const QCborArray& kept, int id) {
+    WorkingLuminaires::PastedFactors pasted;
+    const bool isRead = ReadCbor(kept.at(1), pasted.factors) &&
+                        (kept.at(2).isUndefined() || ReadCbor(kept.at(2), pasted.inFile.emplace()));
+    if (!isRead) {
+        return {u"利用系数表: 上次粘贴而未写入的利用系数不能读取,请重新粘贴"_s};
     }
-    m_luminaires.SetPendingFactors(id, std::move(factors));
-    return {};
+    const tagLUMINAIREINFO* luminaire = m_luminaires.Records().Find(id);
+    if (luminaire != nullptr && m_luminaires.PasteFactorsAgain(id, pasted)) {
+        return {};
+    }
+    FactorTableEditing::Kept lost;
+    lost.stored.factors = pasted.inFile.value_or(WorkingLuminaires::Factors());
+    lost.edited.factors = pasted.factors;
+    return RefusedLines(luminaire == nullptr ? CString() : luminaire->LampName, lost);
 }
 
 void CQuorvaneLuminaireDlg::OpenKeptDialog() {

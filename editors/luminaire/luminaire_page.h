@@ -74,7 +74,7 @@ private:
     void EditFactorTable();
     // Makes the dialog of the luminaire's factors, for EditFactorTable.
     void MakeFactorTable(const tagLUMINAIREINFO& record);
-    QStringList PasteFactorsAgain(const QCborArray& pasted, const std::map<int, int>& newIds);
+    QStringList PasteFactorsAgain(const QCborArray& kept, int id);
 
     int SelectedRow();
     void Copy();

@@ -106,6 +106,30 @@ private Q_SLOTS:
         QCOMPARE(place.Factors(), u"31:0.5 31:0.25 32:0.5 32:0.25"_s);
     }
 
+    // In a later run: only over the factors that they were to replace, unless they are in the file already.
+    void PastedFactorsOutliveTheRun() {
+        const QString other = u"31:0.5 31:0.25 32:9.0"_s;
+        const QString pasted = u"31:0.5 31:0.25 32:0.5 32:0.25"_s;
+        const QString write =
+            u"insert into 利用系数 values (7,32,70,50,20,1,0.5),(8,32,70,50,20,2,0.25);delete from 利用系数 where ID=3"_s;
+        for (const auto& [since, isTaken, factors] :
+             {std::tuple(QString(), true, pasted),
+              {write, true, pasted},
+              {u"update 利用系数 set UtilizationFactor=9 where ID=3"_s, false, other}}) {
+            Place place;
+            place.Copy(31);
+            place.log.failing = QStringList{u"update 灯具"_s};
+            place.luminaires.Paste(32);
+            place.log.failing.clear();
+            const WorkingLuminaires::PastedFactors kept = place.luminaires.PendingFactors().at(32);
+            place.file.Raw().Execute(since);
+            place.luminaires.Load(u"1"_s);
+            QCOMPARE(place.luminaires.PasteFactorsAgain(32, kept), isTaken);
+            QVERIFY(place.luminaires.Submit().None());
+            QCOMPARE(place.Factors(), factors);
+        }
+    }
+
     // A picture that has taken its place is not put there again with what is still to be written.
     void APictureIsPlacedOnce() {
         Place place;

@@ -117,3 +117,13 @@ build() {
     step "building ($preset)"
     cmake --build --preset "$preset" ${1:+--target "$@"} || die "building failed; the reason stands above"
 }
+
+# useTestLocales: the tests find a locale with a decimal comma, made without touching the machine's own list.
+useTestLocales() {
+    if [[ ! -d build/locale/de_DE.UTF-8 ]]; then
+        step "making a locale with a decimal comma"
+        mkdir -p build/locale
+        localedef --inputfile=de_DE --charmap=UTF-8 build/locale/de_DE.UTF-8
+    fi
+    export LOCPATH="$PWD/build/locale"
+}

@@ -228,6 +228,10 @@ void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures&
     ShowMessage(parent, text, caption);
 }
 
+void TellNotOnDisk(QWidget* parent, const CString& caption, const ProviderFailure& failure) {
+    ShowMessage(parent, u"数据已经写入,但磁盘报告错误,断电后可能丢失。\n"_s + CauseText(failure, 0), caption);
+}
+
 CString UnwrittenTip(Unwritten why, const WriteFailure& failure) {
     switch (why) {
         case Unwritten::No:

@@ -35,6 +35,8 @@ void TellIncompleteLoad(QWidget* parent, const CString& caption, const ProviderF
 void TellIncompleteLoadSoon(QWidget* parent, const CString& caption);
 // Tells what is not in the file after a submit, if anything.
 void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures);
+// Tells that everything was written, but that a power cut may still take it, and why.
+void TellNotOnDisk(QWidget* parent, const CString& caption, const ProviderFailure& failure);
 // The tip of a marked row; empty for one that is not marked.
 CString UnwrittenTip(Unwritten why, const WriteFailure& failure);
 // The tip of a cell that shows another text than the record in the file.

@@ -10,6 +10,7 @@ namespace quorvane {
 void RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& database, const SubmitSteps& steps) {
     SubmitFailures failures;
     bool isOnDisk = false;
+    ProviderFailure whyNot;
     {
         SubmitProgress progress(page, u"正在提交数据……"_s);
         const ProgressCallback tell = [&progress](int done, int total) { progress(done, total); };
@@ -19,11 +20,12 @@ void RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& databas
         SubmitScope scope(database);
         failures = steps.write(tell);
         isOnDisk = scope.Finish();
+        whyNot = database.LastFailure();
         steps.compare(failures);
     }
     TellFailures(page, caption, failures);
     if (failures.None() && !isOnDisk) {
-        ShowMessage(page, u"数据已经写入,但磁盘报告错误,断电后可能丢失。"_s, caption);
+        TellNotOnDisk(page, caption, whyNot);
     }
 }
 

@@ -104,7 +104,7 @@ private Q_SLOTS:
             }
             QVERIFY2(timer.elapsed() < kLongestMs, qPrintable(path));
         }
-        qInfo("%d files, %d opened", fileCount, opened);
+        qInfo("cases: %d, %d opened", fileCount, opened);
         QVERIFY(0 < opened && opened < fileCount);
     }
 };

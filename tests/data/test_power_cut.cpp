@@ -9,6 +9,7 @@
 #include "tests/data/sqlite_on_simulated_disk.h"
 #include "tests/support/files.h"
 #include "tests/support/raw_database.h"
+#include "tests/support/rounds.h"
 #include "tools/database_schema.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -98,6 +99,7 @@ private Q_SLOTS:
         QFETCH(Trouble, trouble);
         QFETCH(int, powerCuts);
         m_isAccess = isAccess;
+        const int cuts = std::max(1, powerCuts * Rounds(1, nullptr, 1, 10));
         m_fixture = isAccess ? AccessFixture() : SqliteFixture();
         m_states.clear();
         SimulatedDisk& undisturbed = NewDisk();
@@ -107,12 +109,12 @@ private Q_SLOTS:
         QVERIFY(m_states.size() == kStatements + 1 && m_states.removeDuplicates() == 0);
         QCOMPARE(undisturbed.Names(), QStringList{kPath});
         for (int operation = 1; operation <= operations; ++operation) {
-            for (int cut = 0; cut < std::max(1, powerCuts); ++cut) {
+            for (int cut = 0; cut < cuts; ++cut) {
                 SimulatedDisk& disk = NewDisk();
                 disk.Plan(operation, trouble,
                           trouble == Trouble::Failure && powerCuts > 0 ? 4 * (cut + 1) : 0);
                 Run(false);
-                QRandomGenerator random(static_cast<quint32>(operation * 16 + cut));
+                QRandomGenerator random(static_cast<quint32>(operation * 64 + cut));
                 disk.Restart(powerCuts > 0 ? &random : nullptr);
                 CheckWhatIsLeft(powerCuts > 0 ? m_safe : m_reported);
                 if (QTest::currentTestFailed()) {
@@ -121,6 +123,7 @@ private Q_SLOTS:
                 }
             }
         }
+        qInfo("cases: %d", operations * cuts);
     }
 
 private:

@@ -132,14 +132,15 @@ class ProgramFolder:
         """Name -> content of the files in the photo library."""
         return {file.name: file.read_bytes() for file in self.database.parent.glob("LuminairePhotoLib/*")}
 
-    def everything(self):
-        """Table name -> its rows by their IDs, read past the program from its file. Ask while it is idle."""
+    def everything(self, file=None):
+        """Table name -> its rows by their IDs, read past the program from its file, or from a copy of that. Ask while
+        it is idle."""
         # From a copy: a reader of the file itself could stand in the way of the program's writing.
         with tempfile.TemporaryDirectory() as place:
             copy = shutil.copytree(self.database.parent, Path(place) / "copy",
                                    ignore=shutil.ignore_patterns("LuminairePhotoLib", "*-shm"))
             return {table: sorted(rows, key=lambda row: row["ID"])
-                    for table, rows in self.read(copy / self.database.name)}
+                    for table, rows in self.read(copy / (file or self.database).name)}
 
 
 class Program:

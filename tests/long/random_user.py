@@ -1,85 +1,78 @@
 #!/usr/bin/python3
-"""A user who types at random, on the real program.
+"""A user who types, undoes and submits at random, on the real program.
 
-    tests/e2e/virtual_screen tests/long/random_user.py BINARIES SECONDS [SEED]
+    tests/e2e/virtual_screen tests/long/random_user.py BINARIES crashes|day SECONDS [SEED]
 
-For half of the time the program is killed again and again in the middle of the work. At the next start the kept edits
-are restored; each cell must show what was typed into it last, or, of what was typed in the last seconds before the
-kill, any of it. For the other half one run of the program edits, undoes, changes tabs, loads and submits; its private
-memory and open files must not grow. DATABASE_KIND chooses the kind of file.
+crashes: the program is killed in the middle of the work, again and again. After each start the kept edits are restored.
+The page must then show what it showed at one of the last moments before the kill.
+
+day: one run of the program, in which the user changes tabs and loads as well. Its private memory and its open files must
+not grow. DATABASE_KIND chooses the kind of file.
 """
 
-import os
 import random
 import statistics
 import sys
-import tempfile
 import time
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "e2e"))
+from runs import CATEGORY, FLUX, Run, report
 
-import screen  # noqa: E402
-from driver import Program, ProgramFolder  # noqa: E402
+import screen
 
-BINARIES, SECONDS = Path(sys.argv[1]).resolve(), float(sys.argv[2])
-KIND = os.environ.get("DATABASE_KIND", "access")
-LOST_AT_MOST = 4.0  # seconds of typing before a kill
+LOST_AT_MOST = 4.0  # seconds of work before a kill
 GROWTH_AT_MOST = 1.1
-CATEGORY, COLUMN = "T5直管荧光灯", "光通量"
+ROWS = 6
 
 
-def type_somewhere(window, rows, chance):
-    row, value = chance.randrange(rows), str(chance.randrange(1, 9999))
-    window.enter(row, COLUMN, value)
-    return row, value
+def fluxes(window):
+    return [window.cell(row, FLUX).get_name() for row in range(ROWS)]
 
 
-def one_crash(folder, chance):
-    """One run of the program, killed while its user types; the rows that were not restored."""
-    program = Program(folder)
-    window = program.main_window()
-    window.choose("按光源类型显示", CATEGORY)
-    rows = window.append_row()
-    allowed = [[window.cell(row, COLUMN).get_name()] for row in range(rows)]
-    typed = []
-    end = time.monotonic() + chance.uniform(6, 20)
-    while time.monotonic() < end:
-        typed.append((*type_somewhere(window, rows, chance), time.monotonic()))
-    program.process.kill()
-    killed = time.monotonic()
-    program.wait_for_end()
-    for row, value, when in typed:
-        if when < killed - LOST_AT_MOST:
-            allowed[row] = []
-        allowed[row].append(value)
-    program = Program(folder)
-    if any(when < killed - LOST_AT_MOST for _, _, when in typed):
-        program.message("是否恢复").press_button("是")  # the page shows the same light sources again
-        window = program.main_window()
-        window.wait_for_cell(rows, "序号", "追加")
-    else:  # too early to tell
-        program.process.kill()
-        program.wait_for_end()
-        for file in Path(os.environ["XDG_CONFIG_HOME"]).glob("quorvane/edits-*"):
-            file.unlink()
-        return []
-    lost = [row for row in range(rows) if window.cell(row, COLUMN).get_name() not in allowed[row]]
-    window.submit()
-    window.press_button("退出")
-    program.wait_for_end()
-    return lost
+class User:
+    """Works in one column of the first rows, and knows what the page must show: each state with the time it came."""
+
+    def __init__(self, window, chance):
+        self._window, self._chance, self._undo = window, chance, []
+        self.states = [(0.0, fluxes(window))]
+
+    def act(self):
+        act = self._chance.choices(("type", "undo", "submit"), weights=(20, 6, 1))[0]
+        texts = list(self.states[-1][1])
+        if act == "submit":
+            self._window.submit()
+            self._undo.clear()  # a submit ends the history
+        elif act == "undo" and self._undo:
+            self._window.click_cell(0, "序号")  # leaves the cell that Enter has gone on to
+            screen.press("ctrl+z")
+            row, texts[row] = self._undo.pop()
+            self._window.wait_for_cell(row, FLUX, texts[row])
+        else:
+            row, text = self._chance.randrange(ROWS), str(self._chance.randrange(10000, 99999))
+            self._undo.append((row, texts[row]))
+            self._window.enter(row, FLUX, text)
+            texts[row] = text
+        self.states.append((time.monotonic(), texts))
 
 
-def crashes(folder, chance):
+def crashes(run, chance, end):
     tried = failed = 0
-    end = time.monotonic() + SECONDS / 2
     while time.monotonic() < end:
-        lost = one_crash(folder, chance)
-        tried, failed = tried + 1, failed + bool(lost)
-        print(f"crash {tried}: {f'rows {lost} were not restored' if lost else 'all was restored'}", flush=True)
-    print(f"crashes of a random user's program, {KIND}: {tried} tried, {failed} failed")
-    return failed
+        user, kill = User(run.window, chance), time.monotonic() + chance.uniform(4, 20)
+        while time.monotonic() < kill:
+            user.act()
+        run.kill()
+        oldest = time.monotonic() - LOST_AT_MOST
+        run.start()
+        # What was shown at that time is the last state before it.
+        first = max(number for number, (when, _) in enumerate(user.states) if when <= oldest or number == 0)
+        now = fluxes(run.window)
+        is_lost = now not in [texts for _, texts in user.states[first:]]
+        tried, failed = tried + 1, failed + is_lost
+        print(f"crash {tried}: {f'{now} after {user.states}' if is_lost else 'restored'}", flush=True)
+        run.submit()
+    run.leave()
+    return report("crashes", tried, failed)
 
 
 def resources(program):
@@ -90,37 +83,36 @@ def resources(program):
             len(list((place / "fd").iterdir())))
 
 
-def long_day(folder, chance):
-    program = Program(folder)
-    window = program.main_window()
-    window.choose("按光源类型显示", CATEGORY)
-    rows, seen = window.append_row(), []
-    acts = [lambda: type_somewhere(window, rows, chance), lambda: screen.press("ctrl+z"),
-            lambda: screen.press("ctrl+Page_Down", "ctrl+Page_Up"), lambda: window.submit()]
-    end = time.monotonic() + SECONDS / 2
+def day(run, chance, end):
+    def load():
+        run.submit()
+        run.window.choose("按光源类型显示", "荧光高压汞灯")
+        run.window.choose("按光源类型显示", CATEGORY)
+        return User(run.window, chance)
+
+    user, seen = load(), []
     while time.monotonic() < end:
-        chance.choices(acts, weights=[20, 5, 2, 2])[0]()
-        seen.append(resources(program))
-    window.submit()
-    window.press_button("退出")
-    program.wait_for_end()
+        act = chance.choices(("work", "tabs", "load"), weights=(20, 2, 1))[0]
+        if act == "work":
+            user.act()
+        elif act == "tabs":
+            screen.press("ctrl+Page_Down", "ctrl+Page_Up")
+        else:
+            user = load()
+        seen.append(resources(run.program))
+    load()
+    run.leave()
     quarter = len(seen) // 4
     grown = [statistics.median(late) / statistics.median(early)
              for early, late in zip(zip(*seen[quarter:2 * quarter]), zip(*seen[-quarter:]))]
-    print(f"growth of memory and open files: {', '.join(f'{growth:.2f}' for growth in grown)}")
-    failed = max(grown) > GROWTH_AT_MOST
-    print(f"acts of a random user without growth, {KIND}: {len(seen)} tried, {int(failed)} failed")
-    return failed
+    print(f"memory and open files at first {seen[quarter]}, at last {seen[-1]}, growth {grown}")
+    return report("acts", len(seen), sum(growth > GROWTH_AT_MOST for growth in grown))
 
 
 def main():
-    chance = random.Random(int(sys.argv[3]) if len(sys.argv) > 3 else 1)
-    failed = 0
-    for part in (crashes, long_day):
-        with tempfile.TemporaryDirectory() as place:
-            folder = ProgramFolder(Path(place) / "installed", BINARIES)
-            failed += part(folder, chance)
-    return 1 if failed else 0
+    chance = random.Random(int(sys.argv[4]) if len(sys.argv) > 4 else 1)
+    with Run() as run:
+        return {"crashes": crashes, "day": day}[sys.argv[2]](run, chance, time.monotonic() + float(sys.argv[3]))
 
 
 if __name__ == "__main__":

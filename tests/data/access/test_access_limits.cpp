@@ -97,6 +97,11 @@ private Q_SLOTS:
         QVERIFY(Database(disk, kPath).ReadOnlyReason().contains(u"WORKBENCH"_s));
         QVERIFY(disk.Exists(u"/data/file.ldb"_s));
 
+        // A log that can be neither written nor removed is used again.
+        disk.Plan(2, SimulatedDisk::Trouble::Failure);
+        QVERIFY(!Insert(*first, {}).isEmpty());
+        disk.Plan(1, SimulatedDisk::Trouble::Failure);
+        QVERIFY_THROWS_EXCEPTION(AccessError, first->EndSubmit());
         // Another program writes without asking.
         QCOMPARE(Insert(*first, {}), QString());
         const QByteArray others = QByteArray(file).replace(4096 * 46 + 4095, 1, "\1");

@@ -216,6 +216,7 @@ private Q_SLOTS:
         }
         access->Close();
         QCOMPARE(QDir(folder.path()).entryList({u"access*"_s}), QStringList{u"access.mdb"_s});
+        qInfo("cases: %d", statementCount);
     }
 
 private:

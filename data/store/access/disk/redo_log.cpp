@@ -166,6 +166,7 @@ RedoLog::RedoLog(FileSystem& files, const QString& path, const FoundLog& found)
     : m_files(&files),
       m_path(path),
       m_file(files.Open(path, FileSystem::Mode::ReadWrite)),
+      m_isMade(true),
       m_end(found.end),
       m_chain(found.chain) {}
 
@@ -197,10 +198,10 @@ void RedoLog::WriteAgain() {
 }
 
 void RedoLog::Remove() {
-    const bool isMade = m_file != nullptr || m_end > 0;
     m_file.reset();
-    if (isMade) {
+    if (m_isMade) {
         m_files->Remove(m_path);
+        m_isMade = false;
     }
 }
 
@@ -215,8 +216,8 @@ void RedoLog::AppendRecord(quint8 kind, const QByteArray& body) {
     AppendNumber(record, 8, chain);
     if (m_file == nullptr) {
         // A log that could not be removed is still there.
-        m_file =
-            m_files->Open(m_path, m_end == 0 ? FileSystem::Mode::CreateNew : FileSystem::Mode::ReadWrite);
+        m_file = m_files->Open(m_path, m_isMade ? FileSystem::Mode::ReadWrite : FileSystem::Mode::CreateNew);
+        m_isMade = true;
     }
     m_file->Write(m_end, record);
     m_end += record.size();

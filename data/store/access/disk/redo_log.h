@@ -77,7 +77,8 @@ private:
 
     FileSystem* m_files;
     QString m_path;
-    std::unique_ptr<File> m_file;  // null: not made yet
+    std::unique_ptr<File> m_file;  // null: not open
+    bool m_isMade = false;         // stands on the disk, perhaps without a record
     QByteArray m_head;             // goes in front of the first record
     qint64 m_end = 0;
     quint64 m_chain = 0;

@@ -39,6 +39,15 @@ std::vector<CString> ColumnNames(sqlite3_stmt* statement) {
     return qualified;
 }
 
+// What the last call that failed said; the engine's own note of it lacks the calls of a commit.
+FailureKind KindOfLastCall(sqlite3* database) {
+    sqlite3_vfs* files = nullptr;
+    sqlite3_file_control(database, "main", SQLITE_FCNTL_VFS_POINTER, static_cast<void*>(&files));
+    return files == nullptr || files->xGetLastError == nullptr
+               ? FailureKind::Other
+               : KindOfSystemError(files->xGetLastError(files, 0, nullptr));
+}
+
 }  // namespace
 
 FailureKind KindOfSqliteError(sqlite3* database) {
@@ -64,6 +73,9 @@ FailureKind KindOfSqliteError(sqlite3* database) {
             return FailureKind::TimeLimit;
         case SQLITE_CANTOPEN:
         case SQLITE_IOERR: {
+            if (KindOfLastCall(database) == FailureKind::DiskFull) {
+                return FailureKind::DiskFull;
+            }
             // After a journal could not be made, the engine looks for one, and tells that there is none.
             const FailureKind kind = KindOfSystemError(sqlite3_system_errno(database));
             const bool isThere = QFile::exists(QString::fromUtf8(sqlite3_db_filename(database, "main")));

@@ -25,7 +25,7 @@ ADDED, DELETED = "KILL-1", "JC-HO24"  # models; no luminaire has the deleted one
 # How a call is broken, and what the messages may then say.
 BREAKS = {"kills": {"signal=KILL:when={}": ()},
           "errors": {"error=ENOSPC:when={}+": ("磁盘已满", "No space"),
-                     "error=EDQUOT:when={}+": ("磁盘已满", "quota", "disk I/O error"),
+                     "error=EDQUOT:when={}+": ("磁盘已满", "quota"),
                      "error=EIO:when={}": ("数据库报告", "未能备份")}}
 
 

@@ -403,10 +403,14 @@ void CCoefficientTableDlg::closeEvent(QCloseEvent* event) {
     done(Rejected);
 }
 
-// Enter belongs to the grid and the labels. It never closes the dialog.
+// Enter belongs to the grid and the labels. It never closes the dialog. The tree has the keyboard first, and
+// a whole table is often pasted at once.
 void CCoefficientTableDlg::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         event->accept();
+    } else if (event->matches(QKeySequence::Paste) && m_tree->hasFocus()) {
+        m_grid->setFocus();
+        QCoreApplication::sendEvent(m_grid, event);
     } else {
         QDialog::keyPressEvent(event);
     }

@@ -127,7 +127,10 @@ CLuminairePhotoSettingDlg::CLuminairePhotoSettingDlg(const CString& initialPath,
     connect(m_pathEdit, &QLineEdit::textEdited, &m_typing, qOverload<>(&QTimer::start));
     m_typing.setSingleShot(true);
     m_typing.setInterval(kTypingPauseMs);
-    connect(&m_typing, &QTimer::timeout, this, [this] { ShowInTree(m_pathEdit->text()); });
+    connect(&m_typing, &QTimer::timeout, this, [this] {
+        ShowInTree(m_pathEdit->text());
+        ShowPreview(m_pathEdit->text());
+    });
 }
 
 CLuminairePhotoSettingDlg::~CLuminairePhotoSettingDlg() = default;
@@ -187,6 +190,10 @@ void CLuminairePhotoSettingDlg::OnFileChosen(const CString& path) {
 void CLuminairePhotoSettingDlg::ShowPicture(const CString& path) {
     m_path = path;
     m_pathEdit->setText(path);
+    ShowPreview(path);
+}
+
+void CLuminairePhotoSettingDlg::ShowPreview(const CString& path) {
     m_preview->ShowFile(HasExtension(path, PictureExtensions()) ? path : CString());
 }
 

@@ -39,6 +39,7 @@ private:
     void ShowDrive();
     void OnFileChosen(const CString& path);
     void ShowPicture(const CString& path);
+    void ShowPreview(const CString& path);
     void OnPathTyped();
     // Moves the tree to a path, as far as it exists, and shows its drive.
     void ShowInTree(const CString& path);

@@ -7,8 +7,9 @@
 namespace quorvane {
 namespace {
 
-constexpr int kArrowWidth = 13;
+constexpr int kArrowWidth = 9;
 constexpr int kFunnelWidth = 11;
+constexpr int kBesideArrow = 4;  // still part of the button, but the text may stand there
 
 QPolygonF Arrow(const QPointF& centre, bool up) {
     constexpr double kHalf = 4;
@@ -30,12 +31,17 @@ void CGridHeadingCell::SetOrder(HeadingOrder order, bool isFiltered) {
 }
 
 QRect CGridHeadingCell::BtnRect(const QRect& cell) const {
-    const int width = std::min(cell.width(), kArrowWidth + (m_isFiltered ? kFunnelWidth : 0));
+    const int width = std::min(cell.width(), SignsWidth() + kBesideArrow);
     return {cell.right() + 1 - width, cell.top(), width, cell.height()};
 }
 
+int CGridHeadingCell::SignsWidth() const {
+    return kArrowWidth + (m_isFiltered ? kFunnelWidth : 0);
+}
+
+// Without margins: the columns are no wider than their headings.
 QRect CGridHeadingCell::FreeRect(const QRect& cell, const QFont& /*font*/) const {
-    return cell.adjusted(0, 0, -BtnRect(cell).width(), 0);
+    return cell.adjusted(-GetMargin(), 0, GetMargin() - SignsWidth(), 0);
 }
 
 int CGridHeadingCell::BtnAt(const QRect& cell, const QFont& /*font*/, const QPoint& position) const {
@@ -52,7 +58,7 @@ void CGridHeadingCell::Paint(QPainter& painter, const CellLook& look) const {
     painter.setPen(Qt::NoPen);
     painter.setBrush(colour);
     if (m_isFiltered) {
-        painter.drawPolygon(Funnel({button.left() + kFunnelWidth / 2.0, button.center().y()}));
+        painter.drawPolygon(Funnel({button.left() + kBesideArrow + kFunnelWidth / 2.0, button.center().y()}));
     }
     const QPointF place(button.right() - kArrowWidth / 2.0, button.center().y());
     if (m_order == HeadingOrder::None) {

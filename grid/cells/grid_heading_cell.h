@@ -20,6 +20,7 @@ protected:
 
 private:
     QRect BtnRect(const QRect& cell) const;
+    int SignsWidth() const;  // of arrow and funnel
 
     HeadingOrder m_order = HeadingOrder::None;
     bool m_isFiltered = false;

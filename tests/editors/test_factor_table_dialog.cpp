@@ -151,8 +151,8 @@ private Q_SLOTS:
         const auto paste = [&](const QString& answer) {
             fixture.answers.Plan(answer);
             fixture.Activate();
-            fixture.grid->setFocus();
-            QTest::keyClick(fixture.grid, Qt::Key_V, Qt::ControlModifier);
+            fixture.tree->setFocus();  // as when the dialog has opened
+            QTest::keyClick(fixture.tree, Qt::Key_V, Qt::ControlModifier);
             return fixture.answers.TakeSeen().value(0);
         };
         QCOMPARE(paste(u"否"_s), question.arg(3).arg(2));

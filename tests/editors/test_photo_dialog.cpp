@@ -340,13 +340,13 @@ private Q_SLOTS:
         Item(PathEdit)->setFocus();
         QTest::keyClicks(Item(PathEdit), Path(u"e.PNG"_s));
         QTRY_COMPARE(tree->SelectedPath(), Path(u"e.PNG"_s));
-        const QPoint place = tree->visualRect(tree->currentIndex()).topLeft() + QPoint(8, 8);
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, place);
         QTRY_VERIFY(!Item<PicturePreview>(Preview)->IsBlank());
+        const QPoint place = tree->visualRect(tree->currentIndex()).topLeft() + QPoint(8, 8);
         const QImage shown = Item(Preview)->grab().toImage();  // the picture fills it, whatever its shape
         for (const QPoint& at : {QPoint(9, 9), QPoint(shown.width() - 9, shown.height() - 9)}) {
             QCOMPARE(shown.pixelColor(at), QColor(Qt::red));
         }
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, place);
         QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, place);
         QVERIFY(!m_dialog->isVisible());
         QVERIFY(m_dialog->result() == QDialog::Accepted && m_dialog->Path() == Path(u"e.PNG"_s));

@@ -61,7 +61,8 @@ private:
     }
     bool PrintOn(QPrinter& printer) const {
         const WaitCursor waiting;
-        const GridLooks looks{.background = Qt::white};
+        // Paper is light, whatever the windows are.
+        const GridLooks looks{.palette = QPalette(QColor(239, 239, 239)), .background = Qt::white};
         return PrintGrid(m_grid.Core(), looks, m_grid.logicalDpiX(), printer);
     }
     void Print() {

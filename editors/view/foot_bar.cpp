@@ -39,6 +39,12 @@ QLineEdit* AddField(QWidget* line, const QString& accessibleName, int characters
     auto* field = new QLineEdit(line);
     field->setAccessibleName(accessibleName);
     field->setMaximumWidth(characters * field->fontMetrics().averageCharWidth());
+    // Some platforms name no colour for placeholders, and the toolkit's own suits light windows only.
+    QPalette palette = field->palette();
+    QColor faint = palette.color(QPalette::Text);
+    faint.setAlphaF(0.5F);
+    palette.setColor(QPalette::PlaceholderText, faint);
+    field->setPalette(palette);
     line->layout()->addWidget(field);
     return field;
 }

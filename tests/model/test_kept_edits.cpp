@@ -99,11 +99,17 @@ private Q_SLOTS:
                 }
             }
         }
-        // Those of another database.
-        const KeptEditsFile other(folder.filePath(u"quorvane"_s), u"C:\\b.mdb"_s);
+        // Those of another database, also where they bear its name.
+        KeptEditsFile other(folder.filePath(u"quorvane"_s), u"C:\\b.mdb"_s);
         file.Write([] { return QCborMap(); });
         QTRY_VERIFY(!file.IsBusy() && file.Read());
         QVERIFY(!other.Read());
+        other.Write([] { return QCborMap(); });
+        QTRY_VERIFY(!other.IsBusy());
+        for (const QString& name : QDir(kept.path()).entryList(QDir::Files)) {
+            WriteFile(kept.filePath(name), whole);
+        }
+        QVERIFY(file.Read() && !other.Read());
         file.Remove();
         QTRY_VERIFY(!QFile::exists(path));
     }

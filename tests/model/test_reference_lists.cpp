@@ -54,8 +54,8 @@ private Q_SLOTS:
     void LightSourceTextsFindTheirIds() {
         Lists lists;
         QCOMPARE(lists.LightSourceIds(u"逗,号:,细管:T5"_s, {}), u"14,12"_s);
-        const QString texts = u"11,14,16,999,13"_s;
-        QCOMPARE(lists.LightSourceTexts(texts), u"直管:T8,逗,号:,:,999,泡:a:Q"_s);
+        const QString texts = u"11,14,16,999,13,12x"_s;
+        QCOMPARE(lists.LightSourceTexts(texts), u"直管:T8,逗,号:,:,999,泡:a:Q,12x"_s);
         QCOMPARE(lists.LightSourceIds(lists.LightSourceTexts(texts), {}), texts);
         QCOMPARE(lists.LightSourceIds(u"泡:a:Q"_s, {}), u"13"_s);
         QCOMPARE(lists.LightSourceIds(u"直管:T8"_s, u"41,12"_s), u"41"_s);  // the one that was there

@@ -1,6 +1,7 @@
 #include "editors/luminaire/luminaire_page.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QPushButton>
 #include <algorithm>
@@ -286,8 +287,12 @@ void CQuorvaneLuminaireDlg::OpenMixedLightSources(int row) {
 void CQuorvaneLuminaireDlg::OpenPhoto(int row) {
     tagLUMINAIREINFO record = m_grid.RecordAt(row);
     CLuminairePhotoSettingDlg dialog(m_luminaires.Photos().FilePath(record.LampPhoto), record.LampName, this);
+    if (record.LampPhoto.isEmpty()) {
+        dialog.ShowFolder(m_photoFolder);
+    }
     if (dialog.exec() == QDialog::Accepted && dialog.IsChosen()) {
         record.LampPhoto = dialog.Path();
+        m_photoFolder = record.LampPhoto.isEmpty() ? m_photoFolder : QFileInfo(record.LampPhoto).path();
         m_grid.Put({row, kPhoto}, record);
     }
 }

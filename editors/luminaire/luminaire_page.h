@@ -91,6 +91,7 @@ private:
     std::unique_ptr<CCoefficientTableDlg> m_factorTable;  // while it is open
     CEaseComboBox* m_filter;
     QPersistentModelIndex m_lastFilter;
+    CString m_photoFolder;        // from which the last photo was chosen
     CString m_filterCategoryId;   // that of the loaded luminaires, or empty
     CString m_presetLightSource;  // what the append row offers before the user chooses
     QPushButton* m_paste;

@@ -135,6 +135,10 @@ CLuminairePhotoSettingDlg::CLuminairePhotoSettingDlg(const CString& initialPath,
 
 CLuminairePhotoSettingDlg::~CLuminairePhotoSettingDlg() = default;
 
+void CLuminairePhotoSettingDlg::ShowFolder(const CString& path) {
+    m_tree->SelectPath(path);
+}
+
 void CLuminairePhotoSettingDlg::FillDriveList() {
     QStringList drives = LogicalDrives();
     const QString share = NetworkShare(m_path);

@@ -25,6 +25,9 @@ public:
     CLuminairePhotoSettingDlg(const CString& initialPath, const CString& title, QWidget* parent);
     ~CLuminairePhotoSettingDlg() override;
 
+    // Moves the tree to a folder.
+    void ShowFolder(const CString& path);
+
     // The chosen native path after OK; empty when the luminaire gets no picture.
     const CString& Path() const { return m_path; }
     // Whether the user has chosen a picture, or none, since the dialog was opened.

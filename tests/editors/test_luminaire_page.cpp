@@ -310,8 +310,7 @@ private Q_SLOTS:
             fixture.log.failing = {u"insert "_s};
             fixture.PressButton(PasteButton, 5);
             QCOMPARE(fixture.answers.TakeSeen().size(), 1);
-            QCOMPARE(fixture.grid->GetItemData(5, Number), -1);
-            QCOMPARE(fixture.Row(6), kFilledRow);
+            QVERIFY(fixture.grid->GetItemData(5, Number) == -1 && fixture.Row(6) == kFilledRow);
             QVERIFY(fixture.page->IsModified());
             kept = fixture.page->KeepEdits()();
         }

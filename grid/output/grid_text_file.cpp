@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "grid/grid_core.h"
+#include "grid/output/gb18030.h"
 
 namespace quorvane {
 
@@ -37,11 +38,10 @@ bool IsFormula(const CString& text) {
 }
 
 // Stateless: half a character at the end is an error and does not wait for its other half.
-template <typename Encoding>
-std::optional<CString> Decoded(const QByteArray& bytes, Encoding encoding) {
-    QStringDecoder decoder(encoding, QStringDecoder::Flag::Stateless);
-    CString text = decoder.isValid() ? decoder.decode(bytes) : CString();
-    return decoder.isValid() && !decoder.hasError() ? std::optional(std::move(text)) : std::nullopt;
+std::optional<CString> FromUtf8(const QByteArray& bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    CString text = decoder.decode(bytes);
+    return decoder.hasError() ? std::nullopt : std::optional(std::move(text));
 }
 
 std::optional<CString> Read(const CString& path) {
@@ -53,8 +53,8 @@ std::optional<CString> Read(const CString& path) {
     if (file.error() != QFileDevice::NoError || bytes.contains('\0')) {
         return std::nullopt;
     }
-    std::optional<CString> text = Decoded(bytes, QStringDecoder::Utf8);
-    return text ? text : Decoded(bytes, "GB18030");
+    std::optional<CString> text = FromUtf8(bytes);
+    return text ? text : FromGb18030(bytes);
 }
 
 }  // namespace

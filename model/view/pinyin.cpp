@@ -14,7 +14,7 @@ constexpr char16_t kLast = u'\u9FA5';
 
 // In the order of pinyin, the characters of each initial begin with this one.
 constexpr std::u16string_view kInitials = u"abcdefghjklmnopqrstwxyz";
-constexpr std::u16string_view kFirstOfInitial = u"阿八嚓咑妸发旮哈丌咔垃妈嗯喔妑七呥仨他屲夕丫帀";
+constexpr std::u16string_view kFirstOfInitial = u"阿八嚓咑妸发旮哈丌咔垃妈拏噢妑七呥仨他屲夕丫帀";
 static_assert(kInitials.size() == kFirstOfInitial.size());
 
 char16_t Lookup(char16_t character) {

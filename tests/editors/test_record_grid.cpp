@@ -127,26 +127,26 @@ private Q_SLOTS:
 
     // The arrow of a heading sorts, turns round and restores; the records keep their numbers.
     void AHeadingSortsTheRows() {
-        Fixture fixture({u"直管 10"_s, u"LED 9"_s, u"钠灯 9"_s});
+        Fixture fixture({u"直管 10"_s, u"准直 9"_s, u"钠灯 9"_s});
         const auto press = [&](int column) {
             const QRect heading = fixture.grid->CellRect(0, column);
             QTest::mouseClick(fixture.grid->viewport(), Qt::LeftButton, {},
                               {heading.right() - 5, heading.center().y()});
             return fixture.Shown();
         };
-        QCOMPARE(press(Name), u"3 1 2 追加|钠灯 直管 LED |9 10 9 0"_s);
-        QCOMPARE(press(Flux), u"2 3 1 追加|LED 钠灯 直管 |9 9 10 0"_s);
+        QCOMPARE(press(Name), u"3 1 2 追加|钠灯 直管 准直 |9 10 9 0"_s);
+        QCOMPARE(press(Flux), u"2 3 1 追加|准直 钠灯 直管 |9 9 10 0"_s);
         // An edited and an appended row stay where they are until the rows are sorted again.
         fixture.Type(1, Flux, u"99"_s);
         fixture.Type(4, Name, u"new"_s);
         fixture.Type(4, Flux, u"7"_s);
-        QCOMPARE(fixture.Shown(), u"2 3 1 追加 追加|LED 钠灯 直管 new |99 9 10 7 0"_s);
+        QCOMPARE(fixture.Shown(), u"2 3 1 追加 追加|准直 钠灯 直管 new |99 9 10 7 0"_s);
         QVERIFY(fixture.DeleteSelected({2}, {u"是"_s}));
         QCOMPARE(fixture.Seen(), Question(3, u"钠灯"_s, u"是/否"_s));
-        QCOMPARE(fixture.Shown(), u"2 1 追加 追加|LED 直管 new |99 10 7 0"_s);
-        QCOMPARE(press(Flux), u"2 1 3 追加|LED 直管 new |99 10 7 0"_s);
+        QCOMPARE(fixture.Shown(), u"2 1 追加 追加|准直 直管 new |99 10 7 0"_s);
+        QCOMPARE(press(Flux), u"2 1 3 追加|准直 直管 new |99 10 7 0"_s);
         fixture.Undo();
-        QCOMPARE(press(Flux), u"1 2 3 4 追加|直管 LED 钠灯 new |10 99 9 7 0"_s);
+        QCOMPARE(press(Flux), u"1 2 3 4 追加|直管 准直 钠灯 new |10 99 9 7 0"_s);
     }
 
     void AFilterHidesRowsButNoUnwrittenOnes() {

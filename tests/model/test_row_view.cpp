@@ -51,7 +51,7 @@ private Q_SLOTS:
         records.TakeLoaded({{1, u"直管"_s, 100},
                             {2, u"gone"_s, 0},
                             {3, u"卤钨"_s, 9},
-                            {4, u"LED"_s, std::nan("")},
+                            {4, u"准直"_s, std::nan("")},
                             {5, u"高压钠"_s, 9},
                             {6, u"直管"_s, 20}});
         records.Remove(2);
@@ -61,11 +61,11 @@ private Q_SLOTS:
             View::Condition condition;
             QString shown;
         } cases[] = {
-            {{}, {}, u"直管 卤钨 LED 高压钠 直管"_s},
-            {ByName(), {}, u"高压钠 卤钨 直管 直管 LED"_s},
-            {ByName(SortDirection::Descending), {}, u"LED 直管 直管 卤钨 高压钠"_s},
-            {ByValue(), {}, u"卤钨 高压钠 直管 直管 LED"_s},
-            {ByValue(SortDirection::Descending), {}, u"LED 直管 直管 卤钨 高压钠"_s},
+            {{}, {}, u"直管 卤钨 准直 高压钠 直管"_s},
+            {ByName(), {}, u"高压钠 卤钨 直管 直管 准直"_s},
+            {ByName(SortDirection::Descending), {}, u"准直 直管 直管 卤钨 高压钠"_s},
+            {ByValue(), {}, u"卤钨 高压钠 直管 直管 准直"_s},
+            {ByValue(SortDirection::Descending), {}, u"准直 直管 直管 卤钨 高压钠"_s},
             {{}, isLarge, u"直管 直管"_s},
             {ByValue(), isLarge, u"直管 直管"_s},
         };
@@ -83,7 +83,7 @@ private Q_SLOTS:
         view.NoteAppended();
         records.Remove(6);
         view.NoteRemoved(2);
-        QCOMPARE(Shown(view), u"LED 直管 卤钨 高压钠 阿"_s);
+        QCOMPARE(Shown(view), u"准直 直管 卤钨 高压钠 阿"_s);
         view.Arrange({}, isLarge);
         QCOMPARE(view.RowOf(3), -1);
     }

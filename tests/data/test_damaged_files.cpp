@@ -110,8 +110,8 @@ private Q_SLOTS:
 };
 
 int main(int argc, char* argv[]) {
-    fileCount = Rounds(argc, argv, 60, 5000);
+    fileCount = Rounds(TakeArgument(argc, argv), 60, 5000);
     TestDamagedFiles test;
-    return QTest::qExec(&test);
+    return QTest::qExec(&test, argc, argv);
 }
 #include "test_damaged_files.moc"

@@ -54,11 +54,12 @@ struct Fixture : ShownGrid {
         QStringList enabled;
         for (QAction* action : menu->actions()) {
             enabled += action->isEnabled() ? QStringList(action->text()) : QStringList();
+            const bool isChosen = menu->activeAction() != nullptr && menu->activeAction()->isEnabled();
+            if (choose && !isChosen) {
+                QTest::keyClick(menu, Qt::Key_Down);  // some styles stop at disabled entries, too
+            }
         }
-        QTest::keyClick(menu, choose ? Qt::Key_Down : Qt::Key_Escape);
-        if (choose) {
-            QTest::keyClick(menu, Qt::Key_Return);
-        }
+        QTest::keyClick(menu, choose ? Qt::Key_Return : Qt::Key_Escape);
         Settle();
         return enabled.join(u' ');
     }

@@ -36,6 +36,7 @@ struct Fixture : ShownPage {
     }
     // Chooses a command of the context menu, and a file in the dialog that it opens.
     void ChooseFile(const QString& command, const QString& path) {
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);  // they cannot be filled in here
         const DialogAnswer fill(u"fileDialog"_s, [path](QWidget* dialog) {
             auto* name = dialog->findChild<QLineEdit*>(u"fileNameEdit"_s);
             name->setText(path);
@@ -204,8 +205,8 @@ private Q_SLOTS:
         const std::pair<QString, QString> cases[] = {
             {u""_s, u"原因:第2行“厂家”一列是空的,而数据库的这一列不允许空字符串。"_s},
             {QString(256, u'x'),
-             u"原因:第2行“厂家”一列,数据库报告:表 光源,ID=6 的记录:字段 Factory:"
-             "文字有256个字符,而字段大小为"_s}};
+             u"原因:第2行“厂家”一列,数据库报告:表 光源,ID=%1 的记录:字段 Factory:"
+             "文字有256个字符,而字段大小为"_s.arg(fixture.grid->GetItemData(2, 0))}};
         for (const auto& [maker, reason] : cases) {
             fixture.Type(2, Maker, maker);
             fixture.page->Submit();

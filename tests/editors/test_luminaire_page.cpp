@@ -1,4 +1,5 @@
 #include <QClipboard>
+#include <QDir>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QTemporaryDir>
@@ -100,7 +101,7 @@ private Q_SLOTS:
         QCOMPARE(fixture.grid->TipOf({3, LightSources}).text, u"直管:T8 × 1\n细管:T5 × 2"_s);
         QTRY_COMPARE(fixture.grid->TipOf({1, Photo}).text, u"图片文件不存在。"_s);
         const QTemporaryDir folder;
-        const QString path = folder.filePath(u"a.png"_s);
+        const QString path = QDir::toNativeSeparators(folder.filePath(u"a.png"_s));
         const auto drop = [&](int column, const QUrl& what) {
             QMimeData files;
             files.setUrls({what});

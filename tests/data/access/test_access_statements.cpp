@@ -260,9 +260,9 @@ private:
 };
 
 int main(int argc, char* argv[]) {
-    keptFolder = QString::fromLocal8Bit(argc > 2 ? argv[2] : "");
-    statementCount = Rounds(argc, argv, 600, 3000);
+    statementCount = Rounds(TakeArgument(argc, argv), 600, 3000);
+    keptFolder = QString::fromLocal8Bit(TakeArgument(argc, argv));
     TestAccessStatements test;
-    return QTest::qExec(&test);
+    return QTest::qExec(&test, argc, argv);
 }
 #include "test_access_statements.moc"

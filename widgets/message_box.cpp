@@ -7,6 +7,8 @@
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QMessageBox>
+#include <QPainter>
+#include <QPixmap>
 #include <QPushButton>
 #include <optional>
 #include <vector>
@@ -23,6 +25,31 @@ QString FitForScreen(const QString& text) {
         return text;
     }
     return text.first(kLongestText / 2) + u" … "_s + text.last(kLongestText / 2);
+}
+
+// A question mark or an exclamation mark, of `side` pixels at scale 1.
+QPixmap DrawSign(MessageIcon icon, int side, double scale) {
+    const bool isQuestion = icon == MessageIcon::Question;
+    QPixmap sign(QSize(side, side) * scale);
+    sign.setDevicePixelRatio(scale);
+    sign.fill(Qt::transparent);
+    QPainter painter(&sign);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isQuestion ? QColor(40, 95, 190) : QColor(250, 200, 40));
+    if (isQuestion) {
+        painter.drawEllipse(QRect(1, 1, side - 2, side - 2));
+    } else {
+        painter.drawPolygon(QPolygon({{side / 2, 1}, {side - 1, side - 2}, {1, side - 2}}));
+    }
+    QFont font = painter.font();
+    font.setBold(true);
+    font.setPixelSize(side * 5 / 8);
+    painter.setFont(font);
+    painter.setPen(isQuestion ? Qt::white : Qt::black);
+    const QRect room(0, isQuestion ? 0 : side / 8, side, side);  // a triangle is wide at its foot
+    painter.drawText(room, Qt::AlignCenter, isQuestion ? u"?"_s : u"!"_s);
+    return sign;
 }
 
 class QuestionBox : public QMessageBox {
@@ -141,6 +168,10 @@ MessageAnswer ShowMessage(QWidget* parent, const QString& text, const QString& c
                           MessageButtons buttons, MessageIcon icon) {
     QuestionBox box(parent, text, caption, buttons);
     box.setIcon(icon == MessageIcon::Question ? QMessageBox::Question : QMessageBox::Warning);
+    // Some platforms have these icons for scale 1 alone.
+    if (box.iconPixmap().devicePixelRatio() < box.devicePixelRatioF()) {
+        box.setIconPixmap(DrawSign(icon, box.iconPixmap().width(), box.devicePixelRatioF()));
+    }
     return box.Ask();
 }
 

@@ -1,11 +1,9 @@
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
-#ifdef Q_OS_UNIX
-#include <sys/stat.h>
-#endif
 
 #include "model/photo/photo_library.h"
+#include "tests/support/endless_files.h"
 #include "tests/support/files.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -124,9 +122,9 @@ private Q_SLOTS:
         QCOMPARE(disk.library.Prepare(12, large.fileName()).problem, PhotoProblem::None);
         QVERIFY(large.resize((64 << 20) + 1));
         QCOMPARE(disk.library.Prepare(12, large.fileName()).problem, PhotoProblem::UnreadableSource);
-        const QString pipe = disk.Path(u"B/pipe.jpg"_s);
-        QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-        for (const QString& source : {u"/dev/zero"_s, pipe}) {
+        const QStringList endless = EndlessFiles(disk.Path(u"B/pipe.jpg"_s));
+        QCOMPARE(endless.size(), 2);
+        for (const QString& source : endless) {
             QCOMPARE(disk.library.Prepare(12, source).problem, PhotoProblem::UnreadableSource);
         }
     }

@@ -44,6 +44,7 @@ RawDatabase::RawDatabase(const QString& path) {
     if (result != SQLITE_OK) {
         throw std::runtime_error(sqlite3_errstr(result));
     }
+    sqlite3_busy_timeout(handle, 5000);  // the program may still be checking the file
 }
 
 void RawDatabase::Execute(const QString& statements) {

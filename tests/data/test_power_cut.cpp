@@ -99,7 +99,7 @@ private Q_SLOTS:
         QFETCH(Trouble, trouble);
         QFETCH(int, powerCuts);
         m_isAccess = isAccess;
-        const int cuts = std::max(1, powerCuts * Rounds(nullptr, 1, 10));
+        const int cuts = std::max(1, powerCuts * Rounds(nullptr, 1, 3));
         m_fixture = isAccess ? AccessFixture() : SqliteFixture();
         m_states.clear();
         SimulatedDisk& undisturbed = NewDisk();

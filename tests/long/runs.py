@@ -8,7 +8,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "e2e"))
 
-from driver import Program, ProgramFolder, Window, find_all, has  # noqa: E402
+from driver import MAIN_TITLE, Program, ProgramFolder, Window, caption, find_all, has  # noqa: E402
 
 BINARIES = Path(sys.argv[1]).resolve()
 CATEGORY, FLUX = "T5直管荧光灯", "光通量"
@@ -39,10 +39,18 @@ class Run:
         self.program = Program(self.folder)
         if were_kept:
             self.program.message("是否恢复").press_button("是" if restores else "否")
+            self.program.wait_until(self._is_settled, "the main window")
         self.window = self.program.main_window()
         if not (were_kept and restores):  # what is restored shows what was shown
             self.window.choose("按光源类型显示", CATEGORY)
         return were_kept
+
+    def _is_settled(self):
+        """Confirms the list of edits that the file contradicts: a submit came after they were kept."""
+        front = next((one for one in self.program.windows() if has(one, "ACTIVE")), None)
+        if front and find_all(front, "push button", "确定"):
+            Window(self.program, front).press_button("确定")
+        return front and caption(front) == MAIN_TITLE
 
     def kill(self):
         self.program.process.kill()

@@ -15,6 +15,7 @@ def recovery_road(story):
     story.window.show_tab("光源库")
     story.window.choose("按光源类型显示", CATEGORY)
     told_by = {"LamphouseModel": story.window.row_texts(0)["光源型号"]}
+    screen.wait_until(lambda: not any(settings.glob("edits-*.cbor")), "edits that were submitted are kept no more")
     story.window.enter(0, "光通量", "4321")
     screen.wait_until(lambda: any(settings.glob("edits-*.cbor")), "the edit is kept")
     story.program.process.kill()

@@ -150,6 +150,8 @@ private:
         std::shared_ptr<Connection> connection =
             m_isAccess ? std::make_shared<AccessConnection>(*m_disk) : CreateSqliteConnection();
         connection->Open(u"Data Source = %1;"_s.arg(kPath), {}, {}, -1);
+        // The check of the file ends before anything else happens: one thread at a time may use the disk.
+        Succeeds([&] { connection->RequireSoundFile(); });
         return connection;
     }
 

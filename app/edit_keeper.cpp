@@ -29,7 +29,12 @@ CString Key(std::size_t page) {
 EditKeeper::EditKeeper(std::vector<CPage*> pages, const CString& database, QWidget& window)
     : m_pages(std::move(pages)), m_window(window), m_file(Folder(), database) {
     for (CPage* page : m_pages) {
-        connect(page, &CPage::EditsChanged, this, [this] { m_isDue = true; });
+        connect(page, &CPage::EditsChanged, this, [this] {
+            m_isDue = true;
+            if (m_timer.isActive() && EditCount() == 0) {  // what was submitted is not offered after a crash
+                Keep();
+            }
+        });
     }
     m_timer.setInterval(kKeepEveryMs);
     connect(&m_timer, &QTimer::timeout, this, &EditKeeper::Keep);

@@ -394,8 +394,10 @@ QStringList CQuorvaneLuminaireDlg::MakeEditsAgain(const QCborMap& kept) {
             MakeFactorTable(*luminaire);
         }
         if (luminaire == nullptr || !m_factorTable->MakeEditsAgain(*table)) {
-            m_factorTable.reset();
             refused += RefusedLines(luminaire == nullptr ? CString() : luminaire->LampName, *table);
+        }
+        if (luminaire != nullptr && !m_factorTable->IsModified()) {
+            m_factorTable.reset();
         }
     }
     return refused;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <map>
 #include <set>
 #include <utility>
 
@@ -261,23 +260,17 @@ FactorTableEditing::Place FactorTableEditing::Exchange(EditHistory<UtilizationFa
 // ---- Kept edits
 
 bool FactorTableEditing::MakeAgain(const Kept& kept, const CString& stepName) {
-    const auto rowsOf = [](const Contents& contents) {
-        std::map<int, tagLUMINAIREUTILIZATIONFACTOR> rows;
-        for (const auto* factors : {&contents.factors, &contents.surplus}) {
-            for (const tagLUMINAIREUTILIZATIONFACTOR& factor : *factors) {
-                if (factor.ID != 0) {  // else a gap in the file
-                    rows[factor.ID] = factor;
-                }
-            }
-        }
-        return rows;
-    };
-    if (rowsOf(kept.stored) != rowsOf(m_stored.GetContents())) {
+    const Contents file = m_stored.GetContents();
+    const std::optional<Contents> edited = EditsOnFile(kept, file);
+    if (!edited) {
         return false;
+    }
+    if (IsInFile(*edited, file)) {
+        return true;
     }
     const StepScope step(*this, stepName);
     bool isMade = false;
-    Change([&] { return isMade = m_table.SetContents(kept.edited); });
+    Change([&] { return isMade = m_table.SetContents(*edited); });
     return isMade;
 }
 

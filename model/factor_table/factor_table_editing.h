@@ -10,6 +10,7 @@
 
 #include "data/utilization_factor_table.h"
 #include "model/factor_table/factor_block.h"
+#include "model/factor_table/kept_factor_edits.h"
 #include "model/records/edit_history.h"
 #include "model/records/working_records.h"
 
@@ -88,14 +89,11 @@ public:
     // ---- To be kept beside the program, and made again in a later run
 
     using Contents = UtilizationFactorTable::Contents;
-    struct Kept {
-        int luminaireId = 0;
-        Contents stored;  // the table as the file held it
-        Contents edited;
-    };
+    using Kept = KeptFactorEdits;
     Kept Edits() const { return {m_table.LuminaireID(), m_stored.GetContents(), m_table.GetContents()}; }
-    // Makes the edits again, as one step, in a table that has just been loaded. False, and nothing changes,
-    // when the file holds another table than it did then.
+    // Makes the edits again, as one step, in a table that has just been loaded; what the file holds already
+    // is left alone. False, and nothing changes, when the file holds another table than it did then and than
+    // a submit of the edits could have left.
     bool MakeAgain(const Kept& kept, const CString& stepName);
 
     // Writes the table. It stays modified when something could not be written.

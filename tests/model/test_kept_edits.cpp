@@ -143,6 +143,15 @@ private Q_SLOTS:
         FactorTableEditing::Kept forged = *kept;
         forged.edited.deletedIds = {99};
         QVERIFY(!loaded(0.61).MakeAgain(forged, u"again"_s));
+        // The run ended within a submit, when one row had been written; then after it.
+        place.Raw().Execute(u"insert into 利用系数 values (3,7,80,50,20,1.25,0.44)"_s);
+        FactorTableEditing half = loaded(0.61);
+        QVERIFY(half.MakeAgain(*kept, u"again"_s) && half.IsModified());
+        QVERIFY(half.Submit().None() && half.Table().Factors().size() == 2);
+        FactorTableEditing whole = loaded(0.61);
+        QVERIFY(whole.MakeAgain(*kept, u"again"_s) && !whole.IsModified());
+        place.Raw().Execute(u"insert into 利用系数 values (4,7,80,50,20,9,0.1)"_s);  // by another program
+        QVERIFY(!loaded(0.61).MakeAgain(*kept, u"again"_s));
     }
 };
 

@@ -80,7 +80,7 @@ public:
         m_grid->SetTipSource([this](CCellID cell) { return TipOf(cell); });
         if (m_rules.marksChanges) {
             m_grid->SetMarkSource([this](CCellID cell) {
-                return m_marks.MarksOf(IdAt(cell.row), cell.col, RemovedAbove(cell.row));
+                return m_marks.MarksOf(IdAt(cell.row), ColumnOf(cell), RemovedAbove(cell.row));
             });
         }
         AddUndo();
@@ -314,11 +314,12 @@ private:
         }
         GridTip tip = column.tip ? column.tip(RecordAt(cell.row)) : GridTip{};
         if (m_rules.marksChanges) {
-            const CString changes = m_marks.TipOf(IdAt(cell.row), cell.col, RemovedAbove(cell.row));
+            const CString changes = m_marks.TipOf(IdAt(cell.row), ColumnOf(cell), RemovedAbove(cell.row));
             tip.text = JoinLines({tip.text, changes});
         }
         return tip;
     }
+    MarkedColumn ColumnOf(CCellID cell) const { return {cell.col, cell.col == m_grid->LeftmostColumn()}; }
     RowView<Record>& Rows() { return m_arrangement.Rows(); }
     const RowView<Record>& Rows() const { return m_arrangement.Rows(); }
     // A record has the same number wherever it is shown.

@@ -9,6 +9,12 @@
 
 namespace quorvane {
 
+// The leftmost column in sight tells of its row as a whole too: column 0, as long as it is not scrolled away.
+struct MarkedColumn {
+    int number = 0;
+    bool isLeftmost = false;
+};
+
 template <typename Record>
 class RecordMarks {
 public:
@@ -17,24 +23,28 @@ public:
         : m_records(records), m_columns(columns) {}
 
     // The marks and the tip of a cell in the row of the record with that ID, or of the append row for ID 0.
-    // Column 0 tells of the record as a whole. removedAbove: how many removed records stood above it.
-    unsigned MarksOf(int id, int column, int removedAbove) const {
-        const unsigned above = column == 0 && removedAbove > 0 ? CellMark::DeletedAbove : 0U;
+    // removedAbove: how many removed records stood above it.
+    unsigned MarksOf(int id, MarkedColumn column, int removedAbove) const {
+        const unsigned above = column.isLeftmost && removedAbove > 0 ? CellMark::DeletedAbove : 0U;
         if (id == 0 || !m_records.IsChanged(id)) {
             return above;
         }
         if (IsNew(id)) {
-            return above | (column == 0 ? CellMark::New : 0U);
+            return above | (column.isLeftmost ? CellMark::New : 0U);
         }
-        return above | (column == 0 || IsChanged(id, column) ? CellMark::Changed : 0U);
+        const bool isChanged = column.number == 0 || IsChanged(id, column.number);
+        return above | (isChanged ? CellMark::Changed : 0U);
     }
-    CString TipOf(int id, int column, int removedAbove) const {
-        if (column > 0) {
-            return IsChanged(id, column) ? StoredValueTip(At(column).show(*m_records.Stored(id))) : CString();
+    CString TipOf(int id, MarkedColumn column, int removedAbove) const {
+        const bool isChanged = column.number > 0 && IsChanged(id, column.number);
+        const CString stored =
+            isChanged ? StoredValueTip(At(column.number).show(*m_records.Stored(id))) : CString();
+        if (!column.isLeftmost) {
+            return stored;
         }
         const auto unwritten = m_records.WhyUnwritten(id);
         return JoinLines(
-            {UnwrittenTip(unwritten.why, unwritten.failure),
+            {stored, UnwrittenTip(unwritten.why, unwritten.failure),
              IsNew(id) ? QStringLiteral("新行,尚未提交。") : CString(),
              removedAbove > 0 ? QStringLiteral("上方已删除%1行,尚未提交。").arg(removedAbove) : CString()});
     }

@@ -139,6 +139,10 @@ int CGridCtrl::GetFrozenColumnCount() const {
     return Core().Layout().columns.FrozenCount();
 }
 
+int CGridCtrl::LeftmostColumn() const {
+    return Core().Layout().columns.LineAtScreen(0);
+}
+
 // ---- Contents
 
 void CGridCtrl::SetRowMaker(RowMaker make) {

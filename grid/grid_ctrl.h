@@ -81,6 +81,8 @@ public:
     // others, not headings. They scroll along while they would leave less than a quarter of the window.
     void SetFrozenColumnCount(int columns);
     int GetFrozenColumnCount() const;
+    // The first column of which a part is in sight; -1 without columns.
+    int LeftmostColumn() const;
 
     // Contents.
     bool SetItemText(int row, int column, const CString& text);

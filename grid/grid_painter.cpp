@@ -144,7 +144,12 @@ void GridPainter::PaintBlock(const CCellRange& block) {
     look.images = m_looks.images;
     source->Paint(m_painter, look);
     if (m_looks.marks != nullptr && *m_looks.marks && !fixed) {
-        PaintMarks((*m_looks.marks)(cell), look.rect, back);
+        // The marks of a cell whose left part is scrolled away stay in sight.
+        const bool scrolls = cell.col >= m_core.Layout().columns.StayingCount();
+        const QRect scrolling = m_core.Layout().ScrollingArea();
+        const int left = scrolls ? std::max(look.rect.left(), scrolling.left()) : look.rect.left();
+        PaintMarks((*m_looks.marks)(cell), QRect(QPoint(left, look.rect.top()), look.rect.bottomRight()),
+                   back);
     }
 }
 
@@ -168,9 +173,9 @@ void GridPainter::PaintMarks(unsigned marks, const QRect& rect, const QColor& ba
                                         cell.topRight() + QPointF(0, kSide)});
     }
     if ((marks & CellMark::New) != 0) {
-        const QPointF middle = cell.bottomLeft() + QPointF(kSide - 1.5, -kSide + 1.5);
-        m_painter.drawRect(QRectF(middle - QPointF(3.5, 0.75), QSizeF(7, 1.5)));
-        m_painter.drawRect(QRectF(middle - QPointF(0.75, 3.5), QSizeF(1.5, 7)));
+        const QPointF corner = cell.bottomLeft();  // the sign stands in the margin beside a text
+        m_painter.drawRect(QRectF(corner + QPointF(0, -5), QSizeF(5, 1)));
+        m_painter.drawRect(QRectF(corner + QPointF(2, -7), QSizeF(1, 5)));
     }
     if ((marks & CellMark::Unlikely) != 0) {
         constexpr double kWave = 3;

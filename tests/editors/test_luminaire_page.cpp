@@ -348,6 +348,14 @@ private Q_SLOTS:
         const auto tip = [&](int row) { return fixture.grid->TipOf({row, Number}).text; };
         QVERIFY(tip(1).startsWith(u"数据库文件中没有这一行"_s) && !tip(1).contains(u"新行"_s));
         QVERIFY(tip(2).endsWith(u"原因:“灯具名称”一列中含有单引号,不能写入。"_s));
+        // Where the row number is scrolled away, the first cell in sight tells of the row.
+        const int last = fixture.grid->GetRowCount() - 1;
+        fixture.Type(last, Name, u"新"_s);
+        QCOMPARE(fixture.grid->MarksOf({last, Number}), CellMark::New);
+        fixture.grid->EnsureVisible(last, fixture.grid->GetColumnCount() - 1);
+        const CCellID first{last, fixture.grid->LeftmostColumn()};
+        QVERIFY(first.col > 0 && fixture.grid->TipOf(first).text.contains(u"新行"_s));
+        QCOMPARE(fixture.grid->MarksOf(first) + fixture.grid->MarksOf({last, first.col + 1}), CellMark::New);
     }
 
     void LightSourcesAreThoseOfTheFile() {

@@ -34,7 +34,7 @@ void Fill(const QTemporaryDir& folder, int files) {
         QFile file(PictureName(folder, number));
         if (!file.open(QIODevice::WriteOnly)) {
             std::fprintf(stderr, "cannot write %s\n", qPrintable(file.fileName()));
-            std::exit(1);
+            std::exit(2);
         }
     }
     QImage picture(200, 200, QImage::Format_RGB32);

@@ -201,7 +201,9 @@ void TellIncompleteLoadSoon(QWidget* parent, const CString& caption) {
 void TellFailures(QWidget* parent, const CString& caption, const SubmitFailures& failures) {
     if (failures.None()) {
         if (failures.unread > 0) {
-            ShowMessage(parent, FormatText(u"数据已经提交,但有%d条未能重新读取核对。"_s, {failures.unread}),
+            ShowMessage(parent,
+                        FormatText(u"数据已经提交,但有%d条未能重新读取核对。\n"_s, {failures.unread}) +
+                            CauseText(failures.whyUnread, 0),
                         caption);
         }
         return;

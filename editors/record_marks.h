@@ -37,7 +37,7 @@ public:
     }
     CString TipOf(int id, MarkedColumn column, int removedAbove) const {
         const bool isChanged = column.number > 0 && IsChanged(id, column.number);
-        const CString stored =
+        CString stored =
             isChanged ? StoredValueTip(At(column.number).show(*m_records.Stored(id))) : CString();
         if (!column.isLeftmost) {
             return stored;

@@ -22,6 +22,7 @@ void RunSubmit(QWidget* page, const CString& caption, CLightingDatabase& databas
         isOnDisk = scope.Finish();
         whyNot = database.LastFailure();
         steps.compare(failures);
+        failures.whyUnread = database.LastFailure();
     }
     TellFailures(page, caption, failures);
     if (failures.None() && !isOnDisk) {

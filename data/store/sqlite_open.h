@@ -14,6 +14,10 @@ int OpenSqliteFile(const CString& path, sqlite3** database, int flags);
 // The system's own error text, for results of SQLite that only say that the system refused.
 FailureKind KindOfSystemError(int systemError);
 
+// Whether it says that the disk could not read. SQLite takes this for a damaged file where the system leaves
+// it open which of the two it is.
+bool IsReadError(int systemError);
+
 // Tells the system to read the whole file soon, where it can be told.
 void ReadAhead(const CString& path);
 

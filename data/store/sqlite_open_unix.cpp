@@ -32,6 +32,10 @@ FailureKind KindOfSystemError(int systemError) {
     }
 }
 
+bool IsReadError(int systemError) {
+    return systemError == EIO;
+}
+
 void ReadAhead(const CString& path) {
     QFile file(path);
     if (file.open(QIODevice::ReadOnly)) {

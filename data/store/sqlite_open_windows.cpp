@@ -43,6 +43,10 @@ FailureKind KindOfSystemError(int systemError) {
     }
 }
 
+bool IsReadError(int /*systemError*/) {
+    return false;  // SQLite tells them apart here
+}
+
 void ReadAhead(const CString& /*path*/) {}
 
 }  // namespace quorvane

@@ -39,13 +39,11 @@ std::vector<CString> ColumnNames(sqlite3_stmt* statement) {
     return qualified;
 }
 
-// What the last call that failed said; the engine's own note of it lacks the calls of a commit.
-FailureKind KindOfLastCall(sqlite3* database) {
+// What the last call that failed said, or 0; the engine's own note of it lacks the calls of a commit.
+int LastSystemError(sqlite3* database) {
     sqlite3_vfs* files = nullptr;
     sqlite3_file_control(database, "main", SQLITE_FCNTL_VFS_POINTER, static_cast<void*>(&files));
-    return files == nullptr || files->xGetLastError == nullptr
-               ? FailureKind::Other
-               : KindOfSystemError(files->xGetLastError(files, 0, nullptr));
+    return files == nullptr || files->xGetLastError == nullptr ? 0 : files->xGetLastError(files, 0, nullptr);
 }
 
 }  // namespace
@@ -66,14 +64,14 @@ FailureKind KindOfSqliteError(sqlite3* database) {
             return FailureKind::ReadOnly;
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB:
-            return FailureKind::Damaged;
+            return IsReadError(LastSystemError(database)) ? FailureKind::Other : FailureKind::Damaged;
         case SQLITE_NOMEM:
             return FailureKind::OutOfMemory;
         case SQLITE_INTERRUPT:
             return FailureKind::TimeLimit;
         case SQLITE_CANTOPEN:
         case SQLITE_IOERR: {
-            if (KindOfLastCall(database) == FailureKind::DiskFull) {
+            if (KindOfSystemError(LastSystemError(database)) == FailureKind::DiskFull) {
                 return FailureKind::DiskFull;
             }
             // After a journal could not be made, the engine looks for one, and tells that there is none.
@@ -87,7 +85,10 @@ FailureKind KindOfSqliteError(sqlite3* database) {
 }
 
 void ThrowSqliteError(sqlite3* database) {
-    throw ProviderError(QString::fromUtf8(sqlite3_errmsg(database)), KindOfSqliteError(database));
+    const FailureKind kind = KindOfSqliteError(database);
+    const bool couldNotRead = kind == FailureKind::Other && sqlite3_errcode(database) == SQLITE_CORRUPT;
+    throw ProviderError(
+        QString::fromUtf8(couldNotRead ? sqlite3_errstr(SQLITE_IOERR) : sqlite3_errmsg(database)), kind);
 }
 
 SqliteStatement PrepareSqlite(sqlite3* database, const CString& statement) {

@@ -281,7 +281,8 @@ SubmitFailures FactorTableEditing::Submit(const UtilizationFactorTable::Progress
     SubmitFailures failures{.writes = m_table.UnwrittenCount(),
                             .cause = m_table.FirstFailure(),
                             .different = m_table.DifferentCount(),
-                            .unread = m_table.UnreadCount()};
+                            .unread = m_table.UnreadCount(),
+                            .whyUnread = m_database.LastFailure()};
     m_modified = !failures.None();
     m_history.Clear();
     UtilizationFactorTable inFile = m_table;

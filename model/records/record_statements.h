@@ -24,6 +24,7 @@ struct SubmitFailures {
     ProviderFailure cause = {};  // of the first failure of the database
     int different = 0;  // records that are not in the file as they are shown, although they were written
     int unread = 0;     // records of which that could not be found out
+    ProviderFailure whyUnread = {};
 
     bool None() const { return writes == 0 && deletes == 0 && different == 0; }
     // failedRow: as row.

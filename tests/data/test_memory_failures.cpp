@@ -117,6 +117,8 @@ private Q_SLOTS:
             qInfo("cases: %d", number / step);
         }
         QCOMPARE(rows.size(), 1U);
+        QVERIFY(database.Disconnect());
+        QCOMPARE(CheckStoreFile(place.FilePath()), QStringList());
     }
 };
 

@@ -245,7 +245,9 @@ private Q_SLOTS:
         for (const auto& [schema, isUsable] : cases) {
             init();
             m_file->Raw().Execute(schema);
+            const QByteArray before = Contents(m_file->FilePath());
             QCOMPARE(m_database->Connect(), isUsable);
+            QVERIFY(Contents(m_file->FilePath()) == before);
             QCOMPARE(m_database->UpdateLightSource(LightSource()), isUsable);
         }
     }
@@ -327,6 +329,8 @@ private Q_SLOTS:
     void WaitsForALockAtTheStart() {
         RawDatabase other = m_file->Raw();
         other.Execute(u"begin exclusive"_s);
+        QVERIFY(!m_database->Connect() &&
+                m_database->LastFailure().kind == FailureKind::Locked);  // after 3 s
         std::thread user([&] {
             QTest::qSleep(700);
             other.Execute(u"commit"_s);

@@ -15,6 +15,7 @@
 #include "editors/photo/photo_dialog.h"
 #include "editors/photo/picture_preview.h"
 #include "model/photo/photo_library.h"
+#include "tests/support/endless_files.h"
 #include "tests/support/message_answers.h"
 #include "tests/support/unprivileged_scope.h"
 #include "widgets/dialog_template.h"
@@ -294,9 +295,12 @@ private Q_SLOTS:
         QVERIFY(QFile::setPermissions(Path(u"locked.bmp"_s), {}));
         QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7777)));
         const UnprivilegedScope unprivileged;
-        const QString notes =
+        QString notes =
             u"gone.bmp:图片文件不存在。;locked.bmp:图片文件不能读取。;large.bmp:文件大于64MB,不能用作图片。;"
             "text.bmp:文件中没有可以识别的图片。;a.png.bmp:;cut.jpg:图片不完整或已损坏。"_s;
+        if (!EndlessFiles(Path(u"pipe.bmp"_s)).isEmpty()) {
+            notes.prepend(u"pipe.bmp:图片文件不能读取。;"_s);
+        }
         Open({});
         for (const QString& pair : notes.split(u';')) {
             Item(PathEdit)->setFocus();
@@ -375,6 +379,10 @@ private Q_SLOTS:
             QVERIFY2(LoadPicture(Path(u"tried.jpg"_s), {60, 40}).image.isNull() == broken.contains(content),
                      content.left(20).toHex().constData());
         }
+        QImage bomb(12'000, 12'000, QImage::Format_Mono);
+        bomb.fill(0);
+        QVERIFY(bomb.save(Path(u"bomb.png"_s)));
+        QCOMPARE(LoadPicture(Path(u"bomb.png"_s), {60, 40}).problem, PictureProblem::TooManyPixels);
     }
 
 private:

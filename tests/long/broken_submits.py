@@ -9,8 +9,9 @@ removes a file. DATABASE_KIND chooses the kind of file.
 kills: the program ends there and is started again. The file must hold the statements up to one of them and no later
 one. After every other kill the edits that were kept are restored and submitted; the file must then hold all of them.
 
-errors: the call fails: once (an I/O error), or with all that follow (a full disk, a quota). The program must go on, show
-the edits, tell the cause, and write them by another submit once the disk is in order.
+errors: the call fails: once (an I/O error), or with all that follow (a full disk, a quota). So does each call that
+reads, once. The program must go on, show the edits, tell the cause, and write them by another submit once the disk is in
+order.
 """
 
 import subprocess
@@ -20,18 +21,20 @@ import time
 from runs import FLUX, Run, report
 from screen import TimeLimit
 
-CALLS = "pwrite64,fsync,fdatasync,ftruncate,rename,renameat,renameat2,link,linkat,unlink,unlinkat"
+WRITES = "pwrite64,fsync,fdatasync,ftruncate,rename,renameat,renameat2,link,linkat,unlink,unlinkat"
 ADDED, DELETED = "KILL-1", "JC-HO24"  # models; no luminaire has the deleted one
-# How a call is broken, and what the messages may then say.
-BREAKS = {"kills": {"signal=KILL:when={}": ()},
-          "errors": {"error=ENOSPC:when={}+": ("磁盘已满", "No space"),
-                     "error=EDQUOT:when={}+": ("磁盘已满", "quota"),
-                     "error=EIO:when={}": ("数据库报告", "未能备份")}}
+# Which calls are broken, how, and what the messages may then say.
+BREAKS = {"kills": [(WRITES, "signal=KILL:when={}", ())],
+          "errors": [(WRITES, "error=ENOSPC:when={}+", ("磁盘已满", "No space")),
+                     (WRITES, "error=EDQUOT:when={}+", ("磁盘已满", "quota")),
+                     (WRITES, "error=EIO:when={}", ("数据库报告", "未能备份")),
+                     ("pread64", "error=EIO:when={}", ("数据库报告", "未能备份"))]}
+OLD_COPIES = [f"灯具数据库.mdb.2025-01-0{day}-080000.bak" for day in (1, 2, 3)]
 
 
-def watch(program, *options):
-    """Starts to watch, or to break, the calls of the program."""
-    strace = subprocess.Popen(["strace", "-f", "-e", f"trace={CALLS}", *options, "-p", str(program.process.pid)],
+def watch(program, called, *options):
+    """Starts to watch, or to break, those calls of the program."""
+    strace = subprocess.Popen(["strace", "-f", "-e", f"trace={called}", *options, "-p", str(program.process.pid)],
                               stderr=subprocess.PIPE, text=True)
     assert "attached" in strace.stderr.readline()
     return strace
@@ -75,15 +78,17 @@ def stored(before, after):
 
 def kill(run, before, strace, restores):
     run.window.press_button("提交")
+    has_returned = False
     try:
         run.program.process.wait(timeout=10)
     except subprocess.TimeoutExpired:  # fewer calls were made than in the first run
+        has_returned = True
         run.kill()
     calls(strace)
     told = run.submit() if run.start(restores) and restores else ""
     run.leave()
     result = stored(before, run.folder.everything())
-    assert result == sorted(result, reverse=True) and (all(result) or not restores), (result, told)
+    assert result == sorted(result, reverse=True) and (all(result) or not (restores or has_returned)), (result, told)
     return result
 
 
@@ -101,33 +106,51 @@ def fail(run, before, strace, causes):
     return f"{injected[:1]}: {told}"
 
 
-def broken(number, how, causes):
+def other_bytes(content):
+    """The same database, but for a number in its first page that means nothing to the program."""
+    place = 63 if content.startswith(b"SQLite") else 4000
+    return content[:place] + bytes([content[place] ^ 1]) + content[place + 1:]
+
+
+def broken(number, called, how, causes):
     """One submit, of which that call is broken; how many calls an unbroken one makes when number is 0."""
     with Run() as run:
         before = run.folder.everything()
+        old_copies = [run.folder.database.with_name(name) for name in OLD_COPIES]
+        for copy in old_copies:
+            copy.write_bytes(other_bytes(run.folder.database.read_bytes()))
         edit(run.window)
-        strace = watch(run.program, *(["-e", f"inject={CALLS}:{how.format(number)}"] if number else []))
+        strace = watch(run.program, called, *(["-e", f"inject={called}:{how.format(number)}"] if number else []))
         if not number:
             run.submit()
             return len(calls(strace))
         result = fail(run, before, strace, causes) if causes else kill(run, before, strace, number % 2 == 0)
-        for copy in sorted(run.folder.database.parent.glob("*.bak"))[:1]:
-            assert run.folder.everything(copy) == before, "the copy is not what the file was before"
+        copies = sorted(run.folder.database.parent.glob("*.bak"))
+        assert len(copies) >= len(old_copies), "a copy went before there was a better one"
+        new = [copy for copy in copies if copy not in old_copies]
+        assert new or not (causes or any(result)), "there is no copy of what the file was before"
+        assert all(run.folder.everything(copy) == before for copy in new[:1]), "the copy is not what the file was before"
         return result
 
 
 def main():
-    numbers = [int(number) for number in sys.argv[3:]] or range(1, broken(0, "", ()) + 1)
-    cases = [(number, how, causes) for number in numbers for how, causes in BREAKS[sys.argv[2]].items()]
-    failed = 0
-    for number, how, causes in cases:
-        try:
-            result = broken(number, how, causes)
-        except (AssertionError, OSError, subprocess.SubprocessError, TimeLimit) as error:
-            failed += 1
-            result = f"FAILED {error!r}"
-        print(f"{how.format(number)} {result}", flush=True)
-    return report("submits", len(cases), failed)
+    tried = failed = 0
+    reached = []  # statements in the file after each kill without restored edits
+    for called, how, causes in BREAKS[sys.argv[2]]:
+        numbers = [int(number) for number in sys.argv[3:]] or range(1, broken(0, called, "", ()) + 1)
+        for number in numbers:
+            try:
+                result = broken(number, called, how, causes)
+                reached += [sum(result)] if not causes and number % 2 else []
+            except (AssertionError, OSError, subprocess.SubprocessError, TimeLimit) as error:
+                failed += 1
+                result = f"FAILED {error!r}"
+            tried += 1
+            print(f"{called[:7]} {how.format(number)} {result}", flush=True)
+    if reached != sorted(reached) or reached and not sys.argv[3:] and set(reached) != {0, 1, 2, 3}:
+        failed += 1  # each statement is in the file as soon as it has reported success
+        print(f"FAILED: after the kills the file held {reached} statements")
+    return report("submits", tried, failed)
 
 
 if __name__ == "__main__":

@@ -147,8 +147,8 @@ def main():
                 result = f"FAILED {error!r}"
             tried += 1
             print(f"{called[:7]} {how.format(number)} {result}", flush=True)
-    if reached != sorted(reached) or reached and not sys.argv[3:] and set(reached) != {0, 1, 2, 3}:
-        failed += 1  # each statement is in the file as soon as it has reported success
+    if reached != sorted(reached) or reached and not sys.argv[3:] and not set(reached) > {0, 3}:
+        failed += 1  # a statement is in the file as soon as it has reported success, not only with the last one
         print(f"FAILED: after the kills the file held {reached} statements")
     return report("submits", tried, failed)
 

@@ -149,14 +149,24 @@ private Q_SLOTS:
         QCOMPARE(rows->Value(0), FieldValue(qint64{4}));
     }
 
-    // A row that names the long value of another one, and so leaves its own behind.
-    void OneLongValueHasOneRow() {
+    void DamageIsFoundAndNotShown() {
         Take(u"lighting-2003-memo"_s);
         QCOMPARE(CheckStoreFile(m_file), QStringList());
         const QByteArray bytes = Contents(m_file);
-        WriteFile(m_file, QByteArray(bytes).replace(199217, 12, bytes.mid(199302, 12)));
-        const QStringList faults = CheckStoreFile(m_file);
-        QVERIFY2(faults.size() == 1 && faults[0].contains(u"share a piece"), qPrintable(faults.join(u'\n')));
+        // What stands where, what the check finds, and whether the rows can be read nevertheless.
+        const std::tuple<qsizetype, QByteArray, QString, bool> cases[] = {
+            // A row that names the long value of another one, and so leaves its own behind.
+            {199217, bytes.mid(199302, 12), u"share a piece"_s, true},
+            {172431, "\x22", u"not as long as it says"_s, false},
+            {172433, "\xff", u"longer than the file"_s, false},
+            {172036, "\x7e", u"belongs to another table"_s, false},
+        };
+        for (const auto& [offset, harm, fault, isShown] : cases) {
+            WriteFile(m_file, QByteArray(bytes).replace(offset, harm.size(), harm));
+            const QStringList faults = CheckStoreFile(m_file);
+            QVERIFY2(faults.size() == 1 && faults[0].contains(fault), qPrintable(faults.join(u'\n')));
+            QCOMPARE(Complaint(*OpenStore(m_file), u"select max(LampPhoto) from 灯具"_s).isEmpty(), isShown);
+        }
     }
 
 private:

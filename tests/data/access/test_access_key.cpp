@@ -52,6 +52,8 @@ private Q_SLOTS:
                 QCOMPARE(key.toHex(), QByteArray(isAscending ? ascending : descending));
             }
         }
+        QByteArray key;
+        QVERIFY_THROWS_EXCEPTION(AccessError, AppendKey(key, {ColumnType::Guid, true, {}}, "short"_ba));
     }
 
     void Texts() {

@@ -1,4 +1,4 @@
-// Who else has the file, and how far it grows.
+// Who else has the file, what its columns can hold, and how far it grows.
 
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -115,6 +115,32 @@ private Q_SLOTS:
         second.EndSubmit();
         // The lost statement is told, not dropped.
         QCOMPARE(disk.Names().filter(u"-redo"_s), QStringList(second.LogAside()));
+    }
+
+    // A row gives back what a column took. What would come back as another value is refused.
+    void ColumnsHoldNumbersExactly() {
+        SimulatedDisk disk;
+        disk.Put(kPath, Fixture("lighting-general.mdb"));
+        const Database database(disk, kPath);
+        const std::tuple<ColumnType, Value, std::optional<Value>> cases[] = {
+            {ColumnType::Currency, -0.0001, -0.0001}, {ColumnType::Currency, 0.00001, {}},
+            {ColumnType::Single, 0.74, 0.74},         {ColumnType::Single, 0.7400000001, {}},
+            {ColumnType::Integer, qint64{32768}, {}}, {ColumnType::Boolean, qint64{-1}, qint64{1}},
+        };
+        for (const auto& [type, value, held] : cases) {
+            TableDefinition table;
+            table.maxColumns = 1;
+            Column& column =
+                table.columns.emplace_back(Column{.name = {}, .type = type, .sortOrder = {}, .fixed = true});
+            try {
+                const StoredValue stored = ToStored(value, column);
+                column.length = static_cast<int>(stored->size());
+                const QByteArray row = EncodeRow(table, {stored});
+                QVERIFY(ReadValue(database.AllPages(), RowView(table, row).All()[0], column) == held);
+            } catch (const AccessError&) {
+                QVERIFY(!held);
+            }
+        }
     }
 
     void Grows_data() {

@@ -92,11 +92,11 @@ private Q_SLOTS:
         const QString copy = m_folder.filePath(u"copy.mdb"_s);
         RawDatabase(copy).Execute(QString::fromUtf8(kDatabaseSchema));
         const auto from = OpenDatabase(m_access);
-        const auto to = OpenDatabase(copy);
         from->Execute(u"update 照度要求及功率密度 set UGR=null, Location=null where ID=7"_s);
-        QVERIFY(CopyDatabase(*from, *to) > 6000);
-        QVERIFY_THROWS_EXCEPTION(SampleError, CopyDatabase(*from, *to));  // it holds rows now
-        to->Close();
+        from->Close();
+        QCOMPARE(QProcess::execute(QStringLiteral(CONVERT_PROGRAM), {m_access, copy}), 0);
+        QCOMPARE(QProcess::execute(QStringLiteral(CONVERT_PROGRAM), {m_access, copy}),
+                 1);  // it holds rows now
         // An SQLite file as it was made, with what has been changed since.
         RawDatabase same(m_sqlite);
         same.Execute(u"attach '%1' as copy"_s.arg(copy));

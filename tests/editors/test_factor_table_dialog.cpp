@@ -181,10 +181,11 @@ private Q_SLOTS:
         QCOMPARE(fixture.grid->GetFocusCell(), (CCellID{4, 2}));
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
         QCOMPARE(fixture.grid->TipOf({4, 2}).text, u"未取舍的数值:0.654"_s);
-        fixture.Command(u"显示3位小数"_s);
-        fixture.Open();
-        QCOMPARE(fixture.Row(4), u"0.60|0.610|0.654|0.630"_s);
-        QVERIFY(fixture.grid->TipOf({4, 2}).text.isEmpty());
+        for (const bool isOpenedAnew : {false, true}) {
+            isOpenedAnew ? fixture.Open() : fixture.Command(u"显示3位小数"_s);
+            QCOMPARE(fixture.Row(4), u"0.60|0.610|0.654|0.630"_s);
+        }
+        QVERIFY(fixture.grid->TipOf({4, 2}).text.isEmpty() && fixture.grid->TipOf({3, 0}).text.isEmpty());
         fixture.Type(4, 1, u"6.1"_s);
         QCOMPARE(fixture.grid->MarksOf({4, 1}), CellMark::Unlikely | CellMark::Changed);
         QVERIFY(fixture.grid->TipOf({4, 1}).text.contains(u"请核对"_s));

@@ -96,6 +96,15 @@ private Q_SLOTS:
         QVERIFY(tip(1).startsWith(u"数据库文件中没有这一行"_s) && tip(2).isEmpty());
     }
 
+    void EditsOfAnEarlierRunAreMadeAgain() {
+        Fixture earlier;
+        earlier.Select(0, 1);
+        earlier.Type(1, Location, u"实验室"_s);
+        Fixture later;
+        QVERIFY(later.page->MakeEditsAgain(earlier.page->KeepEdits()()).isEmpty());
+        QCOMPARE(later.Rows(), earlier.Rows());
+    }
+
     void AFailedLoadLeavesNothingToTypeInto() {
         Fixture fixture(kFile + u"update 照度要求及功率密度 set UGR=null where ID=2;"_s);
         fixture.Select(1, 0);

@@ -263,6 +263,8 @@ private Q_SLOTS:
         grid->SetFixedRowCount(3);
         QVERIFY(!grid->IsEditing());
         QCOMPARE(ended.count(), 1);
+        grid->SetFocusCell({90, 1});
+        grid->verticalScrollBar()->setValue(0);
         QVERIFY(grid->BeginEdit(90, 1));
         QVERIFY(grid->viewport()->rect().contains(grid.Editor()->geometry()));
         grid->SetFixedColumnCount(2);

@@ -98,6 +98,7 @@ private Q_SLOTS:
         grid.InsertRow({}, 3);
         QCOMPARE(grid.MergeExtent(3, 2), (CCellRange{2, 1, 4, 2}));
         grid.InsertRow({}, 0);
+        QCOMPARE(grid.MergeExtent(3, 2), (CCellRange{3, 1, 5, 2}));
         grid.MergeCells(5, 0, 1, 1);  // a block takes the place of one it touches
         QCOMPARE(grid.MergeExtent(3, 1), (CCellRange{3, 1, 3, 1}));
         QCOMPARE(grid.MergeExtent(6, 1), (CCellRange{5, 0, 6, 1}));

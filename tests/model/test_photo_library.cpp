@@ -2,6 +2,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "model/async_reader.h"
 #include "model/photo/photo_library.h"
 #include "tests/support/endless_files.h"
 #include "tests/support/files.h"
@@ -48,6 +49,15 @@ class TestPhotoLibrary : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void ReaderIsNeverUsedUp() {
+        AsyncReader reader(2);
+        int arrived = 0;
+        for (int read = 0; read < 100; ++read) {
+            reader.Run([] { return 1; }, [&](int one) { arrived += one; });
+        }
+        QTRY_COMPARE(arrived, 100);
+    }
+
     void StoresUnderTheId_data() {
         QTest::addColumn<QStringList>("before");  // beside "7.jpg", which must stay
         QTest::addColumn<QString>("source");

@@ -4,6 +4,7 @@ namespace quorvane::access {
 
 void RowCursor::Start(RowPath path, const QByteArray& key) {
     StartEmpty();
+    const bool isSameIndex = m_path.kind == path.kind && m_path.index == path.index;
     m_path = path;
     if (path.kind == RowPath::Kind::Scan) {
         m_scan.emplace(m_table.Scan());
@@ -12,9 +13,17 @@ void RowCursor::Start(RowPath path, const QByteArray& key) {
         }
         return;
     }
-    m_index.emplace(m_table.Entries(*path.index));
     if (path.kind == RowPath::Kind::Key) {
-        m_rows = m_index->Rows(key);
+        // A join asks for the same key many times.
+        if (!isSameIndex || key != m_key || m_changesAtPlace != m_changes) {
+            m_key.clear();
+            m_rows = m_table.Entries(*path.index).Rows(key);
+            m_key = key;
+            m_changesAtPlace = m_changes;
+        }
+        m_next = 0;
+    } else {
+        m_index.emplace(m_table.Entries(*path.index));
     }
     MoveNext();
 }
@@ -23,8 +32,7 @@ void RowCursor::StartEmpty() {
     m_view.reset();
     m_row.reset();
     m_scan.reset();
-    m_rows.clear();
-    m_next = 0;
+    m_next = m_rows.size();
     m_index.reset();
     m_place.reset();
     m_entry.clear();

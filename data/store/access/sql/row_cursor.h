@@ -41,7 +41,8 @@ private:
     std::optional<FoundRow> m_row;
     std::optional<RowView> m_view;  // of the row, once one of its values was read
     std::optional<TableScan> m_scan;
-    std::vector<RowAddress> m_rows;  // of one key
+    QByteArray m_key;                // that was sought last on this path; null: none
+    std::vector<RowAddress> m_rows;  // of that key
     std::size_t m_next = 0;          // among them
     std::optional<Index> m_index;
     std::optional<IndexCursor> m_place;

@@ -67,7 +67,9 @@ makePackages() {
     local layout="$build/package/quorvane"
     rm -rf "$build/package"
     layOut "$layout"
-    makensis -V2 -INPUTCHARSET UTF8 -DVERSION="$version" -DLAYOUT="$layout" \
+    local target=x86-unicode
+    [[ $arch == i686 ]] || target=amd64-unicode
+    makensis -V2 -INPUTCHARSET UTF8 -DVERSION="$version" -DTARGET="$target" -DLAYOUT="$layout" \
         -DOUTPUT="$build/package/quorvane-setup.exe" packaging/windows/setup.nsi
     # Unpacked over an installation, it must not replace the database.
     mv "$layout/Vexal/灯具数据库.mdb" "$layout/Vexal/样本-灯具数据库.mdb"

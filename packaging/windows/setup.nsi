@@ -1,6 +1,7 @@
-; The installer: makensis -DVERSION=… -DLAYOUT=FOLDER -DOUTPUT=FILE setup.nsi
-; LAYOUT holds bin\, docs and the sample Vexal\ as they are to be laid out.
-Unicode true
+; The installer: makensis -DVERSION=… -DTARGET=x86-unicode|amd64-unicode -DLAYOUT=FOLDER -DOUTPUT=FILE setup.nsi
+; LAYOUT holds bin\, docs and the sample Vexal\ as they are to be laid out. TARGET is what the program is made for: a
+; 64-bit system may lack what 32-bit programs need.
+Target ${TARGET}
 SetCompressor /SOLID lzma
 !include MUI2.nsh
 !include FileFunc.nsh

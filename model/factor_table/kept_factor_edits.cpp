@@ -88,7 +88,8 @@ std::optional<Contents> EditsOnFile(const KeptFactorEdits& kept, const Contents&
 
 bool IsInFile(const Contents& edited, const Contents& file) {
     const auto isSame = [](const auto& left, const auto& right) { return IsSameInFile(left, right); };
-    return edited.deletedIds.empty() && edited.headings == file.headings &&
+    // A submit writes into surplus rows what their cells hold.
+    return edited.deletedIds.empty() && edited.surplus.empty() && edited.headings == file.headings &&
            edited.rowValues == file.rowValues && std::ranges::equal(edited.factors, file.factors, isSame);
 }
 

@@ -19,7 +19,7 @@ struct KeptFactorEdits {
 std::optional<UtilizationFactorTable::Contents> EditsOnFile(const KeptFactorEdits& kept,
                                                             const UtilizationFactorTable::Contents& file);
 
-// Whether a submit of the edited table would change nothing.
+// Whether a submit of the edited table would change nothing. False where the table has surplus rows.
 bool IsInFile(const UtilizationFactorTable::Contents& edited, const UtilizationFactorTable::Contents& file);
 
 }  // namespace quorvane

@@ -152,6 +152,16 @@ private Q_SLOTS:
         QVERIFY(whole.MakeAgain(*kept, u"again"_s) && !whole.IsModified());
         place.Raw().Execute(u"insert into 利用系数 values (4,7,80,50,20,9,0.1)"_s);  // by another program
         QVERIFY(!loaded(0.61).MakeAgain(*kept, u"again"_s));
+        // The second row of a cell follows the cell only at the next submit.
+        place.Raw().Execute(
+            u"delete from 利用系数 where ID>1; insert into 利用系数 values (5,7,80,50,20,0.6,0.5)"_s);
+        FactorTableEditing twofold = loaded(0.61);
+        twofold.TakeFactor(4, 1, u"0.7"_s, false);
+        const auto edits = twofold.Edits();
+        place.Raw().Execute(u"update 利用系数 set UtilizationFactor=0.7 where ID=5"_s);
+        FactorTableEditing behind = loaded(0.61);
+        QVERIFY(behind.MakeAgain(edits, u"again"_s) && behind.IsModified() && behind.Submit().None());
+        QCOMPARE(place.Raw().Text(u"select group_concat(UtilizationFactor) from 利用系数"_s), u"0.7,0.7"_s);
     }
 };
 

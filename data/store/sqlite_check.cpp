@@ -9,6 +9,25 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
 
+namespace {
+
+constexpr int kLockTimeoutMs = 3000;
+
+void RequireSound(sqlite3* database, CheckLimits& limits) {
+    const auto look = [](void* of) { return static_cast<const CheckLimits*>(of)->AreReached() ? 1 : 0; };
+    GuardEngine(database, &limits.deadline);
+    sqlite3_busy_timeout(database, kLockTimeoutMs);
+    sqlite3_progress_handler(database, 1000, look, &limits);  // in the place of the guard's own
+    const SqliteRecordset report(PrepareSqlite(database, u"PRAGMA integrity_check(1)"_s));
+    const FieldValue value = report.Value(0);
+    const auto* text = std::get_if<CString>(&value);
+    if (text == nullptr || *text != u"ok"_s) {
+        throw ProviderError(u"数据库文件已损坏(%1)"_s.arg(text ? *text : CString()), FailureKind::Damaged);
+    }
+}
+
+}  // namespace
+
 QStringList CheckSqliteFile(const QString& path) {
     sqlite3* handle = nullptr;
     const int result = OpenSqliteFile(path, &handle, SQLITE_OPEN_READONLY);
@@ -28,6 +47,20 @@ QStringList CheckSqliteFile(const QString& path) {
         }
     }
     return findings;
+}
+
+void RequireSoundSqliteFile(const CString& path, CheckLimits limits) {
+    try {
+        sqlite3* handle = nullptr;
+        const int result = OpenSqliteFile(path, &handle, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX);
+        const std::unique_ptr<sqlite3, SqliteCloser> database(handle);
+        if (result != SQLITE_OK) {
+            throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
+        }
+        RequireSound(handle, limits);
+    } catch (const ProviderError& error) {
+        throw ProviderError(u"数据库文件不能检查:%1"_s.arg(error.Message()), error.Kind());
+    }
 }
 
 }  // namespace quorvane

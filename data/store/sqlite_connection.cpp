@@ -6,6 +6,7 @@
 #include "data/database_path.h"
 #include "data/store/connection_string.h"
 #include "data/store/dialect.h"
+#include "data/store/sqlite_check.h"
 #include "data/store/sqlite_guard.h"
 #include "data/store/sqlite_open.h"
 #include "data/store/sqlite_recordset.h"
@@ -72,7 +73,8 @@ void SqliteConnection::OpenPath(int busyTimeoutMs) {
     RefuseStrangeTables(database.get());
     sqlite3_busy_timeout(database.get(), kBusyTimeoutMs);
     PrepareForWriting(database.get());
-    m_check = std::make_unique<SqliteBackgroundCheck>(m_path);
+    m_check = std::make_unique<BackgroundCheck>(
+        [path = m_path](const CheckLimits& limits) { RequireSoundSqliteFile(path, limits); });
     m_database = std::move(database);
 }
 

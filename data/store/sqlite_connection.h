@@ -6,7 +6,7 @@
 #include <QElapsedTimer>
 
 #include "data/connection.h"
-#include "data/store/sqlite_background_check.h"
+#include "data/store/background_check.h"
 
 namespace quorvane {
 
@@ -47,7 +47,7 @@ private:
 
     CString m_path;
     QDeadlineTimer m_deadline;  // of the present statement
-    std::unique_ptr<SqliteBackgroundCheck> m_check;
+    std::unique_ptr<BackgroundCheck> m_check;
     bool m_inSubmit = false;
     QElapsedTimer m_sinceWait;                          // for a lock
     std::unique_ptr<sqlite3, SqliteCloser> m_database;  // null: not open

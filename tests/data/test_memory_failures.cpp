@@ -79,6 +79,7 @@ private Q_SLOTS:
              [&] {
                  database.Disconnect();
                  const bool isOpen = database.Connect();
+                 database.IsSound();  // waits for the check
                  const int left = std::exchange(allocationsUntilFailure, 0);
                  const bool isUsable = database.Connect() && database.UpdateLightSource(kept);
                  allocationsUntilFailure = left;

@@ -70,7 +70,23 @@ Header CheckedHeader(FileSystem& files, const QString& path) {
 
 }  // namespace
 
-Database::Database(FileSystem& files, const QString& path) : m_header(CheckedHeader(files, path)) {
+Database::Database(FileSystem& files, const QString& path, Use use) : m_header(CheckedHeader(files, path)) {
+    if (use == Use::Write) {
+        OpenForWriting(files, path);
+    }
+    if (m_file == nullptr) {
+        m_file = std::make_unique<PagedFile>(files, path, false);
+    }
+    m_allocator = std::make_unique<PageAllocator>(*m_file, [this] { return ClaimedPages(); });
+    m_catalog = ReadCatalog(*m_file);
+    try {
+        m_allocator->RequireWholeMap();
+    } catch (const AccessError& error) {
+        m_refusal = error;
+    }
+}
+
+void Database::OpenForWriting(FileSystem& files, const QString& path) {
     try {
         if (m_header.hasPassword) {
             throw AccessError(u"文件设有数据库密码"_s);
@@ -81,22 +97,8 @@ Database::Database(FileSystem& files, const QString& path) : m_header(CheckedHea
         if (error.Kind() == Fault::Damaged) {
             throw;
         }
-        ForbidWriting(error);
+        m_refusal = error;
         m_lock.reset();
-        m_file = std::make_unique<PagedFile>(files, path, false);
-    }
-    m_allocator = std::make_unique<PageAllocator>(*m_file, [this] { return ClaimedPages(); });
-    m_catalog = ReadCatalog(*m_file);
-    try {
-        m_allocator->RequireWholeMap();
-    } catch (const AccessError& error) {
-        ForbidWriting(error);
-    }
-}
-
-void Database::RequireSound() const {
-    if (m_refusal && m_refusal->Kind() == Fault::Damaged) {
-        throw *m_refusal;
     }
 }
 

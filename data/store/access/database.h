@@ -16,16 +16,15 @@ namespace quorvane::access {
 
 class Database {
 public:
-    // Opens a file for writing, or for reading alone where ReadOnlyReason then says why. Throws AccessError
-    // for a file that cannot be read. Changes nothing in the file, unless a log beside it has to be finished.
-    Database(FileSystem& files, const QString& path);
+    enum class Use { Write, Read };
+
+    // Opens a file, for writing where it can be written; ReadOnlyReason says why it cannot. Throws
+    // AccessError for a file that cannot be read. Changes nothing, but that opening for writing finishes a
+    // log beside the file.
+    Database(FileSystem& files, const QString& path, Use use = Use::Write);
 
     // Empty when the file may be written.
     QString ReadOnlyReason() const { return m_refusal ? m_refusal->Message() : QString(); }
-    // From now on every statement that writes is refused for this reason.
-    void ForbidWriting(const AccessError& reason) { m_refusal = reason; }
-    // Throws the reason when it is damage.
-    void RequireSound() const;
     // Where changes of a former run were put that belong to another state of the file; empty as a rule.
     const QString& LogAside() const { return m_file->LogAside(); }
 
@@ -53,6 +52,7 @@ public:
     std::optional<AccessError> TakeFailure() { return std::exchange(m_failure, std::nullopt); }
 
 private:
+    void OpenForWriting(FileSystem& files, const QString& path);
     std::vector<bool> ClaimedPages() const;
 
     std::optional<AccessError> m_failure;

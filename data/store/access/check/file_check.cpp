@@ -41,13 +41,13 @@ void CheckDataPages(const Pages& pages, const std::vector<PageNumber>& numbers, 
 // One table with all that belongs to it. What is found goes into the list of faults.
 class TableCheck {
 public:
-    TableCheck(Database& database, const CatalogEntry& entry, PageClaims& claims, QDeadlineTimer deadline,
+    TableCheck(Database& database, const CatalogEntry& entry, PageClaims& claims, const CheckLimits& limits,
                QStringList& faults)
         : m_database(database),
           m_pages(database.AllPages()),
           m_entry(entry),
           m_claims(claims),
-          m_deadline(deadline),
+          m_limits(limits),
           m_faults(faults) {}
 
     void Run() {
@@ -75,7 +75,7 @@ private:
     }
 
     void RequireTime() const {
-        if (m_deadline.hasExpired()) {
+        if (m_limits.AreReached()) {
             throw AccessError(u"检查超时"_s);
         }
     }
@@ -235,7 +235,7 @@ private:
     const Pages& m_pages;
     const CatalogEntry& m_entry;
     PageClaims& m_claims;
-    QDeadlineTimer m_deadline;
+    const CheckLimits& m_limits;
     QStringList& m_faults;
     std::map<int, std::vector<PageNumber>> m_longPages;  // of the long values, by column
     quint32 m_rows = 0;
@@ -243,7 +243,7 @@ private:
 
 }  // namespace
 
-QStringList CheckFile(Database& database, QDeadlineTimer deadline) {
+QStringList CheckFile(Database& database, const CheckLimits& limits) {
     QStringList faults;
     PageClaims claims(database.AllPages());
     const auto attempt = [&](const auto& check) {
@@ -259,7 +259,7 @@ QStringList CheckFile(Database& database, QDeadlineTimer deadline) {
     attempt([&] { claims.UseCarriers(kGlobalMap); });
     for (const CatalogEntry& table : database.Catalog()) {
         if (!table.linked) {
-            TableCheck(database, table, claims, deadline, faults).Run();
+            TableCheck(database, table, claims, limits, faults).Run();
         }
     }
     attempt([&] { claims.RequireNotFree(); });

@@ -52,15 +52,27 @@ auto AsProviderError(const Action& action) {
     }
 }
 
-// A damaged file is shown as far as it can be read, and never written.
-void CheckBeforeWriting(Database& database, QDeadlineTimer deadline) {
-    const QStringList faults = CheckFile(database, deadline);
-    if (!faults.isEmpty()) {
-        const QString& first = faults.first();
-        database.ForbidWriting(AccessError(
-            faults.size() == 1 ? first : u"%1(另有%2处)"_s.arg(first, QString::number(faults.size() - 1)),
-            Fault::Damaged));
+bool IsUnchanged(const Database& database) {
+    try {
+        database.RequireUnchanged();
+        return true;
+    } catch (const AccessError&) {
+        return false;
     }
+}
+
+// When the file was changed during the check, the next statement tells, and has it read and checked anew.
+void RequireSound(FileSystem& files, const CString& path, const CheckLimits& limits) {
+    AsProviderError([&] {
+        Database database(files, path, Database::Use::Read);
+        const QStringList faults = CheckFile(database, limits);
+        if (!faults.isEmpty() && IsUnchanged(database)) {
+            const QString& first = faults.first();
+            throw AccessError(
+                faults.size() == 1 ? first : u"%1(另有%2处)"_s.arg(first, QString::number(faults.size() - 1)),
+                Fault::Damaged);
+        }
+    });
 }
 
 }  // namespace
@@ -84,11 +96,10 @@ void AccessConnection::Open(const CString& connectionString, const CString& /*us
 
 // What was open is closed first, because its lock file keeps everybody else from writing.
 void AccessConnection::OpenPath() {
+    m_check.reset();
     m_engine.reset();
     m_database.reset();
-    m_deadline.setRemainingTime(kTimeLimit);
     auto database = std::make_shared<Database>(m_files, m_path);
-    CheckBeforeWriting(*database, m_deadline);
     sqlite3* handle = nullptr;
     // One thread uses a connection, so the engine need not lock it for each column of each row.
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX;
@@ -100,6 +111,8 @@ void AccessConnection::OpenPath() {
     GuardEngine(handle, &m_deadline);
     m_deadline.setRemainingTime(kTimeLimit);
     m_leftOut = DeclareTables(handle, database);
+    m_check = std::make_unique<BackgroundCheck>(
+        [files = &m_files, path = m_path](const CheckLimits& limits) { RequireSound(*files, path, limits); });
     m_database = std::move(database);
     m_engine = std::move(engine);
     m_changedOutside = false;
@@ -119,6 +132,9 @@ std::unique_ptr<Recordset> AccessConnection::Execute(const CString& statement) {
             prepared.reset();
             Reopen();
             prepared = Prepare(statement);
+        }
+        if (writes) {
+            RequireSoundFile();
         }
         m_deadline.setRemainingTime(kTimeLimit);
         RequireUnchanged();
@@ -184,6 +200,7 @@ void AccessConnection::BeginSubmit() {
     if (m_database != nullptr && m_database->IsOutdated(true)) {
         AsProviderError([&] { Reopen(); });
     }
+    RequireSoundFile();
 }
 
 void AccessConnection::EndSubmit() {
@@ -193,9 +210,13 @@ void AccessConnection::EndSubmit() {
     }
 }
 
+bool AccessConnection::IsCheckRunning() const {
+    return m_check != nullptr && !m_check->Wait({});
+}
+
 void AccessConnection::RequireSoundFile() {
-    if (m_database != nullptr) {
-        AsProviderError([&] { m_database->RequireSound(); });
+    if (m_check != nullptr) {
+        m_check->RequireSoundFile();
     }
 }
 
@@ -209,6 +230,7 @@ void AccessConnection::Close() {
         ThrowSqliteError(m_engine.get());
     }
     static_cast<void>(m_engine.release());
+    m_check.reset();
     m_database.reset();
     m_path.clear();
 }

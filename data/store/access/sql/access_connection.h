@@ -7,6 +7,7 @@
 #include <map>
 
 #include "data/connection.h"
+#include "data/store/background_check.h"
 #include "data/store/sqlite_recordset.h"
 
 namespace quorvane {
@@ -26,20 +27,22 @@ class AccessConnection : public Connection {
 public:
     explicit AccessConnection(access::FileSystem& files) : m_files(files) {}
 
-    // Opens the file named by "Data Source": for writing when it is sound and nobody else has it open, else
-    // for reading alone. Throws ProviderError for a file that cannot be read. Users and options are not
-    // looked at.
+    // Opens the file named by "Data Source": for writing when nobody else has it open, else for reading
+    // alone. The whole file is checked beside the first window, and a damaged one is not written. Throws
+    // ProviderError for a file that cannot be read. Users and options are not looked at.
     void Open(const CString& connectionString, const CString& user, const CString& password,
               int options) override;
-    // Every statement that writes fails with the reason where the file is open for reading alone. When
-    // another program has changed the file, one statement fails with that reason; from the next query on the
-    // file is read anew, and until then nothing is written. A file that stands in the place of the open one,
-    // or may be written meanwhile, is opened by the next statement or submit.
+    // A statement that writes waits for the check of the file, and fails with the reason where the file is
+    // open for reading alone. When another program has changed the file, one statement fails with that
+    // reason; from the next query on the file is read anew, and until then nothing is written. A file that
+    // stands in the place of the open one, or may be written meanwhile, is opened by the next statement or
+    // submit.
     std::unique_ptr<Recordset> Execute(const CString& statement) override;
     void BeginSubmit() override;
     void EndSubmit() override;
     // Fails while a record set of this connection is still open.
     void Close() override;
+    bool IsCheckRunning() const override;
     void RequireSoundFile() override;
     CString ChangesPutAside() const override;
 
@@ -62,6 +65,7 @@ private:
     std::map<CString, CString> m_leftOut;          // tables that cannot be shown, in lower case: why
     QDeadlineTimer m_deadline;                     // of the present statement
     Engine m_engine;
+    std::unique_ptr<BackgroundCheck> m_check;  // of the open file
     bool m_inSubmit = false;
     bool m_changedOutside = false;
 };

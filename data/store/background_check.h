@@ -1,0 +1,42 @@
+// Checks a file as a whole, indexes included, in a thread beside the one that uses the file.
+#pragma once
+
+#include <QDeadlineTimer>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <stop_token>
+
+#include "data/connection.h"
+
+namespace quorvane {
+
+// How long the check of a file may go on.
+struct CheckLimits {
+    std::stop_token stop;
+    QDeadlineTimer deadline = QDeadlineTimer::Forever;
+
+    bool AreReached() const { return stop.stop_requested() || deadline.hasExpired(); }
+};
+
+class BackgroundCheck {
+public:
+    // Starts the check. It owns what it uses, throws ProviderError with what it has found, and looks at the
+    // limits, of which the time is kTimeLimit, often.
+    explicit BackgroundCheck(std::function<void(const CheckLimits&)> check);
+    // Stops the check. A thread that hangs in a drive that does not answer is left behind.
+    ~BackgroundCheck();
+    BackgroundCheck(const BackgroundCheck&) = delete;
+    BackgroundCheck& operator=(const BackgroundCheck&) = delete;
+
+    // Waits for the end of the check. False when it has not ended by then.
+    bool Wait(std::chrono::milliseconds limit) const;
+    // Waits for the end of the check, and throws what it has thrown, or that it did not come to its end.
+    void RequireSoundFile() const;
+
+private:
+    struct State;
+    std::shared_ptr<State> m_state;
+};
+
+}  // namespace quorvane

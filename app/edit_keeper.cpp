@@ -1,10 +1,13 @@
 #include "app/edit_keeper.h"
 
+#include <QApplication>
+#include <QDir>
 #include <QStandardPaths>
 #include <numeric>
 #include <utility>
 
 #include "editors/refused_edits.h"
+#include "grid/grid_ctrl.h"
 #include "widgets/message_box.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -13,6 +16,7 @@ namespace quorvane {
 namespace {
 
 constexpr int kKeepEveryMs = 2000;
+constexpr int kFailuresToTellOf = 2;  // what is over by the second try is not worth a message
 const CString kCount = u"count"_s;
 
 // Where the user's settings lie.
@@ -22,6 +26,21 @@ CString Folder() {
 
 CString Key(std::size_t page) {
     return u"page %1"_s.arg(page);
+}
+
+// The window in front. Null while a message in front of it would take away what the user is just doing:
+// typing a text, holding a button of the mouse, choosing from a list or menu, answering another question.
+QWidget* WindowForMessage(QWidget& mainWindow) {
+    QWidget* front = QApplication::activeModalWidget();
+    if (front == nullptr) {
+        front = &mainWindow;
+    }
+    const QWidget* focus = front->focusWidget();
+    const bool isTyping = focus != nullptr && focus->inputMethodQuery(Qt::ImSurroundingText).isValid();
+    const bool isChoosing =
+        QGuiApplication::mouseButtons() != Qt::NoButton || QApplication::activePopupWidget() != nullptr;
+    const bool isForEdits = front == &mainWindow || front->findChild<CGridCtrl*>() != nullptr;
+    return isForEdits && !isTyping && !isChoosing ? front : nullptr;
 }
 
 }  // namespace
@@ -37,7 +56,7 @@ EditKeeper::EditKeeper(std::vector<CPage*> pages, const CString& database, QWidg
         });
     }
     m_timer.setInterval(kKeepEveryMs);
-    connect(&m_timer, &QTimer::timeout, this, &EditKeeper::Keep);
+    connect(&m_timer, &QTimer::timeout, this, &EditKeeper::Look);
 }
 
 void EditKeeper::Start() {
@@ -67,6 +86,39 @@ void EditKeeper::MakeEditsAgain(const QCborMap& kept) {
     if (!refused.isEmpty()) {
         ShowRefusedEdits(&m_window, refused);
     }
+}
+
+// Sees how the last write ended, and keeps the edits when they are due, also those that could not be kept
+// before.
+void EditKeeper::Look() {
+    if (m_file.IsBusy()) {
+        return;
+    }
+    const CString failure = m_file.LastFailure();
+    const bool isPause = !m_isDue;  // nothing was entered since the last look
+    if (!failure.isEmpty()) {
+        ++m_failures;
+        m_isDue = m_isKept = true;
+    } else if (m_isKept) {
+        m_failures = 0;
+        m_isToldOf = false;
+    }
+    Keep();
+    if (!failure.isEmpty() && m_failures >= kFailuresToTellOf && isPause && EditCount() > 0) {
+        TellOf(failure);
+    }
+}
+
+void EditKeeper::TellOf(const CString& failure) {
+    QWidget* window = WindowForMessage(m_window);
+    if (m_isToldOf || window == nullptr) {
+        return;
+    }
+    m_isToldOf = true;
+    m_timer.start();  // anew, because a timer does not fire while its own slot runs
+    ShowMessage(window,
+                u"未提交的修改目前无法存放到下列文件夹，程序意外中断时可能会丢失，请尽快提交：\n%1\n%2"_s.arg(
+                    QDir::toNativeSeparators(Folder()), failure));
 }
 
 // A write that is still going on delays the next one: the window never waits for it.

@@ -1,5 +1,5 @@
 // EditKeeper: keeps the unsubmitted edits of all pages beside the user's settings while the program runs, and
-// offers them again after a run that did not end as it should.
+// offers them again after a run that did not end as it should. Tells the user when they cannot be kept.
 #pragma once
 
 #include <QTimer>
@@ -24,15 +24,19 @@ public:
 
 private:
     void MakeEditsAgain(const QCborMap& kept);
+    void Look();
     void Keep();
+    void TellOf(const CString& failure);
     int EditCount() const;
 
     std::vector<CPage*> m_pages;
     QWidget& m_window;
     KeptEditsFile m_file;
-    QTimer m_timer;
+    QTimer m_timer{this};
     bool m_isDue = false;   // the edits have changed since they were kept
     bool m_isKept = false;  // the file may exist
+    int m_failures = 0;     // since edits could last be kept
+    bool m_isToldOf = false;
     bool m_isStarted = false;
 };
 

@@ -2,11 +2,12 @@
 
 #include <QCborValue>
 #include <QCryptographicHash>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLoggingCategory>
+#include <QMutexLocker>
 #include <QSaveFile>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -14,20 +15,39 @@ using namespace Qt::Literals::StringLiterals;
 namespace quorvane {
 namespace {
 
-Q_LOGGING_CATEGORY(keptEdits, "quorvane.keptedits")
-
 constexpr qint64 kLargestFile = 256LL * 1024 * 1024;
 const CString kFormat = u"quorvane edits 1"_s;
 
-void WriteFile(const CString& path, const QByteArray& bytes) {
-    QDir().mkpath(QFileInfo(path).path());
-    QSaveFile file(path);
-    const bool isWritten = file.open(QIODevice::WriteOnly) &&
-                           file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
-                           file.write(bytes) == bytes.size() && file.commit();
-    if (!isWritten) {
-        qCWarning(keptEdits) << path << file.errorString();
+// Where there is room for a part, only the attempt to write the rest tells the reason.
+bool WriteAll(QSaveFile& file, QByteArrayView bytes) {
+    for (qint64 written = 0; !bytes.isEmpty(); bytes = bytes.sliced(written)) {
+        written = file.write(bytes.data(), bytes.size());
+        if (written <= 0) {
+            return false;
+        }
     }
+    return true;
+}
+
+// Returns why the file could not be written; empty when it was.
+CString WriteFile(const CString& path, const QByteArray& bytes) {
+    std::error_code error;
+    std::filesystem::create_directories(QFileInfo(path).filesystemAbsolutePath(), error);
+    if (error) {
+        return CString::fromLocal8Bit(error.message());
+    }
+    QSaveFile file(path);
+    // Unbuffered, because commit() takes the place of the file even when it could not write its buffer.
+    const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+                           file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
+                           WriteAll(file, bytes) && file.commit();
+    return isWritten ? CString() : file.errorString();
+}
+
+// Likewise. A file that is not there counts as removed.
+CString RemoveFile(const CString& path) {
+    QFile file(path);
+    return file.remove() || !file.exists() ? CString() : file.errorString();
 }
 
 }  // namespace
@@ -57,14 +77,24 @@ std::optional<QCborMap> KeptEditsFile::Read() const {
 }
 
 void KeptEditsFile::Write(std::function<QCborMap()> make) {
-    m_pool.start([path = m_path, database = m_database, make = std::move(make)] {
-        const QCborMap map{{u"format"_s, kFormat}, {u"database"_s, database}, {u"edits"_s, make()}};
-        WriteFile(path, map.toCborValue().toCbor());
+    m_pool.start([this, make = std::move(make)] {
+        const QCborMap map{{u"format"_s, kFormat}, {u"database"_s, m_database}, {u"edits"_s, make()}};
+        SetLastFailure(WriteFile(m_path, map.toCborValue().toCbor()));
     });
 }
 
 void KeptEditsFile::Remove() {
-    m_pool.start([path = m_path] { QFile::remove(path); });
+    m_pool.start([this] { SetLastFailure(RemoveFile(m_path)); });
+}
+
+CString KeptEditsFile::LastFailure() const {
+    const QMutexLocker locker(&m_mutex);
+    return m_lastFailure;
+}
+
+void KeptEditsFile::SetLastFailure(const CString& reason) {
+    const QMutexLocker locker(&m_mutex);
+    m_lastFailure = reason;
 }
 
 }  // namespace quorvane

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QCborMap>
+#include <QMutex>
 #include <QThreadPool>
 #include <functional>
 #include <optional>
@@ -30,11 +31,17 @@ public:
     void Remove();
     // Whether something is still to be written.
     bool IsBusy() const { return m_pool.activeThreadCount() > 0; }
+    // Why the last write or removal that has ended failed, in the words of the system; empty when it did not.
+    CString LastFailure() const;
 
 private:
+    void SetLastFailure(const CString& reason);
+
     CString m_path;
     CString m_database;
-    QThreadPool m_pool;  // of one thread
+    mutable QMutex m_mutex;
+    CString m_lastFailure;  // guarded by m_mutex
+    QThreadPool m_pool;     // of one thread
 };
 
 }  // namespace quorvane

@@ -6,6 +6,7 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
+#include "app/edit_keeper.h"
 #include "app/file_notice.h"
 #include "app/main_dialog.h"
 #include "app/single_instance.h"
@@ -49,7 +50,9 @@ public:
     }
     void Reload() override { *m_calls += m_name + u".reload"_s; }
     void AddCommand(QAction& /*command*/) override {}
-    std::function<QCborMap()> KeepEdits() const override { return {}; }
+    std::function<QCborMap()> KeepEdits() const override {
+        return [] { return QCborMap(); };
+    }
     QStringList MakeEditsAgain(const QCborMap&) override { return {}; }
 
     bool modified = false;
@@ -185,6 +188,28 @@ private Q_SLOTS:
         QVERIFY(told.size() == 1 && told[0].contains(u"row 7 missing from index"_s));
         connection->putAside = u"/opt/q/Vexal/a.mdb-redo-20260102-030405"_s;
         QVERIFY(seenAfter(false, false).value(0).contains(connection->putAside));
+    }
+
+    void EditsThatCannotBeKeptAreToldOnce() {
+        const QTemporaryDir folder;
+        const QString settings = folder.filePath(u"settings"_s);
+        qputenv("XDG_CONFIG_HOME", settings.toUtf8());
+        Fixture fixture;
+        fixture.light->modified = true;
+        EditKeeper keeper({fixture.light}, u"a.mdb"_s, *fixture.dialog);
+        keeper.Start();
+        keeper.findChild<QTimer*>()->setInterval(5);
+        for (int round = 0; round < 2; ++round) {
+            QVERIFY(QDir(settings).removeRecursively() && QFile(settings).open(QIODevice::WriteOnly));
+            Q_EMIT fixture.light->EditsChanged();
+            for (const int told : {0, 1}) {  // first a text is being typed
+                told == 0 ? fixture.light->findChild<QLineEdit*>()->setFocus() : fixture.Tabs()->setFocus();
+                QTest::qWait(200);
+                QCOMPARE(fixture.answers.TakeSeen().filter(settings).size(), told);
+            }
+            QVERIFY(QFile::remove(settings));  // it is tried again without another edit
+            QTRY_VERIFY(!QDir(settings + u"/quorvane"_s).entryList({u"*.cbor"_s}).isEmpty());
+        }
     }
 
     // Without a folder for it there is no lock, and the program starts all the same.

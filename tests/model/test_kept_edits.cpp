@@ -111,7 +111,13 @@ private Q_SLOTS:
         }
         QVERIFY(file.Read() && !other.Read());
         file.Remove();
-        QTRY_VERIFY(!QFile::exists(path));
+        file.Remove();  // there is none
+        QTRY_VERIFY(!file.IsBusy());
+        QVERIFY(!QFile::exists(path) && file.LastFailure().isEmpty() && kept.mkdir(path));
+        file.Write([] { return QCborMap(); });
+        QTRY_VERIFY(!file.LastFailure().isEmpty());
+        file.Remove();
+        QTRY_VERIFY(!file.IsBusy() && !file.LastFailure().isEmpty());
     }
 
     void AFactorTableIsMadeAgainAsAWhole() {

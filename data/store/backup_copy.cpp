@@ -39,7 +39,8 @@ void Copy(const CString& from, const CString& to) {
     QFile source(from);
     Open(source);
     QSaveFile copy(to);
-    if (!copy.open(QIODevice::WriteOnly)) {
+    // Unbuffered, because commit() reports no failure to write the buffer.
+    if (!copy.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         ThrowFailure(copy);
     }
     for (QByteArray chunk = ReadChunk(source); !chunk.isEmpty(); chunk = ReadChunk(source)) {

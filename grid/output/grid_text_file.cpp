@@ -63,8 +63,9 @@ bool SaveGridText(const GridCore& core, const CString& path) {
     QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
     const QByteArray bytes = "\xEF\xBB\xBF" + QByteArray(encoder.encode(WriteCsv(TextsOf(core))));
     QSaveFile file(path);
-    return !encoder.hasError() && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
-           file.commit();
+    // Unbuffered, because commit() reports no failure to write the buffer.
+    return !encoder.hasError() && file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+           file.write(bytes) == bytes.size() && file.commit();
 }
 
 int CountFormulas(const GridCore& core) {

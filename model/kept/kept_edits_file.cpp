@@ -37,7 +37,7 @@ CString WriteFile(const CString& path, const QByteArray& bytes) {
         return CString::fromLocal8Bit(error.message());
     }
     QSaveFile file(path);
-    // Unbuffered, because commit() takes the place of the file even when it could not write its buffer.
+    // Unbuffered, because commit() reports no failure to write the buffer.
     const bool isWritten = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
                            file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
                            WriteAll(file, bytes) && file.commit();

@@ -20,8 +20,9 @@ PhotoProblem Copy(const CString& source, const CString& target) {
     }
     QDir().mkpath(QFileInfo(target).path());
     QSaveFile copy(target);
-    // The toolkit's file would be written to where a link leads.
-    if (IsLink(target) || !copy.open(QIODevice::WriteOnly)) {
+    // The toolkit's file would be written to where a link leads. Its commit() reports no failure to write a
+    // buffer, so it has none.
+    if (IsLink(target) || !copy.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         return PhotoProblem::UnwritableLibrary;
     }
     QByteArray block(kBlock, Qt::Uninitialized);

@@ -10,7 +10,8 @@ namespace quorvane {
 
 class FileNotice {
 public:
-    // Starts waiting for the end of the check. Both outlive the notice; window is the parent of the message.
+    // Begins the check soon, when the window has been painted, and waits for its end. Both outlive the
+    // notice; window is the parent of the message.
     FileNotice(CLightingDatabase& database, QWidget& window);
 
 private:

@@ -32,9 +32,10 @@ qint64 CountRows(Connection& connection, const QString& query) {
     return rows;
 }
 
-// Opens and reads every value of every table.
+// Opens, checks and reads every value of every table.
 void Load(const QString& file) {
     const auto connection = OpenDatabase(file);
+    connection->RequireSoundFile();
     for (const QString& table : kTables) {
         for (const auto rows = connection->Execute(u"select * from "_s + table); !rows->AtEnd();
              rows->MoveNext()) {

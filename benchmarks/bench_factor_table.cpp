@@ -134,7 +134,7 @@ int main(int argc, char* argv[]) {
     Require(folder.isValid(), "making a temporary folder");
     MakeDatabase(folder.path());
     CLightingDatabase database(CreateStoreConnection, folder.filePath(u"bin/quorvane"_s));
-    Require(database.Connect(), "connecting");
+    Require(database.Connect() && database.IsSound(), "connecting");
     const bool dialogIsFast = CompareDialog(database);
     const bool buildingIsLinear = CompareBuilding(database);
     return dialogIsFast && buildingIsLinear ? 0 : 1;

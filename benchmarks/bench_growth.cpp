@@ -108,7 +108,7 @@ public:
     explicit Workplace(DatabaseKind kind)
         : m_file((WriteSampleDatabase(OneBuildingType(), FileIn(m_folder), kind), FileIn(m_folder))),
           m_database(CreateStoreConnection, m_folder.filePath(QStringLiteral("bin/quorvane"))),
-          m_isOpen(m_database.Connect()),
+          m_isOpen(m_database.Connect() && m_database.IsSound()),
           m_page(m_database, nullptr) {
         if (!m_isOpen) {
             qFatal("the database did not open");

@@ -61,7 +61,7 @@ public:
         : m_database(CreateStoreConnection, m_folder.filePath(QStringLiteral("bin/quorvane"))) {
         WriteSampleDatabase(MakeData(luminaires, lightSourcesACategory),
                             m_folder.filePath(QStringLiteral("Vexal/灯具数据库.mdb")));
-        if (!m_database.Connect()) {
+        if (!m_database.Connect() || !m_database.IsSound()) {
             std::fprintf(stderr, "the database did not open\n");
             std::exit(2);
         }

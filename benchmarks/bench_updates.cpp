@@ -143,7 +143,7 @@ int main(int argc, char* argv[]) {
     Require(folder.isValid(), "making a temporary folder");
     MakeDatabase(folder.filePath(u"measured"_s));
     CLightingDatabase database(CreateStoreConnection, folder.filePath(u"measured/bin/quorvane"_s));
-    Require(database.Connect(), "connecting");
+    Require(database.Connect() && database.IsSound(), "connecting");
     const Database raw = OpenRaw(MakeDatabase(folder.filePath(u"yardstick"_s)));
     PrepareForWriting(raw.get());
 

@@ -86,8 +86,9 @@ public:
     virtual void BeginSubmit() {}
     virtual void EndSubmit() {}
     virtual void Close() = 0;
-    // A provider may check the whole file while it is already read. Nothing is written before the check has
-    // ended. RequireSoundFile waits for its end and throws ProviderError when the file is damaged.
+    // A provider may check the whole file while it is already read. The check begins when one of these two is
+    // called, or a statement is to write; nothing is written before it has ended. RequireSoundFile waits for
+    // its end and throws ProviderError when the file is damaged.
     virtual bool IsCheckRunning() const { return false; }
     virtual void RequireSoundFile() {}
     // The path of a file in which opening has kept changes of a former run that could not go into the

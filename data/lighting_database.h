@@ -37,9 +37,9 @@ public:
     // Why the last operation that returned false did so. An operation that succeeds leaves this alone.
     const ProviderFailure& LastFailure() const { return m_lastFailure; }
 
-    // The whole file may still be checked after Connect; the first statement that writes waits for the end of
-    // this check. IsSound waits for it too and is false, with the reason in LastFailure, when the file is
-    // damaged. Nothing is written then.
+    // The whole file is checked after Connect, from the first call of IsCheckRunning on; a statement that
+    // writes begins the check if need be and waits for its end. IsSound waits for it too and is false, with
+    // the reason in LastFailure, when the file is damaged. Nothing is written then.
     bool IsCheckRunning() const;
     bool IsSound();
     // The path of a file that holds changes of a former run, which Connect could not bring into the database

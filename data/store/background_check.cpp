@@ -27,6 +27,13 @@ struct BackgroundCheck::State {
     std::optional<ProviderFailure> finding;  // none: the file is sound
     std::stop_source stop;
 
+    void End(std::optional<ProviderFailure> result) {
+        const std::lock_guard lock(mutex);
+        finding = std::move(result);
+        ended = true;
+        changed.notify_all();
+    }
+
     // Nothing may leave the thread, the lack of memory for a message neither.
     void Run(const std::function<void(const CheckLimits&)>& check) noexcept {
         std::optional<ProviderFailure> found;
@@ -39,33 +46,40 @@ struct BackgroundCheck::State {
         } catch (const std::bad_alloc&) {
             found = {.kind = FailureKind::OutOfMemory, .message = {}, .column = {}};
         }
-        const std::lock_guard lock(mutex);
-        finding = std::move(found);
-        ended = true;
-        changed.notify_all();
+        End(std::move(found));
     }
 };
 
 BackgroundCheck::BackgroundCheck(std::function<void(const CheckLimits&)> check)
-    : m_state(std::make_shared<State>()) {
-    try {
-        std::thread([state = m_state, check = std::move(check)]() mutable { state->Run(check); }).detach();
-    } catch (const std::system_error&) {
-        throw ProviderError(u"no thread could be started to check the file"_s, FailureKind::OutOfMemory);
-    }
-}
+    : m_check(std::move(check)), m_state(std::make_shared<State>()) {}
 
 BackgroundCheck::~BackgroundCheck() {
     m_state->stop.request_stop();
-    Wait(kStopTimeout);
+    if (!m_check) {
+        Wait(kStopTimeout);
+    }
 }
 
-bool BackgroundCheck::Wait(std::chrono::milliseconds limit) const {
+void BackgroundCheck::Start() {
+    try {
+        std::thread([state = m_state, check = m_check] { state->Run(check); }).detach();
+    } catch (const std::system_error&) {
+        m_state->End(ProviderFailure{.kind = FailureKind::OutOfMemory,
+                                     .message = u"no thread could be started to check the file"_s,
+                                     .column = {}});
+    }
+    m_check = {};
+}
+
+bool BackgroundCheck::Wait(std::chrono::milliseconds limit) {
+    if (m_check) {
+        Start();
+    }
     std::unique_lock lock(m_state->mutex);
     return m_state->changed.wait_for(lock, limit, [&] { return m_state->ended; });
 }
 
-void BackgroundCheck::RequireSoundFile() const {
+void BackgroundCheck::RequireSoundFile() {
     if (!Wait(kTimeLimit + kGrace)) {
         throw ProviderError(u"数据库文件检查超时"_s, FailureKind::TimeLimit);
     }

@@ -21,8 +21,9 @@ struct CheckLimits {
 
 class BackgroundCheck {
 public:
-    // Starts the check. It owns what it uses, throws ProviderError with what it has found, and looks at the
-    // limits, of which the time is kTimeLimit, often.
+    // A check that begins when somebody first waits for it, so that the first window need not share the
+    // processor and the drive with it. It owns what it uses, throws ProviderError with what it has found, and
+    // looks at the limits, of which the time is kTimeLimit, often.
     explicit BackgroundCheck(std::function<void(const CheckLimits&)> check);
     // Stops the check. A thread that hangs in a drive that does not answer is left behind.
     ~BackgroundCheck();
@@ -30,12 +31,15 @@ public:
     BackgroundCheck& operator=(const BackgroundCheck&) = delete;
 
     // Waits for the end of the check. False when it has not ended by then.
-    bool Wait(std::chrono::milliseconds limit) const;
+    bool Wait(std::chrono::milliseconds limit);
     // Waits for the end of the check, and throws what it has thrown, or that it did not come to its end.
-    void RequireSoundFile() const;
+    void RequireSoundFile();
 
 private:
+    void Start();
+
     struct State;
+    std::function<void(const CheckLimits&)> m_check;  // empty once it has begun
     std::shared_ptr<State> m_state;
 };
 

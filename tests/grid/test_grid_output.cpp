@@ -16,6 +16,7 @@
 #include "grid/output/grid_text_file.h"
 #include "grid/output/separated_text.h"
 #include "shown_grid.h"
+#include "tests/support/process_limits.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
@@ -157,6 +158,12 @@ private Q_SLOTS:
         QVERIFY(!SaveGridText(CGridCtrl(1, 1).Core(), Path(u"no folder/file.csv"_s)));
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly) && file.read(3) == "\xEF\xBB\xBF");
+    }
+
+    void AFullDiskTakesNoPartOfAFile() {
+        m_grid->SetItemText(1, 1, CString(5000, u'a'));
+        const FullDiskScope full;
+        QVERIFY(!SaveGridText(m_grid->Core(), Path(u"表.csv"_s)));
     }
 
     void LoadsWhatSpreadsheetsWrite() {

@@ -6,6 +6,7 @@
 #include "model/photo/photo_library.h"
 #include "tests/support/endless_files.h"
 #include "tests/support/files.h"
+#include "tests/support/process_limits.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quorvane;
@@ -137,6 +138,13 @@ private Q_SLOTS:
         for (const QString& source : endless) {
             QCOMPARE(disk.library.Prepare(12, source).problem, PhotoProblem::UnreadableSource);
         }
+    }
+
+    void AFullDiskTakesNoPartOfAPhoto() {
+        const Disk disk;
+        WriteFile(disk.Path(u"B/a.jpg"_s), QByteArray(5000, 'a'));
+        const FullDiskScope full;
+        QCOMPARE(disk.library.Prepare(12, disk.Path(u"B/a.jpg"_s)).problem, PhotoProblem::UnwritableLibrary);
     }
 
     // The folder is read only once: what was placed meanwhile is known, what was deleted is not.

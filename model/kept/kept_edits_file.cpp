@@ -20,8 +20,8 @@ const CString kFormat = u"quorvane edits 1"_s;
 
 // Where there is room for a part, only the attempt to write the rest tells the reason.
 bool WriteAll(QSaveFile& file, QByteArrayView bytes) {
-    for (qint64 written = 0; !bytes.isEmpty(); bytes = bytes.sliced(written)) {
-        written = file.write(bytes.data(), bytes.size());
+    for (qsizetype written = 0; !bytes.isEmpty(); bytes = bytes.sliced(written)) {
+        written = static_cast<qsizetype>(file.write(bytes.data(), bytes.size()));
         if (written <= 0) {
             return false;
         }

@@ -7,6 +7,7 @@
 #include <QSaveFile>
 
 #include "data/connection.h"
+#include "data/write_all.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -44,7 +45,7 @@ void Copy(const CString& from, const CString& to) {
         ThrowFailure(copy);
     }
     for (QByteArray chunk = ReadChunk(source); !chunk.isEmpty(); chunk = ReadChunk(source)) {
-        if (copy.write(chunk) != chunk.size()) {
+        if (!WriteAll(copy, chunk)) {
             ThrowFailure(copy);
         }
     }

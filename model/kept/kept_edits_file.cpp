@@ -10,6 +10,8 @@
 #include <system_error>
 #include <utility>
 
+#include "data/write_all.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace quorvane {
@@ -17,17 +19,6 @@ namespace {
 
 constexpr qint64 kLargestFile = 256LL * 1024 * 1024;
 const CString kFormat = u"quorvane edits 1"_s;
-
-// Where there is room for a part, only the attempt to write the rest tells the reason.
-bool WriteAll(QSaveFile& file, QByteArrayView bytes) {
-    for (qsizetype written = 0; !bytes.isEmpty(); bytes = bytes.sliced(written)) {
-        written = static_cast<qsizetype>(file.write(bytes.data(), bytes.size()));
-        if (written <= 0) {
-            return false;
-        }
-    }
-    return true;
-}
 
 // Returns why the file could not be written; empty when it was.
 CString WriteFile(const CString& path, const QByteArray& bytes) {

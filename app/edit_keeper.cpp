@@ -1,13 +1,12 @@
 #include "app/edit_keeper.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QStandardPaths>
 #include <numeric>
 #include <utility>
 
+#include "app/quiet_moment.h"
 #include "editors/refused_edits.h"
-#include "grid/grid_ctrl.h"
 #include "widgets/message_box.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -26,21 +25,6 @@ CString Folder() {
 
 CString Key(std::size_t page) {
     return u"page %1"_s.arg(page);
-}
-
-// The window in front. Null while a message in front of it would take away what the user is just doing:
-// typing a text, holding a button of the mouse, choosing from a list or menu, answering another question.
-QWidget* WindowForMessage(QWidget& mainWindow) {
-    QWidget* front = QApplication::activeModalWidget();
-    if (front == nullptr) {
-        front = &mainWindow;
-    }
-    const QWidget* focus = front->focusWidget();
-    const bool isTyping = focus != nullptr && focus->inputMethodQuery(Qt::ImSurroundingText).isValid();
-    const bool isChoosing =
-        QGuiApplication::mouseButtons() != Qt::NoButton || QApplication::activePopupWidget() != nullptr;
-    const bool isForEdits = front == &mainWindow || front->findChild<CGridCtrl*>() != nullptr;
-    return isForEdits && !isTyping && !isChoosing ? front : nullptr;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "app/file_notice.h"
 
+#include "app/quiet_moment.h"
 #include "widgets/message_box.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -18,18 +19,19 @@ FileNotice::FileNotice(CLightingDatabase& database, QWidget& window)
 }
 
 void FileNotice::Look() {
-    if (m_database.IsCheckRunning()) {
+    QWidget* window = m_database.IsCheckRunning() ? nullptr : WindowForMessage(m_window);
+    if (window == nullptr) {
         return;
     }
     m_timer.stop();
     if (const CString file = m_database.ChangesPutAside(); !file.isEmpty()) {
-        ShowMessage(&m_window,
+        ShowMessage(window,
                     u"程序上次未正常结束，有修改尚未写入数据库文件，而该文件此后已被改动，"
                     "这些修改不能再写入。它们另存为：\n%1"_s.arg(file));
     }
     if (!m_database.IsSound()) {
-        ShowMessage(&m_window, u"数据库文件未通过检查，只能查看，不能提交：\n%1"_s.arg(
-                                   m_database.LastFailure().message));
+        ShowMessage(window, u"数据库文件未通过检查，只能查看，不能提交：\n%1"_s.arg(
+                                m_database.LastFailure().message));
     }
 }
 

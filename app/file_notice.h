@@ -10,8 +10,8 @@ namespace quorvane {
 
 class FileNotice {
 public:
-    // Begins the check soon, when the window has been painted, and waits for its end. Both outlive the
-    // notice; window is the parent of the message.
+    // Begins the check a moment later, so that the window is painted before it, and waits for its end and for
+    // a moment at which the user is not just typing or choosing. Both outlive the notice.
     FileNotice(CLightingDatabase& database, QWidget& window);
 
 private:

@@ -93,7 +93,9 @@ class Roads(unittest.TestCase):
         program.process.kill()
         program.wait_for_end()
         program = self.start()
-        program.message("上次有 3 处未提交的修改,是否恢复?").press_button("是")
+        question = program.message("上次有 3 处未提交的修改,是否恢复?")
+        question.press_button("是")
+        question.wait_until_closed()
         window = program.main_window()
         self.assertEqual(self.folder.everything(), before)
         for tab, _, heading, text, *_ in EDITS:

@@ -1,10 +1,11 @@
 #include "data/store/background_check.h"
 
+#include <QElapsedTimer>
 #include <condition_variable>
+#include <exception>
 #include <mutex>
 #include <new>
 #include <optional>
-#include <system_error>
 #include <thread>
 
 #include "data/store/sqlite_guard.h"
@@ -17,6 +18,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kStopTimeout{1000};
 constexpr std::chrono::milliseconds kGrace{1000};  // beyond the time limit, for the thread to say so
+constexpr int kAskAgainMs = 1000;
 
 }  // namespace
 
@@ -25,13 +27,20 @@ struct BackgroundCheck::State {
     std::condition_variable changed;
     bool ended = false;
     std::optional<ProviderFailure> finding;  // none: the file is sound
+    QElapsedTimer sinceEnd;
     std::stop_source stop;
 
     void End(std::optional<ProviderFailure> result) {
         const std::lock_guard lock(mutex);
         finding = std::move(result);
+        sinceEnd.start();
         ended = true;
         changed.notify_all();
+    }
+
+    // Without memory a check fails at once, so that it can be tried as often as one likes.
+    bool IsToBeAskedAgain() const {
+        return finding && (finding->kind == FailureKind::OutOfMemory || sinceEnd.hasExpired(kAskAgainMs));
     }
 
     // Nothing may leave the thread, the lack of memory for a message neither.
@@ -41,7 +50,7 @@ struct BackgroundCheck::State {
             try {
                 check({stop.get_token(), QDeadlineTimer(kTimeLimit)});
             } catch (const ProviderError& error) {
-                found = {.kind = error.Kind(), .message = error.Message(), .column = {}};
+                found = error.Failure();
             }
         } catch (const std::bad_alloc&) {
             found = {.kind = FailureKind::OutOfMemory, .message = {}, .column = {}};
@@ -55,33 +64,40 @@ BackgroundCheck::BackgroundCheck(std::function<void(const CheckLimits&)> check)
 
 BackgroundCheck::~BackgroundCheck() {
     m_state->stop.request_stop();
-    if (!m_check) {
+    if (m_hasBegun) {
         Wait(kStopTimeout);
     }
 }
 
-void BackgroundCheck::Start() {
+void BackgroundCheck::Begin() {
+    m_hasBegun = true;
+    m_state->ended = false;  // no thread uses the state now
+    m_deadline.setRemainingTime(kTimeLimit + kGrace);
     try {
         std::thread([state = m_state, check = m_check] { state->Run(check); }).detach();
-    } catch (const std::system_error&) {
-        m_state->End(ProviderFailure{.kind = FailureKind::OutOfMemory,
-                                     .message = u"no thread could be started to check the file"_s,
-                                     .column = {}});
+    } catch (const std::exception&) {  // no memory or no thread
+        m_state->End(ProviderFailure{.kind = FailureKind::OutOfMemory, .message = {}, .column = {}});
     }
-    m_check = {};
 }
 
-bool BackgroundCheck::Wait(std::chrono::milliseconds limit) {
-    if (m_check) {
-        Start();
+bool BackgroundCheck::IsRunning() {
+    if (!m_hasBegun) {
+        Begin();
     }
+    return !Wait({});
+}
+
+bool BackgroundCheck::Wait(std::chrono::milliseconds limit) const {
     std::unique_lock lock(m_state->mutex);
     return m_state->changed.wait_for(lock, limit, [&] { return m_state->ended; });
 }
 
 void BackgroundCheck::RequireSoundFile() {
-    if (!Wait(kTimeLimit + kGrace)) {
-        throw ProviderError(u"数据库文件检查超时"_s, FailureKind::TimeLimit);
+    if (!m_hasBegun || (Wait({}) && m_state->IsToBeAskedAgain())) {
+        Begin();
+    }
+    if (!Wait(std::chrono::milliseconds(m_deadline.remainingTime()))) {
+        throw ProviderError(u"数据库文件检查超时"_s);
     }
     if (m_state->finding) {
         throw ProviderError(*m_state->finding);

@@ -21,7 +21,7 @@ struct CheckLimits {
 
 class BackgroundCheck {
 public:
-    // A check that begins when somebody first waits for it, so that the first window need not share the
+    // A check that begins when somebody first asks for it, so that the first window need not share the
     // processor and the drive with it. It owns what it uses, throws ProviderError with what it has found, and
     // looks at the limits, of which the time is kTimeLimit, often.
     explicit BackgroundCheck(std::function<void(const CheckLimits&)> check);
@@ -30,17 +30,23 @@ public:
     BackgroundCheck(const BackgroundCheck&) = delete;
     BackgroundCheck& operator=(const BackgroundCheck&) = delete;
 
-    // Waits for the end of the check. False when it has not ended by then.
-    bool Wait(std::chrono::milliseconds limit);
-    // Waits for the end of the check, and throws what it has thrown, or that it did not come to its end.
+    // Begins the check. True until it has ended.
+    bool IsRunning();
+    // Waits for the end of the check, and throws what it has thrown, or that it did not come to its end in
+    // time. What it has thrown more than a second ago is looked for again: another program may have held the
+    // file for a moment, or the disk may be in order again.
     void RequireSoundFile();
 
 private:
-    void Start();
-
     struct State;
-    std::function<void(const CheckLimits&)> m_check;  // empty once it has begun
+
+    void Begin();
+    bool Wait(std::chrono::milliseconds limit) const;
+
+    std::function<void(const CheckLimits&)> m_check;
     std::shared_ptr<State> m_state;
+    bool m_hasBegun = false;
+    QDeadlineTimer m_deadline;  // for the thread to end
 };
 
 }  // namespace quorvane

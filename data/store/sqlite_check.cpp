@@ -59,6 +59,9 @@ void RequireSoundSqliteFile(const CString& path, CheckLimits limits) {
         }
         RequireSound(handle, limits);
     } catch (const ProviderError& error) {
+        if (limits.AreReached()) {
+            throw ProviderError(u"数据库文件检查超时"_s);
+        }
         throw ProviderError(u"数据库文件不能检查:%1"_s.arg(error.Message()), error.Kind());
     }
 }

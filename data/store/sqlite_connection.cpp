@@ -106,7 +106,7 @@ bool SqliteConnection::IsOutdated() const {
 }
 
 bool SqliteConnection::IsCheckRunning() const {
-    return m_check != nullptr && !m_check->Wait({});
+    return m_check != nullptr && m_check->IsRunning();
 }
 
 void SqliteConnection::RequireSoundFile() {

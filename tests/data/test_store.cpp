@@ -5,11 +5,13 @@
 #include <QElapsedTimer>
 #include <QTest>
 #include <QtEndian>
+#include <atomic>
 #include <numeric>
 #include <optional>
 #include <thread>
 
 #include "data/lighting_database.h"
+#include "data/store/background_check.h"
 #include "data/store/dialect.h"
 #include "tests/support/files.h"
 #include "tests/support/process_limits.h"
@@ -307,6 +309,20 @@ private Q_SLOTS:
         QVERIFY_THROWS_EXCEPTION(ProviderError, connection->Execute(u"delete from 灯具"_s));
         QCOMPARE(Files().size(), 1);  // a copy of it would push out a good one
         QVERIFY(m_database->Disconnect());
+    }
+
+    void WhatACheckHasFoundIsLookedForAgain() {
+        std::atomic<int> runs = 0;
+        BackgroundCheck check([&](const CheckLimits&) {
+            if (++runs == 1) {
+                throw ProviderError(u"locked"_s);
+            }
+        });
+        QVERIFY_THROWS_EXCEPTION(ProviderError, check.RequireSoundFile());
+        QVERIFY_THROWS_EXCEPTION(ProviderError, check.RequireSoundFile());  // by the first run
+        QTest::qWait(1100);
+        check.RequireSoundFile();
+        QCOMPARE(runs, 2);
     }
 
     void FollowsAFileThatWasReplaced() {

@@ -35,6 +35,9 @@ public:
     // file.
     Table& Find(const QString& name);
 
+    void BeforeEachRead(std::function<void()> action) { m_file->BeforeEachRead(std::move(action)); }
+    // The state of the file that was read.
+    const FileStamp& Stamp() const { return m_file->Stamp(); }
     // Throws when another program has changed the file since it was read, or has removed it.
     void RequireUnchanged() const { m_file->RequireUnchanged(); }
     // Whether the path is to be opened anew: another file bears it now, or, before a statement that writes,

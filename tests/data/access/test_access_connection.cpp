@@ -114,6 +114,17 @@ private Q_SLOTS:
         QCOMPARE(Complaint(*database, update), QString());
         database->Close();
         QCOMPARE(CheckStoreFile(m_file), QStringList());
+
+        // What changes before its check has ended is neither sound nor damaged.
+        const QByteArray sound = Contents(m_file);
+        for (const QByteArray& bytes : {QByteArray(sound).replace(kRowCount, 1, "\7"), sound}) {
+            const auto changing = OpenStore(m_file);
+            WriteFile(m_file, bytes);
+            QVERIFY_THROWS_EXCEPTION(ProviderError, changing->RequireSoundFile());
+            QCOMPARE(Failure(*changing, update).kind, FailureKind::FileChanged);
+            First(*changing, u"select 1"_s);
+            QCOMPARE(Complaint(*changing, update).isEmpty(), bytes == sound);
+        }
     }
 
     // What stands at the path counts, not what was opened, and who uses it now, not who did.

@@ -27,6 +27,13 @@ private:
     std::set<quint64> m_slots;
 };
 
+// Throws again what is a fault of the disk, of another program or of the time, and not of the file.
+void RequireFaultOfFile(const AccessError& error) {
+    if (error.Kind() != Fault::Damaged && error.Kind() != Fault::Refused) {
+        throw;
+    }
+}
+
 // The data pages of a table, or the pages of a column's long values.
 void CheckDataPages(const Pages& pages, const std::vector<PageNumber>& numbers, quint32 owner) {
     for (const PageNumber number : numbers) {
@@ -67,18 +74,12 @@ private:
         try {
             check();
         } catch (const AccessError& error) {
-            if (error.Kind() == Fault::Failed) {
-                throw;  // of the disk, not of the file
-            }
+            RequireFaultOfFile(error);
             m_faults += u"%1:%2"_s.arg(where, error.Message());
         }
     }
 
-    void RequireTime() const {
-        if (m_limits.AreReached()) {
-            throw AccessError(u"检查超时"_s);
-        }
-    }
+    void RequireTime() const { RequireTimeLeft(m_limits); }
 
     void CheckMaps(RowAddress owned, RowAddress withRoom, quint32 owner) {
         m_claims.UseCarriers(owned);
@@ -243,6 +244,12 @@ private:
 
 }  // namespace
 
+void RequireTimeLeft(const CheckLimits& limits) {
+    if (limits.AreReached()) {
+        throw AccessError(u"数据库文件检查超时"_s, Fault::Failed);
+    }
+}
+
 QStringList CheckFile(Database& database, const CheckLimits& limits) {
     QStringList faults;
     PageClaims claims(database.AllPages());
@@ -250,9 +257,7 @@ QStringList CheckFile(Database& database, const CheckLimits& limits) {
         try {
             check();
         } catch (const AccessError& error) {
-            if (error.Kind() == Fault::Failed) {
-                throw;
-            }
+            RequireFaultOfFile(error);
             faults += error.Message();
         }
     };

@@ -1,5 +1,5 @@
 // Whether a whole file is sound: what the driver demands before it changes anything (docs/access-files.md,
-// "What is checked at opening").
+// "What is checked").
 #pragma once
 
 #include <QStringList>
@@ -10,9 +10,11 @@
 namespace quorvane::access {
 
 // Reads every structure of the file once: maps, pages, rows, long values and indexes. The rows' values are
-// compared with the index entries wherever the key is known. Returns what is wrong, one line each, and that
-// the check was given up when the limits are reached. Throws AccessError only for a file that can no longer
-// be read.
+// compared with the index entries wherever the key is known. Returns what is wrong, one line each. Throws
+// AccessError for a file that can no longer be read, and when the limits are reached.
 QStringList CheckFile(Database& database, const CheckLimits& limits = {});
+
+// Throws AccessError when the limits are reached.
+void RequireTimeLeft(const CheckLimits& limits);
 
 }  // namespace quorvane::access

@@ -1,5 +1,4 @@
-// Who owns which page of a file, for finding pages with two owners (docs/access-files.md, "What is checked at
-// opening").
+// Who owns which page of a file, for finding pages with two owners (docs/access-files.md, "What is checked").
 #pragma once
 
 #include <set>

@@ -225,6 +225,9 @@ void PagedFile::RequireBasePages() const {
 }
 
 std::shared_ptr<Page> PagedFile::ReadFromFile(PageNumber page) const {
+    if (m_beforeRead) {
+        m_beforeRead();
+    }
     auto content = std::make_shared_for_overwrite<Page>();
     m_file->Read(Offset(page), *content);
     return content;

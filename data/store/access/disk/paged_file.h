@@ -7,6 +7,7 @@
 // milliseconds in which the pages are put in place.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -35,6 +36,11 @@ public:
     Page& Write(PageNumber page) override;
     PageNumber Append() override;
 
+    // Calls an action before each read from the file; what the action throws ends the reading.
+    void BeforeEachRead(std::function<void()> action) { m_beforeRead = std::move(action); }
+
+    // The state of the file that was read.
+    const FileStamp& Stamp() const { return m_stamp; }
     // Throws when another program has changed the file since it was read, or has removed it.
     void RequireUnchanged() const;
     // Whether another file bears the name now.
@@ -68,7 +74,8 @@ private:
     std::unique_ptr<File> m_file;
     quint64 m_identity = 0;  // of the file when it was opened
     FileStamp m_stamp;
-    PageNumber m_fileCount = 0;  // pages in the file itself
+    std::function<void()> m_beforeRead;  // may be empty
+    PageNumber m_fileCount = 0;          // pages in the file itself
     PageNumber m_count = 0;
     mutable PageCache m_cache;
     std::map<PageNumber, Pending> m_pending;  // committed, but only in the log

@@ -52,21 +52,17 @@ auto AsProviderError(const Action& action) {
     }
 }
 
-bool IsUnchanged(const Database& database) {
-    try {
-        database.RequireUnchanged();
-        return true;
-    } catch (const AccessError&) {
-        return false;
-    }
-}
-
-// When the file was changed during the check, the next statement tells, and has it read and checked anew.
-void RequireSound(FileSystem& files, const CString& path, const CheckLimits& limits) {
+// Only what is found in the very state of the file that is open says something.
+void RequireSound(FileSystem& files, const CString& path, const FileStamp& open, const CheckLimits& limits) {
     AsProviderError([&] {
         Database database(files, path, Database::Use::Read);
+        database.BeforeEachRead([&] { RequireTimeLeft(limits); });
         const QStringList faults = CheckFile(database, limits);
-        if (!faults.isEmpty() && IsUnchanged(database)) {
+        database.RequireUnchanged();
+        if (database.Stamp() != open) {
+            throw AccessError(u"文件读取后已被其他程序改动"_s, Fault::Changed);
+        }
+        if (!faults.isEmpty()) {
             const QString& first = faults.first();
             throw AccessError(
                 faults.size() == 1 ? first : u"%1(另有%2处)"_s.arg(first, QString::number(faults.size() - 1)),
@@ -112,7 +108,9 @@ void AccessConnection::OpenPath() {
     m_deadline.setRemainingTime(kTimeLimit);
     m_leftOut = DeclareTables(handle, database);
     m_check = std::make_unique<BackgroundCheck>(
-        [files = &m_files, path = m_path](const CheckLimits& limits) { RequireSound(*files, path, limits); });
+        [files = &m_files, path = m_path, stamp = database->Stamp()](const CheckLimits& limits) {
+            RequireSound(*files, path, stamp, limits);
+        });
     m_database = std::move(database);
     m_engine = std::move(engine);
     m_changedOutside = false;
@@ -211,13 +209,24 @@ void AccessConnection::EndSubmit() {
 }
 
 bool AccessConnection::IsCheckRunning() const {
-    return m_check != nullptr && !m_check->Wait({});
+    return m_check != nullptr && m_check->IsRunning();
 }
 
 void AccessConnection::RequireSoundFile() {
-    if (m_check != nullptr) {
-        m_check->RequireSoundFile();
+    if (m_path.isEmpty()) {
+        return;
     }
+    AsProviderError([&] {
+        if (m_engine == nullptr || (!m_inSubmit && m_database->IsOutdated(false))) {
+            Reopen();
+        }
+        try {
+            m_check->RequireSoundFile();
+        } catch (const ProviderError&) {
+            RequireUnchanged();  // else the change is the reason
+            throw;
+        }
+    });
 }
 
 CString AccessConnection::ChangesPutAside() const {

@@ -13,6 +13,16 @@ namespace {
 
 constexpr int kLockTimeoutMs = 3000;
 
+std::unique_ptr<sqlite3, SqliteCloser> OpenForReading(const QString& path) {
+    sqlite3* handle = nullptr;
+    const int result = OpenSqliteFile(path, &handle, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX);
+    std::unique_ptr<sqlite3, SqliteCloser> database(handle);
+    if (result != SQLITE_OK) {
+        throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
+    }
+    return database;
+}
+
 void RequireSound(sqlite3* database, CheckLimits& limits) {
     const auto look = [](void* of) { return static_cast<const CheckLimits*>(of)->AreReached() ? 1 : 0; };
     GuardEngine(database, &limits.deadline);
@@ -29,17 +39,12 @@ void RequireSound(sqlite3* database, CheckLimits& limits) {
 }  // namespace
 
 QStringList CheckSqliteFile(const QString& path) {
-    sqlite3* handle = nullptr;
-    const int result = OpenSqliteFile(path, &handle, SQLITE_OPEN_READONLY);
-    const std::unique_ptr<sqlite3, SqliteCloser> database(handle);
-    if (result != SQLITE_OK) {
-        throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
-    }
+    const auto database = OpenForReading(path);
     const QDeadlineTimer noLimit(QDeadlineTimer::Forever);
-    GuardEngine(handle, &noLimit);
-    RefuseStrangeTables(handle);
+    GuardEngine(database.get(), &noLimit);
+    RefuseStrangeTables(database.get());
     QStringList findings;
-    SqliteRecordset report(PrepareSqlite(handle, u"PRAGMA integrity_check"_s));
+    SqliteRecordset report(PrepareSqlite(database.get(), u"PRAGMA integrity_check"_s));
     for (; !report.AtEnd(); report.MoveNext()) {
         const FieldValue finding = report.Value(0);
         if (const auto* text = std::get_if<CString>(&finding); text != nullptr && *text != u"ok"_s) {
@@ -51,13 +56,8 @@ QStringList CheckSqliteFile(const QString& path) {
 
 void RequireSoundSqliteFile(const CString& path, CheckLimits limits) {
     try {
-        sqlite3* handle = nullptr;
-        const int result = OpenSqliteFile(path, &handle, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX);
-        const std::unique_ptr<sqlite3, SqliteCloser> database(handle);
-        if (result != SQLITE_OK) {
-            throw ProviderError(QString::fromLatin1(sqlite3_errstr(result)));
-        }
-        RequireSound(handle, limits);
+        const auto database = OpenForReading(path);
+        RequireSound(database.get(), limits);
     } catch (const ProviderError& error) {
         if (limits.AreReached()) {
             throw ProviderError(u"数据库文件检查超时"_s);
